@@ -1,0 +1,154 @@
+// The numbers of every text that the product shows or records. The texts stand in catalogs/<locale>/*.msg under the
+// same numbers, always in set 1; the numbers are a contract with translated catalogs and never change meaning.
+#pragma once
+
+#include <cstdint>
+
+// "odbc.m": what the administrator and the shared dialogs show.
+namespace Message {
+enum Number : std::uint32_t {
+    // Shared dialogs, and the About form of setup dialogs.
+    kCompanyAddressLine1 = 7300,
+    kCompanyAddressLine2 = 7301,
+    kSetupErrorTitle = 7308,
+    kSetupErrorOk = 7309,
+    kOutOfMemory = 7312,
+    kPermissionDeniedWrite = 7315,
+    kPermissionDeniedRead = 7316,
+
+    // Main window.
+    kWindowTitle = 9002,
+    kApply = 9058,
+    kHelp = 9059,
+    kOk = 9060,
+    kCancel = 9061,
+    kDialogTitle = 9030,
+    kAnswerYes = 9053,
+    kAnswerNo = 9054,
+    kDataSourceFileUnreadable = 9092,
+    kDriverFileUnreadable = 9093,
+
+    // Headers above the columns of every page.
+    kColumnName = 9063,
+    kColumnDriver = 9064,
+    kColumnVersion = 9046,
+    kColumnCompany = 9065,
+    kColumnFile = 9066,
+    kColumnDate = 9067,
+
+    // User DSN page.
+    kUserDsnTab = 9023,
+    kUserDsnHeading = 9000,
+    kUserDsnExplanation = 9024,
+    kAdd = 9006,
+    kRemove = 9022,
+    kConfigure = 9031,
+    kConfigureSelectOne = 9020,
+    kRemoveSelectOne = 9041,
+    kRemoveQuestionBegin = 9016,
+    kRemoveQuestionEnd = 9015,
+    kRemoveFailed = 9021,
+
+    // Calling a driver's setup library.
+    kSetupFailed = 9078,
+    kNoConfigFileDsn = 9079,
+    kSetupLibraryNotLoaded = 9080,
+    kNoConfigDsn = 9098,
+
+    // File DSN page.
+    kFileDsnTab = 9039,
+    kFileDsnExplanation = 9062,
+    kFileDsnAdd = 9009,
+    kFileDsnRemove = 9010,
+    kFileDsnConfigure = 9040,
+    kSetDirectory = 9038,
+    kFileSelection = 9008,
+    kFileList = 9034,
+    kDirectoryList = 9094,
+    kFileRemoveFailed = 9007,
+    kSetDirectoryQuestion = 9047,
+    kFileConfigureSelectOne = 9050,
+    kChooseFileTitle = 9082,
+    kOverwriteQuestion = 9083,
+    kDirectoryNotWritable = 9084,
+    kOverwriteFailed = 9096,
+
+    // Driver chooser and File DSN wizard.
+    kChooserTitle = 9025,
+    kChooserHeading = 9043,
+    kAdvanced = 9044,
+    kChooserAdvancedHint = 9045,
+    kChooserSelectOne = 9027,
+    kFileNameHeading = 9048,
+    kSummaryHeading = 9049,
+    kAdvancedTitle = 9051,
+    kAdvancedHeading = 9052,
+    kTestResultTitle = 9057,
+    kVerifyConnection = 9068,
+    kNext = 9076,
+    kBack = 9077,
+    kFinish = 9081,
+    kDriverHasNoSetup = 9086,
+    kFileNameMissingTitle = 9087,
+    kFileNameMissing = 9088,
+    kSummaryAttributes = 9089,
+    kSummaryFileName = 9090,
+    kTestSucceeded = 9091,
+
+    // Drivers page.
+    kDriversTab = 9003,
+    kDriversHeading = 9011,
+    kDriversExplanation = 9012,
+
+    // Tracing page.
+    kTracingTab = 9004,
+    kBrowse = 9017,
+    kChooseTraceLibraryTitle = 9018,
+    kChooseTraceFileTitle = 9019,
+    kEnableTracing = 9028,
+    kTraceFile = 9032,
+    kTraceLibrary = 9033,
+    kTracingExplanation = 9042,
+    kFilter = 9095,
+    kTraceNotSaved = 9097,
+
+    // About page.
+    kAboutTab = 9005,
+    kAboutHeading = 9069,
+    kColumnDescription = 9070,
+    kAboutExplanation = 9071,
+    kAboutAdministrator = 9072,
+    kAboutCursorLibrary = 9073,
+    kAboutConversionLibrary = 9074,
+    kAboutDriverManager = 9075,
+};
+}  // namespace Message
+
+// "vhutl23.mo": the errors that the support library records.
+namespace LibraryMessage {
+enum Number : std::uint16_t {
+    kNoMemory = 1503,
+    kNoSpace = 1506,
+    kBadDescriptor = 1507,
+    kAccessDenied = 1508,
+    kFileNotFound = 1509,
+    kFileBusy = 1512,
+    kNoLocks = 1514,
+    kNotPermitted = 1519,
+    kFileExists = 1520,
+    kLockDeadlock = 1521,
+    kLockRefused = 1522,
+    kLibraryNotLoadable = 1523,
+    kHelpCaption = 1525,
+    kHelpRootMissing = 1526,
+    kStringNotOwned = 2716,
+    // The shared dialogs record their out-of-memory text under the number it has in "odbc.m".
+    kConfigurationAbandoned = Message::kOutOfMemory,
+    kReadOnlyFile = 30040,
+    kFileError = 30041,
+    kTooManyFiles = 30045,
+    kReadOnlyFileSystem = 30049,
+    kSystemErrorFormat = 30050,
+    kMemoryError = 30190,
+};
+}  // namespace LibraryMessage
