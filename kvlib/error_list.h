@@ -41,7 +41,7 @@ public:
             std::int64_t nativeError);
     // The shared errors; evaluated at compile time, so that they exist before any other static object.
     constexpr explicit KvError(ErrSpecialError kind)
-        : number_(kind == ErrSpecialError::kMemory ? LibraryMessage::kMemoryError : std::uint16_t{0}),
+        : number_(kind == ErrSpecialError::kMemory ? std::uint16_t{LibraryMessage::kMemoryError} : std::uint16_t{0}),
           flags_(static_cast<std::uint8_t>(kStatic | (kind == ErrSpecialError::kMemory ? kOutOfMemory : kDummy))) {}
 
     // Orders by record position, then by state code: 08S01, 01S01, the classes 03 to HZ, others, with IM before
