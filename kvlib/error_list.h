@@ -170,6 +170,8 @@ public:
 private:
     friend class KvErrorKeeper;
 
+    void install(void** slot);
+    void uninstall();
     KvError* element(std::uint64_t index) const;
     KvError* takePendingMemoryError();
 

@@ -1,0 +1,25 @@
+#include "kvlib/critical_section.h"
+
+KvCriticalSection::~KvCriticalSection() {
+    pthread_mutex_destroy(&mutex_);
+}
+
+void KvCriticalSection::lock() {
+    if (locking_) {
+        pthread_mutex_lock(&mutex_);
+    }
+}
+
+void KvCriticalSection::unlock() {
+    if (locking_) {
+        pthread_mutex_unlock(&mutex_);
+    }
+}
+
+void KvCriticalSection::setLocking(bool on) {
+    locking_ = on;
+}
+
+bool KvCriticalSection::isLocking() const {
+    return locking_;
+}
