@@ -1,0 +1,200 @@
+#include "bos/catalog.h"
+
+#include <unicode/ucnv.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "bos/debug_mask.h"
+
+constinit char InstallDirLocation[kInstallDirSize] = "";
+
+// All of these are ready before the first constructor of somebody's static object, which may look up texts.
+constinit KvCriticalSection CritOpen;
+constinit KvCriticalSection CritCatalog;
+constinit nl_catd CatFD = nullptr;
+
+thread_local int IniLockMark::depth_ = 0;
+
+namespace {
+
+// POSIX gives the invalid handle as a cast that no constant expression allows, so a constructor stores it.
+class CatalogStart {
+public:
+    CatalogStart() { CatFD = invalidCatalog(); }
+};
+[[gnu::init_priority(101)]] CatalogStart Start;
+
+constexpr const char* kFallbackLocale = "en_US";
+constexpr int kMessageSet = 1;
+constexpr std::int32_t kLongestWideText = 4096;
+
+// Null when the variable leaves the choice to the next one.
+const char* localeVariable(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr || std::strcmp(value, "C") == 0 ? nullptr : value;
+}
+
+std::string chosenLocale() {
+    const std::string_view current = std::setlocale(LC_MESSAGES, nullptr);
+    if (current != "C") {
+        return current.empty() ? kFallbackLocale : std::string(current);
+    }
+    for (const char* variable : {"LC_MESSAGES", "LANG"}) {
+        if (const char* value = localeVariable(variable)) {
+            return value;
+        }
+    }
+    return kFallbackLocale;
+}
+
+void traceOpening(const char* hinst) {
+    if (!debugEnabled(DebugBit::kCatalog)) {
+        return;
+    }
+    const char* current = std::setlocale(LC_MESSAGES, nullptr);
+    std::printf("OpenStrings: HINST=%s\n", hinst == nullptr ? "(null)" : hinst);
+    std::printf("OpenStrings: Default LC_MESSAGES=%s\n", current);
+    // On purpose the locale of the process once more and not the chosen one, which the path of catopen shows.
+    std::printf("OpenStrings: Using LC_MESSAGES=%s\n", current);
+    std::fflush(stdout);
+}
+
+nl_catd openForLocale(const std::string& file) {
+    const std::string root = std::string(InstallDirLocation) + "/locale/";
+    const auto openIn = [&](const std::string& locale) {
+        return catopen((root + locale + "/LC_MESSAGES/" + file).c_str(), 0);
+    };
+    const nl_catd handle = openIn(chosenLocale());
+    return handle != invalidCatalog() ? handle : openIn(kFallbackLocale);
+}
+
+// Copies at most `size` - 1 bytes and terminates; `size` 0 trusts the buffer.
+std::int32_t copyText(const char* text, char* buffer, std::int32_t size) {
+    if (size < 0) {
+        return 0;
+    }
+    const std::size_t length = std::strlen(text);
+    const std::size_t copied = size == 0 ? length : std::min(length, static_cast<std::size_t>(size) - 1);
+    std::memcpy(buffer, text, copied);
+    buffer[copied] = '\0';
+    return static_cast<std::int32_t>(copied);
+}
+
+std::int32_t lookUp(nl_catd handle, std::uint32_t id, char* buffer, std::int32_t size) {
+    const std::string number = std::to_string(static_cast<std::int32_t>(id));
+    const char* text = number.c_str();
+    if (handle != invalidCatalog()) {
+        text = catgets(handle, kMessageSet, static_cast<int>(id), text);
+    }
+    const std::int32_t length = copyText(text, buffer, size);
+    if (debugEnabled(DebugBit::kCatalog)) {
+        std::printf("LoadStringFromOpenFile: idResource=%s\n", number.c_str());
+        std::printf("LoadStringFromOpenFile: Lookup returns: %s\n", size < 0 ? "" : buffer);
+        std::fflush(stdout);
+    }
+    return length;
+}
+
+// The units written to `result`, or -1.
+std::int32_t toUtf16(const char* text, std::int32_t length, char16_t* result, std::int32_t capacity) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(nullptr, &status), &ucnv_close);
+    if (U_FAILURE(status)) {
+        return -1;
+    }
+    char16_t* end = result;
+    ucnv_toUnicode(converter.get(), &end, result + capacity, &text, text + length, nullptr, /*flush=*/1, &status);
+    return U_FAILURE(status) ? -1 : static_cast<std::int32_t>(end - result);
+}
+
+}  // namespace
+
+nl_catd OpenStrings(const char* hinst, const char* name) {
+    traceOpening(hinst);
+    return openForLocale(name != nullptr ? name : std::string(hinst == nullptr ? "" : hinst) + ".mo");
+}
+
+void CloseStrings(nl_catd handle) {
+    if (handle != invalidCatalog()) {
+        catclose(handle);
+    }
+}
+
+std::int32_t LoadStringFromOpenFile(nl_catd handle, std::uint32_t id, char* buffer, std::int32_t size) {
+    const std::lock_guard hold(CritCatalog);
+    return lookUp(handle, id, buffer, size);
+}
+
+// The trace lines of a lookup name LoadStringFromOpenFile here too: both are one lookup to who reads a trace.
+std::int32_t LoadString(const char* /*hinst*/, std::uint32_t id, char* buffer, std::int32_t size) {
+    const std::lock_guard hold(CritCatalog);
+    return lookUp(CatFD, id, buffer, size);
+}
+
+std::int32_t LoadStringW(const char* hinst, std::uint32_t id, char16_t* buffer, std::int32_t size) {
+    const std::int32_t units = size == 0 ? kLongestWideText : std::min(size, kLongestWideText);
+    char text[kLongestWideText];
+    const std::int32_t length = LoadString(hinst, id, text, units);
+    if (length < 1) {
+        return length;
+    }
+    std::int32_t written = toUtf16(text, length, buffer, units - 1);
+    if (written < 0) {
+        constexpr std::u16string_view kFailed = u"Failed!";
+        written = std::min(static_cast<std::int32_t>(kFailed.size()), units - 1);
+        std::copy_n(kFailed.data(), written, buffer);
+    }
+    buffer[written] = u'\0';
+    return written;
+}
+
+std::int32_t bosLoadResourceDLL(const char* hinst, int /*ignored*/, void* /*ignoredResult*/, std::uint32_t* useCount) {
+    const std::lock_guard hold(CritOpen);
+    if (useCount != nullptr) {
+        ++*useCount;
+    }
+    if (CatFD == invalidCatalog()) {
+        traceOpening(hinst);
+        const nl_catd opened = openForLocale(std::string(hinst == nullptr ? "" : hinst) + ".mo");
+        const std::lock_guard holdLookups(CritCatalog);
+        CatFD = opened;
+    }
+    return 0;
+}
+
+std::int32_t bosFreeResourceDLL(void* /*ignored*/, std::uint32_t* useCount) {
+    const std::lock_guard hold(CritOpen);
+    if (useCount != nullptr && *useCount != 0) {
+        --*useCount;
+    }
+    if (useCount == nullptr || *useCount == 0) {
+        const std::lock_guard holdLookups(CritCatalog);
+        CloseStrings(CatFD);
+        CatFD = invalidCatalog();
+    }
+    return 0;
+}
+
+void bosdllname(char* name) {
+    std::strcat(name, "23");
+}
+
+void openLibraryCatalog() {
+    if (IniLockMark::isSet()) {
+        return;
+    }
+    const std::lock_guard hold(CritOpen);
+    if (CatFD == invalidCatalog()) {
+        char name[] = "vhutl\0\0";
+        bosdllname(name);
+        bosLoadResourceDLL(name, 0, nullptr, nullptr);
+    }
+}

@@ -1,0 +1,221 @@
+#include "bos/file_names.h"
+
+#include <strings.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <random>
+
+#include "bos/debug_mask.h"
+#include "kvlib/error_report.h"
+#include "kvlib/text.h"
+
+namespace {
+
+// The variables that replace a configuration file's path, and when they do.
+struct ConfigurationFile {
+    const char* names[2];  // the second may be null
+    bool anyCase;
+    const char* variables[2];  // the first one that is set counts; the second may be null
+    // For the ODBC files the variable wins over the home directory and the file must exist; for the library's own
+    // files the home directory wins and the variable is the fallback. Both precedences are wanted.
+    bool variableWins;
+};
+
+constexpr ConfigurationFile kConfigurationFiles[] = {
+    {{"ODBC.INI", ".odbc.ini"}, true, {"ODBCINI", "ODBC_INI"}, true},
+    {{"ODBCINST.INI", ".odbcinst.ini"}, true, {"ODBCINST", "ODBCINSTINI"}, true},
+    {{".kvlib.ini", nullptr}, false, {"KVLIB_INI", nullptr}, false},
+    {{".system.defaults", nullptr}, false, {"KV_SYSTEM_INI", nullptr}, false},
+};
+constexpr const ConfigurationFile& kDriverFile = kConfigurationFiles[1];
+
+bool isNameOf(const ConfigurationFile& file, const char* name) {
+    const auto equals = file.anyCase ? strcasecmp : strcmp;
+    for (const char* known : file.names) {
+        if (known != nullptr && equals(name, known) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+const ConfigurationFile* recognise(const char* name) {
+    for (const ConfigurationFile& file : kConfigurationFiles) {
+        if (isNameOf(file, name)) {
+            return &file;
+        }
+    }
+    return nullptr;
+}
+
+const char* overridingValue(const ConfigurationFile& file) {
+    for (const char* variable : file.variables) {
+        const char* value = variable == nullptr ? nullptr : std::getenv(variable);
+        if (value != nullptr) {
+            return value;
+        }
+    }
+    return nullptr;
+}
+
+bool exists(const std::string& path) {
+    return access(path.c_str(), F_OK) == 0;
+}
+
+std::string join(std::string directory, std::string_view name) {
+    if (directory.empty() || directory.back() != '/') {
+        directory += '/';
+    }
+    return directory.append(name);
+}
+
+// Without "HOME" the names stay relative to the current directory.
+std::string inHome(const std::string& name) {
+    const char* home = std::getenv("HOME");
+    return home == nullptr ? name : join(home, name);
+}
+
+int storePath(char* buffer, const std::string& path) {
+    if (path.size() >= kPathSize) {
+        *buffer = '\0';
+        return 1;
+    }
+    strCopy(buffer, path.c_str(), path.size());
+    return 0;
+}
+
+std::string currentDirectory() {
+    char buffer[PATH_MAX];
+    return getcwd(buffer, sizeof buffer) == nullptr ? "." : buffer;
+}
+
+std::string joined(const char* directory, const char* name) {
+    if (directory == nullptr || *directory == '\0' || *name == '/') {
+        return name;
+    }
+    return join(directory, name);
+}
+
+bool hasExtension(const std::string& path) {
+    const std::size_t nameAt = path.rfind('/') == std::string::npos ? 0 : path.rfind('/') + 1;
+    // A leading dot hides a file and begins no extension.
+    return path.find('.', nameAt + 1) != std::string::npos;
+}
+
+std::string temporaryDirectory() {
+    for (const char* variable : {"TMPDIR", "KV_TMPDIR"}) {
+        const char* value = std::getenv(variable);
+        if (value != nullptr && access(value, W_OK | X_OK) == 0) {
+            return value;
+        }
+    }
+    return "/tmp";
+}
+
+}  // namespace
+
+ResolvedName resolveFileName(const std::string& name, bool recogniseNames, bool homeRelative) {
+    const ConfigurationFile* file = recogniseNames ? recognise(name.c_str()) : nullptr;
+    if (file == nullptr && !homeRelative) {
+        return {name};
+    }
+    const bool trace = debugEnabled(DebugBit::kFile);
+    if (trace) {
+        std::printf("bosfopen: Replacing %s ", name.c_str());
+    }
+    ResolvedName resolved{inHome(name)};
+    if (file != nullptr && (file->variableWins || !exists(resolved.path))) {
+        if (const char* value = overridingValue(*file)) {
+            resolved.path = value;
+        }
+    }
+    if (trace) {
+        std::printf("with %s\n", resolved.path.c_str());
+    }
+    if (file != nullptr && file->variableWins && !exists(resolved.path)) {
+        resolved.systemError = errno;
+    }
+    return resolved;
+}
+
+bool isDriverFileName(std::string_view name) {
+    const char* value = std::getenv(kDriverFile.variables[0]);
+    return isNameOf(kDriverFile, std::string(name).c_str()) || (value != nullptr && name == value);
+}
+
+std::string temporaryName() {
+    constexpr std::string_view kCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    std::random_device random;
+    std::uniform_int_distribution<std::size_t> pick(0, kCharacters.size() - 1);
+    const std::string stem = join(temporaryDirectory(), "kv");
+    for (;;) {
+        std::string path = stem;
+        for (int i = 0; i < 8; ++i) {
+            path += kCharacters[pick(random)];
+        }
+        if (!exists(path)) {
+            return path;
+        }
+    }
+}
+
+int boshpath(char* name) try {
+    const char* home = std::getenv("HOME");
+    const char* directory = home != nullptr ? home : std::getenv("KV");
+    const std::string path = join(directory != nullptr ? directory : currentDirectory(), name);
+    return path.size() >= kPathSize ? 1 : storePath(name, path);
+} catch (const std::bad_alloc&) {
+    ramAddMemoryError();
+    return 1;
+}
+
+int bosfpath(char* path, const char* directory, const char* name) try {
+    return storePath(path, joined(directory, name));
+} catch (const std::bad_alloc&) {
+    ramAddMemoryError();
+    return 1;
+}
+
+int bospath(char* path, const char* directory, const char* name, const char* extension) try {
+    const bool trace = debugEnabled(DebugBit::kFile);
+    if (trace) {
+        std::printf("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
+                    extension == nullptr ? "" : extension);
+    }
+    std::string result = joined(directory, name);
+    if (trace) {
+        std::printf("bospath: after bosfpath path:%s\n", result.c_str());
+    }
+    if (extension != nullptr && *extension != '\0' && !hasExtension(result)) {
+        result.append(*extension == '.' ? "" : ".").append(extension);
+    }
+    return storePath(path, result);
+} catch (const std::bad_alloc&) {
+    ramAddMemoryError();
+    return 1;
+}
+
+int bosParseName(const char* path, char* directory, char* name) try {
+    const std::string_view whole = path;
+    const std::size_t slash = whole.rfind('/');
+    const bool hasDirectory = slash != std::string_view::npos;
+    const std::string directoryPart(hasDirectory ? whole.substr(0, slash == 0 ? 1 : slash) : "");
+    const std::string namePart(hasDirectory ? whole.substr(slash + 1) : whole);
+    const bool fits = directoryPart.size() < kPathSize && namePart.size() < kPathSize;
+    if (directory != nullptr) {
+        storePath(directory, fits ? directoryPart : "");
+    }
+    if (name != nullptr) {
+        storePath(name, fits ? namePart : "");
+    }
+    return fits ? 0 : 1;
+} catch (const std::bad_alloc&) {
+    ramAddMemoryError();
+    return 1;
+}
