@@ -1,0 +1,313 @@
+#include "kvlib/error_list.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bos/catalog.h"
+
+namespace {
+
+// Records errors before main and before other static objects of this program are constructed.
+struct EarlyReporter {
+    EarlyReporter() {
+        KvErrorList list;
+        KvErrorKeeper::setErrorList(&list);
+        ramAddMemoryError();
+        text = KvErrorKeeper::getLastError() == nullptr ? "" : KvErrorKeeper::getLastError()->getErrorText();
+        *addError(1) << "ignored";
+        KvErrorKeeper::giveUpErrorList();
+    }
+    std::string text;
+};
+__attribute__((init_priority(102))) EarlyReporter Early;
+
+class ErrorListTest : public testing::Test {
+protected:
+    ErrorListTest() { KvErrorKeeper::setErrorList(&list_); }
+    ~ErrorListTest() override { KvErrorKeeper::giveUpErrorList(); }
+
+    std::vector<int> numbers(const KvErrorList& list) {
+        std::vector<int> result;
+        for (std::uint64_t i = 0; i < list.count(); i++) {
+            result.push_back(list.getNodeAtPos(i)->number());
+        }
+        return result;
+    }
+
+    int owner_ = 0;
+    KvErrorList list_{&owner_};
+};
+
+class KeepAllTest : public ErrorListTest {
+protected:
+    KeepAllTest() { KvErrorKeeper::setErrorList(&all_); }
+    ~KeepAllTest() override { KvErrorKeeper::giveUpErrorList(); }
+
+    KvErrorList all_{nullptr, kErrorListKeepAll};
+};
+
+TEST(SpecialErrors, WorkBeforeMain) {
+    EXPECT_EQ(Early.text, "Out Of Memory");
+    EXPECT_EQ(MemoryError.number(), 30190);
+    EXPECT_FALSE(MemoryError.isWarning());
+    EXPECT_EQ(std::u16string(MemoryError.getErrorTextW()), u"Out Of Memory");
+}
+
+TEST(SpecialErrors, AreNeverChanged) {
+    for (KvError* error : {&MemoryError, &DummyError}) {
+        std::string text = error->getErrorText();
+        *error << "a" << 1L << 2UL << u"b" << KvSubString("c", 1) << KvSubStringW(u"d", 1);
+        error->appendText("more");
+        error->setErrorType(kErrorTypeWarning);
+        error->setState(u"01000");
+        error->setPositions(1, 1);
+        EXPECT_EQ(error->getErrorText(), text);
+        EXPECT_FALSE(error->isWarning());
+        EXPECT_EQ(error->getInterfaceCode()[0], u'\0');
+        EXPECT_EQ(error->recordPosition(), -1);
+    }
+}
+
+TEST(ErrorKeeper, IsHarmlessWithoutAList) {
+    ASSERT_EQ(KvErrorKeeper::currentList(), nullptr);
+    KvError* result = addError(1509, "file %1");
+    EXPECT_EQ(result, &DummyError);
+    *result << "a" << 1L;
+    EXPECT_EQ(KvErrorKeeper::addError(new KvError(1, u"x", 0, 0, 0)), &DummyError);
+    EXPECT_EQ(addWarning(1), &DummyError);
+    ramAddMemoryError();
+    KvErrorKeeper::clearLastError();
+    KvErrorKeeper::setLastErrorType(1);
+    KvErrorKeeper::appendTextToLastError("x");
+    appendTextToErrorAtPos(1, 0);
+    EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), 0);
+    EXPECT_EQ(KvErrorKeeper::getLastNativeError(), 0);
+    EXPECT_EQ(KvErrorKeeper::getOwnerOfList(), nullptr);
+}
+
+TEST(ErrorKeeper, GivingUpNothingStillCountsAUseDown) {
+    ASSERT_EQ(mdsPerThreadInit(), 1);
+    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), nullptr);
+    EXPECT_EQ(mdsGetPerThreadDataAddress(0), nullptr);
+}
+
+TEST(ErrorKeeper, WorksOnAGivenRecord) {
+    KvThreadInfo record;
+    KvErrorList lower;
+    KvErrorList upper;
+    KvErrorKeeper::setErrorList(&lower, &record);
+    KvErrorKeeper::setErrorList(&upper, &record);
+    EXPECT_EQ(record.slots[0], &upper);
+    EXPECT_EQ(KvErrorKeeper::currentList(), nullptr);
+    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(&record), &upper);
+    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(&record), &lower);
+    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(&record), nullptr);
+}
+
+TEST_F(ErrorListTest, ListsFormAStack) {
+    KvErrorList upper;
+    KvErrorKeeper::setErrorList(&upper);
+    addError(1, u"upper");
+    EXPECT_EQ(KvErrorKeeper::getOwnerOfList(), nullptr);
+    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), &upper);
+    EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), 0);
+    EXPECT_EQ(KvErrorKeeper::getOwnerOfList(), &owner_);
+    EXPECT_EQ(upper.getLastError()->number(), 1);
+}
+
+TEST_F(ErrorListTest, TheFirstRealErrorWinsAndWarningsStay) {
+    addWarning(1);
+    addWarning(2);
+    EXPECT_EQ(list_.getErrorsMix(), 3);
+    EXPECT_EQ(list_.isWarningOnly(), 1);
+    addError(3, u"a");
+    KvError* dropped = addError(4, u"b %1");
+    EXPECT_EQ(dropped, &DummyError);
+    *dropped << "still safe";
+    EXPECT_EQ(numbers(list_), (std::vector{1, 2, 3}));
+    EXPECT_EQ(list_.getErrorsMix(), 1);
+    KvErrorKeeper::setLastErrorType(kErrorTypeWarning);
+    EXPECT_EQ(list_.isExistingError(), 0);
+    addDatabaseError(5, -7, "caf\xC3\xA9", kErrorTypeError, kCPUtf8);
+    EXPECT_EQ(KvErrorKeeper::getLastNativeError(), -7);
+    EXPECT_EQ(std::u16string(list_.getLastError()->getErrorTextW()), u"caf\u00E9");
+    EXPECT_STREQ(list_.getLastError()->getErrorText(), "caf\xC3\xA9");
+}
+
+TEST_F(ErrorListTest, MemoryErrorsComeLastAndOnce) {
+    EXPECT_EQ(list_.getErrorsMix(), 0);
+    ramAddMemoryError();
+    EXPECT_EQ(list_.count(), 0U);
+    EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), 30190);
+    EXPECT_EQ(list_.removeLastError(), &MemoryError);
+    EXPECT_EQ(list_.removeLastError(), nullptr);
+    addError(1, u"a");
+    ramAddMemoryError();
+    EXPECT_EQ(list_.count(), 0U) << "it takes the place of the real error";
+    KvErrorKeeper::clearLastError();
+    KvErrorKeeper::clearLastError();
+    EXPECT_EQ(list_.getLastError(), nullptr);
+    EXPECT_EQ(KvErrorKeeper::addError(nullptr), &DummyError);
+    addWarning(2);
+    ramAddMemoryError();
+    EXPECT_EQ(list_.removeFirstError(), &MemoryError);
+    EXPECT_EQ(numbers(list_), std::vector{2});
+}
+
+TEST_F(KeepAllTest, KeepsErrorsBesideAMemoryError) {
+    addError(1, u"a");
+    addError(2, u"b");
+    ramAddMemoryError();
+    EXPECT_EQ(numbers(all_), (std::vector{1, 2}));
+    EXPECT_EQ(all_.getErrorsMix(), 2);
+    EXPECT_EQ(all_.removeLastError(), &MemoryError);
+    std::unique_ptr<KvError> first(all_.removeFirstError());
+    EXPECT_EQ(first->number(), 1);
+}
+
+TEST_F(KeepAllTest, OperationsByPosition) {
+    for (std::uint16_t number = 1; number <= 3; number++) {
+        addError(number, "t");
+    }
+    all_.moveLastErrorToPos(0);
+    EXPECT_EQ(numbers(all_), (std::vector{3, 1, 2}));
+    all_.moveLastErrorToPos(3);
+    all_.setWarningAfterPos(1);
+    EXPECT_EQ(all_.getErrorsMix(), 1);
+    EXPECT_FALSE(all_.getNodeAtPos(1)->isWarning());
+    EXPECT_TRUE(all_.getNodeAtPos(2)->isWarning());
+    all_.setWarningAfterPos(-1);
+    EXPECT_EQ(all_.isWarningOnly(), 1);
+    all_.appendTextStartingAtPos("!", 1);
+    all_.appendTextStartingAtPos(u"?", 2);
+    KvString text;
+    ASSERT_EQ(text.initialize(">"), 0);
+    EXPECT_EQ(all_.concatErrors(text, '|'), 0);
+    EXPECT_EQ(text.view(), ">t|t!|t!?");
+    std::vector<int> walked;
+    for (KvError* error = all_.getFirstNode(); error != nullptr; error = all_.getNextNode()) {
+        walked.push_back(error->number());
+    }
+    EXPECT_EQ(walked, numbers(all_));
+    EXPECT_EQ(all_.getNodeAtPos(3), nullptr);
+}
+
+TEST_F(ErrorListTest, PlacesAreFilledWithEveryKindOfValue) {
+    KvStringW wide;
+    wide.initialize(u"w");
+    *addError(1, u"%1 %2 %3 %4 %5 %6 %7") << "%2" << u"u" << -5L << 18446744073709551615UL << KvSubString("sub", 2)
+                                          << wide << static_cast<const char*>(nullptr);
+    EXPECT_STREQ(list_.getLastError()->getErrorText(), "%2 u -5 18446744073709551615 su w ");
+    list_.getLastError()->setState(u"080010");
+    EXPECT_EQ(std::u16string(list_.getLastError()->getInterfaceCode()), u"08001");
+    KvErrorKeeper::appendTextToLastError(": /x");
+    EXPECT_STREQ(list_.getLastError()->getErrorText(), "%2 u -5 18446744073709551615 su w : /x");
+    EXPECT_EQ(list_.getLastError()->getInterfaceCode()[0], u'\0') << "appending clears the state";
+}
+
+// What one error of the ordering tests is made of; a null state means none.
+struct Made {
+    const char16_t* state;
+    std::int64_t position;
+    std::uint16_t stateNumber;
+
+    std::unique_ptr<KvError> make() const {
+        auto error = std::make_unique<KvError>(std::uint16_t{1}, u"", kErrorTypeError, stateNumber, std::int64_t{0});
+        error->setState(state);
+        error->setPositions(position, -1);
+        return error;
+    }
+};
+
+// A catalog of the library's own name in an install directory of its own.
+class CatalogTest : public ErrorListTest {
+protected:
+    void SetUp() override {
+        char name[] = "/tmp/error_list_test.XXXXXX";
+        ASSERT_NE(mkdtemp(name), nullptr);
+        root_ = name;
+        auto folder = root_ / "locale" / "en_US" / "LC_MESSAGES";
+        std::filesystem::create_directories(folder);
+        std::ofstream(root_ / "texts.msg") << "$ codeset=UTF-8\n$set 1\n1 08S01\n2 01S01\n3 HY001x\n4 IM002\n5 42000\n"
+                                              "6 HZ010\n7 01004\n8 file %1 is missing\n9 9\n10 x\n";
+        std::string command =
+            "gencat " + (folder / "vhutl23.mo").string() + ' ' + (root_ / "texts.msg").string() + " 2>&1";
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        bosFreeResourceDLL(nullptr, nullptr);
+        strCopy(InstallDirLocation, sizeof InstallDirLocation, root_.c_str());
+    }
+    void TearDown() override {
+        bosFreeResourceDLL(nullptr, nullptr);
+        InstallDirLocation[0] = '\0';
+        std::filesystem::remove_all(root_);
+    }
+
+    std::filesystem::path root_;
+};
+
+TEST_F(CatalogTest, TextsByNumberAreOpenedWhenFirstNeeded) {
+    char16_t wide[kLibraryTextSize] = u"old";
+    EXPECT_EQ(winGetString(wide, 8), 18U);
+    EXPECT_EQ(std::u16string(wide), u"file %1 is missing");
+    EXPECT_EQ(winGetString(wide, 77), 0U) << "the number is no text";
+    EXPECT_EQ(wide[0], u'\0');
+    char narrow[kLibraryTextSize] = "old";
+    EXPECT_EQ(winGetString(narrow, 10), 1U);
+    EXPECT_STREQ(narrow, "x");
+    EXPECT_EQ(winGetString(narrow, 4000000000U), 0U);
+    EXPECT_STREQ(narrow, "");
+    *addError(8) << "/etc/odbc.ini";
+    EXPECT_STREQ(list_.getLastError()->getErrorText(), "file /etc/odbc.ini is missing");
+    appendTextToLastError(10);
+    appendTextToErrorAtPos(8, 0);
+    EXPECT_STREQ(list_.getLastError()->getErrorText(), "file /etc/odbc.ini is missingxfile %1 is missing");
+    addWarning(77);
+}
+
+TEST_F(CatalogTest, ErrorsAreOrderedByPositionAndState) {
+    struct Row {
+        Made a;
+        Made b;
+        int expected;
+    };
+    const Row rows[] = {
+        {{u"08S01", 1, 0}, {nullptr, 1, 0}, -1},
+        {{nullptr, 2, 0}, {nullptr, 1, 0}, 1},
+        {{nullptr, 1, 0}, {nullptr, 2, 1}, -1},  // the position counts before the state
+        {{nullptr, -1, 0}, {nullptr, -1, 0}, 0},
+        {{nullptr, 1, 1}, {nullptr, 1, 2}, -1},  // 08S01, 01S01
+        {{nullptr, 1, 2}, {nullptr, 1, 5}, -1},  // 01S01, 42000
+        {{nullptr, 1, 7}, {nullptr, 1, 2}, 1},   // 01004, 01S01
+        {{nullptr, 1, 5}, {nullptr, 1, 3}, 0},   // 42000, HY001: one rank
+        {{nullptr, 1, 6}, {nullptr, 1, 7}, -1},  // HZ010, 01004
+        {{nullptr, 1, 4}, {nullptr, 1, 6}, 1},   // IM002 lies outside 03 to HZ
+        {{nullptr, 1, 4}, {nullptr, 1, 7}, -1},  // but comes first outside
+        {{nullptr, 1, 7}, {nullptr, 1, 4}, 1},
+        {{u"08S01", 1, 0}, {u"42000", 1, 0}, 0},  // the other's explicit state is not looked at
+        {{nullptr, 1, 0}, {u"08S01", 1, 0}, -1},  // and an empty one stands in for it
+        {{u"01000", 1, 1}, {nullptr, 1, 0}, 1},   // an explicit state hides the one by number
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.a.make()->compare(row.b.make().get()), row.expected) << "row " << (&row - rows);
+    }
+}
+
+TEST_F(CatalogTest, AListSortsItsErrorsAndKeepsEqualOnesInOrder) {
+    KvErrorList all(nullptr, kErrorListKeepAll);
+    KvErrorKeeper::setErrorList(&all);
+    for (int row : {7, 5, 3, 1, 4}) {
+        auto stateNumber = static_cast<std::uint16_t>(row);
+        KvErrorKeeper::addError(all.allocError(static_cast<std::uint16_t>(100 + stateNumber), u"", 0, stateNumber, 0));
+    }
+    KvErrorKeeper::giveUpErrorList();
+    EXPECT_EQ(numbers(all), (std::vector{101, 105, 103, 104, 107}));
+}
+
+}  // namespace

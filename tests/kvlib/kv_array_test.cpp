@@ -1,0 +1,211 @@
+#include "kvlib/kv_array.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "catalogs/message_numbers.h"
+#include "kvlib/error_list.h"
+
+namespace {
+
+// An element with a key, a name to tell equal ones apart, and a count of those alive.
+class Item : public KvObject {
+public:
+    Item(int key, char name) : key_(key), name_(name) { alive++; }
+    ~Item() override { alive--; }
+
+    std::int16_t compare(const KvObject* other) const override {
+        return static_cast<std::int16_t>(key_ - static_cast<const Item*>(other)->key_);
+    }
+    char name() const { return name_; }
+    void setKey(int key) { key_ = key; }
+
+    static inline int alive = 0;
+
+private:
+    int key_;
+    char name_;
+};
+
+std::string names(const KvArray& array) {
+    std::string result;
+    for (std::uint64_t i = 0; i < array.count(); i++) {
+        result += array.at(i) == nullptr ? '-' : static_cast<Item*>(array.at(i))->name();
+    }
+    return result;
+}
+
+class KvArrayTest : public testing::Test {
+protected:
+    KvArrayTest() {
+        KvErrorKeeper::setErrorList(&errors_);
+        array_.setFlag(kArrayOwnsElements, true);
+    }
+    ~KvArrayTest() override { KvErrorKeeper::giveUpErrorList(); }
+
+    void fill(std::initializer_list<std::pair<int, char>> items) {
+        for (auto [key, name] : items) {
+            ASSERT_EQ(array_.add(new Item(key, name)), 0);
+        }
+    }
+
+    KvErrorList errors_;
+    KvSortedArray array_;
+};
+
+TEST_F(KvArrayTest, GrowsBySixteenAndByDoubling) {
+    for (int i = 0; i < 17; i++) {
+        ASSERT_EQ(array_.addAtIndex(new Item(i, static_cast<char>('a' + i)), array_.count()), 0);
+        ASSERT_EQ(array_.capacity(), i < 16 ? 16U : 32U);
+    }
+    ASSERT_EQ(array_.increaseSize(0, true), 0);
+    EXPECT_EQ(array_.capacity(), 64U);
+    EXPECT_EQ(names(array_), "abcdefghijklmnopq");
+
+    KvArray doubling;
+    doubling.setGrowthIncrement(0);
+    for (std::uint64_t expected : {1U, 2U, 4U, 4U, 8U}) {
+        ASSERT_EQ(doubling.addAtIndex(nullptr, 0), 0);
+        EXPECT_EQ(doubling.capacity(), expected);
+    }
+}
+
+TEST_F(KvArrayTest, InsertsRemovesAndIgnoresIndexesBeyondTheEnd) {
+    for (char name : {'c', 'b', 'a'}) {
+        array_.addAtIndex(new Item(0, name), 0);
+    }
+    array_.addAtIndex(new Item(0, 'd'), 99);
+    EXPECT_EQ(names(array_), "abcd");
+    std::unique_ptr<KvObject> removed(array_.at(1));
+    array_.removeAtIndex(1);
+    EXPECT_EQ(names(array_), "acd");
+    EXPECT_FALSE(array_.doesExist(removed.get()));
+    EXPECT_TRUE(array_.doesExist(array_.at(2)));
+    array_.deleteAtIndex(0);
+    array_.removeAtIndex(2);
+    array_.deleteAtIndex(7);
+    EXPECT_EQ(names(array_), "cd");
+    EXPECT_EQ(Item::alive, 3);
+}
+
+TEST_F(KvArrayTest, DeletesContentsOnceWhateverStoodInTheSlotsBehind) {
+    array_.setFlag(kArrayWholeCapacity, true);
+    fill({{1, 'a'}, {2, 'b'}});
+    std::unique_ptr<KvObject> removed(array_.at(1));
+    array_.removeAtIndex(1);
+    array_.deleteContents();
+    EXPECT_EQ(array_.count(), 0U);
+    EXPECT_EQ(array_.capacity(), 16U);
+    EXPECT_EQ(Item::alive, 1);
+}
+
+TEST_F(KvArrayTest, InitialSizeHasALimitAndForgetsAnEarlierBuffer) {
+    ASSERT_EQ(array_.setInitialSize(2), 0);
+    KvObject** held = array_.items();
+    ASSERT_EQ(array_.setInitialSize(65535), 0);
+    EXPECT_NE(array_.items(), held);
+    std::free(held);
+    EXPECT_EQ(array_.at(65534), nullptr);
+    EXPECT_EQ(array_.items()[65534], nullptr);
+    EXPECT_EQ(array_.setInitialSize(65536), 1);
+    EXPECT_EQ(array_.capacity(), 65535U);
+    EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), LibraryMessage::kMemoryError);
+    KvArray empty;
+    ASSERT_EQ(empty.setInitialSize(0), 0);
+    ASSERT_EQ(empty.addAtIndex(nullptr, 0), 0);
+    EXPECT_EQ(empty.capacity(), 16U);
+}
+
+TEST_F(KvArrayTest, ImpossibleGrowthIsAMemoryError) {
+    fill({{1, 'a'}});
+    EXPECT_EQ(array_.increaseSize(UINT64_MAX, true), 1);
+    EXPECT_EQ(array_.increaseSize(UINT64_MAX / 8, false), 1);
+    EXPECT_EQ(names(array_), "a");
+    EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), LibraryMessage::kMemoryError);
+}
+
+TEST_F(KvArrayTest, GrowthWithoutPreservingEmptiesEverySlot) {
+    fill({{1, 'a'}, {2, 'b'}});
+    array_.deleteAtIndex(0);
+    delete array_.at(0);
+    ASSERT_EQ(array_.increaseSize(4, false), 0);
+    EXPECT_EQ(array_.capacity(), 20U);
+    EXPECT_EQ(names(array_), "-");
+}
+
+TEST_F(KvArrayTest, ShrinksOwnBuffersOnly) {
+    fill({{1, 'a'}, {2, 'b'}});
+    ASSERT_EQ(array_.shrink(3), 0);
+    EXPECT_EQ(names(array_), "ab-");
+    EXPECT_EQ(array_.capacity(), 3U);
+    ASSERT_EQ(array_.shrink(99), 0);
+    EXPECT_EQ(array_.count(), 3U);
+    array_.deleteContents();
+    array_.setFlag(kArrayOwnsSlots, false);
+    KvObject** held = array_.items();
+    ASSERT_EQ(array_.shrink(0), 0);
+    EXPECT_EQ(array_.items(), held);
+    std::free(held);
+    KvArray owner;
+    ASSERT_EQ(owner.setInitialSize(4), 0);
+    ASSERT_EQ(owner.shrink(0), 0);
+    EXPECT_EQ(owner.items(), nullptr);
+}
+
+TEST_F(KvArrayTest, SortsInWithEqualKeysInOrderOfArrival) {
+    fill({{3, 'd'}, {1, 'a'}, {2, 'b'}, {2, 'c'}});
+    EXPECT_EQ(names(array_), "abcd");
+    for (KvArrayFlag flag : {kArrayInsertionOrder, kArrayInsertionOrder2}) {
+        array_.setFlag(flag, true);
+        fill({{0, 'x'}});
+        array_.setFlag(flag, false);
+    }
+    EXPECT_EQ(names(array_), "abcdxx");
+    array_.realResort();
+    EXPECT_EQ(names(array_), "xxabcd");
+}
+
+TEST_F(KvArrayTest, FindsKeysAndWhereTheyBelong) {
+    struct Row {
+        int key;
+        int found;
+        std::uint64_t index;
+    };
+    Item key(0, '?');
+    std::uint64_t index = 99;
+    EXPECT_EQ(array_.findIndexOf(&key, index), 0);
+    EXPECT_EQ(index, 0U);
+    fill({{10, 'a'}, {20, 'b'}, {20, 'c'}, {20, 'd'}, {30, 'e'}});
+    for (const Row& row :
+         {Row{5, 0, 0}, Row{10, 1, 0}, Row{15, 0, 1}, Row{20, 1, 2}, Row{25, 0, 4}, Row{30, 1, 4}, Row{35, 0, 5}}) {
+        key.setKey(row.key);
+        EXPECT_EQ(array_.findIndexOf(&key, index), row.found) << row.key;
+        EXPECT_EQ(index, row.index) << row.key;
+    }
+    key.setKey(20);
+    EXPECT_EQ(array_.findIndexOfLastKey(&key, 2), 3U);
+    EXPECT_EQ(array_.seqFindIndexOf(&key, index), 1);
+    EXPECT_EQ(index, 1U);
+    key.setKey(21);
+    EXPECT_EQ(array_.seqFindIndexOf(&key, index), 0);
+    EXPECT_EQ(index, 5U);
+}
+
+TEST_F(KvArrayTest, TakesOutDuplicatesInAnyOrder) {
+    array_.setFlag(kArrayInsertionOrder, true);
+    fill({{1, 'a'}, {2, 'b'}, {1, 'c'}, {1, 'd'}});
+    array_.add(array_.at(0));
+    EXPECT_EQ(array_.deleteDuplicates(), 3U);
+    EXPECT_EQ(names(array_), "ab");
+    EXPECT_EQ(Item::alive, 2);
+    std::unique_ptr<Item> twin = std::make_unique<Item>(2, 'x');
+    array_.add(twin.get());
+    EXPECT_EQ(array_.removeDuplicates(), 1U);
+    EXPECT_EQ(Item::alive, 3);
+}
+
+}  // namespace

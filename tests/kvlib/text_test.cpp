@@ -1,0 +1,193 @@
+#include "kvlib/text.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstring>
+
+namespace {
+
+// Katakana SO in Shift-JIS: its trail byte is a backslash.
+constexpr const char* kSo = "\x83\x5C";
+
+// Position of a hit, -1 for none.
+long offset(const char* text, const char* hit) {
+    return hit == nullptr ? -1 : hit - text;
+}
+
+TEST(Text, RawComparisonIsUnsignedAndNormalised) {
+    EXPECT_EQ(BUTMMCMP("\x61", "\xE1", 1), -1);
+    EXPECT_EQ(BUTMMCMP("b", "a", 1), 1);
+    EXPECT_EQ(BUTMMCMP("a", "b", 0), 0);
+    EXPECT_EQ(BUTSTCMP("ab\xFF", "abz"), 1);
+    EXPECT_EQ(BUTSTCMP("ab", "abc"), -1);
+}
+
+TEST(Text, CopiesReturnTheTerminatorAndMoveOverlappingRanges) {
+    char buffer[16];
+    char* end = BUTSTCAT(BUTSTCPY(buffer, "ab") - 1, "cd");
+    EXPECT_STREQ(buffer, "abcd");
+    EXPECT_EQ(end, buffer + 4);
+    BUTMMCPD(buffer + 1, buffer, 5);
+    EXPECT_STREQ(buffer, "aabcd");
+    BUTMEMCP(buffer, buffer + 2, 4);
+    EXPECT_STREQ(buffer, "bcd");
+    EXPECT_EQ(strCopy(buffer, "xyz", std::size_t{2}), buffer + 2);
+    EXPECT_STREQ(buffer, "xy");
+}
+
+TEST(Text, LengthsAtEveryAlignment) {
+    alignas(8) char buffer[24];
+    for (std::size_t start = 0; start < 8; start++) {
+        for (std::size_t length = 0; length < 12; length++) {
+            std::memset(buffer, 'x', sizeof buffer);
+            buffer[start + length] = '\0';
+            EXPECT_EQ(BUTSTLEN(buffer + start), length);
+        }
+    }
+    EXPECT_EQ(strLen(u"a\u00E9\U0001F600"), 4U);
+}
+
+TEST(Text, BoundedCopyAlwaysTerminates) {
+    struct Row {
+        std::size_t size;
+        const char* source;
+        const char* expected;
+    };
+    for (const Row& row :
+         {Row{4, "abcdef", "abc"}, Row{4, "abcd", "abc"}, Row{4, "abc", "abc"}, Row{4, "a", "a"}, Row{1, "abc", ""}}) {
+        char buffer[8];
+        std::memset(buffer, '#', sizeof buffer);
+        strCopy(buffer, row.size, row.source);
+        EXPECT_STREQ(buffer, row.expected) << row.size << ' ' << row.source;
+        EXPECT_EQ(buffer[row.size - 1], '\0');
+        EXPECT_EQ(buffer[row.size], '#') << "wrote behind the buffer";
+    }
+    char untouched = '#';
+    strCopy(&untouched, 0, "abc");
+    EXPECT_EQ(untouched, '#');
+}
+
+TEST(Text, StepsByWholeCharactersAndNeverOverTheEnd) {
+    struct Row {
+        const char* text;
+        kvCPType cp;
+        long step;
+    };
+    const Row rows[] = {{"", kCPShiftJis, 0},      {"a", kCPShiftJis, 1},        {kSo, kCPShiftJis, 2},
+                        {kSo, kCPLocale, 1},       {"\xB1z", kCPShiftJis, 1},  // half-width katakana
+                        {"\xB1z", kCPGbk, 2},      {"\xA4\xA4", kCPBig5, 2},     {"\xB0\xA1", kCPKorean, 2},
+                        {"\x83", kCPShiftJis, 1},  // a lead byte cut off by the end
+                        {"\xC3\xA9z", kCPUtf8, 2}, {"\xE2\x82\xAC", kCPUtf8, 3}, {"\xF0\x9F\x98\x80", kCPUtf8, 4},
+                        {"\xE2\x82", kCPUtf8, 1},  // cut off
+                        {"\xC3(", kCPUtf8, 1},     // malformed
+                        {"\xC0\x80", kCPUtf8, 1}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(offset(row.text, kvCharNext(row.text, row.cp)), row.step) << row.text << " in " << row.cp;
+    }
+    // In counted text the limit ends a character and a zero byte does not end the text.
+    EXPECT_EQ(offset(kSo, kvCharNext(kSo, kSo + 1, kCPShiftJis)), 1);
+    const char zero[2] = {'\0', 'a'};
+    EXPECT_EQ(offset(zero, kvCharNext(zero, zero + 2, kCPShiftJis)), 1);
+}
+
+TEST(Text, Finding) {
+    struct Row {
+        const char* text;
+        const char* sub;
+        kvCPType cp;
+        long first;
+        long last;  // of the single byte, when sub is one
+    };
+    const Row rows[] = {{"a=b=c", "=", kCPLocale, 1, 3},     {"abc", "x", kCPLocale, -1, -1},
+                        {"", "x", kCPLocale, -1, -1},        {"\x83\x5C", "\\", kCPShiftJis, -1, -1},
+                        {"\x83\x5C", "\\", kCPLocale, 1, 1}, {"\x83\x5C\\\x83\x5C", "\\", kCPShiftJis, 2, 2},
+                        {"ends=", "=", kCPLocale, 4, 4},     {"aab", "ab", kCPLocale, 1, 0},
+                        {"ab", "abc", kCPLocale, -1, 0},     {"ab", "", kCPLocale, -1, 0},
+                        {"abab", "ab", kCPLocale, 0, 0},     {"\x83\x61z", "az", kCPShiftJis, -1, 0}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(offset(row.text, strFind(row.text, row.sub, row.cp)), row.first) << row.text << ' ' << row.sub;
+        if (BUTSTLEN(row.sub) == 1) {
+            EXPECT_EQ(offset(row.text, strFind(row.text, row.sub[0], row.cp)), row.first) << row.text;
+            EXPECT_EQ(offset(row.text, strFindReverse(row.text, row.sub[0], row.cp)), row.last) << row.text;
+        }
+    }
+    EXPECT_EQ(strFind("abcd", 3, "cd", 2, kCPLocale), nullptr) << "a hit must lie within the counted text";
+    const char zeros[] = {'a', '\0', 'b'};
+    EXPECT_EQ(offset(zeros, strFind(zeros, 3, "b", 1, kCPLocale)), 2);
+}
+
+TEST(Text, RightTrim) {
+    struct Row {
+        const char* text;
+        kvCPType cp;
+        const char* expected;
+    };
+    for (const Row& row : {Row{"ab  ", kCPLocale, "ab"}, Row{" \t\r\n\v\f", kCPLocale, ""}, Row{"", kCPLocale, ""},
+                           Row{" a b\t", kCPLocale, " a b"}, Row{"a\xA0", kCPLocale, "a\xA0"},
+                           Row{"\x83\x20 ", kCPShiftJis, "\x83\x20"}}) {
+        char buffer[16];
+        strCopy(buffer, sizeof buffer, row.text);
+        strRightTrim(buffer, row.cp);
+        EXPECT_STREQ(buffer, row.expected);
+    }
+}
+
+TEST(Text, CaseInsensitiveComparison) {
+    struct Row {
+        const char* a;
+        const char* b;
+        kvCPType cp;
+        int expected;
+    };
+    for (const Row& row : {Row{"abc", "ABD", kCPLocale, -1}, Row{"abc", "ABC", kCPLocale, 0}, Row{"", "", kCPLocale, 0},
+                           Row{"ab", "a", kCPLocale, 1}, Row{"a", "AB", kCPLocale, -1}, Row{"_", "a", kCPLocale, 1},
+                           Row{"a\xE4", "a\xC4", kCPLocale, 1},            // no characters before setlocale
+                           Row{"x\x83\x61", "X\x83\x41", kCPShiftJis, 1},  // trail bytes are not letters
+                           Row{"x\x83\x61", "X\x83\x41", kCPLocale, 0},    // but they are when read by bytes
+                           Row{"\x83\x41z", "\x83\x41Z", kCPShiftJis, 0}, Row{"\x83\x41", "\x83", kCPShiftJis, 1},
+                           Row{"\x83\x41", "", kCPShiftJis, 1}, Row{"\xC3\xA9", "\xC3\x89", kCPUtf8, 1}}) {
+        EXPECT_EQ(strCompareCi(row.a, row.b, row.cp), row.expected) << row.a << " against " << row.b;
+    }
+}
+
+TEST(Text, UpperCaseFollowsTheLocaleAndKeepsTheLength) {
+    auto upper = [](std::string text) {
+        strUpper(text.data());
+        return text;
+    };
+    EXPECT_EQ(upper("Driver=x1"), "DRIVER=X1");
+    EXPECT_EQ(upper("\xC3\xA9"), "\xC3\xA9") << "before setlocale";
+    std::string before = std::setlocale(LC_CTYPE, nullptr);
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+    EXPECT_EQ(upper("caf\xC3\xA9 z"), "CAF\xC3\x89 Z");
+    EXPECT_EQ(upper("\xC4\xB1 \xC3\x9F"), "\xC4\xB1 \xC3\x9F") << "dotless i would need one byte less";
+    EXPECT_EQ(upper("a\xE9z \xE2\x82"), "A\xE9Z \xE2\x82") << "malformed bytes";
+    std::setlocale(LC_CTYPE, before.c_str());
+}
+
+TEST(Text, ConversionBothWays) {
+    struct Row {
+        kvCPType cp;
+        std::string bytes;
+        std::u16string wide;
+    };
+    const std::string longBytes(5000, 'x');
+    const Row rows[] = {{kCPUtf8, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
+                        {kCPUtf8, longBytes + "\xC3\xA9", std::u16string(5000, u'x') + u"\u00E9"},
+                        {kCPUtf8, std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
+                        {kCPShiftJis, "\x83\x5C\xB1", u"\u30BD\uFF71"},
+                        {kCPGbk, "\xD6\xD0", u"\u4E2D"},
+                        {kCPKorean, "\xB0\xA1", u"\uAC00"},
+                        {kCPBig5, "\xA4\xA4", u"\u4E2D"},
+                        {kCPLocale, "plain", u"plain"},
+                        {kCPUtf8, "", u""}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(toUtf16(row.bytes, row.cp), row.wide) << row.cp;
+        EXPECT_EQ(fromUtf16(row.wide, row.cp), row.bytes) << row.cp;
+    }
+    EXPECT_EQ(toUtf16("a\xFF\x62\xE2\x82", kCPUtf8), u"a\uFFFDb\uFFFD") << "malformed inside and cut off at the end";
+    EXPECT_EQ(fromUtf16(u"\U0001F600z", kCPShiftJis).back(), 'z') << "what the page lacks is replaced";
+}
+
+}  // namespace
