@@ -1,0 +1,54 @@
+#include "bos/install_dir.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+
+#include "bos/catalog.h"
+#include "kvlib/profile.h"
+#include "kvlib/text.h"
+
+namespace {
+
+constexpr const char* kSection = "ODBC";
+constexpr const char* kEntry = "InstallDir";
+
+void findDirectory(char (&directory)[kInstallDirSize]) {
+    if (const char* value = std::getenv("VH_INSTALLDIR")) {
+        strCopy(directory, sizeof directory, value);
+    } else {
+        kvGetProfileString(kSection, kEntry, "", directory, sizeof directory, ".odbc.ini");
+    }
+    if (*directory == '\0') {
+        kvGetPrivateProfileString(kSection, kEntry, "", directory, sizeof directory, ".odbcinst.ini");
+    }
+}
+
+// The first character counts as no white space, whatever it is; a "/" goes even when it is the first.
+void trim(char* directory) {
+    std::size_t last = std::strlen(directory);
+    if (last == 0) {
+        return;
+    }
+    for (--last; last > 0 && kvIsWhiteSpace(directory[last], kCPLocale); --last) {
+        directory[last] = '\0';
+    }
+    if (directory[last] == '/') {
+        directory[last] = '\0';
+    }
+}
+
+}  // namespace
+
+std::uint32_t bosSetInstallDir(const char* dir) {
+    char directory[kInstallDirSize] = "";
+    const std::lock_guard hold(CritOpen);
+    if (dir != nullptr) {
+        strCopy(directory, sizeof directory, dir);
+    } else {
+        findDirectory(directory);
+    }
+    trim(directory);
+    strCopy(InstallDirLocation, sizeof InstallDirLocation, directory);
+    return *InstallDirLocation == '\0' ? 1 : 0;
+}

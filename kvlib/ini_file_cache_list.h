@@ -1,0 +1,29 @@
+// The INI files of a task: users of one file share one cache.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "kvlib/critical_section.h"
+#include "kvlib/ini_file_cache.h"
+#include "kvlib/kv_array.h"
+
+// The caches of a task, one per resolved path.
+class KvIniFileCacheList {
+public:
+    KvIniFileCacheList();
+
+    // The cache of the file that `name` leads to, shared with its other users or loaded with `flags` now; null with the
+    // reason recorded when there is no such file. A configuration file of the ODBC environment must exist, whatever
+    // the flags. The list owns the cache; the caller hands it back with close.
+    KvIniFileCache* open(const char* name, std::uint32_t flags);
+
+    // Takes back one open; the last one destroys the cache. Null is ignored.
+    void close(KvIniFileCache* cache);
+
+private:
+    KvIniFileCache* findShared(std::string_view path) const;
+
+    KvSemaphore lock_;  // taken before a cache's lock
+    KvArray caches_;    // in the order of creation
+};
