@@ -1,0 +1,18 @@
+// The About page: the components of the ODBC installation. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+extern Widget FrmAbout;
+extern Widget LblAbtDesc;
+extern Widget LblAbtVersion;
+extern Widget LblSAbtFile;
+extern Widget LstAbtDesc;
+extern Widget LstAbtVersion;
+extern Widget LstAbtFile;
+
+// Builds the page, unmanaged; its tab belongs to the main window.
+Widget createAboutForm(Widget notebook, int pageNumber);
+
+// Keeps the selected row of the three lists in step.
+void AboutTabItemSelected(Widget list, XtPointer clientData, XtPointer callData);

@@ -1,0 +1,38 @@
+// The administrator's dialogs: one factory, and the reports that every page uses. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+#include <string>
+
+#include "catalogs/message_numbers.h"
+
+// A message box on the main window, unmanaged; kinds as in motifutil/message_dialog.h. `cancelLabel` is "" for a box with
+// one button. Callers store it in `Mdialog`.
+Widget createMessageDialogAdmin(short kind, const char* message, const char* okLabel, const char* cancelLabel,
+                                const char* title);
+
+// Shows a box with one button, titled as the program, and keeps it in `Mdialog`.
+void showInformation(Message::Number text);
+void showError(Message::Number text);
+
+// Shows a question, titled as the program, and keeps it in `Mdialog`. `accepted` is called with `clientData` when the
+// person agrees; `discarded`, when not null, is called with it once the question is gone, answered or replaced, so that it
+// can free `clientData`.
+void askQuestion(const std::string& question, XtCallbackProc accepted, XtPointer clientData,
+                 XtCallbackProc discarded = nullptr);
+
+// Frees the globals and shows the out-of-memory box; the caller returns at once.
+void showOutOfMemoryErrorAdmin();
+
+// Reports that the driver file could not be read. The program goes on.
+void showODBCINSTError();
+
+// Reports that the data source file could not be read; the program ends when the person has seen it. Unlike the driver
+// file it is what the program is there to edit: going on with half of it read could lose the other half.
+void showODBCINIError();
+
+// The buttons of the main window that end the program or keep its settings.
+void btnOK_activate(Widget widget, XtPointer clientData, XtPointer callData);
+void btnCancel_activate(Widget widget, XtPointer clientData, XtPointer callData);
+void btnApply_activate(Widget widget, XtPointer clientData, XtPointer callData);

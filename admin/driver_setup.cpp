@@ -1,0 +1,80 @@
+#include "admin/driver_setup.h"
+
+#include <dlfcn.h>
+
+#include <memory>
+#include <optional>
+
+#include "admin/dialogs.h"
+#include "admin/globals.h"
+#include "bos/library.h"
+#include "installer/configuration.h"
+#include "kvlib/error_list.h"
+
+ConfigDsnFunction ConfigureDSN = nullptr;
+ConfigFileDsnFunction ConfigFileDSN = nullptr;
+
+namespace {
+
+// Collects what is recorded while a setup library is located, loaded and run. Nobody shows it: the dialog names the class
+// of the failure. It is given up even when an exception passes through the driver's code.
+class PrivateErrorList {
+public:
+    PrivateErrorList() : list_(nullptr, 0) { KvErrorKeeper::setErrorList(&list_); }
+    ~PrivateErrorList() {
+        KvErrorKeeper::giveUpErrorList();
+        list_.deleteContents();
+    }
+    PrivateErrorList(const PrivateErrorList&) = delete;
+    PrivateErrorList& operator=(const PrivateErrorList&) = delete;
+
+private:
+    KvErrorList list_;
+};
+
+struct LibraryCloser {
+    void operator()(void* handle) const { dlclose(handle); }
+};
+
+template <typename Function>
+Function findFunction(void* library, const char* name) {
+    return reinterpret_cast<Function>(dlsym(library, name));
+}
+
+// What went wrong, or nothing.
+std::optional<Message::Number> callSetup(void* library, short request, const char* driverName, const char* attributes,
+                                         short dsnKind, const char* fileName) {
+    const auto code = static_cast<unsigned short>(request);
+    int succeeded = 0;
+    if (dsnKind == kFileDataSource) {
+        ConfigFileDSN = findFunction<ConfigFileDsnFunction>(library, "ConfigFileDSN");
+        if (ConfigFileDSN == nullptr) {
+            return Message::kNoConfigFileDsn;
+        }
+        succeeded = ConfigFileDSN(ShODBCAdmin, code, driverName, attributes, fileName);
+    } else {
+        ConfigureDSN = findFunction<ConfigDsnFunction>(library, "ConfigDSN");
+        if (ConfigureDSN == nullptr) {
+            return Message::kNoConfigDsn;
+        }
+        succeeded = ConfigureDSN(ShODBCAdmin, code, driverName, attributes);
+    }
+    return succeeded != 0 ? std::nullopt : std::optional(Message::kSetupFailed);
+}
+
+}  // namespace
+
+void callDynamic(const char* setupLibrary, short request, const char* driverName, const char* attributes, short dsnKind,
+                 const char* fileName) {
+    const PrivateErrorList errors;
+    const std::unique_ptr<void, LibraryCloser> library(bosLoadLibrary(setupLibrary, 0));
+    const std::optional<Message::Number> failure =
+        library ? callSetup(library.get(), request, driverName, attributes, dsnKind, fileName)
+                : Message::kSetupLibraryNotLoaded;
+    if (failure) {
+        showError(*failure);
+    }
+    // The driver may have changed the mode, and the files.
+    installer::useUserConfiguration();
+    installer::forgetCachedValues();
+}

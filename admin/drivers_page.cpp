@@ -1,0 +1,115 @@
+#include "admin/drivers_page.h"
+
+#include <Xm/ScrollBar.h>
+
+#include <new>
+#include <string>
+
+#include "admin/columns.h"
+#include "admin/dialogs.h"
+#include "admin/lists.h"
+#include "installer/configuration.h"
+#include "motifutil/widgets.h"
+
+Widget FrmDrivers = nullptr;
+Widget FormDrivers = nullptr;
+Widget LbColName = nullptr;
+Widget LbColVersion = nullptr;
+Widget LbColCompany = nullptr;
+Widget LbColFile = nullptr;
+Widget LbColDate = nullptr;
+Widget LstName = nullptr;
+Widget LstVersion = nullptr;
+Widget LstCompany = nullptr;
+Widget LstFile = nullptr;
+Widget LstDate = nullptr;
+
+namespace {
+
+Widget DriverLists = nullptr;
+
+std::vector<Column> columns() {
+    return {{LstName, LbColName},
+            {LstVersion, LbColVersion},
+            {LstCompany, LbColCompany},
+            {LstFile, LbColFile},
+            {LstDate, LbColDate}};
+}
+
+void fitToView() {
+    fitColumns(columns(), viewWidth(DriverLists));
+}
+
+}  // namespace
+
+Widget createDriversPage(Widget notebook, int pageNumber) {
+    FrmDrivers = createPage(notebook, "FrmDrivers", pageNumber);
+    Widget heading = createLabel(FrmDrivers, "LbDDesc", Message::kDriversHeading);
+    Attach(heading).topForm(12).leftForm(12);
+
+    FormDrivers = createForm(FrmDrivers, "FormDrivers");
+    Attach(FormDrivers).below(heading, 0).leftForm().rightForm().bottomForm();
+    Widget explanation = createReadOnlyText(FormDrivers, "TxtDriversDesc", Message::kDriversExplanation, 2);
+
+    Widget headers = createHeaderWindow(FormDrivers, "scrolledWin1");
+    Widget headerForm = createForm(headers, "frmLabel");
+    LbColName = createLabel(headerForm, "LbColName", Message::kColumnName);
+    LbColVersion = createLabel(headerForm, "LbColVersion", Message::kColumnVersion);
+    LbColCompany = createLabel(headerForm, "LbColCompany", Message::kColumnCompany);
+    LbColFile = createLabel(headerForm, "LbColFile", Message::kColumnFile);
+    LbColDate = createLabel(headerForm, "LbColDate", Message::kColumnDate);
+
+    DriverLists = createScrolledWindow(FormDrivers, "scrolledWin2");
+    Widget table = createForm(DriverLists, "FrmTable");
+    LstName = createList(table, "LstName", DriversTabEntrySelected, nullptr);
+    LstVersion = createList(table, "LstVersion", DriversTabEntrySelected, nullptr);
+    LstCompany = createList(table, "LstCompany", DriversTabEntrySelected, nullptr);
+    LstFile = createList(table, "LstFile", DriversTabEntrySelected, nullptr);
+    LstDate = createList(table, "LstDate", DriversTabEntrySelected, nullptr);
+    onHorizontalScroll(DriverLists, synchonizeScrollDT);
+
+    placeTable({FormDrivers, nullptr, headers, DriverLists, explanation, {}});
+    setSizePosForDriversWidgets(LstName, LstVersion, LstCompany, LstFile, LstDate, LbColName, LbColVersion,
+                                LbColCompany, LbColFile, LbColDate);
+    onResize(DriverLists, fitToView);
+    return FrmDrivers;
+}
+
+void populateDriverInfo(Widget nameList, Widget fileList, Widget versionList, Widget companyList, Widget dateList) {
+    try {
+        installer::forgetCachedValues();
+        const installer::NameList drivers = installer::listDrivers();
+        if (drivers.length == 0) {
+            showODBCINSTError();
+        }
+        if (drivers.names.empty()) {
+            for (Widget list : {nameList, fileList, versionList, companyList, dateList}) {
+                XtVaSetValues(list, XmNwidth, 100, XmNheight, 25, nullptr);
+            }
+            return;
+        }
+        RowArray names(drivers.names);
+        sortList(names.strings(), static_cast<short>(names.count()));
+        populateList(nameList, names.strings(), names.count());
+    } catch (const std::bad_alloc&) {
+        showOutOfMemoryErrorAdmin();
+    }
+}
+
+void setSizePosForDriversWidgets(Widget nameList, Widget versionList, Widget companyList, Widget fileList,
+                                 Widget dateList, Widget nameHeader, Widget versionHeader, Widget companyHeader,
+                                 Widget fileHeader, Widget dateHeader) {
+    placeColumns({{nameList, nameHeader},
+                  {versionList, versionHeader},
+                  {companyList, companyHeader},
+                  {fileList, fileHeader},
+                  {dateList, dateHeader}});
+}
+
+void DriversTabEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    selectSameRow(list, {LstName, LstVersion, LstCompany, LstFile, LstDate});
+}
+
+void synchonizeScrollDT(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
+    scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value);
+}

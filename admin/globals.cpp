@@ -1,0 +1,57 @@
+#include "admin/globals.h"
+
+#include <cstdlib>
+
+#include "bos/catalog.h"
+
+XtAppContext app_context = nullptr;
+Display* display = nullptr;
+Widget ShODBCAdmin = nullptr;
+unsigned char CurrentSelectedTab = 'U';
+Widget Fdialog = nullptr;
+char* CurrentDriver = nullptr;
+char* FileDSNName = nullptr;
+char* DsnInfo = nullptr;
+short DsnType = kUserDataSource;
+KvString TempStr;
+
+namespace {
+
+void destroyWidget(Widget& widget) {
+    if (widget != nullptr) {
+        XtDestroyWidget(widget);
+        widget = nullptr;
+    }
+}
+
+void freeText(char*& text) {
+    std::free(text);
+    text = nullptr;
+}
+
+}  // namespace
+
+void freeGlobals() {
+    destroyWidget(Mdialog);
+    destroyWidget(Fdialog);
+    freeText(CurrentDriver);
+    freeText(FileDSNName);
+    freeText(DsnInfo);
+    if (Rfile != nullptr) {
+        CloseStrings(Rfile);
+        // A report that is shown from here on finds no catalog and shows numbers, instead of reading freed memory.
+        Rfile = kNoCatalog;
+    }
+}
+
+const char* getFileVersionString() {
+    return kAdministratorVersion;
+}
+
+const char16_t* getFileVersionStringW() {
+    return u"05.30.0002 (B0023, U0021)";
+}
+
+const char* getCompanyNameString() {
+    return "Varnholt Technologies";
+}

@@ -1,0 +1,111 @@
+#include "admin/lists.h"
+
+#include <Xm/List.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "kvlib/text.h"
+#include "motifutil/widgets.h"
+
+namespace {
+
+void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
+    std::vector<XmString> items;
+    items.reserve(rows.size() + 1);
+    for (const XmStringPtr& row : rows) {
+        items.push_back(row.get());
+    }
+    items.push_back(nullptr);
+    const int count = static_cast<int>(rows.size());
+    // Motif refuses to show no row at all.
+    XtVaSetValues(list, XmNitemCount, count, XmNitems, items.data(), XmNvisibleItemCount, std::max(count, 1), nullptr);
+}
+
+}  // namespace
+
+void populateList(Widget list, char** strings, int count) {
+    std::vector<XmStringPtr> rows;
+    for (int i = 0; i < count; ++i) {
+        const bool isEmpty = strings[i] == nullptr || strings[i][0] == '\0';
+        rows.push_back(compoundString(isEmpty ? " " : strings[i]));
+    }
+    setItems(list, rows);
+}
+
+void populateList(Widget list, const FixedRow* rows, int count) {
+    std::vector<XmStringPtr> items;
+    for (int i = 0; i < count; ++i) {
+        items.push_back(compoundString(rows[i].data()));
+    }
+    setItems(list, items);
+}
+
+void FreeListMemory(char** strings, int count) {
+    if (strings == nullptr) {
+        return;
+    }
+    std::for_each_n(strings, std::max(count, 0), [](char* text) { std::free(text); });
+    std::free(strings);
+}
+
+void sortList(char** strings, short count) {
+    for (short i = 0; i < count; ++i) {
+        for (int j = i + 1; j < count; ++j) {
+            if (strCompareCi(strings[i], strings[j]) > 0) {
+                std::swap(strings[i], strings[j]);
+            }
+        }
+    }
+}
+
+RowArray::RowArray(const std::vector<std::string>& rows)
+    : strings_(static_cast<char**>(std::calloc(rows.size() + 1, sizeof(char*)))), count_(0) {
+    if (strings_ == nullptr) {
+        throw std::bad_alloc();
+    }
+    for (const std::string& row : rows) {
+        strings_[count_] = strdup(row.c_str());
+        if (strings_[count_] == nullptr) {
+            FreeListMemory(strings_, count_);
+            throw std::bad_alloc();
+        }
+        ++count_;
+    }
+}
+
+std::optional<int> selectedRow(Widget list) {
+    int count = 0;
+    int* positions = nullptr;
+    XtVaGetValues(list, XmNselectedPositionCount, &count, XmNselectedPositions, &positions, nullptr);
+    return count == 1 ? std::optional(positions[0]) : std::nullopt;
+}
+
+std::string rowText(Widget list, int position) {
+    int count = 0;
+    XmStringTable items = nullptr;
+    XtVaGetValues(list, XmNitemCount, &count, XmNitems, &items, nullptr);
+    return position >= 1 && position <= count ? plainText(items[position - 1]) : std::string();
+}
+
+void selectSameRow(Widget source, const std::vector<Widget>& lists) {
+    const std::optional<int> row = selectedRow(source);
+    for (Widget list : lists) {
+        if (list != source) {
+            XmListDeselectAllItems(list);
+            if (row) {
+                XmListSelectPos(list, *row, False);
+            }
+        }
+    }
+}
+
+void deleteRow(Widget list, int position) {
+    XmListDeletePos(list, position);
+    int count = 0;
+    XtVaGetValues(list, XmNitemCount, &count, nullptr);
+    XtVaSetValues(list, XmNvisibleItemCount, std::max(count, 1), nullptr);
+}

@@ -1,0 +1,52 @@
+// Parallel lists: row i of every list tells of the same thing. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Fills a list with `count` rows; an empty or null row is shown as one blank, so that it can be selected. As many rows are
+// visible as there are: the scrolled window around the list scrolls, not the list.
+void populateList(Widget list, char** strings, int count);
+
+// The same for rows in fixed buffers; an empty row stays an empty item.
+using FixedRow = std::array<char, 1024>;
+void populateList(Widget list, const FixedRow* rows, int count);
+
+// Frees every non-null element (from malloc), then the array itself. A null array is ignored; with a count of zero or less
+// only the array is freed.
+void FreeListMemory(char** strings, int count);
+
+// Sorts in place, ascending, without regard to case, by exchanging: each position is compared with every later one. The
+// order of names that compare equal follows from the exchanges and is what people know from their lists.
+void sortList(char** strings, short count);
+
+// Rows for populateList() that are freed with FreeListMemory() when they go out of scope.
+class RowArray {
+public:
+    explicit RowArray(const std::vector<std::string>& rows);
+    ~RowArray() { FreeListMemory(strings_, count_); }
+    RowArray(const RowArray&) = delete;
+    RowArray& operator=(const RowArray&) = delete;
+    char** strings() { return strings_; }
+    int count() const { return count_; }
+    std::string operator[](int index) const { return strings_[index]; }
+
+private:
+    char** strings_;
+    int count_;
+};
+
+// The position, from 1, of the selected row, when exactly one is selected.
+std::optional<int> selectedRow(Widget list);
+// The text of the row at `position`, from 1; empty when there is no such row.
+std::string rowText(Widget list, int position);
+
+// Deletes the row at `position`, from 1, and shows one row less.
+void deleteRow(Widget list, int position);
+
+// Selects the selected row of `source` in every list, without notification.
+void selectSameRow(Widget source, const std::vector<Widget>& lists);

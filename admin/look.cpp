@@ -1,0 +1,97 @@
+#include "admin/look.h"
+
+namespace {
+
+// All begin with "*": the display is opened without an application class. Selected rows are light, because Xft text in a
+// list keeps its ink when it is selected.
+const char* const kFallbackResources[] = {
+    "*renderTable: uif",
+    "*uif.fontType: FONT_IS_XFT",
+    "*uif.fontName: DejaVu Sans",
+    "*uif.fontSize: 10",
+    "*background: #eceff1",
+    "*foreground: #1f2a33",
+    "*shadowThickness: 1",
+    "*highlightThickness: 1",
+    "*highlightColor: #2f6db5",
+    "*highlightBackground: #eceff1",
+
+    "*XmPushButton.marginWidth: 10",
+    "*XmPushButton.marginHeight: 5",
+    "*XmPushButton.defaultButtonShadowThickness: 0",
+    "*XmTextField.background: #ffffff",
+    "*XmText.background: #ffffff",
+    "*XmTextField.marginHeight: 4",
+    "*XmToggleButton.selectColor: #2f6db5",
+    "*XmToggleButton.indicatorSize: 14",
+
+    "*XmList.background: #ffffff",
+    "*XmList.selectColor: #cfe2f6",
+    "*XmList.listMarginWidth: 6",
+    "*XmList.listMarginHeight: 4",
+    "*XmList.listSpacing: 3",
+    "*FormLists*shadowThickness: 0",
+    "*FormLists*highlightThickness: 0",
+    "*FrmTable*shadowThickness: 0",
+    "*FrmTable*highlightThickness: 0",
+    "*frmLists*shadowThickness: 0",
+    "*frmLists*highlightThickness: 0",
+    "*FormAboutLists*shadowThickness: 0",
+    "*FormAboutLists*highlightThickness: 0",
+    "*FormLists.background: #ffffff",
+    "*FrmTable.background: #ffffff",
+    "*frmLists.background: #ffffff",
+    "*FormAboutLists.background: #ffffff",
+    "*ClipWindow.background: #ffffff",
+    "*XmScrolledWindow.spacing: 0",
+    "*XmScrollBar.width: 14",
+    "*XmScrollBar.troughColor: #dde3e7",
+
+    "*FormLabels.XmLabel.marginWidth: 6",
+    "*FormLabels*background: #e1e7eb",
+    "*FormLabels.resizePolicy: RESIZE_NONE",
+    "*frmLabel.XmLabel.marginWidth: 6",
+    "*frmLabel*background: #e1e7eb",
+    "*frmLabel.resizePolicy: RESIZE_NONE",
+    "*FormAboutLabels.XmLabel.marginWidth: 6",
+    "*FormAboutLabels*background: #e1e7eb",
+    "*FormAboutLabels.resizePolicy: RESIZE_NONE",
+    "*ScrWinLabels.topShadowColor: #c3ccd3",
+    "*ScrWinLabels.bottomShadowColor: #c3ccd3",
+    "*ScrWinLabels.background: #e1e7eb",
+    "*scrolledWin1.topShadowColor: #c3ccd3",
+    "*scrolledWin1.bottomShadowColor: #c3ccd3",
+    "*scrolledWin1.background: #e1e7eb",
+    "*scrWinDPLabel.topShadowColor: #c3ccd3",
+    "*scrWinDPLabel.bottomShadowColor: #c3ccd3",
+    "*scrWinDPLabel.background: #e1e7eb",
+    "*ScrAboutLabels.topShadowColor: #c3ccd3",
+    "*ScrAboutLabels.bottomShadowColor: #c3ccd3",
+    "*ScrAboutLabels.background: #e1e7eb",
+
+    "*TxtODBCDesc.background: #eceff1",
+    "*TxtFDDesc.background: #eceff1",
+    "*TxtDriversDesc.background: #eceff1",
+    "*TxtTraceDesc.background: #eceff1",
+    "*TxtAboutDesc.background: #eceff1",
+    "*TxtODBCDesc.shadowThickness: 0",
+    "*TxtFDDesc.shadowThickness: 0",
+    "*TxtDriversDesc.shadowThickness: 0",
+    "*TxtTraceDesc.shadowThickness: 0",
+    "*TxtAboutDesc.shadowThickness: 0",
+
+    "*FSelect.listVisibleItemCount: 6",
+
+    "*TabManager.frameShadowThickness: 1",
+    "*TabManager.backPageBackground: #eceff1",
+    "*TabManager.backPageForeground: #b0bac2",
+    "*FramWizMain.shadowThickness: 0",
+    "*XmDialogShell.minWidth: 360",
+    nullptr,
+};
+
+}  // namespace
+
+void setFallbackLook(XtAppContext context) {
+    XtAppSetFallbackResources(context, const_cast<char**>(kFallbackResources));
+}

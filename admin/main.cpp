@@ -1,0 +1,58 @@
+#include <Xm/Xm.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+
+#include "admin/dialogs.h"
+#include "admin/driver_chooser.h"
+#include "admin/globals.h"
+#include "admin/look.h"
+#include "admin/main_window.h"
+#include "bos/catalog.h"
+#include "bos/install_dir.h"
+#include "installer/configuration.h"
+
+namespace {
+
+// Says that no texts were found. Its own text is built in, since it reports that there is no catalog; the program ends when
+// it is acknowledged.
+void showMissingCatalog() {
+    Mdialog = createMessageDialogAdmin(kErrorDialog,
+                                       "Unable to find the ODBC Administrator Message Files.  Please verify the "
+                                       "InstallDir value in the files\npointed to by the ODBCINI and ODBCINSTINI "
+                                       "environment variables.",
+                                       "OK", "", "Varnholt ODBC Administrator");
+    if (Mdialog != nullptr) {
+        XtAddCallback(Mdialog, XmNokCallback, btnCancel_activate, nullptr);
+        XtManageChild(Mdialog);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    XtToolkitInitialize();
+    app_context = XtCreateApplicationContext();
+    setFallbackLook(app_context);
+    display = XtOpenDisplay(app_context, nullptr, argv[0], nullptr, nullptr, 0, &argc, argv);
+    if (display == nullptr) {
+        std::puts("Unable to open display");
+        return -1;
+    }
+    const unsigned int noInstallDirectory = bosSetInstallDir(nullptr);
+    Rfile = OpenStrings(nullptr, "odbc.m");
+    const bool textsMissing = noInstallDirectory == 1 || Rfile == kNoCatalog;
+    // Only now: the catalog is chosen by the environment while the process is still in the "C" locale.
+    std::setlocale(LC_ALL, "");
+    installer::useUserConfiguration();
+
+    create_shODBCAdmin(display, argv[0], argc, argv);
+    create_FileDsnWizard();
+    XtRealizeWidget(ShODBCAdmin);
+    if (textsMissing) {
+        showMissingCatalog();
+    }
+    XtAppMainLoop(app_context);
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,22 @@
+// The main window: a notebook of five pages above the row of global buttons. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+extern Widget FrmMain;
+extern Widget TabManager;
+extern Widget BtnOK;
+extern Widget BtnCancel;
+extern Widget BtnApply;
+extern Widget BtnHelp;
+extern Widget TbUserDSN;
+extern Widget TbFileDSN;
+extern Widget TbDrivers;
+extern Widget TbAbout;
+
+// Builds the window, unrealised, and fills its pages. `appName`, `argc` and `argv` are those of the program; the X Toolkit
+// takes its options out of the arguments.
+void create_shODBCAdmin(Display* connection, char* appName, int argc, char** argv);
+
+// Remembers the page in front; `tabCode` is its tab's code.
+void tabSelectionChanged(Widget widget, XtPointer tabCode, XtPointer callData);

@@ -1,0 +1,242 @@
+#include "admin/user_dsn_page.h"
+
+#include <Xm/List.h>
+#include <Xm/ScrollBar.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "admin/columns.h"
+#include "admin/dialogs.h"
+#include "admin/driver_setup.h"
+#include "admin/flow.h"
+#include "admin/globals.h"
+#include "admin/lists.h"
+#include "installer/configuration.h"
+#include "motifutil/widgets.h"
+
+Widget FormUserDSN = nullptr;
+Widget BtnAdd = nullptr;
+Widget BtnRemove = nullptr;
+Widget BtnConfigure = nullptr;
+Widget TxtODBCDesc = nullptr;
+Widget ScrWinLabels = nullptr;
+Widget FormLabels = nullptr;
+Widget LblName = nullptr;
+Widget LblDriver = nullptr;
+Widget ScrWinLists = nullptr;
+Widget FormLists = nullptr;
+Widget LstUName = nullptr;
+Widget LstUDesc = nullptr;
+
+namespace {
+
+// The driver of a data source is shown, and read, in at most this many bytes, its terminator included. Names are shown
+// whole: a name that was cut could be neither configured nor removed.
+constexpr std::size_t kDriverRowSize = 128;
+
+// A reported length of one or two bytes counts as no name, as it always has; so a single data source with a name of one
+// letter is not listed until there is another.
+constexpr int kLongestEmptyList = 2;
+
+std::vector<Column> columns() {
+    return {{LstUName, LblName}, {LstUDesc, LblDriver}};
+}
+
+std::string driverOf(const std::string& dataSource, std::size_t size) {
+    return installer::readValue(installer::kDataSourceList, dataSource, installer::kDataSourceFile, size);
+}
+
+void fitToView() {
+    fitColumns(columns(), viewWidth(ScrWinLists));
+}
+
+void freeName(Widget /*widget*/, XtPointer name, XtPointer /*callData*/) {
+    std::free(name);
+}
+
+// Reads names and drivers and fills the lists; false after the error that ends the program was shown.
+bool fillLists(Widget nameList, Widget driverList) {
+    installer::NameList list =
+        installer::listKeys(installer::kDataSourceList, installer::kDataSourceFile, installer::Growth::kByKilobyte);
+    if (list.length <= kLongestEmptyList) {
+        list.names.clear();
+    }
+    RowArray names(list.names);
+    sortList(names.strings(), static_cast<short>(names.count()));
+    populateList(nameList, names.strings(), names.count());
+
+    std::vector<std::string> drivers;
+    for (int i = 0; i < names.count(); ++i) {
+        drivers.push_back(driverOf(names[i], kDriverRowSize));
+        if (drivers.back().empty()) {
+            showODBCINIError();
+            return false;
+        }
+    }
+    RowArray driverRows(drivers);
+    populateList(driverList, driverRows.strings(), driverRows.count());
+    return true;
+}
+
+void selectRow(Widget nameList, Widget driverList, int row) {
+    XmListDeselectAllItems(nameList);
+    XmListDeselectAllItems(driverList);
+    XmListSelectPos(nameList, row, True);
+}
+
+// Configures the data source `name`: hands every key that it has to its driver.
+void configure(const std::string& name) {
+    installer::forgetCachedValues();
+    const installer::NameList keys =
+        installer::listKeys(name, installer::kDataSourceFile, installer::Growth::kByDoubling);
+    if (keys.length < 1) {
+        showODBCINIError();
+        return;
+    }
+    std::vector<installer::Attribute> attributes{{"DSN", name}};
+    const std::vector<installer::Attribute> settings = installer::readSection(name, installer::kDataSourceFile, keys);
+    attributes.insert(attributes.end(), settings.begin(), settings.end());
+
+    const std::string driver = driverOf(name, 1024);
+    if (driver.empty()) {
+        showODBCINIError();
+        return;
+    }
+    const std::string setup = installer::readValue(driver, "Setup", installer::kDriverFile);
+    if (setup.empty()) {
+        showODBCINSTError();
+        return;
+    }
+    callDynamic(setup.c_str(), kConfigureDataSource, driver.c_str(), installer::attributeList(attributes).c_str(),
+                kUserDataSource, nullptr);
+    populateUserDSN(LstUName, LstUDesc);
+}
+
+}  // namespace
+
+Widget createUserDSNXmList(int flag, const char* name) {
+    Widget list = createList(FormLists, name, nullptr, UDSN_doubleClick);
+    XtVaSetValues(list, XmNlistSizePolicy, flag != 0 ? XmVARIABLE : XmCONSTANT, nullptr);
+    return list;
+}
+
+Widget createUserDsnPage(Widget notebook, int pageNumber) {
+    FormUserDSN = createPage(notebook, "FormUserDSN", pageNumber);
+
+    Widget heading = createLabel(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
+
+    BtnAdd = createPushButton(FormUserDSN, "BtnAdd", Message::kAdd, AddUserDsn_Clicked);
+    BtnRemove = createPushButton(FormUserDSN, "BtnRemove", Message::kRemove, btnRemove_Clicked);
+    BtnConfigure = createPushButton(FormUserDSN, "BtnConfigure", Message::kConfigure, btnConfigure_Clicked);
+    equalizeWidths({BtnAdd, BtnRemove, BtnConfigure});
+
+    TxtODBCDesc = createReadOnlyText(FormUserDSN, "TxtODBCDesc", Message::kUserDsnExplanation, 2);
+
+    ScrWinLabels = createHeaderWindow(FormUserDSN, "ScrWinLabels");
+    FormLabels = createForm(ScrWinLabels, "FormLabels");
+    LblName = createLabel(FormLabels, "LblName", Message::kColumnName);
+    LblDriver = createLabel(FormLabels, "LblDriver", Message::kColumnDriver);
+
+    ScrWinLists = createScrolledWindow(FormUserDSN, "ScrWinLists");
+    FormLists = createForm(ScrWinLists, "FormLists");
+    LstUName = createUserDSNXmList(1, "lstUName");
+    XtAddCallback(LstUName, XmNbrowseSelectionCallback, lstUName_Selected, nullptr);
+    LstUDesc = createUserDSNXmList(1, "lstUDesc");
+    XtAddCallback(LstUDesc, XmNbrowseSelectionCallback, lstUDesc_Selected, nullptr);
+    onHorizontalScroll(ScrWinLists, synchonizeScrollUD);
+
+    placeTable({FormUserDSN, heading, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
+    onResize(ScrWinLists, fitToView);
+    return FormUserDSN;
+}
+
+void populateUserDSN(Widget nameList, Widget driverList) {
+    try {
+        installer::forgetCachedValues();
+        const int before = selectedRow(nameList).value_or(1);
+        if (!fillLists(nameList, driverList)) {
+            return;
+        }
+        fitToView();
+        int count = 0;
+        XtVaGetValues(nameList, XmNitemCount, &count, nullptr);
+        if (count > 0) {
+            selectRow(nameList, driverList, std::min(before, count));
+        }
+    } catch (const std::bad_alloc&) {
+        showOutOfMemoryErrorAdmin();
+    }
+}
+
+void setSizePosForUserDSNWidgets() {
+    placeColumns(columns());
+}
+
+void AddUserDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    addDsn(kUserDataSource);
+}
+
+void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    const std::optional<int> row = selectedRow(LstUName);
+    if (!row) {
+        showInformation(Message::kRemoveSelectOne);
+        return;
+    }
+    const std::string name = rowText(LstUName, *row);
+    char* owned = strdup(name.c_str());
+    if (owned == nullptr) {
+        showOutOfMemoryErrorAdmin();
+        return;
+    }
+    askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + name + "\" " +
+                    catalogText(Message::kRemoveQuestionEnd) + "?",
+                RemoveUserDsn, owned, freeName);
+}
+
+void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/) {
+    const std::optional<int> row = selectedRow(LstUName);
+    installer::forgetCachedValues();
+    if (!installer::removeDataSource(static_cast<const char*>(dsnName))) {
+        showError(Message::kRemoveFailed);
+        return;
+    }
+    if (row) {
+        deleteRow(LstUDesc, *row);
+        deleteRow(LstUName, *row);
+    }
+    setSizePosForUserDSNWidgets();
+}
+
+void btnConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    DsnType = kUserDataSource;
+    const std::optional<int> row = selectedRow(LstUName);
+    if (!row) {
+        showInformation(Message::kConfigureSelectOne);
+        return;
+    }
+    try {
+        configure(rowText(LstUName, *row));
+    } catch (const std::bad_alloc&) {
+        showOutOfMemoryErrorAdmin();
+    }
+}
+
+void UDSN_doubleClick(Widget widget, XtPointer clientData, XtPointer callData) {
+    btnConfigure_Clicked(widget, clientData, callData);
+}
+
+void lstUName_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    selectSameRow(widget, {LstUDesc});
+}
+
+void lstUDesc_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    selectSameRow(widget, {LstUName});
+}
+
+void synchonizeScrollUD(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
+    scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value);
+}

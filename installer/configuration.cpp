@@ -1,0 +1,144 @@
+#include "installer/configuration.h"
+
+#include <odbcinst.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+
+namespace installer {
+namespace {
+
+constexpr std::size_t kGrowthStep = 1024;
+
+// A list that does not fit ends at the last whole name, so a length below the size proves nothing. It is complete for
+// sure only when one more name of the greatest length, with its terminator and that of the list, would have fitted.
+bool isComplete(std::size_t length, std::size_t size) {
+    return length + kLongestName + 2 <= size;
+}
+
+std::vector<std::string> splitNames(std::string_view buffer) {
+    std::vector<std::string> names;
+    while (!buffer.empty() && buffer.front() != '\0') {
+        const std::size_t end = std::min(buffer.find('\0'), buffer.size());
+        names.emplace_back(buffer.substr(0, end));
+        buffer.remove_prefix(std::min(end + 1, buffer.size()));
+    }
+    return names;
+}
+
+// Only an absolute path is taken as it stands; other names are the library's own files.
+bool isMissingPath(const std::string& file) {
+    std::error_code ignored;
+    return file.starts_with('/') && !std::filesystem::exists(file, ignored);
+}
+
+}  // namespace
+
+void useUserConfiguration() {
+    SQLSetConfigMode(ODBC_USER_DSN);
+}
+
+void forgetCachedValues() {
+    // Only a write empties the cache. This one deletes a section that is not there from a file that keeps nothing.
+    SQLWritePrivateProfileString("ODBC", nullptr, nullptr, "/dev/null");
+}
+
+NameList listKeys(const std::string& section, const std::string& file, Growth growth) {
+    // A null section would list the file's sections, and an empty one has no keys.
+    if (section.empty() || isMissingPath(file)) {
+        return {};
+    }
+    std::size_t size = kGrowthStep;
+    while (true) {
+        size = growth == Growth::kByDoubling ? size * 2 : size + kGrowthStep;
+        std::string buffer(size, '\0');
+        const int length = SQLGetPrivateProfileString(section.c_str(), nullptr, "", buffer.data(),
+                                                      static_cast<int>(size), file.c_str());
+        if (length < 1) {
+            return {length, {}};
+        }
+        if (isComplete(static_cast<std::size_t>(length), size) || size > std::numeric_limits<int>::max() / 2) {
+            return {length, splitNames(std::string_view(buffer).substr(0, static_cast<std::size_t>(length)))};
+        }
+    }
+}
+
+std::string readValue(const std::string& section, const std::string& key, const std::string& file, std::size_t size) {
+    if (section.empty() || key.empty() || isMissingPath(file)) {
+        return {};
+    }
+    std::string buffer(size, '\0');
+    const int length = SQLGetPrivateProfileString(section.c_str(), key.c_str(), "", buffer.data(),
+                                                  static_cast<int>(size), file.c_str());
+    return length < 1 ? std::string() : std::string(buffer.c_str());
+}
+
+NameList listDrivers() {
+    constexpr std::size_t kLargest = std::numeric_limits<WORD>::max();
+    std::size_t size = kGrowthStep;
+    while (true) {
+        size = std::min(size + kGrowthStep, kLargest);
+        std::string buffer(size, '\0');
+        WORD length = 0;
+        if (!SQLGetInstalledDrivers(buffer.data(), static_cast<WORD>(size), &length)) {
+            return {};
+        }
+        if (isComplete(length, size) || size == kLargest) {
+            return {length, splitNames(std::string_view(buffer).substr(0, length))};
+        }
+    }
+}
+
+bool removeDataSource(const std::string& name) {
+    if (!SQLRemoveDSNFromIni(name.c_str())) {
+        return false;
+    }
+    // The library deletes the section and leaves the name in the list: the data source would be back, without settings.
+    const NameList left = listKeys(kDataSourceList, kDataSourceFile, Growth::kByKilobyte);
+    const bool stillListed = std::any_of(left.names.begin(), left.names.end(),
+                                         [&name](const std::string& other) { return sameName(other, name); });
+    return !stillListed || writeValue(kDataSourceList, name, nullptr, kDataSourceFile);
+}
+
+bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file) {
+    return SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
+}
+
+std::vector<Attribute> readSection(const std::string& section, const std::string& file, const NameList& keys) {
+    std::vector<Attribute> attributes;
+    attributes.reserve(keys.names.size());
+    for (const std::string& key : keys.names) {
+        attributes.push_back({key, readValue(section, key, file)});
+    }
+    return attributes;
+}
+
+std::string attributeList(const std::vector<Attribute>& attributes) {
+    std::string list;
+    for (const Attribute& attribute : attributes) {
+        list.append(attribute.key).append("=").append(attribute.value).push_back('\0');
+    }
+    list.push_back('\0');
+    return list;
+}
+
+std::vector<Attribute> parseAttributeList(const char* list) {
+    std::vector<Attribute> attributes;
+    while (list != nullptr && *list != '\0') {
+        const std::string_view item(list);
+        const std::size_t equals = item.find('=');
+        if (equals != std::string_view::npos) {
+            attributes.push_back({std::string(item.substr(0, equals)), std::string(item.substr(equals + 1))});
+        }
+        list += item.size() + 1;
+    }
+    return attributes;
+}
+
+bool sameName(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+}  // namespace installer

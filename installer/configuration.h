@@ -1,0 +1,73 @@
+// The one place that calls the ODBC installer library to read and change the configuration of data sources and drivers.
+// It knows what the library leaves to its callers: lists that are cut without a word, negative lengths, values cached for
+// seconds, names left behind by a removal. GUI thread only: the installer library keeps process-wide state.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace installer {
+
+inline constexpr const char* kDataSourceFile = ".odbc.ini";
+inline constexpr const char* kDriverFile = ".odbcinst.ini";
+inline constexpr const char* kDataSourceList = "ODBC Data Sources";
+
+// The longest name, value or line that the installer library keeps; the rest is cut by it.
+inline constexpr std::size_t kLongestName = 1000;
+
+// How the buffer for a list grows until the whole list fits. Both rules begin with a buffer of 2,048 bytes.
+enum class Growth { kByKilobyte, kByDoubling };
+
+// A list of names and the byte count that the installer library reported for it: the names with one terminator each,
+// below 1 for a list that could not be read or is empty.
+struct NameList {
+    int length = 0;
+    std::vector<std::string> names;
+};
+
+// Limits all reads and writes of ".odbc.ini" to the user's own file (SQLSetConfigMode, ODBC_USER_DSN). By default the
+// library means the system's file as well. Call it at start-up, and after foreign code such as a driver's setup ran.
+void useUserConfiguration();
+
+// Makes the next reads look into the files again: the library answers from a cache that outlives other programs' edits
+// and its own SQLWriteFileDSN. Call it before each operation that reads configuration.
+void forgetCachedValues();
+
+// The keys of `section` in `file`, in file order, never cut short. A file named by an absolute path is looked at only
+// when it exists, since reading a missing one would create it.
+NameList listKeys(const std::string& section, const std::string& file, Growth growth);
+
+// The value of `key`, at most `size` - 1 bytes of it; empty when missing, empty, or when the file can't be read.
+std::string readValue(const std::string& section, const std::string& key, const std::string& file,
+                      std::size_t size = 1024);
+
+// The installed drivers in file order; the library reports at most 65,535 bytes of them.
+NameList listDrivers();
+
+// Removes a user data source, its section and its line in the list of names. False when the library refuses; the reason
+// then stands in SQLInstallerError.
+bool removeDataSource(const std::string& name);
+
+// Writes the value of one key; a null `value` deletes the key. False when the library refuses.
+bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file);
+
+// Key and value of each line of `section`, in file order.
+struct Attribute {
+    std::string key;
+    std::string value;
+};
+std::vector<Attribute> readSection(const std::string& section, const std::string& file, const NameList& keys);
+
+// The form in which attributes pass to a driver's setup library: "key=value" strings, each with a terminator, and one
+// more terminator at the end (ODBC ConfigDSN, lpszAttributes).
+std::string attributeList(const std::vector<Attribute>& attributes);
+
+// The attributes in such a list; items without "=" are left out. A null list has none.
+std::vector<Attribute> parseAttributeList(const char* list);
+
+// Whether two section or key names mean the same to the installer library: ASCII case does not count.
+bool sameName(std::string_view a, std::string_view b);
+
+}  // namespace installer

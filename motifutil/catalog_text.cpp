@@ -1,0 +1,13 @@
+#include "motifutil/catalog_text.h"
+
+#include <array>
+
+#include "bos/catalog.h"
+
+nl_catd Rfile = kNoCatalog;
+
+std::string catalogText(Message::Number number) {
+    std::array<char, 512> text{};
+    LoadStringFromOpenFile(Rfile, number, text.data(), text.size());
+    return text.data();
+}

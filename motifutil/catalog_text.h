@@ -1,0 +1,18 @@
+// The catalog of the texts on screen, and its texts as C++ strings.
+#pragma once
+
+#include <nl_types.h>
+
+#include <string>
+
+#include "catalogs/message_numbers.h"
+
+// A catalog handle that stands for "no catalog": what catopen() returns on failure (POSIX catopen).
+inline const nl_catd kNoCatalog = reinterpret_cast<nl_catd>(-1);
+
+// The open catalog "odbc.m" that every dialog reads, or kNoCatalog. The program that shows the dialogs opens and closes it;
+// a setup library has its own.
+extern nl_catd Rfile;
+
+// The text with this number in `Rfile`, at most 511 bytes; the number as text when the catalog or the text is missing.
+std::string catalogText(Message::Number number);

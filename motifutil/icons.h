@@ -1,0 +1,11 @@
+// Built-in icons as pixmaps. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+// The About form of a setup dialog: its colormap and depth are what icons are made for.
+extern Widget frmabout;
+
+// Converts a built-in icon (XPM data) into a pixmap for `frmabout`, which must exist. The caller frees the pixmap with
+// XFreePixmap; it is None when the icon can't be made (XpmCreatePixmapFromData).
+void getVHIconIPixmap(Pixmap* pixmapOut, char** xpmData);

@@ -1,0 +1,159 @@
+#include "motifutil/message_dialog.h"
+
+#include <Xm/MessageB.h>
+
+#include <new>
+#include <string>
+
+#include "catalogs/message_numbers.h"
+#include "kvlib/error_list.h"
+#include "motifutil/catalog_text.h"
+#include "motifutil/modal_loop.h"
+#include "motifutil/widgets.h"
+
+Widget dialog = nullptr;
+Widget Mdialog = nullptr;
+
+namespace {
+
+// Longer lines are harder to read, and a message box would otherwise be as wide as its longest line.
+constexpr std::size_t kLineLength = 68;
+
+std::string wrapped(const std::string& text) {
+    std::string result;
+    std::size_t lineStart = 0;
+    std::size_t lastBlank = std::string::npos;
+    for (const char byte : text) {
+        if (byte == ' ') {
+            lastBlank = result.size();
+        }
+        result.push_back(byte);
+        if (byte == '\n') {
+            lineStart = result.size();
+            lastBlank = std::string::npos;
+        } else if (result.size() - lineStart > kLineLength && lastBlank != std::string::npos) {
+            result[lastBlank] = '\n';
+            lineStart = lastBlank + 1;
+            lastBlank = std::string::npos;
+        }
+    }
+    return result;
+}
+
+void forgetDestroyed(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    if (dialog == widget) {
+        dialog = nullptr;
+    }
+    if (Mdialog == widget) {
+        Mdialog = nullptr;
+    }
+}
+
+// Closing the box by the window manager answers it: with Cancel where there is one, else with OK.
+void answerClosed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
+    const auto messageBox = static_cast<Widget>(box);
+    Widget cancel = XtNameToWidget(messageBox, "Cancel");
+    pressButton(XtIsManaged(cancel) ? cancel : XtNameToWidget(messageBox, "OK"));
+}
+
+Widget createBox(Widget parent, unsigned long type, ArgumentList& arguments) {
+    static char name[] = "dialog";
+    switch (type) {
+        case kQuestionDialog:
+            return XmCreateQuestionDialog(parent, name, arguments.data(), arguments.size());
+        case kInformationDialog:
+            return XmCreateMessageDialog(parent, name, arguments.data(), arguments.size());
+        case kErrorDialog:
+            return XmCreateErrorDialog(parent, name, arguments.data(), arguments.size());
+        default:
+            return nullptr;
+    }
+}
+
+// Motif's name for each kind's icon and sound.
+unsigned char motifType(unsigned long type) {
+    switch (type) {
+        case kQuestionDialog:
+            return XmDIALOG_QUESTION;
+        case kErrorDialog:
+            return XmDIALOG_ERROR;
+        default:
+            return XmDIALOG_INFORMATION;
+    }
+}
+
+Widget createSetupError(Widget parent, Message::Number message) {
+    return createMessageDialog(parent, kErrorDialog, catalogText(message).c_str(),
+                               catalogText(Message::kSetupErrorOk).c_str(), "",
+                               catalogText(Message::kSetupErrorTitle).c_str());
+}
+
+}  // namespace
+
+Widget createMessageDialog(Widget parent, unsigned long type, const char* message, const char* okLabel,
+                           const char* cancelLabel, const char* title) {
+    if (dialog != nullptr) {
+        XtDestroyWidget(dialog);
+        dialog = nullptr;
+    }
+    {
+        const XmStringPtr messageString = compoundString(wrapped(message));
+        const XmStringPtr okString = compoundString(okLabel);
+        const XmStringPtr cancelString = compoundString(cancelLabel);
+        ArgumentList arguments;
+        arguments.set(XmNmessageString, messageString.get())
+            .set(XmNokLabelString, okString.get())
+            .set(XmNcancelLabelString, cancelString.get())
+            .set(XmNtitle, title)
+            .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
+            .set(XmNdialogType, motifType(type));
+        dialog = createBox(parent, type, arguments);
+    }
+    if (dialog == nullptr) {
+        // An unknown type would recurse for ever if it were the error box itself that can't be made.
+        if (type != kErrorDialog) {
+            showOutOfMemoryError(parent);
+        }
+        return nullptr;
+    }
+    XtUnmanageChild(XtNameToWidget(dialog, "Help"));
+    if (type != kQuestionDialog) {
+        XtUnmanageChild(XtNameToWidget(dialog, "Cancel"));
+        // Escape leaves a box that only informs.
+        XtVaSetValues(dialog, XmNcancelButton, XtNameToWidget(dialog, "OK"), nullptr);
+    }
+    XtAddCallback(dialog, XmNdestroyCallback, forgetDestroyed, nullptr);
+    onWindowManagerClose(XtParent(dialog), answerClosed, dialog);
+    return dialog;
+}
+
+void showPermissionError(Widget parent, int flag) {
+    Widget box = createSetupError(parent, flag != 0 ? Message::kPermissionDeniedWrite : Message::kPermissionDeniedRead);
+    if (box != nullptr) {
+        XtManageChild(box);
+    }
+}
+
+void showOutOfMemoryError(Widget parent) {
+    Widget box = createSetupError(parent, Message::kOutOfMemory);
+    if (box != nullptr) {
+        XtAddCallback(box, XmNokCallback, exitDriverConfig, parent);
+        XtManageChild(box);
+    }
+}
+
+void exitDriverConfig(Widget /*widget*/, XtPointer clientData, XtPointer /*callData*/) {
+    const auto configuration = static_cast<Widget>(clientData);
+    // The main shell can be what the box stood over; it has no parent, and Xt ends the process when it is unmanaged.
+    if (configuration != nullptr && XtParent(configuration) != nullptr) {
+        XtUnmanageChild(configuration);
+    }
+    addDatabaseError(0, Message::kOutOfMemory, catalogText(Message::kOutOfMemory).c_str(), 0, kCPLocale);
+    exit_dialog_loop();
+}
+
+void outOfMemoryError(Widget widget) {
+    XtUnmanageChild(widget);
+    addError(LibraryMessage::kConfigurationAbandoned);
+    exit_dialog_loop();
+}

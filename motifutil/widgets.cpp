@@ -1,0 +1,212 @@
+#include "motifutil/widgets.h"
+
+#include <Xm/AtomMgr.h>
+#include <Xm/Form.h>
+#include <Xm/Label.h>
+#include <Xm/List.h>
+#include <Xm/Notebook.h>
+#include <Xm/Protocols.h>
+#include <Xm/PushB.h>
+#include <Xm/ScrolledW.h>
+#include <Xm/SeparatoG.h>
+#include <Xm/Text.h>
+#include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
+
+#include <algorithm>
+#include <new>
+
+#include "motifutil/catalog_text.h"
+
+namespace {
+
+Widget made(Widget widget) {
+    if (widget == nullptr) {
+        throw std::bad_alloc();
+    }
+    return widget;
+}
+
+Widget createLabelled(Widget parent, const char* name, WidgetClass kind, const std::string& text) {
+    const XmStringPtr label = compoundString(text);
+    return made(XtVaCreateManagedWidget(name, kind, parent, XmNlabelString, label.get(), nullptr));
+}
+
+}  // namespace
+
+XmStringPtr compoundString(const std::string& text) {
+    XmStringPtr result(XmStringCreateLocalized(const_cast<char*>(text.c_str())));
+    if (!result) {
+        throw std::bad_alloc();
+    }
+    return result;
+}
+
+std::string plainText(XmString text) {
+    const XtTextPtr plain(
+        static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL)));
+    return plain ? std::string(plain.get()) : std::string();
+}
+
+Widget createForm(Widget parent, const char* name) {
+    return made(XtVaCreateManagedWidget(name, xmFormWidgetClass, parent, nullptr));
+}
+
+Widget createPage(Widget notebook, const char* name, int pageNumber) {
+    return made(XtVaCreateWidget(name, xmFormWidgetClass, notebook, XmNnotebookChildType, XmPAGE, XmNpageNumber,
+                                 pageNumber, nullptr));
+}
+
+Widget createTab(Widget notebook, const char* name, Message::Number text, int pageNumber) {
+    const XmStringPtr label = compoundString(catalogText(text));
+    return made(XtVaCreateWidget(name, xmPushButtonWidgetClass, notebook, XmNlabelString, label.get(),
+                                 XmNnotebookChildType, XmMAJOR_TAB, XmNpageNumber, pageNumber, nullptr));
+}
+
+Widget createSeparator(Widget parent, const char* name) {
+    return made(XtVaCreateManagedWidget(name, xmSeparatorGadgetClass, parent, nullptr));
+}
+
+Widget createLabel(Widget parent, const char* name, const std::string& text) {
+    return createLabelled(parent, name, xmLabelWidgetClass, text);
+}
+
+Widget createLabel(Widget parent, const char* name, Message::Number text) {
+    return createLabel(parent, name, catalogText(text));
+}
+
+Widget createPushButton(Widget parent, const char* name, const std::string& text, XtCallbackProc activated,
+                        XtPointer clientData) {
+    Widget button = createLabelled(parent, name, xmPushButtonWidgetClass, text);
+    if (activated != nullptr) {
+        XtAddCallback(button, XmNactivateCallback, activated, clientData);
+    }
+    return button;
+}
+
+Widget createPushButton(Widget parent, const char* name, Message::Number text, XtCallbackProc activated,
+                        XtPointer clientData) {
+    return createPushButton(parent, name, catalogText(text), activated, clientData);
+}
+
+Widget createToggleButton(Widget parent, const char* name, Message::Number text) {
+    return createLabelled(parent, name, xmToggleButtonWidgetClass, catalogText(text));
+}
+
+Widget createTextField(Widget parent, const char* name) {
+    return made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
+}
+
+Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows) {
+    Widget widget = made(XtVaCreateManagedWidget(name, xmTextWidgetClass, parent, XmNeditMode, XmMULTI_LINE_EDIT,
+                                                 XmNeditable, False, XmNwordWrap, True, XmNcursorPositionVisible, False,
+                                                 XmNtraversalOn, False, XmNrows, rows, nullptr));
+    XmTextSetString(widget, catalogText(text).data());
+    return widget;
+}
+
+Widget createScrolledWindow(Widget parent, const char* name) {
+    return made(XtVaCreateManagedWidget(name, xmScrolledWindowWidgetClass, parent, XmNscrollingPolicy, XmAUTOMATIC,
+                                        XmNscrollBarDisplayPolicy, XmAS_NEEDED, nullptr));
+}
+
+Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc doubleClicked,
+                  XtPointer clientData) {
+    // Browse selection: the callbacks that keep parallel lists in step are those of this policy.
+    Widget list = made(XtVaCreateManagedWidget(name, xmListWidgetClass, parent, XmNselectionPolicy, XmBROWSE_SELECT,
+                                               XmNlistSizePolicy, XmVARIABLE, nullptr));
+    if (selected != nullptr) {
+        XtAddCallback(list, XmNbrowseSelectionCallback, selected, clientData);
+    }
+    if (doubleClicked != nullptr) {
+        XtAddCallback(list, XmNdefaultActionCallback, doubleClicked, clientData);
+    }
+    return list;
+}
+
+void setLabel(Widget widget, const std::string& text) {
+    const XmStringPtr label = compoundString(text);
+    XtVaSetValues(widget, XmNlabelString, label.get(), nullptr);
+}
+
+Dimension preferredWidth(Widget widget) {
+    XtWidgetGeometry wanted{};
+    XtQueryGeometry(widget, nullptr, &wanted);
+    return wanted.width;
+}
+
+Dimension preferredHeight(Widget widget) {
+    XtWidgetGeometry wanted{};
+    XtQueryGeometry(widget, nullptr, &wanted);
+    return wanted.height;
+}
+
+void equalizeWidths(const std::vector<Widget>& widgets) {
+    Dimension widest = 0;
+    for (Widget widget : widgets) {
+        widest = std::max(widest, preferredWidth(widget));
+    }
+    for (Widget widget : widgets) {
+        XtVaSetValues(widget, XmNrecomputeSize, False, XmNwidth, widest, nullptr);
+    }
+}
+
+Attach& Attach::toForm(const char* attachment, const char* offsetName, int offset) {
+    XtVaSetValues(child_, attachment, XmATTACH_FORM, offsetName, offset, nullptr);
+    return *this;
+}
+
+Attach& Attach::toWidget(const char* attachment, const char* widgetName, const char* offsetName, Widget other,
+                         int offset) {
+    XtVaSetValues(child_, attachment, XmATTACH_WIDGET, widgetName, other, offsetName, offset, nullptr);
+    return *this;
+}
+
+Attach& Attach::below(Widget other, int offset) {
+    return toWidget(XmNtopAttachment, XmNtopWidget, XmNtopOffset, other, offset);
+}
+
+Attach& Attach::above(Widget other, int offset) {
+    return toWidget(XmNbottomAttachment, XmNbottomWidget, XmNbottomOffset, other, offset);
+}
+
+Attach& Attach::rightOf(Widget other, int offset) {
+    return toWidget(XmNleftAttachment, XmNleftWidget, XmNleftOffset, other, offset);
+}
+
+Attach& Attach::leftOf(Widget other, int offset) {
+    return toWidget(XmNrightAttachment, XmNrightWidget, XmNrightOffset, other, offset);
+}
+
+Attach& Attach::levelWith(Widget other, int offset) {
+    XtVaSetValues(child_, XmNtopAttachment, XmATTACH_OPPOSITE_WIDGET, XmNtopWidget, other, XmNtopOffset, offset,
+                  nullptr);
+    return *this;
+}
+
+Attach& Attach::span(int start, int width) {
+    XtVaSetValues(child_, XmNleftAttachment, XmATTACH_FORM, XmNleftOffset, start, XmNrightAttachment,
+                  XmATTACH_OPPOSITE_FORM, XmNrightOffset, -(start + width), nullptr);
+    return *this;
+}
+
+Attach& Attach::strip(int height) {
+    XtVaSetValues(child_, XmNtopAttachment, XmATTACH_FORM, XmNtopOffset, 0, XmNbottomAttachment, XmATTACH_OPPOSITE_FORM,
+                  XmNbottomOffset, -height, nullptr);
+    return *this;
+}
+
+void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientData) {
+    XtVaSetValues(shell, XmNdeleteResponse, XmDO_NOTHING, nullptr);
+    const Atom deleteWindow = XInternAtom(XtDisplay(shell), "WM_DELETE_WINDOW", False);
+    XmAddWMProtocolCallback(shell, deleteWindow, closed, clientData);
+}
+
+void pressButton(Widget button) {
+    XEvent event{};
+    event.xbutton.type = ButtonPress;
+    event.xbutton.display = XtDisplay(button);
+    event.xbutton.window = XtWindow(button);
+    event.xbutton.time = XtLastTimestampProcessed(XtDisplay(button));
+    XtCallActionProc(button, "ArmAndActivate", &event, nullptr, 0);
+}

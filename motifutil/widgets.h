@@ -1,0 +1,108 @@
+// One-line helpers for building windows: a builder made of them reads as the widget tree. Labels come from the catalog.
+// GUI thread only. A widget that can't be made raises std::bad_alloc, which every builder catches and reports.
+#pragma once
+
+#include <Xm/Xm.h>
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "catalogs/message_numbers.h"
+
+struct XmStringDeleter {
+    void operator()(XmString text) const { XmStringFree(text); }
+};
+using XmStringPtr = std::unique_ptr<std::remove_pointer_t<XmString>, XmStringDeleter>;
+
+struct XtTextDeleter {
+    void operator()(char* text) const { XtFree(text); }
+};
+using XtTextPtr = std::unique_ptr<char, XtTextDeleter>;
+
+// A compound string in the encoding of the locale; a newline in `text` begins a new line.
+XmStringPtr compoundString(const std::string& text);
+// The text of a compound string, newlines between its lines.
+std::string plainText(XmString text);
+
+// A plain Xt argument list, for the creation calls that take no variable arguments.
+class ArgumentList {
+public:
+    template <typename Value>
+    ArgumentList& set(const char* name, Value value) {
+        Arg argument;
+        XtSetArg(argument, const_cast<char*>(name), value);
+        arguments_.push_back(argument);
+        return *this;
+    }
+    Arg* data() { return arguments_.data(); }
+    Cardinal size() const { return static_cast<Cardinal>(arguments_.size()); }
+
+private:
+    std::vector<Arg> arguments_;
+};
+
+// A page of a notebook and the tab that brings it to the front, both unmanaged: the notebook's pages are managed together.
+Widget createPage(Widget notebook, const char* name, int pageNumber);
+Widget createTab(Widget notebook, const char* name, Message::Number text, int pageNumber);
+
+// All of these make managed widgets.
+Widget createForm(Widget parent, const char* name);
+Widget createSeparator(Widget parent, const char* name);
+Widget createLabel(Widget parent, const char* name, Message::Number text);
+Widget createLabel(Widget parent, const char* name, const std::string& text);
+Widget createPushButton(Widget parent, const char* name, const std::string& text, XtCallbackProc activated = nullptr,
+                        XtPointer clientData = nullptr);
+Widget createPushButton(Widget parent, const char* name, Message::Number text, XtCallbackProc activated = nullptr,
+                        XtPointer clientData = nullptr);
+Widget createToggleButton(Widget parent, const char* name, Message::Number text);
+Widget createTextField(Widget parent, const char* name);
+// An explanation of `rows` lines that wraps with the window's width and is passed over by the Tab key.
+Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows);
+// A scrolled window that clips its work area and shows scroll bars as they are needed.
+Widget createScrolledWindow(Widget parent, const char* name);
+// A single-selection list that is as wide as its widest item.
+Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc doubleClicked,
+                  XtPointer clientData = nullptr);
+
+void setLabel(Widget widget, const std::string& text);
+
+// The width, or height, that the widget asks for, in pixels.
+Dimension preferredWidth(Widget widget);
+Dimension preferredHeight(Widget widget);
+
+// Gives all widgets the width of the one that asks for most.
+void equalizeWidths(const std::vector<Widget>& widgets);
+
+// Attaches a child of a form, side by side with the edges of the form or of its siblings; offsets in pixels.
+class Attach {
+public:
+    explicit Attach(Widget child) : child_(child) {}
+    Attach& topForm(int offset = 0) { return toForm(XmNtopAttachment, XmNtopOffset, offset); }
+    Attach& bottomForm(int offset = 0) { return toForm(XmNbottomAttachment, XmNbottomOffset, offset); }
+    Attach& leftForm(int offset = 0) { return toForm(XmNleftAttachment, XmNleftOffset, offset); }
+    Attach& rightForm(int offset = 0) { return toForm(XmNrightAttachment, XmNrightOffset, offset); }
+    Attach& below(Widget other, int offset);
+    Attach& above(Widget other, int offset);
+    Attach& rightOf(Widget other, int offset);
+    Attach& leftOf(Widget other, int offset);
+    // The top edge level with that of `other`.
+    Attach& levelWith(Widget other, int offset = 0);
+    // Left edge at `start`, right edge at `start` + `width`, both counted from the form's left edge.
+    Attach& span(int start, int width);
+    // Top edge at the form's, `height` pixels high.
+    Attach& strip(int height);
+
+private:
+    Attach& toForm(const char* attachment, const char* offsetName, int offset);
+    Attach& toWidget(const char* attachment, const char* widgetName, const char* offsetName, Widget other, int offset);
+    Widget child_;
+};
+
+// Makes closing a shell by the window manager call `closed` and nothing else. By default Motif would destroy a main shell
+// and unmap a dialog, and whoever waits for the dialog would wait for ever (ICCCM, WM_DELETE_WINDOW).
+void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientData);
+
+// Presses a push button as a click does: it flashes, and its callbacks run.
+void pressButton(Widget button);
