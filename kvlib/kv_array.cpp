@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr std::uint64_t kMaxSlots = PTRDIFF_MAX / sizeof(KvObject*);
+constexpr std::size_t kSlotSize = sizeof(void*);
+constexpr std::uint64_t kMaxSlots = PTRDIFF_MAX / kSlotSize;
 constexpr std::uint64_t kMaxInitialSlots = 65535;
 
 // `n` empty slots (one byte when there are none, so that null always means failure); null after recording a memory
@@ -16,7 +17,7 @@ constexpr std::uint64_t kMaxInitialSlots = 65535;
 KvObject** allocateSlots(std::uint64_t n) {
     void* slots = nullptr;
     if (n <= kMaxSlots) {
-        slots = n == 0 ? std::malloc(1) : std::calloc(n, sizeof(KvObject*));
+        slots = n == 0 ? std::malloc(1) : std::calloc(n, kSlotSize);
     }
     if (slots == nullptr) {
         ramAddMemoryError();
@@ -131,7 +132,7 @@ int KvArray::shrink(std::uint64_t n) {
             std::free(items_);
             items_ = nullptr;
         } else {
-            auto** slots = static_cast<KvObject**>(std::realloc(items_, n * sizeof(KvObject*)));
+            auto** slots = static_cast<KvObject**>(std::realloc(items_, n * kSlotSize));
             if (slots == nullptr) {
                 ramAddMemoryError();
                 return 1;

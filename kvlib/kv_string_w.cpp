@@ -51,24 +51,31 @@ int KvStringW::initialize(std::string_view text, kvCPType cp) {
 int KvStringW::concat(std::u16string_view text) {
     return reportingMemory([&] {
         std::u16string joined;
-        joined.reserve(text_.size() + text.size());
-        joined.append(text_).append(text);
+        joined.reserve(length_ + text.size());
+        joined.append(view()).append(text);
         adopt(std::move(joined));
     });
 }
 
 int KvStringW::concat(std::string_view text, kvCPType cp) {
-    return reportingMemory([&] { adopt(text_ + toUtf16(text, cp)); });
+    std::u16string wide;
+    return reportingMemory([&] { wide = toUtf16(text, cp); }) != 0 ? 1 : concat(wide);
 }
 
 void KvStringW::clear() {
-    adopt(std::u16string());
+    text_.reset();
+    data_ = nullptr;
+    length_ = 0;
 }
 
 void KvStringW::adopt(std::u16string&& text) {
-    text_ = std::move(text);
-    data_ = text_.data();
-    length_ = text_.size();
+    if (text_) {
+        *text_ = std::move(text);
+    } else {
+        text_ = std::make_unique<std::u16string>(std::move(text));
+    }
+    data_ = text_->data();
+    length_ = text_->size();
 }
 
 int KvParamStringW::initialize(std::u16string_view text) {

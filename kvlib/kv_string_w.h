@@ -1,8 +1,9 @@
-// UTF-16 strings, and UTF-16 message texts with places for parameters. No function throws: a failed allocation is
-// recorded as a memory error. An object belongs to one thread at a time.
+// UTF-16 strings, and UTF-16 message texts with places for parameters. No public function throws: a failed allocation
+// is recorded as a memory error. An object belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,15 +45,16 @@ public:
     int concat(std::string_view text, kvCPType cp);
 
     void clear();
-    bool isEmpty() const { return text_.empty(); }
-    const char16_t* text() const { return text_.c_str(); }
+    bool isEmpty() const { return length_ == 0; }
+    const char16_t* text() const { return text_ ? text_->c_str() : u""; }
 
 protected:
-    // Makes `text` the text; throws nothing.
+    // Makes `text` the text. Unlike the rest it throws std::bad_alloc, and then nothing has changed.
     void adopt(std::u16string&& text);
 
 private:
-    std::u16string text_;
+    // Held by pointer, since not every compiler can build an empty std::u16string into a static object.
+    std::unique_ptr<std::u16string> text_;
 };
 
 // A message text with places written %1, %2 and so on, filled in the order of their numbers, so that a translation can

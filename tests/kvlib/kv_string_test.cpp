@@ -88,17 +88,6 @@ TEST_F(KvStringTest, ImpossibleSizesAreMemoryErrors) {
     EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), LibraryMessage::kMemoryError);
 }
 
-TEST(KvStringW, StaysTerminatedAndAppendsItself) {
-    KvStringW text;
-    EXPECT_STREQ(reinterpret_cast<const char*>(text.text()), "");
-    ASSERT_EQ(text.initialize("caf\xC3\xA9", kCPUtf8), 0);
-    ASSERT_EQ(text.concat(text.view().substr(1)), 0);
-    EXPECT_EQ(text.view(), u"caf\u00E9af\u00E9");
-    EXPECT_EQ(text.text()[text.length()], u'\0');
-    text.clear();
-    EXPECT_TRUE(text.view().empty());
-}
-
 TEST(KvParamStringW, FillsPlacesInTheOrderOfTheirNumbers) {
     struct Row {
         std::u16string_view text;

@@ -132,16 +132,6 @@ TEST(PerThreadData, ThreadsComeAndGoWithListsOfTheirOwn) {
     EXPECT_EQ(KvErrorKeeper::currentList(), nullptr);
 }
 
-TEST(PerTaskData, IsSharedByThreads) {
-    int value = 0;
-    EXPECT_EQ(mdsIsTaskInit(), 1);
-    std::thread([&value] { mdsSetPerTaskData(5, &value); }).join();
-    EXPECT_EQ(mdsGetPerTaskData(5), &value);
-    mdsSetPerTaskData(5, nullptr);
-    mdsSetPerTaskData(kPerTaskSlots, &value);
-    EXPECT_EQ(mdsGetPerTaskData(kPerTaskSlots), nullptr);
-}
-
 TEST(CriticalSection, IsRecursiveExclusiveAndCanBeSwitchedOff) {
     KvCriticalSection section;
     KvSemaphore semaphore;

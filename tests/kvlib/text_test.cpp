@@ -36,18 +36,6 @@ TEST(Text, CopiesReturnTheTerminatorAndMoveOverlappingRanges) {
     EXPECT_STREQ(buffer, "xy");
 }
 
-TEST(Text, LengthsAtEveryAlignment) {
-    alignas(8) char buffer[24];
-    for (std::size_t start = 0; start < 8; start++) {
-        for (std::size_t length = 0; length < 12; length++) {
-            std::memset(buffer, 'x', sizeof buffer);
-            buffer[start + length] = '\0';
-            EXPECT_EQ(BUTSTLEN(buffer + start), length);
-        }
-    }
-    EXPECT_EQ(strLen(u"a\u00E9\U0001F600"), 4U);
-}
-
 TEST(Text, BoundedCopyAlwaysTerminates) {
     struct Row {
         std::size_t size;
