@@ -1,0 +1,176 @@
+#include "bos/file_names.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bos/debug_mask.h"
+#include "bos/file.h"
+#include "tests/support/error_collector.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+constexpr std::uint32_t kResolve = OpenFlag::kResolveOnly | OpenFlag::kRecogniseNames;
+
+// "@" in a row stands for the test's folder.
+std::string expand(const std::string& text, const TemporaryFolder& folder) {
+    const std::size_t at = text.find('@');
+    return at == std::string::npos ? text : text.substr(0, at) + folder.path() + text.substr(at + 1);
+}
+
+TEST(ConfigurationFileNames, LeadToTheirFiles) {
+    using Variables = std::vector<std::pair<const char*, std::string>>;
+    const struct {
+        const char* label;
+        const char* name;
+        Variables variables;  // beside HOME, which is @/home unless given
+        std::vector<std::string> files;
+        const char* expected;  // path, or the error's number
+        std::uint32_t flags = kResolve;
+    } rows[] = {
+        {"home", ".odbc.ini", {}, {"home/.odbc.ini"}, "@/home/.odbc.ini"},
+        {"upper case keeps its own name", "odbc.ini", {}, {"home/odbc.ini"}, "@/home/odbc.ini"},
+        {"and is another file", "ODBCINST.INI", {}, {"home/.odbcinst.ini"}, "1509"},
+        {"dotted in any case", ".ODBC.ini", {}, {"home/.ODBC.ini"}, "@/home/.ODBC.ini"},
+        {"variable wins over home", ".odbc.ini", {{"ODBCINI", "@/v"}}, {"home/.odbc.ini", "v"}, "@/v"},
+        {"second variable", "ODBC.INI", {{"ODBC_INI", "@/w"}}, {"home/ODBC.INI", "w"}, "@/w"},
+        {"first of two variables", ".odbc.ini", {{"ODBCINI", "@/v"}, {"ODBC_INI", "@/w"}}, {"v", "w"}, "@/v"},
+        {"variable to nowhere does not lead home", ".odbc.ini", {{"ODBCINI", "@/v"}}, {"home/.odbc.ini"}, "1509"},
+        {"variable set but empty", ".odbc.ini", {{"ODBCINI", ""}}, {"home/.odbc.ini"}, "1509"},
+        {"missing", ".odbc.ini", {}, {}, "1509"},
+        {"missing, though it may be created", ".odbc.ini", {}, {}, "1509", 0x0206},
+        {"missing, though it is to be created", ".odbc.ini", {}, {}, "1509", 0x0201},
+        {"driver file", ".odbcinst.ini", {{"ODBCINST", "@/v"}, {"ODBCINSTINI", "@/w"}}, {"v", "w"}, "@/v"},
+        {"driver file, second variable", "OdbcInst.ini", {{"ODBCINSTINI", "@/w"}}, {"w"}, "@/w"},
+        {"own file: home wins", ".kvlib.ini", {{"KVLIB_INI", "@/v"}}, {"home/.kvlib.ini", "v"}, "@/home/.kvlib.ini"},
+        {"own file: variable is the fallback", ".kvlib.ini", {{"KVLIB_INI", "@/v"}}, {}, "@/v"},
+        {"own file: need not exist", ".kvlib.ini", {}, {}, "@/home/.kvlib.ini"},
+        {"own file: case counts", ".KVLIB.ini", {{"KVLIB_INI", "@/v"}}, {}, ".KVLIB.ini"},
+        {"system defaults", ".system.defaults", {{"KV_SYSTEM_INI", "@/v"}}, {}, "@/v"},
+        {"no second slash", ".kvlib.ini", {{"HOME", "@/home/"}}, {}, "@/home/.kvlib.ini"},
+        {"other names stand as they are", "some.ini", {}, {}, "some.ini"},
+        {"other names in the home directory", "some.ini", {}, {}, "@/home/some.ini", kResolve | 0x0008},
+        {"home without recognition", ".odbc.ini", {{"ODBCINI", "@/v"}}, {}, "@/home/.odbc.ini", 0x0108},
+        {"no recognition", ".odbc.ini", {{"ODBCINI", "@/v"}}, {"v"}, ".odbc.ini", 0x0100},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        const TemporaryFolder folder;
+        ScopedEnvironment environment{
+            {"HOME", folder.path("home")}, {"ODBCINI", {}},   {"ODBC_INI", {}},     {"ODBCINST", {}},
+            {"ODBCINSTINI", {}},           {"KVLIB_INI", {}}, {"KV_SYSTEM_INI", {}}};
+        for (const auto& [variable, value] : row.variables) {
+            environment.set(variable, expand(value, folder));
+        }
+        for (const std::string& file : row.files) {
+            folder.write(file, "");
+        }
+        ErrorCollector errors;
+        char name[kPathSize];
+        std::string(row.name).copy(name, sizeof name);
+        name[std::string(row.name).size()] = '\0';
+        int descriptor = -1;
+        const int failed = bosFileOpen(name, row.flags, &descriptor);
+        EXPECT_EQ(failed != 0 ? errors.numbers() : std::string(name), expand(row.expected, folder));
+        EXPECT_EQ(descriptor, 0);
+    }
+}
+
+TEST(ConfigurationFileNames, WithoutAHomeStayRelative) {
+    const ScopedEnvironment environment{{"HOME", {}}, {"KVLIB_INI", {}}};
+    char name[kPathSize] = ".kvlib.ini";
+    int descriptor = 0;
+    EXPECT_EQ(bosFileOpen(name, kResolve, &descriptor), 0);
+    EXPECT_STREQ(name, ".kvlib.ini");
+
+    char16_t wide[kPathSize] = u".kvlib.ini";
+    const ScopedEnvironment home{{"HOME", "/h"}};
+    EXPECT_EQ(bosFileOpen(wide, kResolve, &descriptor), 0);
+    EXPECT_EQ(std::u16string(wide), u"/h/.kvlib.ini");
+}
+
+TEST(ConfigurationFileNames, ThatGrowTooLongAreRefused) {
+    const ScopedEnvironment environment{{"HOME", std::string(1020, 'h')}};
+    ErrorCollector errors;
+    char name[kPathSize] = ".kvlib.ini";
+    int descriptor = 0;
+    EXPECT_EQ(bosFileOpen(name, kResolve, &descriptor), 1);
+    EXPECT_STREQ(name, ".kvlib.ini");
+    EXPECT_EQ(errors.numbers(), "30041");
+}
+
+TEST(ConfigurationFileNames, AreTracedWithTheirReplacement) {
+    const ScopedEnvironment environment{{"HOME", "/h"}, {"KVLIB_INI", {}}};
+    BOS_RUNTIME_DEBUG = DebugBit::kFile;
+    testing::internal::CaptureStdout();
+    char name[kPathSize] = ".kvlib.ini";
+    int descriptor = 0;
+    bosFileOpen(name, kResolve, &descriptor);
+    bosexist("/");
+    BOS_RUNTIME_DEBUG = 0;
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "bosfopen - File:.kvlib.ini\nbosfopen: Replacing .kvlib.ini with /h/.kvlib.ini\n"
+              "bosexist: Name=/  exists: 1\n");
+}
+
+TEST(Paths, ArePutTogether) {
+    const std::string longName(1024, 'n');
+    const struct {
+        const char* directory;
+        std::string name;
+        const char* extension;
+        std::string expected;
+        int failed = 0;
+    } rows[] = {
+        {"/d", "n", "ext", "/d/n.ext"},
+        {"/d/", "n", ".ext", "/d/n.ext"},
+        {"/d", "n.x", "ext", "/d/n.x"},
+        {"/d.d", "n", "ext", "/d.d/n.ext"},
+        {"", ".hidden", "ext", ".hidden.ext"},
+        {nullptr, "n", nullptr, "n"},
+        {"/d", "/n", "", "/n"},
+        {"", longName, "", longName},
+        {"/", longName, "", "", 1},
+        {"", longName, "x", "", 1},
+    };
+    for (const auto& row : rows) {
+        char path[kPathSize] = "old";
+        EXPECT_EQ(bospath(path, row.directory, row.name.c_str(), row.extension), row.failed);
+        EXPECT_EQ(std::string(path), row.expected);
+    }
+}
+
+TEST(Paths, AreTakenApart) {
+    const struct {
+        const char *path, *directory, *name;
+    } rows[] = {{"/a/b", "/a", "b"}, {"/b", "/", "b"}, {"b", "", "b"}, {"a/", "a", ""}, {"", "", ""}};
+    for (const auto& row : rows) {
+        char directory[kPathSize];
+        char name[kPathSize];
+        EXPECT_EQ(bosParseName(row.path, directory, name), 0);
+        EXPECT_STREQ(directory, row.directory) << row.path;
+        EXPECT_STREQ(name, row.name) << row.path;
+    }
+}
+
+TEST(Paths, GoToTheHomeDirectory) {
+    char here[kPathSize];
+    ASSERT_NE(getcwd(here, sizeof here), nullptr);
+    const struct {
+        std::optional<std::string> home, kv;
+        std::string expected;
+    } rows[] = {{"/h", "/k", "/h/n"}, {"/h/", {}, "/h/n"}, {{}, "/k", "/k/n"}, {{}, {}, std::string(here) + "/n"}};
+    for (const auto& row : rows) {
+        const ScopedEnvironment environment{{"HOME", row.home}, {"KV", row.kv}};
+        char name[kPathSize] = "n";
+        EXPECT_EQ(boshpath(name), 0);
+        EXPECT_EQ(std::string(name), row.expected);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,321 @@
+#include "bos/file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "bos/catalog.h"
+#include "bos/errno_mapping.h"
+#include "bos/host.h"
+#include "tests/support/child_process.h"
+#include "tests/support/error_collector.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+std::ptrdiff_t openDescriptors() {
+    const auto entries = std::filesystem::directory_iterator("/proc/self/fd");
+    return std::distance(begin(entries), end(entries));
+}
+
+// Opens and closes again. The error numbers recorded, "" for success.
+std::string tryOpen(const std::string& path, std::uint32_t flags) {
+    ErrorCollector errors;
+    char name[kPathSize];
+    path.copy(name, path.size());
+    name[path.size()] = '\0';
+    int descriptor = -1;
+    const std::ptrdiff_t before = openDescriptors();
+    if (bosFileOpen(name, flags, &descriptor) == 0) {
+        EXPECT_GT(descriptor, 0);
+        EXPECT_EQ(bosFileClose(descriptor), 0);
+        EXPECT_EQ(errors.numbers(), "");
+    } else {
+        EXPECT_EQ(descriptor, 0);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+    return errors.numbers();
+}
+
+class FileTest : public testing::Test {
+protected:
+    TemporaryFolder folder_;
+};
+
+TEST_F(FileTest, OpenFlagsCreateAndEmpty) {
+    const struct {
+        const char* label;
+        bool exists;
+        std::uint32_t flags;
+        const char* errors;
+        const char* textAfter;
+    } rows[] = {
+        {"read", true, 0, "", "old"},
+        {"read a missing file", false, 0, "1509", "(missing)"},
+        {"read/write does not create", false, 0x0002, "1509", "(missing)"},
+        {"create missing", false, 0x0006, "", ""},
+        {"create missing keeps an existing file", true, 0x0006, "", "old"},
+        {"create keeps the text", true, 0x0001, "", "old"},
+        {"create and empty", true, 0x3003, "", ""},
+        {"emptying needs create", true, 0x2002, "", "old"},
+        {"exclusive create", false, 0x0021, "", ""},
+        {"exclusive create of an existing file", true, 0x0021, "1520", "old"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        std::filesystem::remove(folder_.path("file"));
+        if (row.exists) {
+            folder_.write("file", "old");
+        }
+        EXPECT_EQ(tryOpen(folder_.path("file"), row.flags), row.errors);
+        EXPECT_EQ(folder_.read("file"), row.textAfter);
+    }
+}
+
+TEST_F(FileTest, LocksOfAnotherProcess) {
+    const std::string path = folder_.write("file", "text");
+    const auto hold = [&](std::uint32_t flags) {
+        return [&path, flags] {
+            std::string name = path;
+            name.resize(kPathSize);
+            int descriptor = 0;
+            return bosFileOpen(name.data(), flags, &descriptor) == 0;
+        };
+    };
+    const struct {
+        const char* label;
+        std::uint32_t held, flags;
+        const char* errors;
+        const char* textAfter;
+    } rows[] = {
+        {"writer against writer", 0x1002, 0x1002, "1512", "text"},
+        {"reader against writer", 0x1002, 0x0800, "1512", "text"},
+        {"shared lock switched off", 0x1002, 0x0C00, "", "text"},
+        {"exclusive lock needs read/write", 0x1002, 0x1000, "", "text"},
+        {"no lock asked for", 0x1002, 0x0002, "", "text"},
+        {"readers share", 0x0800, 0x0800, "", "text"},
+        {"writer against reader", 0x0800, 0x1002, "1512", "text"},
+        {"creating takes a shared lock", 0x0001, 0x1002, "1512", "text"},
+        {"creating goes on without its lock", 0x1002, 0x3003, "", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        folder_.write("file", "text");
+        const StayingChild other(hold(row.held));
+        ASSERT_TRUE(other.worked());
+        EXPECT_EQ(tryOpen(path, row.flags), row.errors);
+        EXPECT_EQ(folder_.read("file"), row.textAfter);
+    }
+    const StayingChild other([&] {
+        const int descriptor = open(path.c_str(), O_RDWR);
+        return bosRegionLock(descriptor, RegionLock::kExclusive, 10, 5) == 0;
+    });
+    const int descriptor = open(path.c_str(), O_RDWR);
+    EXPECT_EQ(bosRegionLock(descriptor, RegionLock::kShared, 14, 1), 1);
+    EXPECT_EQ(bosRegionLock(descriptor, RegionLock::kShared, 15, 0), 0);
+    EXPECT_EQ(bosRegionLock(descriptor, RegionLock::kRelease, 15, 0), 0);
+    EXPECT_EQ(bosRegionLock(descriptor, 7, 15, 0), 1);
+    close(descriptor);
+}
+
+TEST_F(FileTest, FailuresOfTheSystemHaveTheLibrarysNumbers) {
+    const std::string file = folder_.write("file", "");
+    // Each in a child, which may give away what it can do.
+    const struct {
+        const char* label;
+        std::string path;
+        std::uint32_t flags;
+        std::function<void()> before;
+        const char* errors;
+    } rows[] = {
+        {"ENOENT", folder_.path("absent"), 0, [] {}, "1509"},
+        {"ENOTDIR", file + "/x", 0, [] {}, "30041"},
+        {"EISDIR", folder_.path(), 0x0002, [] {}, "30041"},
+        {"EACCES", file, 0, [] { EXPECT_EQ(setuid(65534), 0); }, "1508"},
+        {"EMFILE", file, 0,
+         [] {
+             const rlimit limit = {0, 0};
+             setrlimit(RLIMIT_NOFILE, &limit);
+         },
+         "30045"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(runInChild([&] {
+                      ErrorCollector errors;
+                      std::string name = row.path;
+                      name.resize(kPathSize);
+                      int descriptor = 0;
+                      row.before();
+                      return bosFileOpen(name.data(), row.flags, &descriptor) == 1 && errors.numbers() == row.errors;
+                  }),
+                  1)
+            << row.label;
+    }
+    ErrorCollector errors;
+    const int full = open("/dev/full", O_RDWR);
+    EXPECT_EQ(bosFileWrite(full, -1, "x", 1), 1);
+    EXPECT_EQ(bosFileClose(full), 0);
+    EXPECT_EQ(bosFileClose(full), 1);
+    EXPECT_EQ(errors.numbers(), "1506 1507");
+}
+
+TEST_F(FileTest, ErrorsTellTheNameAndTheReason) {
+    const auto withTexts = [this](const std::string& format) {
+        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo",
+                            {{1509, "gone"}, {1512, "busy"}, {30041, "bad"}, {30050, format}});
+        bosFreeResourceDLL(nullptr, nullptr);
+        folder_.path().copy(InstallDirLocation, kInstallDirSize);
+        InstallDirLocation[folder_.path().size()] = '\0';
+    };
+    const struct {
+        const char* format;
+        int systemError;
+        const char* name;
+        const char* expected;
+    } rows[] = {
+        {"%s (%s)", ENOENT, "/n", "gone: /n"},
+        {"%s (%s)", ENOENT, nullptr, "gone"},
+        {"%s (%s)", EAGAIN, "/n", "busy"},
+        {"%s (%s)", EIO, "/n", "bad: /n"},
+        {"%s (%s)", ENOTDIR, "/n", "bad: Not a directory (/n)"},
+        {"%s (%s)", ENOTDIR, "/%1%s", "bad: Not a directory (/%1%s)"},
+        {"%s (%s)", ENOTDIR, nullptr, "bad: Not a directory"},
+        {"only %s", ENOTDIR, "/n", "bad: only Not a directory"},
+        {"100%% %n%d %s %s %s %", ENOTDIR, "/n", "bad: 100% %n%d Not a directory /n %s %"},
+    };
+    for (const auto& row : rows) {
+        withTexts(row.format);
+        ErrorCollector errors;
+        bosMapError(row.systemError, row.name);
+        EXPECT_EQ(errors.lastText(), row.expected) << row.format;
+    }
+    bosFreeResourceDLL(nullptr, nullptr);
+    *InstallDirLocation = '\0';
+}
+
+TEST_F(FileTest, ADescriptorIsNeverZero) {
+    const std::string path = folder_.write("file", "text");
+    for (const std::uint32_t flags : {0x0000U, 0x0001U}) {
+        EXPECT_EQ(runInChild([&] {
+                      close(0);
+                      std::string name = path;
+                      name.resize(kPathSize);
+                      int descriptor = 0;
+                      const bool opened = bosFileOpen(name.data(), flags, &descriptor) == 0;
+                      return opened && descriptor > 0 && fcntl(0, F_GETFD) == -1 ? 0 : 1;
+                  }),
+                  0);
+    }
+}
+
+TEST_F(FileTest, TemporaryFilesAndTheSearchPath) {
+    const ScopedEnvironment environment{{"TMPDIR", {}}, {"KV_TMPDIR", folder_.path()}, {"PATH", folder_.path()}};
+    for (const std::uint32_t flag : {0x0040U, 0x0080U}) {
+        char name[kPathSize] = "ignored";
+        int descriptor = 0;
+        ASSERT_EQ(bosFileOpen(name, flag, &descriptor), 0);
+        EXPECT_EQ(bosFileClose(descriptor), 0);
+        EXPECT_EQ(std::string(name).rfind(folder_.path("kv"), 0), 0U) << name;
+        EXPECT_EQ(bosexist(name), 1);
+    }
+    folder_.write("onpath", "");
+    EXPECT_EQ(tryOpen("onpath", 0x0010), "");
+    EXPECT_EQ(tryOpen("onpath", 0), "1509");
+    EXPECT_EQ(tryOpen("absent", 0x0010), "1509");
+}
+
+TEST_F(FileTest, WrappersDoWhatTheirCallsDo) {
+    char name[kPathSize];
+    folder_.path("data").copy(name, sizeof name);
+    name[folder_.path("data").size()] = '\0';
+    int descriptor = 0;
+    ASSERT_EQ(bosFileOpen(name, OpenFlag::kCreate, &descriptor), 0);
+    EXPECT_EQ(bosFileWrite(descriptor, -1, "abcdef", 6), 0);
+    EXPECT_EQ(bosFileWrite(descriptor, 1, "BC", 2), 0);
+    char buffer[16] = "";
+    std::uint64_t got = 0;
+    EXPECT_EQ(bosFileRead(descriptor, 0, buffer, sizeof buffer, &got), 0);
+    EXPECT_EQ(std::string(buffer, got), "aBCdef");
+    std::int64_t position = 0;
+    EXPECT_EQ(bosFileSeek(descriptor, -2, SEEK_END, &position), 0);
+    EXPECT_EQ(position, 4);
+    EXPECT_EQ(bosFileRead(descriptor, -1, buffer, 1, &got), 0);
+    EXPECT_EQ(std::string(buffer, got), "e");
+    EXPECT_EQ(bosFileSeek(descriptor, -1, SEEK_SET, nullptr), 1);
+    EXPECT_EQ(bosFileTruncate(descriptor, 4), 0);
+    std::uint64_t size = 0;
+    EXPECT_EQ(bosFileSize(descriptor, &size), 0);
+    EXPECT_EQ(size, 4U);
+    bosFileClose(descriptor);
+
+    EXPECT_EQ(bosFileTruncate(name, 2), 0);
+    const timespec times[2] = {{1000, 0}, {123456, 0}};
+    utimensat(AT_FDCWD, name, times, 0);
+    std::uint32_t date = 0;
+    EXPECT_EQ(bosFileDateSize(name, &date, &size), 0);
+    EXPECT_EQ(date, 123456U);
+    EXPECT_EQ(size, 2U);
+    const std::u16string wide(name, name + std::char_traits<char>::length(name));
+    EXPECT_EQ(bosexist(wide.c_str()), 1);
+    EXPECT_EQ(bosftest(wide.c_str()), 1);
+    EXPECT_EQ(bosFileDelete(wide.c_str()), 0);
+    EXPECT_EQ(bosexist(name), 0);
+    EXPECT_EQ(bosFileDelete(name), 1);
+    EXPECT_EQ(bosFileDateSize(name, &date, &size), 1);
+
+    const std::string file = folder_.write("file", "");
+    EXPECT_EQ(bosftest((file + "/x.dsn").c_str()), 0);
+    EXPECT_EQ(bosftest(folder_.path("absent/x.dsn").c_str()), 0);
+    folder_.write("$$$kv$$$.$kv", "mine");
+    EXPECT_EQ(bosftest(file.c_str()), 0) << "an existing probe is not ours to remove";
+    EXPECT_EQ(folder_.read("$$$kv$$$.$kv"), "mine");
+}
+
+TEST_F(FileTest, TheHostAnswersInBoundedBuffers) {
+    folder_.write("a.dsn", "");
+    folder_.write("b.dsn", "");
+    std::vector<std::string> files;
+    EXPECT_EQ(bosFindFiles(folder_.path("*.dsn").c_str(), files), 0);
+    EXPECT_EQ(files, (std::vector<std::string>{folder_.path("a.dsn"), folder_.path("b.dsn")}));
+    EXPECT_EQ(bosFindFiles(folder_.path("*.ini").c_str(), files), 1);
+    for (const char* order : {"`touch @x`", "$(touch @x)", "@; touch @x", "@\ntouch @x", "@ > @x", ""}) {
+        std::string pattern;
+        for (const char* c = order; *c != '\0'; ++c) {
+            pattern += *c == '@' ? folder_.path() + "/" : std::string(1, *c);
+        }
+        EXPECT_EQ(bosFindFiles(pattern.c_str(), files), 1) << order;
+        EXPECT_EQ(folder_.read("x"), "(missing)") << order;
+    }
+
+    const ScopedEnvironment environment{{"VH_TEST", "value"}};
+    EXPECT_STREQ(bosGetEnv("VH_TEST"), "value");
+    char16_t wide[6];
+    EXPECT_EQ(bosGetEnv(u"VH_TEST", wide, 6), 0);
+    EXPECT_EQ(std::u16string(wide), u"value");
+    EXPECT_EQ(bosGetEnv(u"VH_TEST", wide, 5), 1);
+    EXPECT_EQ(bosGetEnv(u"VH_ABSENT", wide, 6), 1);
+
+    char host[256];
+    char buffer[256];
+    gethostname(host, sizeof host);
+    EXPECT_EQ(bosGetMachineName(buffer, sizeof buffer), 0);
+    EXPECT_STREQ(buffer, host);
+    EXPECT_EQ(bosGetMachineName(buffer, 1), 1);
+    EXPECT_STREQ(buffer, "");
+    EXPECT_EQ(bosGetHostUser(buffer, sizeof buffer), 0);
+    EXPECT_GT(std::string(buffer).size(), 0U);
+    EXPECT_EQ(bosGetCommand(getpid(), buffer, 5), 0);
+    EXPECT_EQ(std::string(buffer).size(), 4U);
+    EXPECT_EQ(bosGetCommand(0x7FFFFFFF, buffer, sizeof buffer), 1);
+}
+
+}  // namespace

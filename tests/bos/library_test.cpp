@@ -1,0 +1,191 @@
+#include "bos/library.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "bos/debug_mask.h"
+#include "tests/support/child_process.h"
+#include "tests/support/error_collector.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+class LibraryTest : public testing::Test {
+protected:
+    ~LibraryTest() override { BOS_RUNTIME_DEBUG = 0; }
+
+    std::string inFolder(std::string_view list) const {
+        std::string result;
+        for (const char c : list) {
+            result += c == '@' ? folder_.path() : std::string(1, c);
+        }
+        return result;
+    }
+
+    TemporaryFolder folder_;
+    ScopedEnvironment environment_{{"HOME", {}},        {"KV", {}},  {"KVLIB", {}}, {"LD_LIBRARY_PATH", {}},
+                                   {"LD_RUN_PATH", {}}, {"PATH", {}}};
+};
+
+TEST_F(LibraryTest, FilesAreLookedForAlongTheFlaggedDirectories) {
+    for (const char* file : {"a/one", "b/one", "b/two", "top", "c/lib/x"}) {
+        folder_.write(file, "");
+    }
+    std::filesystem::create_directories(folder_.path("a/two"));
+    constexpr std::uint32_t kLibraries = LocateFlag::kProduct | LocateFlag::kLibraries;
+    const std::string longName(2000, 'x');
+    const struct {
+        const char* label;
+        const char* variable;
+        const char* value;
+        std::uint32_t flags;
+        std::string name;
+        const char* expected;
+    } rows[] = {
+        {"first directory wins", "PATH", "@/a:@/b", LocateFlag::kPath, "one", "@/a/one"},
+        {"a directory of that name is no hit", "PATH", "@/a:@/b", LocateFlag::kPath, "two", "@/b/two"},
+        {"empty elements are skipped", "LD_LIBRARY_PATH", "::@/b::", kLibraries, "two", "@/b/two"},
+        {"a directory may end in a slash", "HOME", "@/b/", LocateFlag::kHome, "two", "@/b/two"},
+        {"parent of a library directory", "LD_LIBRARY_PATH", "@/c/lib", kLibraries, "../top", "@/c/lib/../../top"},
+        {"parent only with the library flag", "PATH", "@/a", LocateFlag::kPath, "top", ""},
+        {"KV too has its parent tried", "KV", "@/a", kLibraries, "top", "@/a/../top"},
+        {"variables of other flags don't count", "PATH", "@/b", kLibraries, "two", ""},
+        {"as given, without any flag", "PATH", "", 0, "@/b/two", "@/b/two"},
+        {"no directories", "PATH", "@/b", 0, "two", ""},
+        {"too long for a path", "PATH", "@/b", LocateFlag::kPath, longName, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        const ScopedEnvironment variable{{row.variable, inFolder(row.value)}};
+        char result[kPathSize] = "old";
+        const std::uint32_t missing = bosLocateFile(result, inFolder(row.name).c_str(), row.flags);
+        EXPECT_EQ(std::string(result), inFolder(row.expected));
+        EXPECT_EQ(missing, *row.expected == '\0' ? 1U : 0U);
+        EXPECT_EQ(bosLocateFile(nullptr, inFolder(row.name).c_str(), row.flags), missing);
+    }
+}
+
+TEST_F(LibraryTest, TheOrderOfDirectoriesIsFixed) {
+    for (const char* directory : {"home", "kv", "kvlib", "ld", "run", "path"}) {
+        folder_.write(std::string(directory) + "/file", "");
+    }
+    environment_.set("HOME", folder_.path("home"));
+    environment_.set("KV", folder_.path("kv"));
+    environment_.set("KVLIB", folder_.path("kvlib"));
+    environment_.set("LD_LIBRARY_PATH", folder_.path("ld"));
+    environment_.set("LD_RUN_PATH", folder_.path("run"));
+    environment_.set("PATH", folder_.path("path"));
+    for (const char* directory : {"home", "kv", "kvlib", "ld", "run", "path"}) {
+        char result[kPathSize];
+        EXPECT_EQ(bosLocateFile(result, "file", 0x0F), 0U);
+        EXPECT_EQ(std::string(result), folder_.path(directory) + "/file");
+        std::filesystem::remove(result);
+    }
+}
+
+TEST_F(LibraryTest, KindsOfFiles) {
+    const struct {
+        const char* label;
+        mode_t mode;
+        uid_t owner;
+        std::uint32_t expected;
+    } rows[] = {
+        {"own and writable", 0600, getuid(), 1},
+        {"own and read-only, whoever may write else", 0466, getuid(), 5},
+        {"another's, writable for others", 0602, getgid() + 12345, 1},
+        {"another's, writable for its group only", 0620, getgid() + 12345, 5},
+    };
+    const std::string file = folder_.write("file", "");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        if (row.owner != getuid() && getuid() != 0) {
+            continue;  // only root can give files away
+        }
+        ASSERT_EQ(chown(file.c_str(), row.owner, getgid()), 0);
+        ASSERT_EQ(chmod(file.c_str(), row.mode), 0);
+        EXPECT_EQ(bosfattr(file.c_str()), row.expected);
+    }
+    ASSERT_EQ(mkfifo(folder_.path("fifo").c_str(), 0600), 0);
+    EXPECT_EQ(bosfattr(folder_.path("fifo").c_str()), 32U);
+    EXPECT_EQ(bosfattr(folder_.path().c_str()), 2U);
+    EXPECT_EQ(bosfattr(".."), 2U);
+    EXPECT_EQ(bosfattr(folder_.path("absent").c_str()), 8U);
+    EXPECT_EQ(bosfattr((file + "/x").c_str()), 16U);
+}
+
+TEST_F(LibraryTest, LibrariesAreLoadedByTheirBareName) {
+    std::filesystem::create_directories(folder_.path("b"));
+    for (const char* name : {"b/vhtrc23.so", "b/odd.so.7"}) {
+        std::filesystem::copy_file(BOS_TEST_LIBRARY, folder_.path(name));
+    }
+    folder_.write("b/broken.so", "no library");
+    environment_.set("LD_LIBRARY_PATH", folder_.path("a") + ":" + folder_.path("b"));
+    const struct {
+        const char* label;
+        std::string name;
+        int addVersion;
+        bool loads;
+        const char* errors;
+    } rows[] = {
+        {"version and suffix added", "vhtrc", 1, true, ""},
+        {"trailing blanks", "vhtrc23  ", 0, true, ""},
+        {"suffix in the middle is enough", "odd.so.7", 0, true, ""},
+        {"whole path", folder_.path("b/vhtrc23.so"), 0, true, ""},
+        {"not found records nothing", "vhtrc", 0, false, ""},
+        {"refused by the loader", "broken", 0, false, "1523"},
+        {"nothing but blanks", "   ", 0, false, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        ErrorCollector errors;
+        void* handle = bosLoadLibrary(row.name.c_str(), row.addVersion);
+        EXPECT_EQ(handle != nullptr, row.loads);
+        EXPECT_EQ(errors.numbers(), row.errors);
+        if (row.loads) {
+            const auto answer = reinterpret_cast<int (*)()>(dlsym(handle, "answer"));
+            EXPECT_TRUE(answer != nullptr && answer() == 42);
+            dlclose(handle);
+        } else if (*row.errors != '\0') {
+            EXPECT_NE(errors.lastText().find(folder_.path("b/broken.so") + ": " + folder_.path("b/broken.so")),
+                      std::string::npos)
+                << "the path, then the loader's words, which begin with it: " << errors.lastText();
+        }
+    }
+    void* handle = bosLoadLibrary(u"vhtrc", 1);
+    EXPECT_NE(handle, nullptr);
+    dlclose(handle);
+    EXPECT_EQ(runInChild([&] {
+                  return chdir(folder_.path("b").c_str()) == 0 && unsetenv("LD_LIBRARY_PATH") == 0 &&
+                                 bosLoadLibrary("vhtrc23.so", 0) != nullptr
+                             ? 0
+                             : 1;
+              }),
+              0)
+        << "a file of the current directory is what is loaded";
+}
+
+TEST_F(LibraryTest, TheTraceTellsSearchAndFailure) {
+    const std::string broken = folder_.write("broken.so", "no library");
+    environment_.set("KV", folder_.path());
+    BOS_RUNTIME_DEBUG = DebugBit::kLocate | DebugBit::kLibrary;
+    testing::internal::CaptureStdout();
+    bosLoadLibrary("absent", 0);
+    bosLoadLibrary("broken", 0);
+    const std::string text = testing::internal::GetCapturedStdout();
+    const std::string expected = "LoadLibrary: Searching for absent.so.\nLocateFile: " + folder_.path("absent.so") +
+                                 "\nLocateFile: " + folder_.path("../absent.so") +
+                                 "\nLocateFile: /usr/local/lib/absent.so\nLocateFile: /usr/local/lib/../absent.so\n" +
+                                 "Unable to open Shared Library: absent.so\nLoadLibrary: Searching for broken.so.\n" +
+                                 "LocateFile: " + broken + "\nLoadLibrary: Found library " + broken + ".\n" +
+                                 "Unable to open Shared Library:" + broken + "\nLoader Error: ";
+    EXPECT_EQ(text.substr(0, expected.size()), expected);
+}
+
+}  // namespace
