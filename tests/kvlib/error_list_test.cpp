@@ -227,7 +227,7 @@ struct Made {
 };
 
 // A catalog of the library's own name in an install directory of its own.
-class CatalogTest : public ErrorListTest {
+class LibraryTextTest : public ErrorListTest {
 protected:
     void SetUp() override {
         char name[] = "/tmp/error_list_test.XXXXXX";
@@ -252,7 +252,7 @@ protected:
     std::filesystem::path root_;
 };
 
-TEST_F(CatalogTest, TextsByNumberAreOpenedWhenFirstNeeded) {
+TEST_F(LibraryTextTest, TextsByNumberAreOpenedWhenFirstNeeded) {
     char16_t wide[kLibraryTextSize] = u"old";
     EXPECT_EQ(winGetString(wide, 8), 18U);
     EXPECT_EQ(std::u16string(wide), u"file %1 is missing");
@@ -271,7 +271,7 @@ TEST_F(CatalogTest, TextsByNumberAreOpenedWhenFirstNeeded) {
     addWarning(77);
 }
 
-TEST_F(CatalogTest, ErrorsAreOrderedByPositionAndState) {
+TEST_F(LibraryTextTest, ErrorsAreOrderedByPositionAndState) {
     struct Row {
         Made a;
         Made b;
@@ -299,7 +299,7 @@ TEST_F(CatalogTest, ErrorsAreOrderedByPositionAndState) {
     }
 }
 
-TEST_F(CatalogTest, AListSortsItsErrorsAndKeepsEqualOnesInOrder) {
+TEST_F(LibraryTextTest, AListSortsItsErrorsAndKeepsEqualOnesInOrder) {
     KvErrorList all(nullptr, kErrorListKeepAll);
     KvErrorKeeper::setErrorList(&all);
     for (int row : {7, 5, 3, 1, 4}) {
