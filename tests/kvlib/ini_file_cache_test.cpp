@@ -1,0 +1,474 @@
+#include "kvlib/ini_file_cache.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "bos/debug_mask.h"
+#include "bos/file.h"
+#include "kvlib/ini_file_cache_list.h"
+#include "tests/support/child_process.h"
+#include "tests/support/error_collector.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
+using std::string_literals::operator""s;
+
+namespace {
+
+class IniFileTest : public testing::Test {
+protected:
+    ~IniFileTest() override { BOS_RUNTIME_DEBUG = 0; }
+
+    // A cache of the folder's file with this text.
+    void load(std::string_view text) {
+        path_ = folder_.write("file.ini", text);
+        ASSERT_EQ(cache_.bosKvIniOpen(path_.c_str(), 0), 0U);
+    }
+
+    std::string value(const char* section, const char* entry) {
+        char buffer[4096];
+        const unsigned long length = cache_.bosGetProfileString(section, entry, "(default)", buffer, sizeof buffer);
+        return {buffer, length};
+    }
+
+    // Changes date and size beyond what one second and one byte could hide.
+    void changeFile(std::string_view text) {
+        folder_.write("file.ini", text);
+        const timespec times[2] = {{1000, 0}, {++fakeTime_, 0}};
+        utimensat(AT_FDCWD, path_.c_str(), times, 0);
+    }
+
+    TemporaryFolder folder_;
+    std::string path_;
+    KvIniFileCache cache_;
+    time_t fakeTime_ = 1000;
+};
+
+constexpr const char* kDefault = "(default)";
+
+TEST_F(IniFileTest, Lookups) {
+    const std::string longName(300, 'n');
+    const struct {
+        const char* label;
+        std::string text;
+        const char* section;
+        const char* entry;
+        std::string expected;
+    } rows[] = {
+        {"plain", "[S]\nA=1\n", "S", "A", "1"},
+        {"names without case, trailing blanks kept", "[ODBC]\ninstalldir = /opt/x  \n", "odbc", "InstallDir",
+         "/opt/x  "},
+        {"many equal signs and blanks", "[S]\nA \t== =b\n", "S", "A", "b"},
+        {"equal sign inside a value", "[S]\nA=b=c\n", "S", "A", "b=c"},
+        {"empty value is missing", "[S]\nA=\nB=2\n", "S", "A", kDefault},
+        {"value of blanks is empty", "[S]\nA=  \nB=2\n", "S", "A", kDefault},
+        {"no final line end", "[S]\nA=1", "S", "A", "1"},
+        {"carriage return stays in the value", "[S]\r\nA=1\r\n", "S", "A", "1\r"},
+        {"and its empty value is none", "[S]\r\nA=\r\n", "S", "A", "\r"},
+        {"first of two entries", "[S]\nDriver=a\nDriver=b\n", "S", "Driver", "a"},
+        {"first of two sections", "[S]\nA=1\n[s]\nA=2\nB=3\n", "S", "B", kDefault},
+        {"blanks inside a key", "[S]\n  my key  = x\n", "S", "my key", "x"},
+        {"blanks of a section name count", "[ S ]\nA=1\n", "S", "A", kDefault},
+        {"and are found", "[ S ]\nA=1\n", " s ", "A", "1"},
+        {"comments", "[S]\n;A=1\n \t# A=2\nA=3\n", "S", "A", "3"},
+        {"comment mark in a value", "[S]\nA=1;2#3\n", "S", "A", "1;2#3"},
+        {"empty lines", "\n\n[S]\n\n\nA=1\n", "S", "A", "1"},
+        {"a line of blanks is one without an equal sign", "[S]\n \nA=1\nB=2\n", "S", "A", kDefault},
+        {"and so is a carriage return", "[S]\n\r\nA=1\r\nB=2\n", "S", "A", kDefault},
+        {"text behind a header", "[S] A=0\nA=1\n", "S", "A", "1"},
+        {"commented-out header", ";[Old]\nA=1\n#[Old]\nA=2\n", "Old", "A", kDefault},
+        {"header after other text", "[S]\nx [Old]\nA=1\n", "Old", "A", kDefault},
+        {"header after a blank", " [Old]\nA=1\n", "Old", "A", kDefault},
+        {"header right behind a header", "[S][T]\nA=1\n", "T", "A", "1"},
+        {"which ends the first", "[S][T]\nA=1\n", "S", "A", kDefault},
+        {"no chain behind a commented-out header", ";[Old][New]\nA=1\n", "New", "A", kDefault},
+        {"header without its end", "[S\nA=1\n", "S", "A", kDefault},
+        {"header ended on a later line", "[S\nA=1\n[T]\nB=2\n", "S\nA=1\n[T", "B", "2"},
+        {"line without an equal sign takes the next", "[S]\njunk\nA=1\nB=2\n", "S", "A", kDefault},
+        {"and is its key", "[S]\njunk\nA=1\nB=2\n", "S", "junk\nA", "1"},
+        {"but not the one after", "[S]\njunk\nA=1\nB=2\n", "S", "B", "2"},
+        {"nor one of another section", "[S]\njunk\n[T]\nA=1\n", "S", "junk\n[T]\nA", kDefault},
+        {"bracket in a value stays in it", "[S]\nA=x[y\nB=2\n", "S", "A", "x[y"},
+        {"and ends the section", "[S]\nA=x[y\nB=2\n", "S", "B", kDefault},
+        {"as one in a comment does", "[S]\n;[\nA=1\n", "S", "A", kDefault},
+        {"line of an equal sign", "[S]\n=1\nA=2\n", "S", "A", "2"},
+        {"entries before any section", "A=1\n[S]\nB=2\n", "S", "A", kDefault},
+        {"empty file", "", "S", "A", kDefault},
+        {"zero bytes are characters", "[S]\nA=1\0x\nB=2\n"s, "S", "A", "1\0x"s},
+        {"and do not end the text", "[S]\nA=1\0x\nB=2\n"s, "S", "B", "2"},
+        {"long names", "[" + longName + "]\n" + longName + "=1\n", longName.c_str(), longName.c_str(), "1"},
+        {"names that begin alike", "[Section]\nKeys=1\nKey=2\n[Sec]\nKey=3\n", "Sec", "Key", "3"},
+        {"values end at 2,047 bytes", "[S]\nA=" + std::string(3000, 'v') + "\n", "S", "A", std::string(2047, 'v')},
+        {"letters beyond ASCII match exactly", "[S]\n\xC4=1\n\xE4=2\n", "S", "\xE4", "2"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        load(row.text);
+        EXPECT_EQ(value(row.section, row.entry), row.expected);
+    }
+}
+
+TEST_F(IniFileTest, SizesAtTheBoundary) {
+    load("[S]\nA=abcdef\nE=\n");
+    const struct {
+        const char* label;
+        const char* entry;
+        const char* defaultText;
+        unsigned long size, length;
+        const char* expected;
+    } rows[] = {
+        {"room", "A", "", 7, 6, "abcdef"},
+        {"exactly the size counts as cut", "A", "", 6, 6, "abcde"},
+        {"cut", "A", "", 4, 4, "abc"},
+        {"only the terminator", "A", "", 1, 1, ""},
+        {"no room at all", "A", "", 0, 0, "untouched"},
+        {"default whole", "E", "abc", 4, 3, "abc"},
+        {"default cut", "E", "abc", 3, 2, "ab"},
+        {"null default", "X", nullptr, 9, 0, ""},
+        {"default without room", "X", "abc", 0, 0, "untouched"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        char buffer[16] = "untouched";
+        EXPECT_EQ(cache_.bosGetProfileString("S", row.entry, row.defaultText, buffer, row.size), row.length);
+        EXPECT_STREQ(buffer, row.expected);
+
+        char16_t wide[16] = u"untouched";
+        const std::u16string entry(row.entry, row.entry + 1);
+        const std::string text = row.defaultText == nullptr ? "" : row.defaultText;
+        const std::u16string wideDefault(text.begin(), text.end());
+        const unsigned long length = cache_.bosGetProfileStringW(
+            u"S", entry.c_str(), row.defaultText == nullptr ? nullptr : wideDefault.c_str(), wide, row.size);
+        const std::u16string result(wide);
+        EXPECT_EQ(std::string(result.begin(), result.end()), row.expected);
+        // A default is told from a value by the 8-bit form alone.
+        EXPECT_EQ(length, *row.entry == 'A' ? row.length : std::min<unsigned long>(text.size(), row.size));
+    }
+}
+
+TEST_F(IniFileTest, Lists) {
+    const struct {
+        const char* label;
+        std::string text;
+        const char* section;  // null: the sections
+        unsigned long size;
+        std::string expected;
+    } rows[] = {
+        {"keys", "[S]\nA=1\nB=2\n[T]\nC=3\n", "s", 99, "A\0B\0\0"s},
+        {"blanks before the equal sign are kept", "[S]\nDriver = x\n", "S", 99, "Driver \0\0"s},
+        {"leading blanks only on the first line", "[S]\n  A=1\n  B=2\n", "S", 99, "A\0  B\0\0"s},
+        {"comments", "[S]\n;x=1\nA=1\n#y\nB=2\n", "S", 99, "A\0B\0\0"s},
+        {"comment behind a blank is a key", "[S]\nA=1\n ;x=1\n", "S", 99, "A\0 ;x\0\0"s},
+        {"line without an equal sign runs on", "[S]\njunk\nA=1\nrest", "S", 99, "junkA\0rest\0"s},
+        {"carriage returns of blank lines run on", "[S]\r\nA=1\r\n\r\nB=2\r\n", "S", 99, "A\0\rB\0\0"s},
+        {"bracket in a value ends the list", "[S]\nA=x[\nB=2\n", "S", 99, "A\0\0"s},
+        {"nothing but a comment", "[S]\n;x\n[T]\n", "S", 99, "\0"s},
+        {"empty section", "[S]\n[T]\nA=1\n", "S", 99, "(d)"},
+        {"empty section at the end", "[S]", "S", 99, "(d)"},
+        {"missing section", "[S]\nA=1\n", "X", 99, "(d)"},
+        {"exactly full", "[S]\nAb=1\nCd=2\n", "S", 7, "Ab\0Cd\0\0"s},
+        {"cut behind a key's zero", "[S]\nAb=1\nCd=2\n", "S", 4, "Ab\0\0"s},
+        {"cut in a key", "[S]\nAb=1\nCd=2\n", "S", 5, "Ab\0C\0"s},
+        {"one byte", "[S]\nAb=1\n", "S", 1, "\0"s},
+        {"no bytes", "[S]\nAb=1\n", "S", 0, ""},
+        {"sections", "[A]\nx=1\n;[B]\n[C D]\n[A]\n", nullptr, 99, "A\0C D\0A\0\0"s},
+        {"sections, exactly full", "[A]\n[B]\n", nullptr, 5, "A\0B\0\0"s},
+        {"sections, cut in a name", "[Ab]\n[Cd]\n", nullptr, 6, "Ab\0C\0\0"s},
+        {"sections, cut behind a name", "[Ab]\n[Cd]\n", nullptr, 5, "Ab\0\0"s},
+        {"sections, two bytes", "[Ab]\n", nullptr, 2, "\0"s},
+        {"no sections", "A=1\n", nullptr, 99, "\0"s},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        load(row.text);
+        char buffer[100];
+        std::fill_n(buffer, sizeof buffer, '#');
+        const unsigned long length = cache_.bosGetProfileString(row.section, nullptr, "(d)", buffer, row.size);
+        EXPECT_EQ(std::string(buffer, length), row.expected);
+        EXPECT_EQ(buffer[row.size], '#');
+        if (row.section != nullptr && row.expected != "(d)") {
+            EXPECT_EQ(cache_.bosGetProfileSection(row.section, buffer, row.size), length);
+        }
+    }
+    load("[S]\nAb=1\nCd=2\n");
+    char16_t wide[8];
+    EXPECT_EQ(cache_.bosGetProfileStringW(u"S", nullptr, nullptr, wide, 7), 7U);
+    EXPECT_EQ(std::u16string(wide, 7), std::u16string(u"Ab\0Cd\0\0", 7));
+    EXPECT_EQ(cache_.bosGetProfileStringW(u"S", nullptr, nullptr, wide, 6), 6U);
+    EXPECT_EQ(std::u16string(wide, 6), std::u16string(u"Ab\0C\0\0", 6));
+}
+
+TEST_F(IniFileTest, Integers) {
+    const std::pair<const char*, std::uint32_t> rows[] = {
+        {"12", 12},        {"12abc", 12}, {"-5", 7},
+        {"abc", 7},        {"", 7},       {"4294967295", 4294967295U},
+        {"4294967296", 7}, {"0x10", 0},   {"123456789012345678901234", 7}};
+    for (const auto& [text, expected] : rows) {
+        load(std::string("[S]\nN=") + text + "\n");
+        EXPECT_EQ(cache_.bosGetProfileInt("S", "N", 7), expected) << text;
+    }
+    EXPECT_EQ(cache_.bosGetProfileInt("S", nullptr, 7), 7U);
+}
+
+TEST_F(IniFileTest, Updates) {
+    const struct {
+        const char* label;
+        std::string text;
+        const char *section, *entry, *value;
+        std::string expected;
+    } rows[] = {
+        {"change takes the caller's spelling", "[S]\n  a = 1\nB=2\n", "s", "A", "x", "[S]\n  A=x\nB=2\n"},
+        {"only the first of two", "[S]\nA=1\nA=2\n", "S", "A", "x", "[S]\nA=x\nA=2\n"},
+        {"without a line end", "[S]\nA=1", "S", "A", "x", "[S]\nA=x\n"},
+        {"carriage return goes", "[S]\r\nA=1\r\nB=2\r\n", "S", "A", "x", "[S]\r\nA=x\nB=2\r\n"},
+        {"a key of two lines is one entry", "[S]\njunk\nA=1\n", "S", "junk\nA", nullptr, "[S]\n"},
+        {"empty value is written", "[S]\nA=1\n", "S", "A", "", "[S]\nA=\n"},
+        {"new entry comes first, header as the caller spells it", "[Sec]\nA=1\n", "sEC", "N", "x", "[sEC]\nN=x\nA=1\n"},
+        {"new entry under a header without a line end", "[S]", "S", "N", "x", "[S]\nN=x\n"},
+        {"one character behind the header is lost", "[S] ;c\nA=1\n", "S", "N", "x", "[S]\nN=x\n;c\nA=1\n"},
+        {"even the bracket of the next", "[S][T]\nA=1\n", "S", "N", "x", "[S]\nN=x\nT]\nA=1\n"},
+        {"new section at the end", "[S]\nA=1\n", "T", "N", "x", "[S]\nA=1\n[T]\nN=x\n"},
+        {"which continues an open line", "[S]\nA=1", "T", "N", "x", "[S]\nA=1[T]\nN=x\n"},
+        {"first section of an empty file", "", "T", "N", "x", "[T]\nN=x\n"},
+        {"delete an entry", "[S]\nA=1\nB=2\n", "S", "a", nullptr, "[S]\nB=2\n"},
+        {"delete a missing entry", "[S]\nA=1\n", "S", "X", nullptr, "[S]\nA=1\n"},
+        {"delete an entry of a missing section", "[S]\nA=1\n", "T", "A", nullptr, "[S]\nA=1\n"},
+        {"delete a section", ";x\n[S]\nA=1\n\n[T]\nB=2\n", "s", nullptr, nullptr, ";x\n[T]\nB=2\n"},
+        {"with a value as well", "[S]\nA=1\n", "S", nullptr, "x", ""},
+        {"up to a bracket in a value", "[S]\nA=x[y\nB=2\n", "S", nullptr, nullptr, "[y\nB=2\n"},
+        {"delete a missing section", "[S]\nA=1\n", "T", nullptr, nullptr, "[S]\nA=1\n"},
+        {"zero bytes survive", "[S]\nA=1\0x\n"s, "T", "N", "x", "[S]\nA=1\0x\n[T]\nN=x\n"s},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        load(row.text);
+        EXPECT_EQ(cache_.bosPutProfileString(row.section, row.entry, row.value), 1);
+        EXPECT_EQ(folder_.read("file.ini"), row.expected);
+    }
+    EXPECT_EQ(cache_.bosPutProfileString(nullptr, "A", "1"), 0);
+}
+
+TEST_F(IniFileTest, ChangesByOthersAreSeen) {
+    load("[S]\nA=1\n");
+    changeFile("[S]\nA=22\n");
+    EXPECT_EQ(value("S", "A"), "22");
+    changeFile("[S]\nA=33\n");
+    EXPECT_EQ(value("S", "A"), "33") << "same size, other date";
+    --fakeTime_;
+    changeFile("[S]\nA=44\n");
+    EXPECT_EQ(value("S", "A"), "33") << "same size and date";
+    changeFile("[T]\nB=1\n");
+    EXPECT_EQ(cache_.bosPutProfileString("S", "A", "5"), 1);
+    EXPECT_EQ(folder_.read("file.ini"), "[T]\nB=1\n[S]\nA=5\n") << "an update builds on what is there now";
+
+    std::filesystem::remove(path_);
+    EXPECT_EQ(cache_.proFileSync(), 1U);
+    EXPECT_EQ(value("S", "A"), "(default)");
+    EXPECT_EQ(cache_.bosPutProfileString("S", "A", "6"), 0);
+    changeFile("[S]\nA=7\n");
+    EXPECT_EQ(value("S", "A"), "7");
+    cache_.Close();
+    EXPECT_EQ(value("S", "A"), "(default)");
+    EXPECT_EQ(cache_.bosPutProfileString("S", "A", "8"), 0);
+}
+
+TEST_F(IniFileTest, LoadingFallsBackToReading) {
+    const ScopedEnvironment environment{{"HOME", folder_.path()}, {"ODBCINST", {}}, {"ODBCINSTINI", {}}};
+    const std::string file = folder_.write("file.ini", "[S]\nA=1\n");
+    chmod(folder_.path().c_str(), 0755);
+    const struct {
+        const char* label;
+        std::string name;
+        mode_t mode;  // of the file, for a user who does not own it
+        bool withErrors;
+        std::uint32_t result;
+        const char* errors;
+        const char* valueRead;
+    } rows[] = {
+        {"writable", file, 0666, true, 0, "", "1"},
+        {"readable only", file, 0644, true, 0, "", "1"},
+        {"readable only, nobody listens", file, 0644, false, 0, "", "1"},
+        {"neither", file, 0600, true, 1, "1508w", ""},
+        {"neither, nobody listens", file, 0600, false, 1, "", ""},
+        {"missing", folder_.path("absent"), 0644, true, 1, "1509w", ""},
+        {"missing, nobody listens", folder_.path("absent"), 0644, false, 1, "", ""},
+        {"a folder", folder_.path(), 0644, true, 1, "30041w", ""},
+        {"a folder, nobody listens", folder_.path(), 0644, false, 1, "", ""},
+        {"missing driver file is no failure", ".odbcinst.ini", 0644, true, 0, "", ""},
+        {"missing driver file, nobody listens", "ODBCINST.INI", 0644, false, 0, "", ""},
+    };
+    for (const auto& row : rows) {
+        chmod(file.c_str(), row.mode);
+        EXPECT_EQ(runInChild([&] {
+                      std::optional<ErrorCollector> errors;
+                      if (row.withErrors) {
+                          errors.emplace();
+                      }
+                      KvIniFileCache cache;
+                      char text[8];
+                      const bool dropped = setuid(65534) == 0;
+                      const bool asTold = cache.bosKvIniOpen(row.name.c_str(), 0) == row.result &&
+                                          (!errors || errors->numbers() == row.errors);
+                      cache.bosGetProfileString("S", "A", "", text, sizeof text);
+                      return dropped && asTold && std::string(text) == row.valueRead ? 0 : 1;
+                  }),
+                  0)
+            << row.label;
+    }
+    const ScopedEnvironment driver{{"ODBCINST", file + "/below"}};
+    ErrorCollector errors;
+    EXPECT_EQ(cache_.bosKvIniOpen(".odbcinst.ini", 0), 1U) << "only a missing driver file is forgiven";
+    EXPECT_EQ(errors.numbers(), "30041");
+}
+
+TEST_F(IniFileTest, AFullDiskLeavesTheOldText) {
+    const std::string old = "[S]\nA=1\n" + std::string(5000, ';') + "\n";
+    load(old);
+    EXPECT_EQ(runInChild([&] {
+                  ErrorCollector errors;
+                  const rlimit limit = {old.size() + 10, old.size() + 10};
+                  signal(SIGXFSZ, SIG_IGN);
+                  setrlimit(RLIMIT_FSIZE, &limit);
+                  const std::string value(6000, 'v');
+                  const bool refused = cache_.bosPutProfileString("S", "A", value.c_str()) == 0;
+                  const bool told = errors.numbers() == "30041";
+                  return refused && told && this->value("S", "A") == "1" &&
+                                 cache_.bosPutProfileString("S", "A", "2") == 1
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(folder_.read("file.ini"), "[S]\nA=2\n" + std::string(5000, ';') + "\n");
+}
+
+TEST_F(IniFileTest, AnUpdateWorksAgainstALockAndFailsWhereItMayNotWrite) {
+    load("[S]\nA=1\n");
+    {
+        const StayingChild other([&] {
+            std::string name = path_;
+            name.resize(kPathSize);
+            int descriptor = 0;
+            return bosFileOpen(name.data(), 0x1002, &descriptor) == 0;
+        });
+        ASSERT_TRUE(other.worked());
+        EXPECT_EQ(cache_.bosPutProfileString("S", "A", "2"), 1);
+    }
+    chmod(folder_.path().c_str(), 0755);
+    chmod(path_.c_str(), 0644);
+    EXPECT_EQ(runInChild([&] {
+                  ErrorCollector errors;
+                  return setuid(65534) == 0 && cache_.bosPutProfileString("S", "A", "3") == 0 &&
+                                 errors.numbers() == "1508"
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(folder_.read("file.ini"), "[S]\nA=2\n");
+}
+
+TEST_F(IniFileTest, TheListSharesCachesByPath) {
+    const ScopedEnvironment environment{{"HOME", folder_.path()}, {"ODBCINI", {}}, {"ODBC_INI", {}}};
+    const std::string path = folder_.write(".odbc.ini", "[S]\nA=1\n");
+    KvIniFileCacheList list;
+    KvIniFileCache* byName = list.open(".odbc.ini", 0);
+    ASSERT_NE(byName, nullptr);
+    EXPECT_EQ(list.open(path.c_str(), 0), byName);
+    EXPECT_NE(list.open((folder_.path() + "//.odbc.ini").c_str(), 0), byName) << "paths compare byte for byte";
+    list.close(byName);
+    EXPECT_EQ(byName->incrementUseCount(), 2U);
+    EXPECT_EQ(byName->decrementUseCount(), 1U);
+    list.close(byName);
+    list.close(nullptr);
+
+    ErrorCollector errors;
+    EXPECT_EQ(list.open("ODBC.INI", OpenFlag::kCreateMissing), nullptr);
+    EXPECT_EQ(list.open(folder_.path("absent").c_str(), 0), nullptr);
+    EXPECT_EQ(list.open(std::string(2000, 'x').c_str(), 0), nullptr);
+    EXPECT_EQ(errors.numbers(), "1509 1509w 30041");
+    EXPECT_EQ(folder_.read("ODBC.INI"), "(missing)");
+    EXPECT_NE(list.open(folder_.path("new").c_str(), OpenFlag::kCreateMissing), nullptr);
+    EXPECT_EQ(folder_.read("new"), "");
+}
+
+TEST_F(IniFileTest, ADriverFileThatAppearsLaterIsLoaded) {
+    const std::string path = folder_.path("drivers");
+    const ScopedEnvironment environment{{"ODBCINST", path}};
+    KvIniFileCacheList list;
+    KvIniFileCache* early = list.open(path.c_str(), 0);
+    ASSERT_NE(early, nullptr);
+    EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 7U);
+    folder_.write("drivers", "[D]\nN=1\n");
+    EXPECT_EQ(list.open(path.c_str(), 0), early);
+    EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 1U);
+}
+
+TEST_F(IniFileTest, ThreadsShareOneFile) {
+    const std::string path = folder_.write("file.ini", "[Counts]\nA=1\n");
+    KvIniFileCacheList list;
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 25;
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            ErrorCollector errors;
+            const std::string key = "Key" + std::to_string(t);
+            for (int i = 1; i <= kRounds; ++i) {
+                KvIniFileCache* cache = list.open(path.c_str(), 0);
+                const bool good = cache != nullptr &&
+                                  cache->bosPutProfileString("Counts", key.c_str(), std::to_string(i).c_str()) == 1 &&
+                                  cache->bosGetProfileInt("Counts", key.c_str(), 0) == static_cast<std::uint32_t>(i) &&
+                                  cache->bosGetProfileInt("Counts", "A", 0) == 1 && cache->proFileSync() == 0;
+                wrong += good ? 0 : 1;
+                list.close(cache);
+            }
+            wrong += errors.numbers().empty() ? 0 : 1;
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+    KvIniFileCache* cache = list.open(path.c_str(), 0);
+    for (int t = 0; t < kThreads; ++t) {
+        EXPECT_EQ(cache->bosGetProfileInt("Counts", ("Key" + std::to_string(t)).c_str(), 0), kRounds + 0U);
+    }
+}
+
+TEST_F(IniFileTest, TheTraceTellsEachStep) {
+    BOS_RUNTIME_DEBUG = DebugBit::kIniOpen | DebugBit::kIniRead | DebugBit::kIniWrite;
+    testing::internal::CaptureStdout();
+    load("[S]\nA=1\n");
+    char buffer[16];
+    cache_.bosGetProfileString("S", "A", "", buffer, sizeof buffer);
+    cache_.bosGetProfileString("S", "X", nullptr, buffer, sizeof buffer);
+    cache_.bosGetProfileSection("S", buffer, sizeof buffer);
+    cache_.bosPutProfileString("S", nullptr, nullptr);
+    const std::string f = "File:" + path_;
+    const std::string get = "GetProfileString: ";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "KvIniOpen: " + f + " \nKvIniOpen: " + f + " FileSize 8\n" +                                          //
+                  get + f + " Section:[S] Entry:A\n" + get + "defaultStr:NULL\n" + get + "Section S found.\n" +     //
+                  get + "Entry A found.\n" + get + "Value=1\n" + get + "Return Len=1 returnBuf=1\n" +               //
+                  get + f + " Section:[S] Entry:X\n" + get + "Section S found.\n" + get + "Entry X not found.\n" +  //
+                  get + "Return Len=0 returnBuf=\n" +                                                               //
+                  "GetProfileSection: " + f + " Section:[S] GetProfileSection: Fecthing all entries for S\n" +
+                  "GetProfileSection: Multi-Entry Output Requested.\nGetProfileSection: Entry A Len=1\n" +
+                  "GetProfileSection: Return Len=3 returnBuf=A\n" +  //
+                  "PutProfileString: " + f + " Section:[S] Entry:NULL\nPutProfileString: newStr:NULL\n" +
+                  "PutProfileString: Deleting section S\nKvIniOpen: " + f + " \nKvIniOpen: " + f + " FileSize 0\n" +
+                  "PutProfileString: Updated FileCache: Len=0\nPutProfileString: FileCache is empty.\n");
+}
+
+}  // namespace

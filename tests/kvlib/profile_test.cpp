@@ -1,0 +1,148 @@
+#include "kvlib/profile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "kvlib/ini_file_cache_list.h"
+#include "kvlib/kv_ini.h"
+#include "kvlib/per_thread_data.h"
+#include "tests/support/error_collector.h"
+#include "tests/support/temporary_folder.h"
+
+using std::string_literals::operator""s;
+
+namespace {
+
+class ProfileTest : public testing::Test {
+protected:
+    TemporaryFolder folder_;
+    const std::string absent_ = folder_.path("absent.ini");
+    const std::string below_ = folder_.write("plain", "") + "/x.ini";  // can't be created
+    char buffer_[64] = "untouched";
+};
+
+TEST_F(ProfileTest, ReadersFollowTheFile) {
+    const std::string file = folder_.write("a.ini", "[S]\nA=1\n");
+    const auto plain = [&] { return kvGetProfileString("S", "A", "", buffer_, sizeof buffer_, file.c_str()); };
+    EXPECT_EQ(plain(), 1U);
+    folder_.write("a.ini", "[S]\nA=22\n");
+    EXPECT_EQ(plain(), 2U);
+    EXPECT_STREQ(buffer_, "22");
+    folder_.write("a.ini", "[S]\nA=333\n");
+    EXPECT_EQ(kvGetPrivateProfileString("S", "A", "", buffer_, sizeof buffer_, file.c_str()), 3U);
+    EXPECT_EQ(kvGetProfileInt("S", "A", 7, file.c_str()), 333U);
+    EXPECT_EQ(kvGetPrivateProfileInt("S", "A", 7, file.c_str()), 333U);
+    EXPECT_EQ(kvGetPrivateProfileSection("S", buffer_, sizeof buffer_, file.c_str()), 3U);
+
+    const std::u16string wide(file.begin(), file.end());
+    char16_t text[8];
+    EXPECT_EQ(kvGetPrivateProfileStringW(u"S", u"A", nullptr, text, 8, wide.c_str()), 3U);
+    EXPECT_EQ(std::u16string(text), u"333");
+    EXPECT_EQ(kvWritePrivateProfileStringW(u"S", u"B", u"4", wide.c_str()), 1);
+    EXPECT_EQ(kvGetPrivateProfileIntW(u"S", u"B", 7, wide.c_str()), 4U);
+}
+
+TEST_F(ProfileTest, AMissingFileGivesTheDefault) {
+    const char* file = absent_.c_str();
+    EXPECT_EQ(kvGetProfileString("S", "A", "abcdef", buffer_, 4, file), 3U);
+    EXPECT_STREQ(buffer_, "abc");
+    EXPECT_EQ(kvGetPrivateProfileString("S", "A", nullptr, buffer_, 4, file), 0U);
+    EXPECT_STREQ(buffer_, "");
+    EXPECT_EQ(kvGetPrivateProfileString("S", "A", "x", buffer_, 4, static_cast<KvIniFileCache*>(nullptr)), 1U);
+    EXPECT_EQ(kvGetProfileInt("S", "A", 7, file), 7U);
+    EXPECT_EQ(kvGetPrivateProfileInt("S", "A", 7, file), 7U);
+    EXPECT_EQ(kvGetPrivateProfileSection("S", buffer_, 4, file), 0U);
+    EXPECT_EQ(kvGetProfileString("S", "A", "x", buffer_, 0, file), 0U);
+    EXPECT_STREQ(buffer_, "x");
+    char16_t wide[4];
+    EXPECT_EQ(kvGetPrivateProfileStringW(u"S", u"A", u"abcdef", wide, 4, u"/absent"), 3U);
+    EXPECT_EQ(std::u16string(wide), u"abc");
+    EXPECT_EQ(folder_.read("absent.ini"), "(missing)");
+}
+
+TEST_F(ProfileTest, WritersCreateTheFileOrSayWhyNot) {
+    EXPECT_EQ(kvWriteProfileString("S", "A", "1", absent_.c_str()), 1);
+    EXPECT_EQ(kvWritePrivateProfileString("S", "A", nullptr, absent_.c_str()), 1);
+    EXPECT_EQ(folder_.read("absent.ini"), "[S]\n");
+    ErrorCollector errors;
+    EXPECT_EQ(kvWriteProfileString("S", "A", "1", below_.c_str()), 0);
+    EXPECT_EQ(kvWritePrivateProfileString("S", "A", "1", below_.c_str()), 0);
+    EXPECT_EQ(kvWritePrivateProfileString("S", "A", "1", static_cast<KvIniFileCache*>(nullptr)), 0);
+    EXPECT_EQ(kvProfileInit(below_.c_str()), nullptr);
+    EXPECT_EQ(errors.numbers(), "30041w 30041w 30041w");
+}
+
+TEST_F(ProfileTest, HeldCachesAreShared) {
+    KvIniFileCache* held = kvPrivateProfileInit(absent_.c_str());
+    ASSERT_NE(held, nullptr);
+    EXPECT_EQ(kvWritePrivateProfileString("S", "A", "5", held), 1);
+    EXPECT_EQ(kvGetPrivateProfileInt("S", "A", 7, held), 5U);
+    EXPECT_EQ(kvProfileInit(absent_.c_str()), held);
+    EXPECT_EQ(held->incrementUseCount(), 3U);
+    for (int i = 0; i < 3; ++i) {
+        kvPrivateProfileTerm(held);
+    }
+    kvPrivateProfileTerm(nullptr);
+}
+
+TEST_F(ProfileTest, TheEmulationHasItsOwnResults) {
+    EXPECT_EQ(GetPrivateProfileString("S", "A", "x", buffer_, sizeof buffer_, absent_.c_str()), 1U);
+    EXPECT_STREQ(buffer_, "untouched");
+    EXPECT_EQ(WritePrivateProfileString("S", "A", "1", below_.c_str()), 1);
+    EXPECT_EQ(WritePrivateProfileString("S", "A", "123", absent_.c_str()), 1);
+    EXPECT_EQ(GetPrivateProfileString("S", "A", "x", buffer_, sizeof buffer_, absent_.c_str()), 3U);
+    EXPECT_STREQ(buffer_, "123");
+}
+
+TEST_F(ProfileTest, KvIniHoldsAFile) {
+    KvIni ini;
+    std::int16_t number = 0;
+    EXPECT_FALSE(ini.validState());
+    EXPECT_EQ(ini.getEntry("S", "A", buffer_, sizeof buffer_, "def"), 1);
+    EXPECT_STREQ(buffer_, "def");
+    EXPECT_EQ(ini.writeEntry("S", "A", "1"), 0);
+    EXPECT_EQ(ini.open(below_.c_str()), 1);
+
+    const std::string file = folder_.write("a.ini", "[S]\nBig=32768\nText = two  words\n;x=1\nLast=9\n");
+    ASSERT_EQ(ini.open(file.c_str()), 0);
+    EXPECT_EQ(ini.getEntryWithLen("S", "text", buffer_, sizeof buffer_, ""), 10U);
+    EXPECT_EQ(ini.getEntry("S", "Last", number, 7), 0);
+    EXPECT_EQ(number, 9);
+    ini.getEntry("S", "Big", number, 7);
+    EXPECT_EQ(number, 7);
+    const std::string whole = "Big=32768\0Text=two  words\0Last=9\0\0"s;
+    EXPECT_EQ(KvIni::getSectionWithValues("S", buffer_, sizeof buffer_, file.c_str()), whole.size());
+    EXPECT_EQ(std::string(buffer_, whole.size()), whole);
+    EXPECT_EQ(KvIni::getSectionWithValues("S", buffer_, whole.size() - 1, file.c_str()), whole.size() - 7);
+    EXPECT_EQ(KvIni::getSectionWithValues("S", buffer_, 1, file.c_str()), 1U);
+    EXPECT_EQ(KvIni::getSectionWithValues("X", buffer_, 64, absent_.c_str()), 0U);
+    EXPECT_EQ(ini.deleteEntry("S", "Big"), 1);
+    ini.close();
+    EXPECT_FALSE(ini.validState());
+}
+
+TEST_F(ProfileTest, ThreadsCreateOneList) {
+    const std::string file = folder_.write("a.ini", "[S]\nA=1\n");
+    // A list of before this test goes on to exist beside the one that the threads make.
+    void* const before = mdsGetPerTaskData(kTaskSlotIniFiles);
+    mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
+    std::vector<KvIniFileCache*> caches(4);
+    std::vector<std::thread> threads;
+    for (KvIniFileCache*& cache : caches) {
+        threads.emplace_back([&] { cache = kvProfileInit(file.c_str()); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (KvIniFileCache* cache : caches) {
+        EXPECT_EQ(cache, caches.front());
+        kvPrivateProfileTerm(cache);
+    }
+    delete static_cast<KvIniFileCacheList*>(mdsGetPerTaskData(kTaskSlotIniFiles));
+    mdsSetPerTaskData(kTaskSlotIniFiles, before);
+}
+
+}  // namespace
