@@ -1,5 +1,7 @@
 #include "admin/about_page.h"
 
+#include <Xm/ScrollBar.h>
+
 #include "admin/columns.h"
 #include "admin/lists.h"
 #include "motifutil/widgets.h"
@@ -16,9 +18,17 @@ namespace {
 
 Widget AboutLists = nullptr;
 
+std::vector<Column> columns() {
+    return {{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}};
+}
+
 void fitToView() {
-    fitColumns({{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}},
-               viewWidth(AboutLists));
+    fitColumns(columns(), AboutLists);
+}
+
+// Keeps the headers above the columns while the lists scroll sideways.
+void scrolled(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
+    scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value);
 }
 
 }  // namespace
@@ -41,7 +51,7 @@ Widget createAboutForm(Widget notebook, int pageNumber) {
 
     Widget explanation = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
     placeTable({FrmAbout, heading, headers, AboutLists, explanation, {}});
-    onResize(AboutLists, fitToView);
+    watchColumns(columns(), AboutLists, scrolled, fitToView);
     return FrmAbout;
 }
 

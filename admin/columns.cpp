@@ -5,6 +5,7 @@
 #include <Xm/ScrolledW.h>
 
 #include <algorithm>
+#include <numeric>
 
 #include "motifutil/widgets.h"
 
@@ -28,6 +29,77 @@ void resized(Widget /*widget*/, XtPointer fit, XEvent* event, Boolean* /*continu
     }
 }
 
+// The width in pixels that the work area of a scrolled window can have without a horizontal scroll bar. Motif's clip window
+// is of no use here: its width lags behind while scroll bars come and go. A scroll bar that is not needed stays managed and
+// is moved out of sight.
+int viewWidth(Widget scrolledWindow) {
+    Dimension shadow = 0;
+    Widget scrollBar = nullptr;
+    XtVaGetValues(scrolledWindow, XmNshadowThickness, &shadow, XmNverticalScrollBar, &scrollBar, nullptr);
+    const int inner = widthOf(scrolledWindow) - 2 * (shadow + 1);
+    Position x = 0;
+    XtVaGetValues(scrollBar, XmNx, &x, nullptr);
+    return x < widthOf(scrolledWindow) ? inner - widthOf(scrollBar) : inner;
+}
+
+// The width that a list asks for; an empty list would answer with the width it has.
+Dimension widestRow(Widget list) {
+    int count = 0;
+    XtVaGetValues(list, XmNitemCount, &count, nullptr);
+    return count > 0 ? preferredWidth(list) : Dimension{0};
+}
+
+// Places the lists side by side and gives the forms around lists and headers the size of what is in them. Left alone, a form
+// in a scrolled window grows with its children but does not shrink with them.
+void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) {
+    int start = 0;
+    Dimension height = 0;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        Attach(columns[i].list).topForm().span(start, widths[i]);
+        start += widths[i];
+        height = std::max(height, preferredHeight(columns[i].list));
+    }
+    const auto total = static_cast<Dimension>(std::max(start, 1));
+    XtVaSetValues(XtParent(columns.front().list), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, XmNheight, height,
+                  nullptr);
+    XtVaSetValues(XtParent(columns.front().header), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, nullptr);
+    scrollHeaders(columns, 0);
+}
+
+struct ScrollState {
+    Widget scrollBar = nullptr;
+    int value = 0;
+    int slider = 0;
+    int increment = 0;
+    int page = 0;
+    int maximum = 0;
+};
+
+ScrollState scrollState(Widget scrolledWindow) {
+    ScrollState state;
+    XtVaGetValues(scrolledWindow, XmNverticalScrollBar, &state.scrollBar, nullptr);
+    XmScrollBarGetValues(state.scrollBar, &state.value, &state.slider, &state.increment, &state.page);
+    XtVaGetValues(state.scrollBar, XmNmaximum, &state.maximum, nullptr);
+    return state;
+}
+
+void scrollTo(const ScrollState& state, int wanted) {
+    const int value = std::clamp(wanted, 0, state.maximum - state.slider);
+    if (value != state.value) {
+        XmScrollBarSetValues(state.scrollBar, value, state.slider, state.increment, state.page, True);
+    }
+}
+
+void wheelTurned(Widget /*list*/, XtPointer scrolledWindow, XEvent* event, Boolean* /*continueToDispatch*/) {
+    constexpr int kPixelsPerNotch = 60;
+    const ScrollState state = scrollState(static_cast<Widget>(scrolledWindow));
+    if (event->xbutton.button == Button4) {
+        scrollTo(state, state.value - kPixelsPerNotch);
+    } else if (event->xbutton.button == Button5) {
+        scrollTo(state, state.value + kPixelsPerNotch);
+    }
+}
+
 }  // namespace
 
 Widget createHeaderWindow(Widget parent, const char* name) {
@@ -35,37 +107,30 @@ Widget createHeaderWindow(Widget parent, const char* name) {
                                    XmNvisualPolicy, XmVARIABLE, nullptr);
 }
 
-void fitColumns(const std::vector<Column>& columns, int viewWidth) {
+void fitColumns(const std::vector<Column>& columns, Widget scrolledWindow) {
     std::vector<int> widths;
-    int total = 0;
     for (const Column& column : columns) {
-        // What Motif asks for a list is the width of its widest item.
-        widths.push_back(std::max(preferredWidth(column.list), preferredWidth(column.header)) + kColumnRoom);
-        total += widths.back();
+        widths.push_back(std::max(widestRow(column.list), preferredWidth(column.header)) + kColumnRoom);
     }
-    const int unused = std::max(viewWidth - total, 0);
-    widths.back() += unused;
-    total += unused;
-
-    for (Widget form : {XtParent(columns.front().list), XtParent(columns.front().header)}) {
-        XtVaSetValues(form, XmNwidth, static_cast<Dimension>(total), nullptr);
+    const int total = std::accumulate(widths.begin(), widths.end(), 0);
+    const int lastWidth = widths.back();
+    const int view = viewWidth(scrolledWindow);
+    widths.back() = lastWidth + std::max(view - total, 0);
+    layOut(columns, widths);
+    // The rows may have brought up the vertical scroll bar, or let it go.
+    const int viewAfter = viewWidth(scrolledWindow);
+    if (viewAfter != view) {
+        widths.back() = lastWidth + std::max(viewAfter - total, 0);
+        layOut(columns, widths);
     }
-    int start = 0;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        Attach(columns[i].list).topForm().span(start, widths[i]);
-        start += widths[i];
-    }
-    scrollHeaders(columns, 0);
 }
 
 void placeColumns(const std::vector<Column>& columns) {
-    int start = 0;
+    std::vector<int> widths;
     for (const Column& column : columns) {
-        const int width = widthOf(column.list);
-        Attach(column.list).topForm().span(start, width);
-        start += width;
+        widths.push_back(widthOf(column.list));
     }
-    scrollHeaders(columns, 0);
+    layOut(columns, widths);
 }
 
 void scrollHeaders(const std::vector<Column>& columns, int scrolled) {
@@ -78,7 +143,21 @@ void scrollHeaders(const std::vector<Column>& columns, int scrolled) {
     }
 }
 
-void onHorizontalScroll(Widget scrolledWindow, XtCallbackProc scrolled) {
+void revealRow(Widget list, int position, Widget scrolledWindow) {
+    int rows = 0;
+    XtVaGetValues(list, XmNitemCount, &rows, nullptr);
+    if (rows == 0) {
+        return;
+    }
+    Dimension height = 0;
+    XtVaGetValues(list, XmNheight, &height, nullptr);
+    const int top = (position - 1) * height / rows;
+    const int bottom = position * height / rows;
+    const ScrollState state = scrollState(scrolledWindow);
+    scrollTo(state, std::clamp(state.value, bottom - state.slider, std::max(top, bottom - state.slider)));
+}
+
+void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtCallbackProc scrolled, void (*fit)()) {
     Widget scrollBar = nullptr;
     XtVaGetValues(scrolledWindow, XmNhorizontalScrollBar, &scrollBar, nullptr);
     for (const char* reason :
@@ -86,16 +165,10 @@ void onHorizontalScroll(Widget scrolledWindow, XtCallbackProc scrolled) {
           XmNpageDecrementCallback, XmNtoTopCallback, XmNtoBottomCallback, XmNdragCallback}) {
         XtAddCallback(scrollBar, reason, scrolled, nullptr);
     }
-}
-
-void onResize(Widget scrolledWindow, void (*fit)()) {
     XtAddEventHandler(scrolledWindow, StructureNotifyMask, False, resized, reinterpret_cast<XtPointer>(fit));
-}
-
-int viewWidth(Widget scrolledWindow) {
-    Widget clip = nullptr;
-    XtVaGetValues(scrolledWindow, XmNclipWindow, &clip, nullptr);
-    return widthOf(clip);
+    for (const Column& column : columns) {
+        XtAddEventHandler(column.list, ButtonPressMask, False, wheelTurned, scrolledWindow);
+    }
 }
 
 void placeTable(const TablePage& page) {

@@ -16,9 +16,10 @@ inline constexpr int kHeaderHeight = 25;
 // A scrolled window for headers: it clips them and never shows scroll bars of its own.
 Widget createHeaderWindow(Widget parent, const char* name);
 
-// Makes each list at least as wide as its header asks for, and the last one wide enough to fill `viewWidth` pixels, then
-// places lists and headers side by side. Call it when rows changed or when the view was resized.
-void fitColumns(const std::vector<Column>& columns, int viewWidth);
+// Makes each column as wide as its header and its rows ask for, and the last one wide enough to fill what the scrolled
+// window around the lists shows, then places lists and headers side by side. Call it when rows changed or when the window
+// was resized.
+void fitColumns(const std::vector<Column>& columns, Widget scrolledWindow);
 
 // Places lists and headers side by side by the lists' present widths.
 void placeColumns(const std::vector<Column>& columns);
@@ -26,14 +27,13 @@ void placeColumns(const std::vector<Column>& columns);
 // Moves the headers left by `scrolled` pixels, so that they stand above the columns of lists scrolled by as much.
 void scrollHeaders(const std::vector<Column>& columns, int scrolled);
 
-// Calls `scrolled` for every way in which the horizontal scroll bar of a scrolled window moves.
-void onHorizontalScroll(Widget scrolledWindow, XtCallbackProc scrolled);
+// Scrolls the window around a list as far as it takes to show the row at `position`, from 1. The lists are as long as they
+// have rows, so they can't do it themselves when the selection is moved by the keyboard.
+void revealRow(Widget list, int position, Widget scrolledWindow);
 
-// Calls `fit` whenever a scrolled window got another size.
-void onResize(Widget scrolledWindow, void (*fit)());
-
-// The width in pixels of what a scrolled window shows of its work area.
-int viewWidth(Widget scrolledWindow);
+// Calls `scrolled` for every way in which the horizontal scroll bar of the window around the lists moves, and `fit` whenever
+// that window got another size; lets the mouse wheel scroll it.
+void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtCallbackProc scrolled, void (*fit)());
 
 // The parts of a page that shows a table, from top to bottom. `heading` may be null, and there may be no `buttons`; they
 // stand in a column on the right.

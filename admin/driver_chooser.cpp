@@ -43,7 +43,7 @@ Widget AdvancedHint = nullptr;
 std::vector<Column> Columns;
 
 void fitToView() {
-    fitColumns(Columns, viewWidth(DriverLists));
+    fitColumns(Columns, DriverLists);
 }
 
 Widget createColumn(Widget table, Widget headers, const char* listName, const char* headerName, Message::Number title) {
@@ -71,9 +71,8 @@ void createDriverScreen(Widget parent) {
     LstDPFile = createColumn(table, headerForm, "LstDPFile", "LblDPFile", Message::kColumnFile);
     LstDPDate = createColumn(table, headerForm, "LstDPDate", "LblDPDate", Message::kColumnDate);
     Attach(headers).below(heading, kGap).leftForm(kMargin).rightForm(kMargin);
-    Attach(DriverLists).below(headers, 0).leftForm(kMargin).rightForm(kMargin).above(BtnAdvanced, kGap);
-    onHorizontalScroll(DriverLists, synchonizeScrollDP);
-    onResize(DriverLists, fitToView);
+    Attach(DriverLists).below(headers, 0).leftForm(kMargin).rightForm(kMargin);
+    watchColumns(Columns, DriverLists, synchonizeScrollDP, fitToView);
 
     populateDriverInfo(LstDPName, LstDPFile, LstDPVersion, LstDPCompany, LstDPDate);
     placeColumns(Columns);
@@ -115,6 +114,9 @@ void create_FileDsnWizard() {
         }
         onWindowManagerClose(XtParent(DlgDriverPopup), CloseDriverPopup, nullptr);
 
+        // The template's own separator would stand between the wizard's buttons and nothing.
+        XtUnmanageChild(XtNameToWidget(DlgDriverPopup, "Separator"));
+
         Widget form = createForm(DlgDriverPopup, "FileDsnMainWiz");
         BtnDPCancel = createPushButton(form, "BtnDPCancel", Message::kCancel, CloseDriverPopup);
         BtnFinish = createPushButton(form, "BtnFinish", Message::kFinish, Wizard_Next);
@@ -146,6 +148,11 @@ void addDsn(short kind) {
             XtUnmanageChild(widget);
         }
     }
+    if (isFile) {
+        Attach(DriverLists).above(BtnAdvanced, kGap);
+    } else {
+        Attach(DriverLists).bottomForm(kMargin);
+    }
     setLabel(BtnFinish, catalogText(isFile ? Message::kNext : Message::kFinish));
     XtSetSensitive(BtnNavigate, False);
     XtManageChild(DlgDriverPopup);
@@ -170,8 +177,8 @@ void DriversPopupEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer 
         lists.push_back(column.list);
     }
     selectSameRow(list, lists);
-    const std::optional<int> row = selectedRow(list);
-    if (row) {
+    if (const std::optional<int> row = selectedRow(list)) {
+        revealRow(list, *row, DriverLists);
         std::free(CurrentDriver);
         CurrentDriver = strdup(rowText(LstDPName, *row).c_str());
     }

@@ -37,7 +37,7 @@ std::vector<Column> columns() {
 }
 
 void fitToView() {
-    fitColumns(columns(), viewWidth(DriverLists));
+    fitColumns(columns(), DriverLists);
 }
 
 }  // namespace
@@ -66,12 +66,11 @@ Widget createDriversPage(Widget notebook, int pageNumber) {
     LstCompany = createList(table, "LstCompany", DriversTabEntrySelected, nullptr);
     LstFile = createList(table, "LstFile", DriversTabEntrySelected, nullptr);
     LstDate = createList(table, "LstDate", DriversTabEntrySelected, nullptr);
-    onHorizontalScroll(DriverLists, synchonizeScrollDT);
 
     placeTable({FormDrivers, nullptr, headers, DriverLists, explanation, {}});
     setSizePosForDriversWidgets(LstName, LstVersion, LstCompany, LstFile, LstDate, LbColName, LbColVersion,
                                 LbColCompany, LbColFile, LbColDate);
-    onResize(DriverLists, fitToView);
+    watchColumns(columns(), DriverLists, synchonizeScrollDT, fitToView);
     return FrmDrivers;
 }
 
@@ -108,6 +107,9 @@ void setSizePosForDriversWidgets(Widget nameList, Widget versionList, Widget com
 
 void DriversTabEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
     selectSameRow(list, {LstName, LstVersion, LstCompany, LstFile, LstDate});
+    if (const std::optional<int> row = selectedRow(list)) {
+        revealRow(list, *row, DriverLists);
+    }
 }
 
 void synchonizeScrollDT(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {

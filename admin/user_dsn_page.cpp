@@ -51,7 +51,7 @@ std::string driverOf(const std::string& dataSource, std::size_t size) {
 }
 
 void fitToView() {
-    fitColumns(columns(), viewWidth(ScrWinLists));
+    fitColumns(columns(), ScrWinLists);
 }
 
 void freeName(Widget /*widget*/, XtPointer name, XtPointer /*callData*/) {
@@ -86,6 +86,13 @@ void selectRow(Widget nameList, Widget driverList, int row) {
     XmListDeselectAllItems(nameList);
     XmListDeselectAllItems(driverList);
     XmListSelectPos(nameList, row, True);
+}
+
+void followSelection(Widget clicked, Widget other) {
+    selectSameRow(clicked, {other});
+    if (const std::optional<int> row = selectedRow(clicked)) {
+        revealRow(clicked, *row, ScrWinLists);
+    }
 }
 
 // Configures the data source `name`: hands every key that it has to its driver.
@@ -147,10 +154,9 @@ Widget createUserDsnPage(Widget notebook, int pageNumber) {
     XtAddCallback(LstUName, XmNbrowseSelectionCallback, lstUName_Selected, nullptr);
     LstUDesc = createUserDSNXmList(1, "lstUDesc");
     XtAddCallback(LstUDesc, XmNbrowseSelectionCallback, lstUDesc_Selected, nullptr);
-    onHorizontalScroll(ScrWinLists, synchonizeScrollUD);
 
     placeTable({FormUserDSN, heading, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
-    onResize(ScrWinLists, fitToView);
+    watchColumns(columns(), ScrWinLists, synchonizeScrollUD, fitToView);
     return FormUserDSN;
 }
 
@@ -230,11 +236,11 @@ void UDSN_doubleClick(Widget widget, XtPointer clientData, XtPointer callData) {
 }
 
 void lstUName_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    selectSameRow(widget, {LstUDesc});
+    followSelection(widget, LstUDesc);
 }
 
 void lstUDesc_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    selectSameRow(widget, {LstUName});
+    followSelection(widget, LstUName);
 }
 
 void synchonizeScrollUD(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
