@@ -63,7 +63,7 @@ std::string detailText(int systemError, const char* name) {
     if (mapping != nullptr) {
         return mapping->withName && name != nullptr ? name : "";
     }
-    const std::string reason = std::strerror(systemError);  // NOLINT(concurrency-mt-unsafe): glibc's is per thread
+    std::string reason = std::strerror(systemError);  // NOLINT(concurrency-mt-unsafe): glibc's is per thread
     if (name == nullptr) {
         return reason;
     }

@@ -19,19 +19,19 @@ namespace {
 
 // The variables that replace a configuration file's path, and when they do.
 struct ConfigurationFile {
-    const char* names[2];  // the second may be null
-    bool anyCase;
+    const char* names[2];      // the second may be null
     const char* variables[2];  // the first one that is set counts; the second may be null
+    bool anyCase;
     // For the ODBC files the variable wins over the home directory and the file must exist; for the library's own
     // files the home directory wins and the variable is the fallback. Both precedences are wanted.
     bool variableWins;
 };
 
 constexpr ConfigurationFile kConfigurationFiles[] = {
-    {{"ODBC.INI", ".odbc.ini"}, true, {"ODBCINI", "ODBC_INI"}, true},
-    {{"ODBCINST.INI", ".odbcinst.ini"}, true, {"ODBCINST", "ODBCINSTINI"}, true},
-    {{".kvlib.ini", nullptr}, false, {"KVLIB_INI", nullptr}, false},
-    {{".system.defaults", nullptr}, false, {"KV_SYSTEM_INI", nullptr}, false},
+    {{"ODBC.INI", ".odbc.ini"}, {"ODBCINI", "ODBC_INI"}, true, true},
+    {{"ODBCINST.INI", ".odbcinst.ini"}, {"ODBCINST", "ODBCINSTINI"}, true, true},
+    {{".kvlib.ini", nullptr}, {"KVLIB_INI", nullptr}, false, false},
+    {{".system.defaults", nullptr}, {"KV_SYSTEM_INI", nullptr}, false, false},
 };
 constexpr const ConfigurationFile& kDriverFile = kConfigurationFiles[1];
 

@@ -84,7 +84,8 @@ std::string searchAlong(std::string_view list, const std::string& name, bool par
             directory += '/';
         }
         for (const char* step : {"", "../"}) {
-            std::string candidate = directory + step + name;
+            std::string candidate = directory;
+            candidate.append(step).append(name);
             if (isHit(candidate)) {
                 return candidate;
             }

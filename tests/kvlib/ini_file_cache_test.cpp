@@ -22,7 +22,7 @@
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 namespace {
 
@@ -420,6 +420,7 @@ TEST_F(IniFileTest, ThreadsShareOneFile) {
     constexpr int kRounds = 25;
     std::atomic<int> wrong = 0;
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&, t] {
             ErrorCollector errors;

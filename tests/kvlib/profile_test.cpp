@@ -12,7 +12,7 @@
 #include "tests/support/error_collector.h"
 #include "tests/support/temporary_folder.h"
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 namespace {
 
@@ -131,6 +131,7 @@ TEST_F(ProfileTest, ThreadsCreateOneList) {
     mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
     std::vector<KvIniFileCache*> caches(4);
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (KvIniFileCache*& cache : caches) {
         threads.emplace_back([&] { cache = kvProfileInit(file.c_str()); });
     }

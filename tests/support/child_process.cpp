@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdio>
 #include <stdexcept>
 
 namespace {
@@ -24,6 +25,7 @@ std::array<int, 2> makePipe() {
 }  // namespace
 
 int runInChild(const std::function<int()>& work) {
+    std::fflush(nullptr);
     const pid_t pid = fork();
     if (pid == 0) {
         _exit(work());
@@ -34,6 +36,7 @@ int runInChild(const std::function<int()>& work) {
 StayingChild::StayingChild(const std::function<bool()>& work) {
     const std::array<int, 2> answer = makePipe();
     const std::array<int, 2> release = makePipe();
+    std::fflush(nullptr);
     pid_ = fork();
     char byte = 0;
     if (pid_ == 0) {

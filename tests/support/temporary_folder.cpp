@@ -20,7 +20,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::write(std::string_view name, std::string_view text) const {
-    const std::string file = path(name);
+    std::string file = path(name);
     fs::create_directories(fs::path(file).parent_path());
     std::ofstream(file, std::ios::binary) << text;
     return file;
@@ -39,7 +39,7 @@ std::string TemporaryFolder::makeCatalog(std::string_view name, const std::map<i
         source += std::to_string(number) + " " + text + "\n";
     }
     const std::string sourceFile = write(std::string(name) + ".msg", source);
-    const std::string catalog = path(name);
+    std::string catalog = path(name);
     if (std::system(("gencat " + catalog + " " + sourceFile).c_str()) != 0) {
         throw std::runtime_error("gencat failed");
     }
