@@ -401,7 +401,7 @@ TEST_F(IniFileTest, TheListSharesCachesByPath) {
     EXPECT_EQ(folder_.read("new"), "");
 }
 
-TEST_F(IniFileTest, ADriverFileThatAppearsLaterIsLoaded) {
+TEST_F(IniFileTest, AFileThatComesLaterOrComesBackIsLoaded) {
     const std::string path = folder_.path("drivers");
     const ScopedEnvironment environment{{"ODBCINST", path}};
     KvIniFileCacheList list;
@@ -411,6 +411,14 @@ TEST_F(IniFileTest, ADriverFileThatAppearsLaterIsLoaded) {
     folder_.write("drivers", "[D]\nN=1\n");
     EXPECT_EQ(list.open(path.c_str(), 0), early);
     EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 1U);
+
+    std::filesystem::remove(path);
+    std::filesystem::create_directory(path);
+    EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 7U);
+    std::filesystem::remove(path);
+    folder_.write("drivers", "[D]\nN=2\n");
+    EXPECT_EQ(list.open(path.c_str(), 0), early);
+    EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 2U);
 }
 
 TEST_F(IniFileTest, ThreadsShareOneFile) {
