@@ -85,7 +85,11 @@ const char* const kFallbackResources[] = {
     "*TabManager.backPageBackground: #eceff1",
     "*TabManager.backPageForeground: #b0bac2",
     "*FramWizMain.shadowThickness: 0",
-    "*XmDialogShell.minWidth: 360",
+    "*XmMessageBox.marginWidth: 16",
+    "*XmMessageBox.marginHeight: 14",
+    "*XmMessageBox*XmPushButtonGadget.marginWidth: 18",
+    "*XmMessageBox*XmPushButtonGadget.marginHeight: 5",
+    "*XmMessageBox*XmPushButtonGadget.defaultButtonShadowThickness: 0",
     nullptr,
 };
 

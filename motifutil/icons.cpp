@@ -4,15 +4,36 @@
 
 Widget frmabout = nullptr;
 
-void getVHIconIPixmap(Pixmap* pixmapOut, char** xpmData) {
-    *pixmapOut = None;
-    Display* display = XtDisplay(frmabout);
+namespace {
+
+// Makes the pixmap in the colormap and depth of `widget`; what Xpm answers is told by the pixmap alone.
+Pixmap createPixmap(Widget widget, char** xpmData, XpmAttributes& attributes) {
+    Display* display = XtDisplay(widget);
     const int screen = DefaultScreen(display);
-    XpmAttributes attributes{};
-    attributes.valuemask = XpmVisual | XpmColormap | XpmDepth;
+    attributes.valuemask |= XpmVisual | XpmColormap | XpmDepth;
     attributes.visual = DefaultVisual(display, screen);
     int depth = 0;
-    XtVaGetValues(frmabout, XmNcolormap, &attributes.colormap, XmNdepth, &depth, nullptr);
+    XtVaGetValues(widget, XmNcolormap, &attributes.colormap, XmNdepth, &depth, nullptr);
     attributes.depth = static_cast<unsigned int>(depth);
-    XpmCreatePixmapFromData(display, RootWindow(display, screen), xpmData, pixmapOut, nullptr, &attributes);
+    Pixmap pixmap = None;
+    XpmCreatePixmapFromData(display, RootWindow(display, screen), xpmData, &pixmap, nullptr, &attributes);
+    return pixmap;
+}
+
+}  // namespace
+
+Pixmap createIconPixmap(Widget widget, const char* const* xpmData) {
+    static char groundName[] = "ground";
+    XpmColorSymbol ground{groundName, nullptr, 0};
+    XtVaGetValues(widget, XmNbackground, &ground.pixel, nullptr);
+    XpmAttributes attributes{};
+    attributes.valuemask = XpmColorSymbols;
+    attributes.colorsymbols = &ground;
+    attributes.numsymbols = 1;
+    return createPixmap(widget, const_cast<char**>(xpmData), attributes);
+}
+
+void getVHIconIPixmap(Pixmap* pixmapOut, char** xpmData) {
+    XpmAttributes attributes{};
+    *pixmapOut = createPixmap(frmabout, xpmData, attributes);
 }

@@ -8,6 +8,8 @@
 #include "catalogs/message_numbers.h"
 #include "kvlib/error_list.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/icons.h"
+#include "motifutil/message_icons.h"
 #include "motifutil/modal_loop.h"
 #include "motifutil/widgets.h"
 
@@ -70,7 +72,31 @@ Widget createBox(Widget parent, unsigned long type, ArgumentList& arguments) {
     }
 }
 
-// Motif's name for each kind's icon and sound.
+const char* const* iconOf(unsigned long type) {
+    switch (type) {
+        case kQuestionDialog:
+            return kQuestionIcon;
+        case kErrorDialog:
+            return kErrorIcon;
+        default:
+            return kInformationIcon;
+    }
+}
+
+void freeIcon(Widget widget, XtPointer icon, XtPointer /*callData*/) {
+    XFreePixmap(XtDisplay(widget), reinterpret_cast<Pixmap>(icon));
+}
+
+// Shows our own icon in the place of Motif's.
+void setIcon(Widget box, unsigned long type) {
+    const Pixmap icon = createIconPixmap(box, iconOf(type));
+    if (icon != None) {
+        XtVaSetValues(box, XmNsymbolPixmap, icon, nullptr);
+        XtAddCallback(box, XmNdestroyCallback, freeIcon, reinterpret_cast<XtPointer>(icon));
+    }
+}
+
+// Motif's name for each kind's sound.
 unsigned char motifType(unsigned long type) {
     switch (type) {
         case kQuestionDialog:
@@ -116,6 +142,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, const char* messag
         }
         return nullptr;
     }
+    setIcon(dialog, type);
     XtUnmanageChild(XtNameToWidget(dialog, "Help"));
     if (type != kQuestionDialog) {
         XtUnmanageChild(XtNameToWidget(dialog, "Cancel"));
