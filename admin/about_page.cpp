@@ -52,7 +52,12 @@ Widget createAboutForm(Widget notebook, int pageNumber) {
     Widget explanation = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
     placeTable({FrmAbout, heading, headers, AboutLists, explanation, {}});
     watchColumns(columns(), AboutLists, scrolled, fitToView);
+    setSizePosAboutTabWidgets();
     return FrmAbout;
+}
+
+void setSizePosAboutTabWidgets() {
+    placeColumns(columns());
 }
 
 void AboutTabItemSelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {

@@ -14,5 +14,8 @@ extern Widget LstAbtFile;
 // Builds the page, unmanaged; its tab belongs to the main window.
 Widget createAboutForm(Widget notebook, int pageNumber);
 
+// Places lists and headers side by side by the lists' widths.
+void setSizePosAboutTabWidgets();
+
 // Keeps the selected row of the three lists in step.
 void AboutTabItemSelected(Widget list, XtPointer clientData, XtPointer callData);

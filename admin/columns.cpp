@@ -186,14 +186,9 @@ void placeTable(const TablePage& page) {
         Attach(page.lists).rightForm(kMargin);
         return;
     }
-    Widget above = page.headers;
+    Widget above = page.heading;
     for (Widget button : page.buttons) {
-        Attach(button).rightForm(kMargin);
-        if (above == page.headers) {
-            Attach(button).levelWith(page.headers);
-        } else {
-            Attach(button).below(above, kGap);
-        }
+        Attach(button).below(above, kGap).rightForm(kMargin);
         above = button;
     }
     Attach(page.headers).leftOf(page.buttons.front(), kMargin);

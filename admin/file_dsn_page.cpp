@@ -62,6 +62,10 @@ Widget createFileDsnPage(Widget notebook, int pageNumber) {
     BtnFDRemove = createPushButton(frmFileDSN, "BtnFDRemove", Message::kFileDsnRemove);
     BtnFDConfigure = createPushButton(frmFileDSN, "BtnFDConfigure", Message::kFileDsnConfigure);
     BtnSetDirectory = createPushButton(frmFileDSN, "BtnSetDirectory", Message::kSetDirectory);
+    for (Widget button : {BtnFDAdd, BtnFDRemove, BtnFDConfigure, BtnSetDirectory}) {
+        // The page only shows files so far.
+        XtSetSensitive(button, False);
+    }
     equalizeWidths({BtnFDAdd, BtnFDRemove, BtnFDConfigure, BtnSetDirectory});
     Attach(BtnFDAdd).topForm(kMargin).rightForm(kMargin);
     Attach(BtnFDRemove).below(BtnFDAdd, kGap).rightForm(kMargin);

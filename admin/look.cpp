@@ -17,6 +17,10 @@ const char* const kFallbackResources[] = {
     "*highlightColor: #2f6db5",
     "*highlightBackground: #eceff1",
 
+    // Every button is reached by Tab, not only by the arrow keys.
+    "*XmPushButton.navigationType: TAB_GROUP",
+    "*XmPushButtonGadget.navigationType: TAB_GROUP",
+    "*XmToggleButton.navigationType: TAB_GROUP",
     "*XmPushButton.marginWidth: 10",
     "*XmPushButton.marginHeight: 5",
     "*XmPushButton.defaultButtonShadowThickness: 0",

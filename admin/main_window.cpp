@@ -81,6 +81,8 @@ void createButtonRow() {
     BtnCancel = createPushButton(FrmMain, "BtnCancel", Message::kCancel, btnCancel_activate);
     BtnApply = createPushButton(FrmMain, "BtnApply", Message::kApply, btnApply_activate);
     BtnHelp = createPushButton(FrmMain, "BtnHelp", Message::kHelp);
+    // There is no help to show so far.
+    XtSetSensitive(BtnHelp, False);
     equalizeWidths({BtnOK, BtnCancel, BtnApply, BtnHelp});
     Attach(BtnHelp).rightForm(kMargin).bottomForm(kMargin);
     Attach(BtnApply).leftOf(BtnHelp, kGap).bottomForm(kMargin);

@@ -54,6 +54,12 @@ Widget createTraceTab(Widget notebook, int pageNumber) {
     placePathRow(LblTraceLib, TxtTraceLib, BtnTLibBrowse, TxtTraceFile);
     XtVaSetValues(TxtTraceLib, XmNbottomAttachment, XmATTACH_FORM, XmNbottomOffset, kMargin, nullptr);
 
+    // Tracing is off, and can't be switched on here so far.
+    for (Widget control :
+         {TgEnableTracing, LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
+        XtSetSensitive(control, False);
+    }
+
     TxtTraceDesc = createReadOnlyText(FrmTrace, "TxtTraceDesc", Message::kTracingExplanation, 3);
     Attach(TxtTraceDesc).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);
     return FrmTrace;

@@ -136,13 +136,6 @@ Widget createUserDsnPage(Widget notebook, int pageNumber) {
 
     Widget heading = createLabel(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
 
-    BtnAdd = createPushButton(FormUserDSN, "BtnAdd", Message::kAdd, AddUserDsn_Clicked);
-    BtnRemove = createPushButton(FormUserDSN, "BtnRemove", Message::kRemove, btnRemove_Clicked);
-    BtnConfigure = createPushButton(FormUserDSN, "BtnConfigure", Message::kConfigure, btnConfigure_Clicked);
-    equalizeWidths({BtnAdd, BtnRemove, BtnConfigure});
-
-    TxtODBCDesc = createReadOnlyText(FormUserDSN, "TxtODBCDesc", Message::kUserDsnExplanation, 2);
-
     ScrWinLabels = createHeaderWindow(FormUserDSN, "ScrWinLabels");
     FormLabels = createForm(ScrWinLabels, "FormLabels");
     LblName = createLabel(FormLabels, "LblName", Message::kColumnName);
@@ -154,6 +147,13 @@ Widget createUserDsnPage(Widget notebook, int pageNumber) {
     XtAddCallback(LstUName, XmNbrowseSelectionCallback, lstUName_Selected, nullptr);
     LstUDesc = createUserDSNXmList(1, "lstUDesc");
     XtAddCallback(LstUDesc, XmNbrowseSelectionCallback, lstUDesc_Selected, nullptr);
+
+    BtnAdd = createPushButton(FormUserDSN, "BtnAdd", Message::kAdd, AddUserDsn_Clicked);
+    BtnRemove = createPushButton(FormUserDSN, "BtnRemove", Message::kRemove, btnRemove_Clicked);
+    BtnConfigure = createPushButton(FormUserDSN, "BtnConfigure", Message::kConfigure, btnConfigure_Clicked);
+    equalizeWidths({BtnAdd, BtnRemove, BtnConfigure});
+
+    TxtODBCDesc = createReadOnlyText(FormUserDSN, "TxtODBCDesc", Message::kUserDsnExplanation, 2);
 
     placeTable({FormUserDSN, heading, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
     watchColumns(columns(), ScrWinLists, synchonizeScrollUD, fitToView);
