@@ -40,7 +40,7 @@ void freeGlobals() {
     if (Rfile != nullptr) {
         CloseStrings(Rfile);
         // A report that is shown from here on finds no catalog and shows numbers, instead of reading freed memory.
-        Rfile = kNoCatalog;
+        Rfile = invalidCatalog();
     }
 }
 

@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
     }
     const unsigned int noInstallDirectory = bosSetInstallDir(nullptr);
     Rfile = OpenStrings(nullptr, "odbc.m");
-    const bool textsMissing = noInstallDirectory == 1 || Rfile == kNoCatalog;
+    const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();
     // Only now: the catalog is chosen by the environment while the process is still in the "C" locale.
     std::setlocale(LC_ALL, "");
     installer::useUserConfiguration();

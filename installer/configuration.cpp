@@ -40,6 +40,17 @@ void useUserConfiguration() {
     SQLSetConfigMode(ODBC_USER_DSN);
 }
 
+WritableConfiguration::WritableConfiguration() : modeBefore_(ODBC_BOTH_DSN) {
+    SQLGetConfigMode(&modeBefore_);
+    if (modeBefore_ == ODBC_BOTH_DSN) {
+        useUserConfiguration();
+    }
+}
+
+WritableConfiguration::~WritableConfiguration() {
+    SQLSetConfigMode(modeBefore_);
+}
+
 void forgetCachedValues() {
     // Only a write empties the cache. This one deletes a section that is not there from a file that keeps nothing.
     SQLWritePrivateProfileString("ODBC", nullptr, nullptr, "/dev/null");
@@ -72,7 +83,7 @@ std::string readValue(const std::string& section, const std::string& key, const 
     std::string buffer(size, '\0');
     const int length = SQLGetPrivateProfileString(section.c_str(), key.c_str(), "", buffer.data(),
                                                   static_cast<int>(size), file.c_str());
-    return length < 1 ? std::string() : std::string(buffer.c_str());
+    return length < 1 ? std::string() : buffer.substr(0, buffer.find('\0'));
 }
 
 NameList listDrivers() {
@@ -135,6 +146,14 @@ std::vector<Attribute> parseAttributeList(const char* list) {
         list += item.size() + 1;
     }
     return attributes;
+}
+
+bool isValidDataSourceName(const std::string& name) {
+    return SQLValidDSN(name.c_str()) != 0;
+}
+
+void postError(unsigned int code, const std::string& text) {
+    SQLPostInstallerError(code, text.c_str());
 }
 
 bool sameName(std::string_view a, std::string_view b) {

@@ -17,6 +17,10 @@ inline constexpr const char* kDataSourceList = "ODBC Data Sources";
 // The longest name, value or line that the installer library keeps; the rest is cut by it.
 inline constexpr std::size_t kLongestName = 1000;
 
+// The longest "key=value" line that it reads back whole. What a longer one has too much becomes a line of its own, so
+// nobody may write one.
+inline constexpr std::size_t kLongestLine = 999;
+
 // How the buffer for a list grows until the whole list fits. Both rules begin with a buffer of 2,048 bytes.
 enum class Growth { kByKilobyte, kByDoubling };
 
@@ -30,6 +34,19 @@ struct NameList {
 // Limits all reads and writes of ".odbc.ini" to the user's own file (SQLSetConfigMode, ODBC_USER_DSN). By default the
 // library means the system's file as well. Call it at start-up, and after foreign code such as a driver's setup ran.
 void useUserConfiguration();
+
+// The same while it lives, for code that others call: a caller that chose the system's data sources gets those, and the
+// mode that was set before comes back. Setting the mode empties the list of installer errors, so post afterwards.
+class WritableConfiguration {
+public:
+    WritableConfiguration();
+    ~WritableConfiguration();
+    WritableConfiguration(const WritableConfiguration&) = delete;
+    WritableConfiguration& operator=(const WritableConfiguration&) = delete;
+
+private:
+    unsigned short modeBefore_;
+};
 
 // Makes the next reads look into the files again: the library answers from a cache that outlives other programs' edits
 // and its own SQLWriteFileDSN. Call it before each operation that reads configuration.
@@ -66,6 +83,13 @@ std::string attributeList(const std::vector<Attribute>& attributes);
 
 // The attributes in such a list; items without "=" are left out. A null list has none.
 std::vector<Attribute> parseAttributeList(const char* list);
+
+// Whether a data source may have this name (SQLValidDSN): its length and characters.
+bool isValidDataSourceName(const std::string& name);
+
+// Leaves an error for the installer library's caller to find in SQLInstallerError (SQLPostInstallerError). `code` is one of
+// the ODBC_ERROR codes. An empty text would be dropped with its code. Most calls of this header empty the list again.
+void postError(unsigned int code, const std::string& text);
 
 // Whether two section or key names mean the same to the installer library: ASCII case does not count.
 bool sameName(std::string_view a, std::string_view b);

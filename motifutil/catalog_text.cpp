@@ -4,7 +4,7 @@
 
 #include "bos/catalog.h"
 
-nl_catd Rfile = kNoCatalog;
+nl_catd Rfile = invalidCatalog();
 
 std::string catalogText(Message::Number number) {
     std::array<char, 512> text{};

@@ -7,10 +7,7 @@
 
 #include "catalogs/message_numbers.h"
 
-// A catalog handle that stands for "no catalog": what catopen() returns on failure (POSIX catopen).
-inline const nl_catd kNoCatalog = reinterpret_cast<nl_catd>(-1);
-
-// The open catalog "odbc.m" that every dialog reads, or kNoCatalog. The program that shows the dialogs opens and closes it;
+// The open catalog "odbc.m" that every dialog reads, or the invalid handle (bos/catalog.h). The program that shows the dialogs opens and closes it;
 // a setup library has its own.
 extern nl_catd Rfile;
 
