@@ -61,6 +61,7 @@ void createDriverScreen(Widget parent) {
     AdvancedHint = createLabel(FormScr1, "LblDPHint", Message::kChooserAdvancedHint);
     Attach(AdvancedHint).leftForm(kMargin).bottomForm(kMargin);
 
+    Columns.clear();  // those of a chooser that was destroyed with its window
     Widget headers = createHeaderWindow(FormScr1, "scrWinDPLabel");
     Widget headerForm = createForm(headers, "frmLabel");
     DriverLists = createScrolledWindow(FormScr1, "scrWinDPLists");
