@@ -1,0 +1,21 @@
+# What needs the administrator and the installer library, most of it a display too: the tests bring an X server of their own.
+find_library(XTST_LIBRARY Xtst REQUIRED)
+set(display_support support/program.cpp support/x_display.cpp support/odbc_files.cpp support/scoped_environment.cpp
+                    support/temporary_folder.cpp)
+
+# A setup library that writes down how it is called.
+add_library(recording_setup MODULE fixtures/recording_setup.cpp)
+set_target_properties(recording_setup PROPERTIES PREFIX "")
+target_link_libraries(recording_setup PRIVATE project_flags PkgConfig::ODBCINST)
+
+# The real windows in the test's own process.
+add_executable(widget_tests ${display_support} support/window_test.cpp)
+target_link_libraries(widget_tests PRIVATE project_flags admin ${XTST_LIBRARY} GTest::gtest_main)
+target_compile_definitions(widget_tests PRIVATE
+  VH_TEST_INSTALL_DIR="${CMAKE_BINARY_DIR}"
+  VH_TEST_SETUP="$<TARGET_FILE:recording_setup>"
+  VH_TEST_NO_SETUP="$<TARGET_FILE:bos_test_library>")
+add_dependencies(widget_tests recording_setup bos_test_library catalog_en_US_odbc)
+add_subdirectory(admin)
+add_test(NAME widget_tests COMMAND widget_tests)
+set_tests_properties(widget_tests PROPERTIES TIMEOUT 300)

@@ -1,0 +1,35 @@
+// The ODBC configuration of a test.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
+// An empty home with configuration files, named by the environment. The installer library remembers the first folder of the
+// driver file that it meets, so all tests of a process have the same folder, emptied before and after each.
+class OdbcFiles {
+public:
+    OdbcFiles();
+    ~OdbcFiles();
+
+    static constexpr const char* kUser = ".odbc.ini";
+    static constexpr const char* kSystem = "odbc.ini";
+    static constexpr const char* kDrivers = "odbcinst.ini";
+    std::string path(std::string_view name) const { return folder().path(name); }
+    std::string write(std::string_view name, std::string_view text) const { return folder().write(name, text); }
+    std::string read(std::string_view name) const { return folder().read(name); }
+
+    // The sections of the user's file in order, each with its lines in order, without the blanks around "=".
+    using Sections = std::vector<std::pair<std::string, std::vector<std::string>>>;
+    Sections userSections() const;
+
+private:
+    static const TemporaryFolder& folder();
+    static void empty();
+
+    ScopedEnvironment environment_;
+};

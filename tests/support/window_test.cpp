@@ -1,0 +1,219 @@
+#include "tests/support/window_test.h"
+
+#include <Xm/List.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <clocale>
+#include <memory>
+#include <stdexcept>
+
+#include "admin/driver_chooser.h"
+#include "admin/globals.h"
+#include "admin/lists.h"
+#include "admin/look.h"
+#include "admin/main_window.h"
+#include "bos/catalog.h"
+#include "bos/install_dir.h"
+#include "installer/configuration.h"
+#include "motifutil/widgets.h"
+
+namespace {
+
+// A test that hangs in spite of the limits of all waits ends the process.
+constexpr unsigned int kTestSeconds = 60;
+constexpr const char* kTitle = "Varnholt ODBC Administrator";
+
+char ProgramName[] = "odbcadmin";
+char* Arguments[] = {ProgramName, nullptr};
+
+// One X server and one connection serve all tests; nothing of it is there while tests are only listed.
+class WindowEnvironment : public testing::Environment {
+public:
+    void SetUp() override {
+        server_ = std::make_unique<XServer>();
+        person = std::make_unique<XPerson>();
+        std::setlocale(LC_ALL, "C.UTF-8");
+        XtToolkitInitialize();
+        app_context = XtCreateApplicationContext();
+        setFallbackLook(app_context);
+        int count = 1;
+        display = XtOpenDisplay(app_context, nullptr, ProgramName, nullptr, nullptr, 0, &count, Arguments);
+        if (display == nullptr) {
+            throw std::runtime_error("no display");
+        }
+    }
+    void TearDown() override {
+        XtDestroyApplicationContext(app_context);
+        person.reset();
+        server_.reset();
+    }
+
+    static inline std::unique_ptr<XPerson> person;
+
+private:
+    // The catalogs lie below the build folder as they do below an install directory.
+    ScopedEnvironment environment_{
+        {"VH_INSTALLDIR", VH_TEST_INSTALL_DIR}, {"LC_ALL", {}}, {"LC_MESSAGES", {}}, {"KVLIB", {}}};
+    std::unique_ptr<XServer> server_;
+};
+
+[[maybe_unused]] const auto* const Registered = testing::AddGlobalTestEnvironment(new WindowEnvironment);
+
+std::string onOneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+bool isShown(Widget box) {
+    return box != nullptr && XtIsManaged(box) && WindowEnvironment::person->isVisible(XtWindow(XtParent(box))) &&
+           WindowEnvironment::person->hasFocus(XtWindow(XtParent(box)));
+}
+
+}  // namespace
+
+WindowTest::WindowTest() {
+    alarm(kTestSeconds);
+    files.write(OdbcFiles::kDrivers, "[Recorder]\nDriver=/driver.so\nSetup=" VH_TEST_SETUP "\n");
+    CurrentSelectedTab = 'U';
+    bosSetInstallDir(nullptr);
+    Rfile = OpenStrings(nullptr, "odbc.m");
+    installer::useUserConfiguration();
+    installer::forgetCachedValues();
+}
+
+WindowTest::~WindowTest() {
+    freeGlobals();
+    if (ShODBCAdmin != nullptr) {
+        XtDestroyWidget(ShODBCAdmin);
+        ShODBCAdmin = nullptr;
+    }
+    EXPECT_TRUE(waitFor([] { return person().windows(kTitle, false).empty(); }));
+    alarm(0);
+}
+
+void WindowTest::open() {
+    create_shODBCAdmin(display, ProgramName, 1, Arguments);
+    create_FileDsnWizard();
+    XtRealizeWidget(ShODBCAdmin);
+    ASSERT_TRUE(waitFor([] { return isVisible(ShODBCAdmin); }));
+    settle();
+}
+
+XPerson& WindowTest::person() {
+    return *WindowEnvironment::person;
+}
+
+bool WindowTest::waitFor(const std::function<bool()>& condition) {
+    return waitUntil([&condition] {
+        while (XtAppPending(app_context) != 0) {
+            XtAppProcessEvent(app_context, XtIMAll);
+        }
+        XFlush(display);
+        return condition();
+    });
+}
+
+void WindowTest::settle() {
+    // Some answers take the way through the window manager.
+    auto quietSince = std::chrono::steady_clock::now();
+    waitUntil([&quietSince] {
+        XSync(display, False);
+        while (XtAppPending(app_context) != 0) {
+            XtAppProcessEvent(app_context, XtIMAll);
+            quietSince = std::chrono::steady_clock::now();
+        }
+        return std::chrono::steady_clock::now() - quietSince > std::chrono::milliseconds(60);
+    });
+}
+
+Widget WindowTest::child(Widget top, const std::string& path) {
+    Widget found = XtNameToWidget(top, path.c_str());
+    EXPECT_NE(found, nullptr) << path;
+    return found;
+}
+
+bool WindowTest::isVisible(Widget widget) {
+    return XtIsRealized(widget) && person().isVisible(XtWindow(widget));
+}
+
+Place WindowTest::placeOf(Widget widget) {
+    Position x = 0;
+    Position y = 0;
+    Dimension width = 0;
+    Dimension height = 0;
+    XtVaGetValues(widget, XmNx, &x, XmNy, &y, XmNwidth, &width, XmNheight, &height, nullptr);
+    Place place{XtWindowOfObject(widget), 0, 0, width, height};
+    Window ignored = 0;
+    const bool isGadget = !XtIsWidget(widget);
+    XTranslateCoordinates(display, place.window, DefaultRootWindow(display), isGadget ? x : 0, isGadget ? y : 0,
+                          &place.x, &place.y, &ignored);
+    return place;
+}
+
+std::string WindowTest::labelOf(Widget widget) {
+    XmString label = nullptr;
+    XtVaGetValues(widget, XmNlabelString, &label, nullptr);
+    return plainText(XmStringPtr(label).get());
+}
+
+void WindowTest::click(Widget widget) {
+    person().click(placeOf(widget));
+    settle();
+}
+
+void WindowTest::clickRow(Widget list, int row, int times) {
+    const Place place = placeOf(list);
+    Position x = 0;
+    Position y = 0;
+    Dimension width = 0;
+    Dimension height = 0;
+    ASSERT_TRUE(XmListPosToBounds(list, row, &x, &y, &width, &height)) << "no row " << row;
+    person().click(place.x + x + 8, place.y + y + height / 2, times);
+    settle();
+}
+
+void WindowTest::key(KeySym symbol, KeySym modifier) {
+    person().key(symbol, modifier);
+    settle();
+}
+
+void WindowTest::type(std::string_view text) {
+    person().type(text);
+    settle();
+}
+
+std::vector<std::string> WindowTest::rows(Widget list) {
+    int count = 0;
+    XtVaGetValues(list, XmNitemCount, &count, nullptr);
+    std::vector<std::string> texts;
+    for (int row = 1; row <= count; ++row) {
+        texts.push_back(rowText(list, row));
+    }
+    return texts;
+}
+
+std::string WindowTest::dialogText() {
+    if (!waitFor([] { return isShown(dialog); })) {
+        return "(no dialog)";
+    }
+    XmString text = nullptr;
+    XtVaGetValues(dialog, XmNmessageString, &text, nullptr);
+    return onOneLine(plainText(XmStringPtr(text).get()));
+}
+
+void WindowTest::answer(const char* button) {
+    ASSERT_TRUE(waitFor([] { return isShown(dialog); }));
+    Widget box = dialog;
+    const Window window = XtWindow(XtParent(box));
+    click(child(box, button));
+    ASSERT_TRUE(waitFor([window] { return !person().isVisible(window); }));
+    settle();
+}
+
+void WindowTest::expectReport(Message::Number text) {
+    EXPECT_EQ(dialogText(), onOneLine(catalogText(text)));
+    answer("OK");
+}

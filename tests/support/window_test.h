@@ -1,0 +1,53 @@
+// Tests of the administrator's windows: they are built in the test's own process and used by keyboard and mouse.
+#pragma once
+
+#include "tests/support/x_display.h"
+// Before this line nothing of X11.
+#include <Xm/Xm.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "catalogs/message_numbers.h"
+#include "tests/support/odbc_files.h"
+
+// Each test has a configuration of its own, with the one driver "Recorder", and after open() a main window of its own.
+class WindowTest : public testing::Test {
+protected:
+    WindowTest();
+    ~WindowTest() override;
+
+    // Builds and shows the main window as the program does at its start.
+    void open();
+
+    static XPerson& person();
+    // Lets the windows work until `condition` holds; false when it never does.
+    static bool waitFor(const std::function<bool()>& condition);
+    // Lets the windows work until nothing is left to do.
+    static void settle();
+
+    // The widget below `top`, by name or path; fails the test when there is none.
+    static Widget child(Widget top, const std::string& path);
+    static bool isVisible(Widget widget);
+    // The place of a widget or gadget on the screen.
+    static Place placeOf(Widget widget);
+    static std::string labelOf(Widget widget);
+
+    // All of these wait until the windows have done what there is to do.
+    static void click(Widget widget);
+    static void clickRow(Widget list, int row, int times = 1);
+    static void key(KeySym symbol, KeySym modifier = NoSymbol);
+    static void type(std::string_view text);
+
+    static std::vector<std::string> rows(Widget list);
+
+    // The text of the box that is up, lines joined by blanks; "(no dialog)" when none comes.
+    static std::string dialogText();
+    // Presses a button ("OK", "Cancel") of the box that is up and waits until it is gone.
+    static void answer(const char* button);
+    // Checks that the box with this text comes up, and presses OK.
+    static void expectReport(Message::Number text);
+
+    OdbcFiles files;
+};
