@@ -152,3 +152,44 @@ enum Number : std::uint16_t {
     kMemoryError = 30190,
 };
 }  // namespace LibraryMessage
+
+// "vhsetup23.mo": what our driver setup library shows. "%1" in a text stands for what it is about.
+namespace SetupMessage {
+enum Number : std::uint32_t {
+    // The dialog.
+    kTitle = 1,
+    kDataSourceName = 2,
+    kDescription = 3,
+    kDatabase = 4,
+    kServer = 5,
+    kPort = 6,
+    kUser = 7,
+    kPassword = 8,
+    kFurtherSettings = 9,
+    kFurtherSettingsHint = 10,
+    kDriverDefault = 11,
+    kOverwriteQuestion = 12,
+
+    // What is wrong with a data source or one of its settings.
+    kNameMissing = 20,
+    kNameInvalid = 21,
+    kNameReserved = 22,
+    kKeyInvalid = 23,
+    kKeyHasField = 24,
+    kKeyTwice = 25,
+    kNotKeyAndValue = 26,
+    kValueHasLineBreak = 27,
+    kValueTooLong = 28,
+    kPasswordBlanks = 29,
+
+    // Why a request could not be carried out.
+    kUnknownRequest = 40,
+    kUnknownDriver = 41,
+    kBadAttributes = 42,
+    kNoSuchDataSource = 43,
+    kWriteFailed = 44,
+    kRemoveFailed = 45,
+    kAlreadyOpen = 46,
+    kNoMemory = 47,
+};
+}  // namespace SetupMessage

@@ -1,0 +1,75 @@
+#include "motifutil/scrolling.h"
+
+#include <Xm/ScrollBar.h>
+#include <Xm/ScrolledW.h>
+
+#include <algorithm>
+
+namespace {
+
+struct Box {
+    Position x = 0;
+    Position y = 0;
+    Dimension width = 0;
+    Dimension height = 0;
+};
+
+Box boxOf(Widget widget) {
+    Box box;
+    XtVaGetValues(widget, XmNx, &box.x, XmNy, &box.y, XmNwidth, &box.width, XmNheight, &box.height, nullptr);
+    return box;
+}
+
+// Shadow and frame of the clip window at both ends. Motif's clip window itself is of no use here: its size lags behind while
+// scroll bars come and go.
+int frameOf(Widget scrolledWindow) {
+    Dimension shadow = 0;
+    XtVaGetValues(scrolledWindow, XmNshadowThickness, &shadow, nullptr);
+    return 2 * (shadow + 1);
+}
+
+Widget scrollBarOf(Widget scrolledWindow, const char* which) {
+    Widget scrollBar = nullptr;
+    XtVaGetValues(scrolledWindow, which, &scrollBar, nullptr);
+    return scrollBar;
+}
+
+void wheelTurned(Widget /*child*/, XtPointer scrolledWindow, XEvent* event, Boolean* /*continueToDispatch*/) {
+    constexpr int kPixelsPerNotch = 60;
+    const unsigned int button = event->xbutton.button;
+    if (button != Button4 && button != Button5) {
+        return;
+    }
+    Widget scrollBar = scrollBarOf(static_cast<Widget>(scrolledWindow), XmNverticalScrollBar);
+    int value = 0;
+    int slider = 0;
+    int increment = 0;
+    int page = 0;
+    int maximum = 0;
+    XmScrollBarGetValues(scrollBar, &value, &slider, &increment, &page);
+    XtVaGetValues(scrollBar, XmNmaximum, &maximum, nullptr);
+    const int wanted =
+        std::clamp(value + (button == Button4 ? -kPixelsPerNotch : kPixelsPerNotch), 0, maximum - slider);
+    if (wanted != value) {
+        XmScrollBarSetValues(scrollBar, wanted, slider, increment, page, True);
+    }
+}
+
+}  // namespace
+
+int viewWidth(Widget scrolledWindow) {
+    const Box whole = boxOf(scrolledWindow);
+    // A scroll bar that is not needed stays managed and is moved out of sight.
+    const Box scrollBar = boxOf(scrollBarOf(scrolledWindow, XmNverticalScrollBar));
+    return whole.width - frameOf(scrolledWindow) - (scrollBar.x < whole.width ? scrollBar.width : 0);
+}
+
+int viewHeight(Widget scrolledWindow) {
+    const Box whole = boxOf(scrolledWindow);
+    const Box scrollBar = boxOf(scrollBarOf(scrolledWindow, XmNhorizontalScrollBar));
+    return whole.height - frameOf(scrolledWindow) - (scrollBar.y < whole.height ? scrollBar.height : 0);
+}
+
+void scrollWithWheel(Widget scrolledWindow, Widget child) {
+    XtAddEventHandler(child, ButtonPressMask, False, wheelTurned, scrolledWindow);
+}

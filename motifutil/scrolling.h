@@ -1,0 +1,12 @@
+// What Motif's scrolled windows leave to the program: fitting what is in them to the window, and the mouse wheel. For windows
+// made by createScrolledWindow. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+// The width, or height, in pixels that the work area can have without a scroll bar in that direction.
+int viewWidth(Widget scrolledWindow);
+int viewHeight(Widget scrolledWindow);
+
+// Lets the mouse wheel scroll the window while the pointer is over `child`, which the wheel would not pass through.
+void scrollWithWheel(Widget scrolledWindow, Widget child);

@@ -1,0 +1,145 @@
+#include "setup/config_dsn.h"
+
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "components/identification.h"
+#include "installer/configuration.h"
+#include "setup/data_source.h"
+#include "setup/driver_properties.h"
+#include "setup/setup_form.h"
+#include "setup/setup_texts.h"
+
+namespace {
+
+SetupFailure failure(unsigned int code, SetupMessage::Number text, const std::string& subject = {}) {
+    return {code, setupText(text, subject), {}};
+}
+
+// Whether every item of the list is "key=value". Null is the empty list.
+bool isAttributeList(const char* list) {
+    while (list != nullptr && *list != '\0') {
+        const std::string_view item(list);
+        const std::size_t equals = item.find('=');
+        if (equals == 0 || equals == std::string_view::npos) {
+            return false;
+        }
+        list += item.size() + 1;
+    }
+    return true;
+}
+
+// The attributes that can be stored: the name and the driver are none of them.
+Settings withoutNameAndDriver(const Settings& attributes) {
+    Settings result;
+    for (const installer::Attribute& attribute : attributes) {
+        if (!installer::sameName(attribute.key, kNameKey) && !installer::sameName(attribute.key, kDriverKey)) {
+            setValue(result, attribute.key, attribute.value);
+        }
+    }
+    return result;
+}
+
+struct Request {
+    Widget parent = nullptr;
+    std::string driver;
+    std::string name;
+    Settings attributes;  // Without name and driver.
+};
+
+// What the form shows and proposes: for a new data source what the driver proposes, else what is stored, and over both what
+// the caller gave.
+SetupFormContent formContent(const Request& request, const std::string& storedName, const std::string& library) {
+    SetupFormContent content;
+    content.driver = request.driver;
+    content.storedName = storedName;
+    content.name = request.name;
+    if (std::optional<std::vector<DriverProperty>> described = askDriver(library)) {
+        content.properties = *std::move(described);
+    } else {
+        content.properties = commonProperties();
+        content.hasFurtherSettings = true;
+    }
+
+    const Settings stored = storedName.empty() ? Settings() : withoutNameAndDriver(readDataSource(storedName));
+    content.shown = stored;
+    if (storedName.empty()) {
+        for (const DriverProperty& property : content.properties) {
+            if (!property.defaultValue.empty() && property.kind != PropertyKind::kFixed) {
+                setValue(content.pending, property.key, property.defaultValue);
+            }
+        }
+    }
+    for (const installer::Attribute& attribute : request.attributes) {
+        if (storedName.empty() || valueOf(stored, attribute.key) != attribute.value) {
+            setValue(content.pending, attribute.key, attribute.value);
+        }
+    }
+    for (const installer::Attribute& attribute : content.pending) {
+        setValue(content.shown, attribute.key, attribute.value);
+    }
+    return content;
+}
+
+// Stores the data source, asking the user when there is a window to do it.
+std::optional<SetupFailure> setUp(const Request& request, const std::string& storedName) {
+    const std::string library = driverLibrary(request.driver);
+    if (library.empty()) {
+        return failure(ODBC_ERROR_INVALID_NAME, SetupMessage::kUnknownDriver, request.driver);
+    }
+    if (request.parent != nullptr) {
+        return runSetupForm(request.parent, formContent(request, storedName, library));
+    }
+    // Adding a name that exists replaces the data source: nobody can be asked, and that is what ODBC tells callers to expect
+    // of ConfigDSN without a window.
+    return saveDataSource({storedName, request.name, request.driver, request.attributes});
+}
+
+std::optional<SetupFailure> carryOut(WORD code, const Request& request) {
+    if (code == ODBC_ADD_DSN) {
+        return setUp(request, {});
+    }
+    if (code != ODBC_CONFIG_DSN && code != ODBC_REMOVE_DSN) {
+        return failure(ODBC_ERROR_INVALID_REQUEST_TYPE, SetupMessage::kUnknownRequest, std::to_string(code));
+    }
+    if (request.name.empty() || !dataSourceExists(request.name)) {
+        return failure(ODBC_ERROR_INVALID_DSN, SetupMessage::kNoSuchDataSource, request.name);
+    }
+    return code == ODBC_CONFIG_DSN ? setUp(request, request.name) : removeDataSource(request.name);
+}
+
+std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver, const char* attributes) {
+    const SetupCatalogs catalogs;
+    const installer::WritableConfiguration configuration;
+    try {
+        if (!isAttributeList(attributes)) {
+            return failure(ODBC_ERROR_INVALID_KEYWORD_VALUE, SetupMessage::kBadAttributes);
+        }
+        installer::forgetCachedValues();
+        const Settings given = installer::parseAttributeList(attributes);
+        return carryOut(code, {static_cast<Widget>(parent), driver != nullptr ? driver : "",
+                               trimmed(valueOf(given, kNameKey)), withoutNameAndDriver(given)});
+    } catch (const std::exception&) {
+        // Nothing here throws but for want of memory.
+        return failure(ODBC_ERROR_OUT_OF_MEM, SetupMessage::kNoMemory);
+    }
+}
+
+}  // namespace
+
+std::string componentVersion() {
+    return kProductVersion;
+}
+
+BOOL ConfigDSN(HWND parent, WORD request, LPCSTR driver, LPCSTR attributes) {
+    const std::optional<SetupFailure> problem = configure(parent, request, driver, attributes);
+    if (problem) {
+        // Last of all: everything else that is asked of the installer library empties its list of errors.
+        installer::postError(problem->code, problem->text);
+        return FALSE;
+    }
+    return TRUE;
+}

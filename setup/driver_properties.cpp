@@ -1,0 +1,138 @@
+#include "setup/driver_properties.h"
+
+#include <dlfcn.h>
+#include <odbcinstext.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <set>
+
+#include "installer/configuration.h"
+#include "setup/data_source.h"
+
+namespace {
+
+// No driver has that many; a list that does not end is cut here.
+constexpr std::size_t kMostProperties = 1000;
+constexpr std::size_t kMostChoices = 1000;
+
+struct LibraryCloser {
+    void operator()(void* handle) const { dlclose(handle); }
+};
+
+// The driver allocates the nodes, their arrays of choices and their help texts with malloc, and its caller frees them, as the
+// installer library does; the choices themselves stay the driver's.
+void freeProperties(ODBCINSTPROPERTY* first) {
+    std::set<ODBCINSTPROPERTY*> freed;
+    while (first != nullptr && freed.insert(first).second) {
+        ODBCINSTPROPERTY* next = first->pNext;
+        std::free(static_cast<void*>(first->aPromptData));
+        std::free(first->pszHelp);
+        std::free(first);
+        first = next;
+    }
+}
+struct PropertiesDeleter {
+    void operator()(ODBCINSTPROPERTY* first) const { freeProperties(first); }
+};
+
+template <std::size_t Size>
+std::string textOf(const char (&text)[Size]) {
+    return {text, strnlen(text, Size)};
+}
+
+std::vector<std::string> choicesOf(const ODBCINSTPROPERTY& property) {
+    std::vector<std::string> choices;
+    for (char** choice = property.aPromptData; choice != nullptr && *choice != nullptr && choices.size() < kMostChoices;
+         ++choice) {
+        choices.emplace_back(*choice);
+    }
+    return choices;
+}
+
+PropertyKind kindOf(int promptType, const std::string& key, bool hasChoices) {
+    switch (promptType) {
+        case ODBCINST_PROMPTTYPE_LABEL:
+            return PropertyKind::kFixed;
+        case ODBCINST_PROMPTTYPE_HIDDEN:
+            return PropertyKind::kHidden;
+        case ODBCINST_PROMPTTYPE_LISTBOX:
+            return hasChoices ? PropertyKind::kMenu : PropertyKind::kText;
+        case ODBCINST_PROMPTTYPE_COMBOBOX:
+            return hasChoices ? PropertyKind::kCombo : PropertyKind::kText;
+        case ODBCINST_PROMPTTYPE_TEXTEDIT_PASSWORD:
+            return PropertyKind::kPassword;
+        default:
+            // Older drivers describe their passwords as plain text.
+            return isPasswordKey(key) ? PropertyKind::kPassword : PropertyKind::kText;
+    }
+}
+
+bool isWanted(const std::string& key, const std::vector<DriverProperty>& properties) {
+    using installer::sameName;
+    return !key.empty() && !sameName(key, kNameKey) && !sameName(key, kDriverKey) && !sameName(key, kDescriptionKey) &&
+           std::none_of(properties.begin(), properties.end(),
+                        [&key](const DriverProperty& other) { return sameName(other.key, key); });
+}
+
+std::vector<DriverProperty> copyProperties(const ODBCINSTPROPERTY* node) {
+    std::vector<DriverProperty> properties;
+    for (std::size_t count = 0; node != nullptr && count < kMostProperties; node = node->pNext, ++count) {
+        DriverProperty property;
+        property.key = trimmed(textOf(node->szName));
+        property.defaultValue = trimmed(textOf(node->szValue));
+        property.choices = choicesOf(*node);
+        property.kind = kindOf(node->nPromptType, property.key, !property.choices.empty());
+        if (isWanted(property.key, properties)) {
+            properties.push_back(std::move(property));
+        }
+    }
+    return properties;
+}
+
+}  // namespace
+
+std::string driverLibrary(const std::string& driver) {
+    // The driver manager prefers this key where pointers have 64 bits.
+    const std::string wide = installer::readValue(driver, "Driver64", installer::kDriverFile);
+    return sizeof(void*) == 8 && !wide.empty() ? wide
+                                               : installer::readValue(driver, kDriverKey, installer::kDriverFile);
+}
+
+std::optional<std::vector<DriverProperty>> askDriver(const std::string& library) {
+    const std::unique_ptr<void, LibraryCloser> handle(dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL));
+    if (!handle) {
+        return std::nullopt;
+    }
+    const auto getProperties =
+        reinterpret_cast<int (*)(HODBCINSTPROPERTY)>(dlsym(handle.get(), "ODBCINSTGetProperties"));
+    if (getProperties == nullptr) {
+        return std::nullopt;
+    }
+    // The driver appends to a list that begins with the name, which is no setting.
+    const std::unique_ptr<ODBCINSTPROPERTY, PropertiesDeleter> list(
+        static_cast<ODBCINSTPROPERTY*>(std::calloc(1, sizeof(ODBCINSTPROPERTY))));
+    if (!list) {
+        throw std::bad_alloc();
+    }
+    std::strcpy(list->szName, "Name");
+    list->nPromptType = ODBCINST_PROMPTTYPE_TEXTEDIT;
+    // Drivers do not agree about what they return, so only the list counts.
+    getProperties(list.get());
+    std::vector<DriverProperty> properties = copyProperties(list->pNext);
+    if (properties.empty()) {
+        return std::nullopt;
+    }
+    return properties;
+}
+
+std::vector<DriverProperty> commonProperties() {
+    return {{"Server", "", PropertyKind::kText, {}},
+            {"Port", "", PropertyKind::kText, {}},
+            {"Database", "", PropertyKind::kText, {}},
+            {"UID", "", PropertyKind::kText, {}},
+            {"PWD", "", PropertyKind::kPassword, {}}};
+}

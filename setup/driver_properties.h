@@ -1,0 +1,33 @@
+// What a driver says of its own settings.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// How a setting is edited.
+enum class PropertyKind {
+    kText,
+    kPassword,
+    kMenu,   // One of the choices.
+    kCombo,  // Text, with choices to pick from.
+    kFixed,  // Shown and not edited.
+    kHidden  // Stored with a new data source, and not shown.
+};
+
+struct DriverProperty {
+    std::string key;
+    std::string defaultValue;
+    PropertyKind kind = PropertyKind::kText;
+    std::vector<std::string> choices;
+};
+
+// The driver's library according to the driver file; empty when there is no such driver.
+std::string driverLibrary(const std::string& driver);
+
+// Loads the driver's library and asks it (ODBCINSTGetProperties, odbcinstext.h). Nothing when the library can't be loaded or
+// can't tell. Keys that every data source has are left out, and so is what comes twice.
+std::optional<std::vector<DriverProperty>> askDriver(const std::string& library);
+
+// What most drivers understand, for a driver that can't tell.
+std::vector<DriverProperty> commonProperties();

@@ -1,0 +1,95 @@
+#include "setup/further_settings.h"
+
+#include <Xm/Text.h>
+#include <odbcinst.h>
+
+#include <new>
+#include <string_view>
+
+#include "motifutil/widgets.h"
+#include "setup/setup_texts.h"
+
+namespace {
+
+constexpr short kRows = 5;
+constexpr short kColumns = 36;
+
+// The settings that the lines of `text` name, or what is wrong with them.
+std::optional<SetupFailure> parseLines(std::string_view text, Settings& settings) {
+    const auto wrong = [](SetupMessage::Number message, const std::string& subject) {
+        return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(message, subject), subject};
+    };
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        const std::string line = trimmed(text.substr(0, end));
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+        if (line.empty()) {
+            continue;
+        }
+        const std::size_t equals = line.find('=');
+        if (equals == std::string::npos) {
+            return wrong(SetupMessage::kNotKeyAndValue, line);
+        }
+        const std::string key = trimmed(line.substr(0, equals));
+        if (findValue(settings, key) != nullptr) {
+            return wrong(SetupMessage::kKeyTwice, key);
+        }
+        settings.push_back({key, trimmed(line.substr(equals + 1))});
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+FurtherSettings::FurtherSettings(Widget parent, const Settings& settings) {
+    label_ = createLabel(parent, "LblFurtherSettings", setupText(SetupMessage::kFurtherSettings));
+    XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
+    ArgumentList arguments;
+    arguments.set(XmNeditMode, XmMULTI_LINE_EDIT).set(XmNrows, kRows).set(XmNcolumns, kColumns);
+    static char name[] = "TxtFurtherSettings";
+    text_ = XmCreateScrolledText(parent, name, arguments.data(), arguments.size());
+    if (text_ == nullptr) {
+        throw std::bad_alloc();
+    }
+    // Tab goes on to the next field, as it does everywhere else in the form; no setting needs it.
+    XtOverrideTranslations(text_,
+                           XtParseTranslationTable("Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()"));
+    XtManageChild(text_);
+    hint_ = createLabel(parent, "LblFurtherSettingsHint", setupText(SetupMessage::kFurtherSettingsHint));
+
+    std::string lines;
+    for (const installer::Attribute& setting : settings) {
+        lines += setting.key + "=" + setting.value + "\n";
+    }
+    XmTextSetString(text_, lines.data());
+    parseLines(text(), initial_);
+}
+
+std::optional<SetupFailure> FurtherSettings::changes(const std::function<bool(const std::string&)>& isTaken,
+                                                     Settings& changed) const {
+    Settings now;
+    if (std::optional<SetupFailure> failure = parseLines(text(), now)) {
+        return failure;
+    }
+    for (const installer::Attribute& setting : now) {
+        const std::string* before = findValue(initial_, setting.key);
+        if (before == nullptr && isTaken(setting.key)) {
+            return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kKeyHasField, setting.key),
+                                setting.key};
+        }
+        if (before == nullptr || *before != setting.value) {
+            setValue(changed, setting.key, setting.value);
+        }
+    }
+    for (const installer::Attribute& setting : initial_) {
+        if (findValue(now, setting.key) == nullptr) {
+            setValue(changed, setting.key, {});
+        }
+    }
+    return std::nullopt;
+}
+
+std::string FurtherSettings::text() const {
+    const XtTextPtr text(XmTextGetString(text_));
+    return text ? std::string(text.get()) : std::string();
+}

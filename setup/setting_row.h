@@ -1,0 +1,51 @@
+// One line of the setup form: a label and the field of one setting. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+#include <memory>
+#include <string>
+
+#include "setup/driver_properties.h"
+
+// Passwords have no text outside of this type and the settings themselves: it is wiped when it goes.
+class SettingRow {
+public:
+    virtual ~SettingRow() = default;
+    SettingRow(const SettingRow&) = delete;
+    SettingRow& operator=(const SettingRow&) = delete;
+
+    const std::string& key() const { return key_; }
+    // For the form to place. The field is filled already.
+    Widget label() const { return label_; }
+    Widget field() const { return field_; }
+    // Whether the field grows with the window.
+    virtual bool isStretched() const { return true; }
+    // The widget inside of the field that takes the keyboard.
+    virtual Widget focus() const { return field_; }
+
+    // What stands in the field, without blanks around it.
+    virtual std::string value() const = 0;
+    // Whether it is another than at first. What a field can't show exactly counts as unchanged while nobody touches it.
+    bool isChanged() const { return value() != initial_; }
+
+protected:
+    SettingRow(Widget parent, std::string key);
+    // To be called by each kind when its field is filled.
+    void filled() { initial_ = value(); }
+
+    std::string key_;
+    Widget label_ = nullptr;
+    Widget field_ = nullptr;
+
+private:
+    std::string initial_;
+};
+
+// Makes label and field as children of the form `parent`, named "Lbl", "Txt" or "Opt" and the key. The row must live as long
+// as its widgets. Null for a hidden property.
+std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty& property, const std::string& value);
+
+// A row of plain text with a label of the caller's and a field of the given name.
+std::unique_ptr<SettingRow> createTextRow(Widget parent, const std::string& fieldName, const std::string& label,
+                                          const std::string& value);

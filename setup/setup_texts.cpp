@@ -1,0 +1,34 @@
+#include "setup/setup_texts.h"
+
+#include <array>
+
+#include "bos/catalog.h"
+#include "bos/install_dir.h"
+#include "motifutil/catalog_text.h"
+
+namespace {
+
+nl_catd SetupCatalog = invalidCatalog();
+
+}  // namespace
+
+SetupCatalogs::SetupCatalogs() {
+    bosSetInstallDir(nullptr);
+    SetupCatalog = OpenStrings("vhsetup23", nullptr);
+    Rfile = OpenStrings(nullptr, "odbc.m");
+}
+
+SetupCatalogs::~SetupCatalogs() {
+    CloseStrings(Rfile);
+    CloseStrings(SetupCatalog);
+    Rfile = invalidCatalog();
+    SetupCatalog = invalidCatalog();
+}
+
+std::string setupText(SetupMessage::Number number, const std::string& subject) {
+    std::array<char, 512> buffer{};
+    LoadStringFromOpenFile(SetupCatalog, number, buffer.data(), buffer.size());
+    std::string text = buffer.data();
+    const std::size_t place = text.find("%1");
+    return place == std::string::npos ? text : text.replace(place, 2, subject);
+}
