@@ -33,8 +33,8 @@ void scrolled(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData
 
 }  // namespace
 
-Widget createAboutForm(Widget notebook, int pageNumber) {
-    FrmAbout = createPage(notebook, "FrmAbout", pageNumber);
+Widget createAboutForm(Widget notebook) {
+    FrmAbout = createPage(notebook, "FrmAbout");
     Widget heading = createLabel(FrmAbout, "LblAboutText", Message::kAboutHeading);
 
     Widget headers = createHeaderWindow(FrmAbout, "ScrAboutLabels");

@@ -12,7 +12,7 @@ extern Widget LstAbtVersion;
 extern Widget LstAbtFile;
 
 // Builds the page, unmanaged; its tab belongs to the main window.
-Widget createAboutForm(Widget notebook, int pageNumber);
+Widget createAboutForm(Widget notebook);
 
 // Places lists and headers side by side by the lists' widths.
 void setSizePosAboutTabWidgets();

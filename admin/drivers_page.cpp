@@ -42,8 +42,8 @@ void fitToView() {
 
 }  // namespace
 
-Widget createDriversPage(Widget notebook, int pageNumber) {
-    FrmDrivers = createPage(notebook, "FrmDrivers", pageNumber);
+Widget createDriversPage(Widget notebook) {
+    FrmDrivers = createPage(notebook, "FrmDrivers");
     Widget heading = createLabel(FrmDrivers, "LbDDesc", Message::kDriversHeading);
     Attach(heading).topForm(12).leftForm(12);
 

@@ -17,7 +17,7 @@ extern Widget LstFile;
 extern Widget LstDate;
 
 // Builds the page, unmanaged, with empty lists; its tab belongs to the main window.
-Widget createDriversPage(Widget notebook, int pageNumber);
+Widget createDriversPage(Widget notebook);
 
 // Fills five parallel lists with the installed drivers, sorted by name. With no driver, or a driver file that can't be
 // read, the error is shown and the lists are 100 by 25 pixels.

@@ -50,8 +50,8 @@ Widget createFileSelection(Widget parent) {
 
 }  // namespace
 
-Widget createFileDsnPage(Widget notebook, int pageNumber) {
-    frmFileDSN = createPage(notebook, "frmFileDSN", pageNumber);
+Widget createFileDsnPage(Widget notebook) {
+    frmFileDSN = createPage(notebook, "frmFileDSN");
 
     TxtFDDesc = createReadOnlyText(frmFileDSN, "TxtFDDesc", Message::kFileDsnExplanation, 2);
     Attach(TxtFDDesc).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);

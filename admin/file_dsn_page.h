@@ -14,4 +14,4 @@ extern Widget BtnFDConfigure;
 extern Widget BtnSetDirectory;
 
 // Builds the page, unmanaged; its tab belongs to the main window.
-Widget createFileDsnPage(Widget notebook, int pageNumber);
+Widget createFileDsnPage(Widget notebook);

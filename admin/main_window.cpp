@@ -67,15 +67,6 @@ Widget createNotebook(Widget parent) {
     return notebook;
 }
 
-Widget createPageTab(const char* name, Message::Number label, int pageNumber) {
-    return createTab(TabManager, name, label, pageNumber);
-}
-
-void followTab(Widget tab, int pageNumber) {
-    const auto code = static_cast<XtArgVal>(kTabCodes[static_cast<std::size_t>(pageNumber - 1)]);
-    XtAddCallback(tab, XmNactivateCallback, tabSelectionChanged, reinterpret_cast<XtPointer>(code));
-}
-
 void createButtonRow() {
     BtnOK = createPushButton(FrmMain, "BtnOK", Message::kOk, btnOK_activate);
     BtnCancel = createPushButton(FrmMain, "BtnCancel", Message::kCancel, btnCancel_activate);
@@ -92,23 +83,27 @@ void createButtonRow() {
 }
 
 void createPages() {
-    int page = 1;
-    createUserDsnPage(TabManager, page);
-    TbUserDSN = createPageTab("TbUserDSN", Message::kUserDsnTab, page++);
-    createFileDsnPage(TabManager, page);
-    TbFileDSN = createPageTab("TbFileDSN", Message::kFileDsnTab, page++);
-    createDriversPage(TabManager, page);
-    TbDrivers = createPageTab("TbDrivers", Message::kDriversTab, page++);
-    createTraceTab(TabManager, page++);
-    createAboutForm(TabManager, page);
-    TbAbout = createPageTab("TbAbout", Message::kAboutTab, page);
+    createUserDsnPage(TabManager);
+    TbUserDSN = createTab(TabManager, "TbUserDSN", Message::kUserDsnTab);
+    createFileDsnPage(TabManager);
+    TbFileDSN = createTab(TabManager, "TbFileDSN", Message::kFileDsnTab);
+    createDriversPage(TabManager);
+    TbDrivers = createTab(TabManager, "TbDrivers", Message::kDriversTab);
+    createTraceTab(TabManager);
+    createAboutForm(TabManager);
+    TbAbout = createTab(TabManager, "TbAbout", Message::kAboutTab);
 
-    page = 1;
-    for (Widget tab : {TbUserDSN, TbFileDSN, TbDrivers, BtnTrace, TbAbout}) {
-        followTab(tab, page++);
-    }
     std::array pagesAndTabs{FormUserDSN, TbUserDSN, frmFileDSN, TbFileDSN, FrmDrivers,
                             TbDrivers,   FrmTrace,  BtnTrace,   FrmAbout,  TbAbout};
+    for (std::size_t i = 0; i < kTabCodes.size(); ++i) {
+        Widget page = pagesAndTabs[2 * i];
+        Widget tab = pagesAndTabs[2 * i + 1];
+        const int number = static_cast<int>(i) + 1;
+        XtVaSetValues(page, XmNpageNumber, number, nullptr);
+        XtVaSetValues(tab, XmNpageNumber, number, nullptr);
+        const XtArgVal code = kTabCodes[i];
+        XtAddCallback(tab, XmNactivateCallback, tabSelectionChanged, reinterpret_cast<XtPointer>(code));
+    }
     XtManageChildren(pagesAndTabs.data(), static_cast<Cardinal>(pagesAndTabs.size()));
     XtUnmanageChild(XtNameToWidget(TabManager, "PageScroller"));
 }

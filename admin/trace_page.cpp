@@ -34,9 +34,9 @@ void placePathRow(Widget label, Widget field, Widget button, Widget above) {
 
 }  // namespace
 
-Widget createTraceTab(Widget notebook, int pageNumber) {
-    FrmTrace = createPage(notebook, "FrmTrace", pageNumber);
-    BtnTrace = createTab(notebook, "BtnTrace", Message::kTracingTab, pageNumber);
+Widget createTraceTab(Widget notebook) {
+    FrmTrace = createPage(notebook, "FrmTrace");
+    BtnTrace = createTab(notebook, "BtnTrace", Message::kTracingTab);
 
     TgEnableTracing = createToggleButton(FrmTrace, "TgEnableTracing", Message::kEnableTracing);
     Attach(TgEnableTracing).topForm(kMargin).leftForm(kMargin);

@@ -15,4 +15,4 @@ extern Widget BtnTLibBrowse;
 extern Widget TxtTraceDesc;
 
 // Builds the page and its tab button, both unmanaged.
-Widget createTraceTab(Widget notebook, int pageNumber);
+Widget createTraceTab(Widget notebook);

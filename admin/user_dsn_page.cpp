@@ -131,8 +131,8 @@ Widget createUserDSNXmList(int flag, const char* name) {
     return list;
 }
 
-Widget createUserDsnPage(Widget notebook, int pageNumber) {
-    FormUserDSN = createPage(notebook, "FormUserDSN", pageNumber);
+Widget createUserDsnPage(Widget notebook) {
+    FormUserDSN = createPage(notebook, "FormUserDSN");
 
     Widget heading = createLabel(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
 

@@ -18,7 +18,7 @@ extern Widget LstUName;
 extern Widget LstUDesc;
 
 // Builds the page, unmanaged, with empty lists; its tab belongs to the main window.
-Widget createUserDsnPage(Widget notebook, int pageNumber);
+Widget createUserDsnPage(Widget notebook);
 
 // A list of the page, in `FormLists`: as wide as its items when `flag` is non-zero, of constant width otherwise.
 Widget createUserDSNXmList(int flag, const char* name);

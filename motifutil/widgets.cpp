@@ -43,8 +43,15 @@ XmStringPtr compoundString(const std::string& text) {
 }
 
 std::string plainText(XmString text) {
+    // Without a mapping Motif leaves the ends of lines out.
+    static char newline[] = "\n";
+    const XmStringPtr separator(XmStringSeparatorCreate());
+    ArgumentList arguments;
+    arguments.set(XmNpattern, newline).set(XmNsubstitute, separator.get()).set(XmNincludeStatus, XmINSERT);
+    XmParseMapping mapping = XmParseMappingCreate(arguments.data(), arguments.size());
     const XtTextPtr plain(
-        static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL)));
+        static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, &mapping, 1, XmOUTPUT_ALL)));
+    XmParseMappingFree(mapping);
     return plain ? std::string(plain.get()) : std::string();
 }
 
@@ -52,15 +59,14 @@ Widget createForm(Widget parent, const char* name) {
     return made(XtVaCreateManagedWidget(name, xmFormWidgetClass, parent, nullptr));
 }
 
-Widget createPage(Widget notebook, const char* name, int pageNumber) {
-    return made(XtVaCreateWidget(name, xmFormWidgetClass, notebook, XmNnotebookChildType, XmPAGE, XmNpageNumber,
-                                 pageNumber, nullptr));
+Widget createPage(Widget notebook, const char* name) {
+    return made(XtVaCreateWidget(name, xmFormWidgetClass, notebook, XmNnotebookChildType, XmPAGE, nullptr));
 }
 
-Widget createTab(Widget notebook, const char* name, Message::Number text, int pageNumber) {
+Widget createTab(Widget notebook, const char* name, Message::Number text) {
     const XmStringPtr label = compoundString(catalogText(text));
     return made(XtVaCreateWidget(name, xmPushButtonWidgetClass, notebook, XmNlabelString, label.get(),
-                                 XmNnotebookChildType, XmMAJOR_TAB, XmNpageNumber, pageNumber, nullptr));
+                                 XmNnotebookChildType, XmMAJOR_TAB, nullptr));
 }
 
 Widget createSeparator(Widget parent, const char* name) {

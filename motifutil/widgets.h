@@ -43,9 +43,10 @@ private:
     std::vector<Arg> arguments_;
 };
 
-// A page of a notebook and the tab that brings it to the front, both unmanaged: the notebook's pages are managed together.
-Widget createPage(Widget notebook, const char* name, int pageNumber);
-Widget createTab(Widget notebook, const char* name, Message::Number text, int pageNumber);
+// A page of a notebook and the tab that brings it to the front, both unmanaged and without a page number: whoever puts the
+// pages in order numbers them and manages them together.
+Widget createPage(Widget notebook, const char* name);
+Widget createTab(Widget notebook, const char* name, Message::Number text);
 
 // All of these make managed widgets.
 Widget createForm(Widget parent, const char* name);
