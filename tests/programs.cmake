@@ -17,5 +17,6 @@ target_compile_definitions(widget_tests PRIVATE
   VH_TEST_NO_SETUP="$<TARGET_FILE:bos_test_library>")
 add_dependencies(widget_tests recording_setup bos_test_library catalog_en_US_odbc)
 add_subdirectory(admin)
+add_subdirectory(motifutil)
 add_test(NAME widget_tests COMMAND widget_tests)
 set_tests_properties(widget_tests PROPERTIES TIMEOUT 300)
