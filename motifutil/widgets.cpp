@@ -211,8 +211,14 @@ void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientD
 void pressButton(Widget button) {
     XEvent event{};
     event.xbutton.type = ButtonPress;
-    event.xbutton.display = XtDisplay(button);
-    event.xbutton.window = XtWindow(button);
-    event.xbutton.time = XtLastTimestampProcessed(XtDisplay(button));
-    XtCallActionProc(button, "ArmAndActivate", &event, nullptr, 0);
+    event.xbutton.display = XtDisplayOfObject(button);
+    event.xbutton.window = XtWindowOfObject(button);
+    event.xbutton.time = XtLastTimestampProcessed(event.xbutton.display);
+    if (XtIsWidget(button)) {
+        XtCallActionProc(button, "ArmAndActivate", &event, nullptr, 0);
+        return;
+    }
+    // A gadget has no actions of its own.
+    XmPushButtonCallbackStruct pressed{XmCR_ACTIVATE, &event, 1};
+    XtCallCallbacks(button, XmNactivateCallback, &pressed);
 }
