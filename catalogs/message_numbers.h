@@ -169,6 +169,7 @@ enum Number : std::uint32_t {
     kFurtherSettingsHint = 10,
     kDriverDefault = 11,
     kOverwriteQuestion = 12,
+    kDefaultHint = 13,
 
     // What is wrong with a data source or one of its settings.
     kNameMissing = 20,

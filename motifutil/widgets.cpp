@@ -32,6 +32,10 @@ Widget createLabelled(Widget parent, const char* name, WidgetClass kind, const s
     return made(XtVaCreateManagedWidget(name, kind, parent, XmNlabelString, label.get(), nullptr));
 }
 
+void setCursorVisible(Widget text, XtPointer visible, XtPointer /*callData*/) {
+    XtVaSetValues(text, XmNcursorPositionVisible, visible != nullptr, nullptr);
+}
+
 }  // namespace
 
 XmStringPtr compoundString(const std::string& text) {
@@ -100,7 +104,16 @@ Widget createToggleButton(Widget parent, const char* name, Message::Number text)
 }
 
 Widget createTextField(Widget parent, const char* name) {
-    return made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
+    Widget field = made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
+    hideIdleCursor(field);
+    return field;
+}
+
+void hideIdleCursor(Widget text) {
+    static char visible;
+    XtVaSetValues(text, XmNcursorPositionVisible, False, nullptr);
+    XtAddCallback(text, XmNfocusCallback, setCursorVisible, &visible);
+    XtAddCallback(text, XmNlosingFocusCallback, setCursorVisible, nullptr);
 }
 
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows) {

@@ -59,6 +59,8 @@ Widget createPushButton(Widget parent, const char* name, Message::Number text, X
                         XtPointer clientData = nullptr);
 Widget createToggleButton(Widget parent, const char* name, Message::Number text);
 Widget createTextField(Widget parent, const char* name);
+// Shows the cursor of a text widget only while it has the keyboard; an idle one would blur the first letter.
+void hideIdleCursor(Widget text);
 // An explanation of `rows` lines that wraps with the window's width and is passed over by the Tab key.
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows);
 // A scrolled window that clips its work area and shows scroll bars as they are needed.

@@ -54,6 +54,7 @@ FurtherSettings::FurtherSettings(Widget parent, const Settings& settings) {
     // Tab goes on to the next field, as it does everywhere else in the form; no setting needs it.
     XtOverrideTranslations(text_,
                            XtParseTranslationTable("Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()"));
+    hideIdleCursor(text_);
     XtManageChild(text_);
     hint_ = createLabel(parent, "LblFurtherSettingsHint", setupText(SetupMessage::kFurtherSettingsHint));
 

@@ -125,14 +125,22 @@ public:
             .set(XmNitems, items.data())
             .set(XmNitemCount, count)
             .set(XmNvisibleItemCount, std::min(count, kMostVisibleChoices))
-            .set(XmNcolumns, kComboColumns);
+            .set(XmNcolumns, kComboColumns)
+            .set(XmNpositionMode, XmONE_BASED);
         field_ = XmCreateComboBox(parent, widgetName("Opt", property.key).data(), arguments.data(), arguments.size());
         if (field_ == nullptr) {
             throw std::bad_alloc();
         }
-        XtManageChild(field_);
         XtVaGetValues(field_, XmNtextField, &text_, nullptr);
+        removeFrame();
+        XtManageChild(field_);
         XmTextFieldSetString(text_, const_cast<char*>(value.c_str()));
+        hideIdleCursor(text_);
+        // An empty field says nothing of what the driver does then.
+        if (!property.defaultValue.empty()) {
+            hint_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
+                                setupText(SetupMessage::kDefaultHint, property.defaultValue));
+        }
         filled();
     }
     bool isStretched() const override { return false; }
@@ -140,6 +148,25 @@ public:
     std::string value() const override { return trimmed(fieldText(text_)); }
 
 private:
+    // The frames of text and list are enough. The box hands whatever it is given on to them, so they get theirs back.
+    void removeFrame() {
+        Widget list = nullptr;
+        XtVaGetValues(field_, XmNlist, &list, nullptr);
+        Dimension shadow = 0;
+        Dimension marginWidth = 0;
+        Dimension marginHeight = 0;
+        XtVaGetValues(text_, XmNshadowThickness, &shadow, XmNmarginWidth, &marginWidth, XmNmarginHeight, &marginHeight,
+                      nullptr);
+        XtVaSetValues(field_, XmNshadowThickness, 0, XmNmarginWidth, 0, XmNmarginHeight, 0, nullptr);
+        XtVaSetValues(text_, XmNshadowThickness, shadow, XmNmarginWidth, marginWidth, XmNmarginHeight, marginHeight,
+                      nullptr);
+        XtVaSetValues(list, XmNshadowThickness, shadow, nullptr);
+        // The box draws the highlight for its text, which asks for no room for it.
+        Dimension highlight = 0;
+        XtVaGetValues(field_, XmNhighlightThickness, &highlight, nullptr);
+        XtVaSetValues(field_, XmNheight, preferredHeight(text_) + 2 * highlight, nullptr);
+    }
+
     Widget text_ = nullptr;
 };
 

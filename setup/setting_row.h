@@ -19,6 +19,8 @@ public:
     // For the form to place. The field is filled already.
     Widget label() const { return label_; }
     Widget field() const { return field_; }
+    // A word on the right of the field; null when there is none.
+    Widget hint() const { return hint_; }
     // Whether the field grows with the window.
     virtual bool isStretched() const { return true; }
     // The widget inside of the field that takes the keyboard.
@@ -37,6 +39,7 @@ protected:
     std::string key_;
     Widget label_ = nullptr;
     Widget field_ = nullptr;
+    Widget hint_ = nullptr;
 
 private:
     std::string initial_;

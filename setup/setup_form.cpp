@@ -24,6 +24,8 @@ namespace {
 constexpr int kMargin = 16;
 constexpr int kGap = 12;
 constexpr int kRowGap = 6;
+// What a scrolled window takes for itself in each direction.
+constexpr int kFrame = 2;
 
 // The share of the screen's height that the dialog takes before its rows scroll, in percent.
 constexpr int kLargestShare = 70;
@@ -43,6 +45,12 @@ void guarded(Widget dialogForm, Action action) {
     } catch (const std::bad_alloc&) {
         showOutOfMemoryError(dialogForm);
     }
+}
+
+// Makes a label as high as its field, so that their texts are level.
+void keepLevel(Widget label, Widget field) {
+    Attach(label).levelWith(field);
+    XtVaSetValues(label, XmNbottomAttachment, XmATTACH_OPPOSITE_WIDGET, XmNbottomWidget, field, nullptr);
 }
 
 // The dialog while it is open. It belongs to its shell and goes with it, since callbacks may need it until then.
@@ -191,7 +199,7 @@ void SetupForm::layOut() {
     Attach(scrolledWindow_)
         .below(description_->field(), kRowGap)
         .leftForm(kMargin)
-        .rightForm(kMargin)
+        .rightForm(kMargin - kFrame)
         .above(separator_, kGap);
 }
 
@@ -199,6 +207,10 @@ void SetupForm::placeRows() {
     Widget above = nullptr;
     for (const auto& row : rows_) {
         place(row->label(), row->field(), above, 0, row->isStretched());
+        if (row->hint() != nullptr) {
+            Attach(row->hint()).rightOf(row->field(), kGap);
+            keepLevel(row->hint(), row->field());
+        }
         above = row->field();
     }
     if (further_) {
@@ -219,16 +231,14 @@ void SetupForm::place(Widget label, Widget field, Widget above, int margin, bool
     if (stretched) {
         Attach(field).rightForm(margin);
     }
-    // As high as its field, so that their texts are level.
-    Attach(label).leftForm(margin).levelWith(field);
-    XtVaSetValues(label, XmNbottomAttachment, XmATTACH_OPPOSITE_WIDGET, XmNbottomWidget, field, nullptr);
+    Attach(label).leftForm(margin);
+    keepLevel(label, field);
 }
 
 // Gives the dialog the size that its rows need, up to a share of the screen's height.
 void SetupForm::setSizes() {
-    const int frame = 2;
     const int around = preferredHeight(name_->field()) + preferredHeight(description_->field()) +
-                       preferredHeight(btnOk_) + 2 * kMargin + 2 * kRowGap + 2 * kGap + frame;
+                       preferredHeight(btnOk_) + 2 * kMargin + 2 * kRowGap + 2 * kGap + kFrame;
     rowsHeight_ = preferredHeight(rowsForm_);
     const int most = HeightOfScreen(XtScreen(form_)) * kLargestShare / 100 - around;
     const int height = std::min(rowsHeight_, std::max(most, kLeastRows));
@@ -239,8 +249,8 @@ void SetupForm::setSizes() {
         width += preferredWidth(scrollBar);
     }
     XtVaSetValues(rowsForm_, XmNresizePolicy, XmRESIZE_NONE, nullptr);
-    XtVaSetValues(scrolledWindow_, XmNwidth, width + frame, XmNheight, height + frame, nullptr);
-    XtVaSetValues(shell_, XmNminWidth, width + frame + 2 * kMargin, XmNminHeight,
+    XtVaSetValues(scrolledWindow_, XmNwidth, width + kFrame, XmNheight, height + kFrame, nullptr);
+    XtVaSetValues(shell_, XmNminWidth, width + kFrame + 2 * kMargin, XmNminHeight,
                   around + std::min(rowsHeight_, kLeastRows), nullptr);
 }
 
