@@ -8,6 +8,9 @@ add_library(recording_setup MODULE fixtures/recording_setup.cpp)
 set_target_properties(recording_setup PROPERTIES PREFIX "")
 target_link_libraries(recording_setup PRIVATE project_flags PkgConfig::ODBCINST)
 
+add_subdirectory(catalogs)
+add_subdirectory(installer)
+
 # The real windows in the test's own process.
 add_executable(widget_tests ${display_support} support/window_test.cpp)
 target_link_libraries(widget_tests PRIVATE project_flags admin ${XTST_LIBRARY} GTest::gtest_main)

@@ -1,0 +1,147 @@
+#include "installer/configuration.h"
+
+#include <gtest/gtest.h>
+#include <odbcinst.h>
+
+#include "tests/support/odbc_files.h"
+
+using namespace std::string_literals;
+using Names = std::vector<std::string>;
+
+namespace {
+
+class ConfigurationTest : public testing::Test {
+protected:
+    void SetUp() override { restart(); }
+    static void restart() {
+        installer::useUserConfiguration();
+        installer::forgetCachedValues();
+    }
+    static installer::NameList keys(const std::string& section,
+                                    installer::Growth growth = installer::Growth::kByKilobyte) {
+        return installer::listKeys(section, installer::kDataSourceFile, growth);
+    }
+    static std::string value(const std::string& section, const std::string& key) {
+        return installer::readValue(section, key, installer::kDataSourceFile);
+    }
+
+    OdbcFiles files;
+};
+
+TEST_F(ConfigurationTest, NoListIsCutShort) {
+    struct Case {
+        int count;
+        std::size_t length;  // of each name
+    };
+    // Around the size of the first buffer, far beyond it, and with the longest names that the library keeps.
+    for (const Case& test : {Case{1, 20}, Case{93, 21}, Case{97, 20}, Case{98, 20}, Case{500, 21}, Case{2, 990},
+                             Case{3, 990}, Case{40, 990}, Case{3000, 6}}) {
+        Names names;
+        std::string file = "[S]\n";
+        for (int i = 0; i < test.count; ++i) {
+            const std::string number = std::to_string(i);
+            names.push_back("n" + std::string(test.length - number.size() - 1, '0') + number);
+            file += names.back() + "=x\n";
+        }
+        files.write(OdbcFiles::kUser, file);
+        for (const auto growth : {installer::Growth::kByKilobyte, installer::Growth::kByDoubling}) {
+            installer::forgetCachedValues();
+            EXPECT_EQ(keys("S", growth).names, names) << test.count << " names of " << test.length;
+        }
+    }
+}
+
+TEST_F(ConfigurationTest, WhatCanNotBeReadIsEmpty) {
+    files.write("file", "");
+    const ScopedEnvironment nowhere{{"ODBCINI", files.path("file/x.ini")}};
+    EXPECT_LT(keys("S").length, 1);
+    EXPECT_EQ(keys("S").names, Names());
+    EXPECT_EQ(value("S", "k"), "");
+    EXPECT_FALSE(installer::writeValue("S", "k", "v", installer::kDataSourceFile));
+    // Missing names are not taken for "all of them".
+    EXPECT_EQ(value("", "k"), "");
+    EXPECT_EQ(value("S", ""), "");
+    EXPECT_EQ(keys("").names, Names());
+}
+
+TEST_F(ConfigurationTest, ReadingFollowsOtherPrograms) {
+    for (const std::string text : {"old", "new"}) {
+        files.write(OdbcFiles::kUser, "[S]\nk=" + text + "\n");
+        installer::forgetCachedValues();
+        EXPECT_EQ(value("S", "k"), text);
+        EXPECT_EQ(value("s", "K"), text) << "case does not count";
+    }
+    EXPECT_EQ(files.read(OdbcFiles::kUser), "[S]\nk=new\n");
+}
+
+TEST_F(ConfigurationTest, ReadingCreatesNoFile) {
+    const std::string missing = files.path("missing.dsn");
+    EXPECT_EQ(installer::readValue("ODBC", "Driver", missing), "");
+    EXPECT_EQ(installer::listKeys("ODBC", missing, installer::Growth::kByDoubling).names, Names());
+    EXPECT_EQ(files.read("missing.dsn"), "(missing)");
+    files.write("there.dsn", "[ODBC]\nDriver=X\n");
+    EXPECT_EQ(installer::readValue("ODBC", "Driver", files.path("there.dsn")), "X");
+}
+
+TEST_F(ConfigurationTest, RemovalTakesTheNameOutOfTheListToo) {
+    const std::string all =
+        "[ODBC Data Sources]\nGone=D\nGone too=D\nstays=D\n[gone]\na=1\n[GONE TOO]\na=1\n[stays]\na=1\n";
+    const std::string system = "[ODBC Data Sources]\nGone=D\n[Gone]\na=1\n";
+    files.write(OdbcFiles::kUser, all);
+    files.write(OdbcFiles::kSystem, system);
+    EXPECT_TRUE(installer::removeDataSource("Gone"));
+    EXPECT_TRUE(installer::removeDataSource("gone TOO"));
+    EXPECT_TRUE(installer::removeDataSource("never there"));
+    EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"ODBC Data Sources", {"stays=D"}}, {"stays", {"a=1"}}}));
+    EXPECT_EQ(files.read(OdbcFiles::kSystem), system);
+}
+
+TEST_F(ConfigurationTest, SystemDataSourcesAreNotTheUsers) {
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nmine=D\n");
+    files.write(OdbcFiles::kSystem, "[ODBC Data Sources]\ntheirs=D\n");
+    EXPECT_EQ(keys(installer::kDataSourceList).names, Names{"mine"});
+    EXPECT_EQ(value(installer::kDataSourceList, "theirs"), "");
+    SQLSetConfigMode(ODBC_BOTH_DSN);  // as a driver's setup may do
+    restart();
+    EXPECT_EQ(keys(installer::kDataSourceList).names, Names{"mine"});
+}
+
+TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
+    EXPECT_EQ(installer::listDrivers().names, Names());
+    files.write(OdbcFiles::kDrivers, "[b]\nDriver=x\n[ODBC]\nTrace=0\n[A]\nDriver=y\n[Empty]\n");
+    installer::forgetCachedValues();
+    EXPECT_EQ(installer::listDrivers().names, (Names{"b", "A", "Empty"}));
+    // More than the 16-bit length can tell: what fits is whole.
+    std::string file;
+    for (int i = 10000; i < 18000; ++i) {
+        file += "[driver " + std::to_string(i) + "]\nDriver=x\n";
+    }
+    files.write(OdbcFiles::kDrivers, file);
+    installer::forgetCachedValues();
+    const Names drivers = installer::listDrivers().names;
+    ASSERT_GT(drivers.size(), 5000U);
+    for (std::size_t i = 0; i < drivers.size(); ++i) {
+        EXPECT_EQ(drivers[i], "driver " + std::to_string(10000 + i));
+    }
+}
+
+TEST_F(ConfigurationTest, WritingKeepsOneLineForAKeyWhateverItsCase) {
+    files.write(OdbcFiles::kUser, "[S]\nDriver=X\nb=1\n");
+    EXPECT_TRUE(installer::writeValue("S", "DRIVER", "{X}", installer::kDataSourceFile));
+    EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"S", {"DRIVER={X}", "b=1"}}}));
+    EXPECT_TRUE(installer::writeValue("S", "driver", nullptr, installer::kDataSourceFile));
+    EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"S", {"b=1"}}}));
+    EXPECT_TRUE(installer::sameName("PoRt", "port"));
+    EXPECT_FALSE(installer::sameName("port", "ports"));
+}
+
+TEST_F(ConfigurationTest, AttributeListsReadBackAsTheyWereMade) {
+    const std::string list = installer::attributeList({{"DSN", "a b"}, {"Empty", ""}, {"Eq", "x=y"}});
+    EXPECT_EQ(list, "DSN=a b\0Empty=\0Eq=x=y\0\0"s);
+    EXPECT_EQ(installer::attributeList(installer::parseAttributeList(list.c_str())), list);
+    EXPECT_EQ(installer::parseAttributeList("no value\0a=1\0").size(), 1U);
+    EXPECT_TRUE(installer::parseAttributeList("").empty());
+    EXPECT_TRUE(installer::parseAttributeList(nullptr).empty());
+}
+
+}  // namespace
