@@ -97,7 +97,12 @@ NameList listDrivers() {
             return {};
         }
         if (isComplete(length, size) || size == kLargest) {
-            return {length, splitNames(std::string_view(buffer).substr(0, length))};
+            NameList drivers{length, splitNames(std::string_view(buffer).substr(0, length))};
+            // A list that fills the buffer was cut, within its last name as likely as not.
+            if (length == size && !drivers.names.empty()) {
+                drivers.names.pop_back();
+            }
+            return drivers;
         }
     }
 }
