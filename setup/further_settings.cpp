@@ -45,7 +45,11 @@ FurtherSettings::FurtherSettings(Widget parent, const Settings& settings) {
     label_ = createLabel(parent, "LblFurtherSettings", setupText(SetupMessage::kFurtherSettings));
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
     ArgumentList arguments;
-    arguments.set(XmNeditMode, XmMULTI_LINE_EDIT).set(XmNrows, kRows).set(XmNcolumns, kColumns);
+    arguments.set(XmNeditMode, XmMULTI_LINE_EDIT)
+        .set(XmNrows, kRows)
+        .set(XmNcolumns, kColumns)
+        .set(XmNscrollHorizontal, False)
+        .set(XmNwordWrap, True);
     static char name[] = "TxtFurtherSettings";
     text_ = XmCreateScrolledText(parent, name, arguments.data(), arguments.size());
     if (text_ == nullptr) {
@@ -56,6 +60,8 @@ FurtherSettings::FurtherSettings(Widget parent, const Settings& settings) {
                            XtParseTranslationTable("Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()"));
     hideIdleCursor(text_);
     XtManageChild(text_);
+    // A scrolled window asks for no room of its own before it is seen.
+    XtVaSetValues(frame(), XmNheight, preferredHeight(text_), nullptr);
     hint_ = createLabel(parent, "LblFurtherSettingsHint", setupText(SetupMessage::kFurtherSettingsHint));
 
     std::string lines;

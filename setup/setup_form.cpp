@@ -160,6 +160,12 @@ void SetupForm::createRows() {
         std::erase_if(further, [this](const installer::Attribute& setting) { return hasRow(setting.key); });
         further_ = std::make_unique<FurtherSettings>(rowsForm_, further);
     }
+    // Rows come into sight as they are reached, so the scroll bars need no keyboard.
+    for (const char* which : {XmNverticalScrollBar, XmNhorizontalScrollBar}) {
+        Widget scrollBar = nullptr;
+        XtVaGetValues(scrolledWindow_, which, &scrollBar, nullptr);
+        XtVaSetValues(scrollBar, XmNtraversalOn, False, nullptr);
+    }
     XtAddCallback(scrolledWindow_, XmNtraverseObscuredCallback, hiddenFieldReached, this);
     XtAddEventHandler(scrolledWindow_, StructureNotifyMask, False, resized, this);
     scrollWithWheel(scrolledWindow_, rowsForm_);
@@ -216,8 +222,9 @@ void SetupForm::placeRows() {
     if (further_) {
         place(further_->label(), further_->frame(), above, 0, true);
         XtVaSetValues(further_->label(), XmNbottomAttachment, XmATTACH_NONE, nullptr);
-        Attach(further_->frame()).above(further_->hint(), 2);
-        Attach(further_->hint()).rightOf(further_->label(), kGap).bottomForm();
+        // In line with the fields above: in line with its own, it and its field would depend on each other.
+        XtVaSetValues(further_->hint(), XmNleftAttachment, XmATTACH_OPPOSITE_WIDGET, XmNleftWidget, above, nullptr);
+        Attach(further_->hint()).below(further_->frame(), 0);
     }
 }
 
@@ -249,6 +256,12 @@ void SetupForm::setSizes() {
         width += preferredWidth(scrollBar);
     }
     XtVaSetValues(rowsForm_, XmNresizePolicy, XmRESIZE_NONE, nullptr);
+    if (further_) {
+        // Only now that the form has been measured: the further settings take what the window has to spare.
+        XtVaSetValues(further_->hint(), XmNtopAttachment, XmATTACH_NONE, nullptr);
+        Attach(further_->hint()).bottomForm();
+        Attach(further_->frame()).bottomForm(preferredHeight(further_->hint()));
+    }
     XtVaSetValues(scrolledWindow_, XmNwidth, width + kFrame, XmNheight, height + kFrame, nullptr);
     XtVaSetValues(shell_, XmNminWidth, width + kFrame + 2 * kMargin, XmNminHeight,
                   around + std::min(rowsHeight_, kLeastRows), nullptr);
