@@ -1,0 +1,84 @@
+// What components say about themselves, and what they let others see.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sql.h>
+#include <sqlext.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "tests/support/odbc_files.h"
+#include "tests/support/program.h"
+
+namespace {
+
+struct LibraryCloser {
+    void operator()(void* handle) const { dlclose(handle); }
+};
+using Library = std::unique_ptr<void, LibraryCloser>;
+
+Library load(const char* path) {
+    Library library(dlopen(path, RTLD_NOW | RTLD_LOCAL));
+    EXPECT_NE(library, nullptr) << dlerror();
+    return library;
+}
+
+template <typename Text>
+std::basic_string<Text> answer(const Library& library, const char* question) {
+    const auto function = reinterpret_cast<const Text* (*)()>(dlsym(library.get(), question));
+    return function == nullptr ? std::basic_string<Text>() : std::basic_string<Text>(function());
+}
+
+// The version of SQLite that answers on a connection through the driver manager.
+std::string connectedVersion() {
+    const OdbcFiles files;
+    SQLHENV environment = nullptr;
+    SQLHDBC connection = nullptr;
+    SQLHSTMT statement = nullptr;
+    SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment);
+    SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+    SQLAllocHandle(SQL_HANDLE_DBC, environment, &connection);
+    std::string text = "DRIVER=" VH_TEST_SQLITE_DRIVER ";Database=" + files.path("test.db");
+    SQLCHAR version[100] = "(not connected)";
+    if (SQL_SUCCEEDED(SQLDriverConnect(connection, nullptr, reinterpret_cast<SQLCHAR*>(text.data()), SQL_NTS, nullptr,
+                                       0, nullptr, SQL_DRIVER_NOPROMPT))) {
+        SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement);
+        SQLCHAR query[] = "select sqlite_version()";
+        if (SQL_SUCCEEDED(SQLExecDirect(statement, query, SQL_NTS)) && SQL_SUCCEEDED(SQLFetch(statement))) {
+            SQLGetData(statement, 1, SQL_C_CHAR, version, sizeof version, nullptr);
+        }
+        SQLFreeHandle(SQL_HANDLE_STMT, statement);
+        SQLDisconnect(connection);
+    }
+    SQLFreeHandle(SQL_HANDLE_DBC, connection);
+    SQLFreeHandle(SQL_HANDLE_ENV, environment);
+    return reinterpret_cast<const char*>(version);
+}
+
+TEST(Components, TheSqliteDriverConnectsAndNamesTheSqliteThatAnswers) {
+    const std::string sqlite = connectedVersion();
+    ASSERT_EQ(sqlite.substr(0, 2), "3.");
+    const Library driver = load(VH_TEST_SQLITE_DRIVER);
+    const std::string version = "05.30.0002 (SQLite " + sqlite + ")";
+    EXPECT_EQ(answer<char>(driver, "getFileVersionString"), version);
+    EXPECT_EQ(answer<char16_t>(driver, "getFileVersionStringW"), std::u16string(version.begin(), version.end()));
+    EXPECT_EQ(answer<char>(driver, "getCompanyNameString"), "Varnholt Technologies");
+    EXPECT_NE(dlsym(driver.get(), "ODBCINSTGetProperties"), nullptr) << "the driver behind is not reached";
+}
+
+TEST(Components, WithoutSqliteTheVersionIsTheComponentsOwn) {
+    const Library component = load(VH_TEST_LONELY_COMPONENT);
+    EXPECT_EQ(answer<char>(component, "getFileVersionString"), "05.30.0002");
+}
+
+TEST(Components, NothingElseIsExported) {
+    const std::string identification = "getCompanyNameString getFileVersionString getFileVersionStringW ";
+    const auto exported = [](const char* library) {
+        return outputOf("nm -D --defined-only -j '" + std::string(library) + "' | LC_ALL=C sort | tr '\\n' ' '");
+    };
+    EXPECT_EQ(exported(VH_TEST_SQLITE_DRIVER), identification);
+    EXPECT_EQ(exported(VH_TEST_SETUP_LIBRARY), "ConfigDSN " + identification);
+}
+
+}  // namespace

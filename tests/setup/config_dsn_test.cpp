@@ -1,0 +1,296 @@
+// The setup library as any program calls it without a window.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <odbcinst.h>
+#include <sys/stat.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/odbc_files.h"
+
+namespace {
+
+using Items = std::vector<std::string>;
+
+constexpr const char* kTwo =
+    "[ODBC Data Sources]\nSales=Drv\nStock=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/s.db\nOdd Key=kept = so\nEmpty=\n\n"
+    "[Stock]\nDriver=/drv.so\nDatabase=/k.db\n\n[ODBC]\nTrace=0\n";
+// The same as read by summary().
+const std::string kSales = "Sales{Driver=Drv|Database=/s.db|Odd Key=kept = so|Empty=}";
+const std::string kStock = "Stock{Driver=/drv.so|Database=/k.db}";
+const std::string kListed = "ODBC Data Sources{Sales=Drv|Stock=Drv}";
+const std::string kTrace = "ODBC{Trace=0}";
+
+struct LibraryCloser {
+    void operator()(void* handle) const { dlclose(handle); }
+};
+
+class ConfigDsnTest : public testing::Test {
+protected:
+    ConfigDsnTest() : library_(dlopen(VH_TEST_SETUP_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
+        files.write(OdbcFiles::kDrivers, "[Drv]\nDriver=/drv.so\n\n[Other]\nDriver=/other.so\n");
+    }
+
+    // Calls ConfigDSN. The code of the installer error that it left, 0 for success.
+    unsigned int call(unsigned short request, const char* driver, const Items& attributes) {
+        const auto configDsn = reinterpret_cast<decltype(&ConfigDSN)>(dlsym(library_.get(), "ConfigDSN"));
+        if (configDsn == nullptr) {
+            ADD_FAILURE() << dlerror();
+            return 0;
+        }
+        std::string list;
+        for (const std::string& attribute : attributes) {
+            list += attribute + '\0';
+        }
+        list += '\0';
+        if (configDsn(nullptr, request, driver, attributes.empty() ? nullptr : list.c_str()) != 0) {
+            return 0;
+        }
+        char text[600] = "";
+        WORD length = 0;
+        DWORD code = 0;
+        EXPECT_EQ(SQLInstallerError(1, &code, text, sizeof text, &length), SQL_SUCCESS) << "no reason was posted";
+        errorText = text;
+        return code;
+    }
+    // "Section{line|line} Section{line}", in file order.
+    std::string summary() const {
+        std::string text;
+        for (const auto& [name, lines] : files.userSections()) {
+            text += (text.empty() ? "" : " ") + name + "{";
+            for (const std::string& line : lines) {
+                text += (text.back() == '{' ? "" : "|") + line;
+            }
+            text += "}";
+        }
+        return text;
+    }
+
+    OdbcFiles files;
+    ScopedEnvironment catalogs{{"VH_INSTALLDIR", VH_TEST_INSTALL_DIR}};
+    std::string errorText;
+
+private:
+    std::unique_ptr<void, LibraryCloser> library_;
+};
+
+TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
+    struct Case {
+        const char* about;
+        const char* before;
+        unsigned short request;
+        const char* driver;
+        Items attributes;
+        std::string after;
+    };
+    const Case kCases[] = {
+        {"the first of all",
+         "",
+         ODBC_ADD_DSN,
+         "Drv",
+         {"DSN=New", "Database=/n.db"},
+         "New{Driver=Drv|Database=/n.db} ODBC Data Sources{New=Drv}"},
+        {"one more",
+         kTwo,
+         ODBC_ADD_DSN,
+         "Other",
+         {"Server=h", "dsn= New "},
+         "ODBC Data Sources{Sales=Drv|Stock=Drv|New=Other} " + kSales + " " + kStock + " " + kTrace +
+             " New{Driver=Other|Server=h}"},
+        {"a driver and empty values among the attributes",
+         "",
+         ODBC_ADD_DSN,
+         "Drv",
+         {"DRIVER=/evil.so", "DSN=New", "A=", "B= b "},
+         "New{Driver=Drv|B=b} ODBC Data Sources{New=Drv}"},
+        {"the same key twice: the later one counts",
+         "",
+         ODBC_ADD_DSN,
+         "Drv",
+         {"DSN=New", "a=1", "A=2"},
+         "New{Driver=Drv|a=2} ODBC Data Sources{New=Drv}"},
+        {"an existing name is replaced",
+         kTwo,
+         ODBC_ADD_DSN,
+         "Other",
+         {"DSN=Sales", "Server=h", "Database=/s.db"},
+         "ODBC Data Sources{Sales=Other|Stock=Drv} Sales{Driver=Other|Database=/s.db|Server=h} " + kStock + " " +
+             kTrace},
+        {"configure keeps what is not named, whatever its spelling",
+         kTwo,
+         ODBC_CONFIG_DSN,
+         "Drv",
+         {"DSN=Sales", "DATABASE=/new.db", "Extra=1"},
+         kListed + " Sales{Driver=Drv|Database=/new.db|Odd Key=kept = so|Empty=|Extra=1} " + kStock + " " + kTrace},
+        {"an empty value deletes its key",
+         kTwo,
+         ODBC_CONFIG_DSN,
+         "Drv",
+         {"DSN=Sales", "Database=", "Empty="},
+         kListed + " Sales{Driver=Drv|Odd Key=kept = so|Empty=} " + kStock + " " + kTrace},
+        {"another driver",
+         kTwo,
+         ODBC_CONFIG_DSN,
+         "Other",
+         {"DSN=Stock"},
+         "ODBC Data Sources{Sales=Drv|Stock=Other} " + kSales + " Stock{Driver=Other|Database=/k.db} " + kTrace},
+        {"the same driver in another case is no other, and the driver's path stays",
+         kTwo,
+         ODBC_CONFIG_DSN,
+         "dRV",
+         {"DSN=Stock", "X=1"},
+         kListed + " " + kSales + " Stock{Driver=/drv.so|Database=/k.db|X=1} " + kTrace},
+        {"remove takes the section and the name",
+         kTwo,
+         ODBC_REMOVE_DSN,
+         nullptr,
+         {"DSN=Sales"},
+         "ODBC Data Sources{Stock=Drv} " + kStock + " " + kTrace},
+        {"remove what is listed without settings",
+         "[ODBC Data Sources]\nGhost=Drv\nB=Drv\n\n[B]\nDriver=Drv\n",
+         ODBC_REMOVE_DSN,
+         "Drv",
+         {"DSN=Ghost"},
+         "ODBC Data Sources{B=Drv} B{Driver=Drv}"},
+    };
+    for (const Case& test : kCases) {
+        SCOPED_TRACE(test.about);
+        files.write(OdbcFiles::kUser, test.before);
+        EXPECT_EQ(call(test.request, test.driver, test.attributes), 0U) << errorText;
+        EXPECT_EQ(summary(), test.after);
+    }
+}
+
+TEST_F(ConfigDsnTest, WhatCanNotBeDoneHasItsReasonAndLeavesTheFileAlone) {
+    struct Case {
+        const char* about;
+        unsigned short request;
+        const char* driver;
+        Items attributes;
+        unsigned int code;
+        const char* textPart;
+    };
+    const Case kCases[] = {
+        {"unknown request", 9, "Drv", {"DSN=Sales"}, ODBC_ERROR_INVALID_REQUEST_TYPE, "9"},
+        {"system request codes are not for drivers",
+         ODBC_ADD_SYS_DSN,
+         "Drv",
+         {"DSN=X"},
+         ODBC_ERROR_INVALID_REQUEST_TYPE,
+         "4"},
+        {"unknown driver", ODBC_ADD_DSN, "Nobody", {"DSN=X"}, ODBC_ERROR_INVALID_NAME, "Nobody"},
+        {"no driver", ODBC_ADD_DSN, nullptr, {"DSN=X"}, ODBC_ERROR_INVALID_NAME, ""},
+        {"no attributes", ODBC_ADD_DSN, "Drv", {}, ODBC_ERROR_INVALID_DSN, ""},
+        {"blank name", ODBC_ADD_DSN, "Drv", {"DSN=  "}, ODBC_ERROR_INVALID_DSN, ""},
+        {"forbidden character", ODBC_ADD_DSN, "Drv", {"DSN=a;b"}, ODBC_ERROR_INVALID_DSN, "a;b"},
+        {"33 characters", ODBC_ADD_DSN, "Drv", {"DSN=" + std::string(33, 'n')}, ODBC_ERROR_INVALID_DSN, "32"},
+        {"a name that would be a comment in the list", ODBC_ADD_DSN, "Drv", {"DSN=#1"}, ODBC_ERROR_INVALID_DSN, "#1"},
+        {"a section with a meaning", ODBC_ADD_DSN, "Drv", {"DSN=odbc"}, ODBC_ERROR_INVALID_DSN, "odbc"},
+        {"the list itself", ODBC_ADD_DSN, "Drv", {"DSN=ODBC Data Sources"}, ODBC_ERROR_INVALID_DSN, "section"},
+        {"configure nobody", ODBC_CONFIG_DSN, "Drv", {"DSN=Nobody", "A=1"}, ODBC_ERROR_INVALID_DSN, "Nobody"},
+        {"configure without a name", ODBC_CONFIG_DSN, "Drv", {"A=1"}, ODBC_ERROR_INVALID_DSN, ""},
+        {"remove nobody", ODBC_REMOVE_DSN, "Drv", {"DSN=Nobody"}, ODBC_ERROR_INVALID_DSN, "Nobody"},
+        {"no equals sign", ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "Trash"}, ODBC_ERROR_INVALID_KEYWORD_VALUE, ""},
+        {"no key", ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "=1"}, ODBC_ERROR_INVALID_KEYWORD_VALUE, ""},
+        {"a key that would be a comment",
+         ODBC_CONFIG_DSN,
+         "Drv",
+         {"DSN=Sales", "B=2", "#A=1"},
+         ODBC_ERROR_INVALID_KEYWORD_VALUE,
+         "#A"},
+        {"a key that would be a section",
+         ODBC_CONFIG_DSN,
+         "Drv",
+         {"DSN=Sales", "[A]=1"},
+         ODBC_ERROR_INVALID_KEYWORD_VALUE,
+         "[A]"},
+        {"line break",
+         ODBC_CONFIG_DSN,
+         "Drv",
+         {"DSN=Sales", "B=2", "A=1\nTrace=1"},
+         ODBC_ERROR_INVALID_KEYWORD_VALUE,
+         "\"A\""},
+        {"too long",
+         ODBC_CONFIG_DSN,
+         "Drv",
+         {"DSN=Sales", "Key=" + std::string(996, 'v')},
+         ODBC_ERROR_INVALID_KEYWORD_VALUE,
+         "\"Key\""},
+    };
+    for (const Case& test : kCases) {
+        SCOPED_TRACE(test.about);
+        files.write(OdbcFiles::kUser, kTwo);
+        EXPECT_EQ(call(test.request, test.driver, test.attributes), test.code);
+        EXPECT_NE(errorText.find(test.textPart), std::string::npos) << errorText;
+        EXPECT_EQ(files.read(OdbcFiles::kUser), kTwo);
+    }
+}
+
+TEST_F(ConfigDsnTest, TheLongestValueThatIsAcceptedIsStoredWhole) {
+    const std::string value(995, 'v');
+    EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", {"DSN=New", "Key=" + value, "Z=1"}), 0U);
+    EXPECT_EQ(summary(), "New{Driver=Drv|Key=" + value + "|Z=1} ODBC Data Sources{New=Drv}");
+    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=New", "Z=2"}), 0U);
+    EXPECT_EQ(summary(), "New{Driver=Drv|Key=" + value + "|Z=2} ODBC Data Sources{New=Drv}");
+}
+
+TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
+    // A comment and odd spacing, which any write would drop; a name that could not be given today.
+    const std::string longName(40, 'n');
+    const std::string text =
+        "# mine\n[ODBC Data Sources]\n" + longName + " = Drv\n[" + longName + "]\nDriver = Drv\nA = 1\n";
+    files.write(OdbcFiles::kUser, text);
+    struct stat before {};
+    stat(files.path(OdbcFiles::kUser).c_str(), &before);
+    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=" + longName, "Driver=Drv", "a=1", "B="}), 0U) << errorText;
+    struct stat after {};
+    stat(files.path(OdbcFiles::kUser).c_str(), &after);
+    EXPECT_EQ(files.read(OdbcFiles::kUser), text);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_EQ(before.st_mtim.tv_nsec, after.st_mtim.tv_nsec);
+}
+
+TEST_F(ConfigDsnTest, OtherProgramsEditsAreSeen) {
+    files.write(OdbcFiles::kUser, kTwo);
+    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nSales=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/edited.db\n");
+    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
+    EXPECT_EQ(summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
+}
+
+TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
+    struct Case {
+        UWORD mode;
+        const char* file;
+        const char* otherFile;
+    };
+    const Case kCases[] = {{ODBC_BOTH_DSN, OdbcFiles::kUser, OdbcFiles::kSystem},
+                           {ODBC_USER_DSN, OdbcFiles::kUser, OdbcFiles::kSystem},
+                           {ODBC_SYSTEM_DSN, OdbcFiles::kSystem, OdbcFiles::kUser}};
+    for (const Case& test : kCases) {
+        SCOPED_TRACE(test.mode);
+        files.write(OdbcFiles::kUser, "");
+        files.write(OdbcFiles::kSystem, "");
+        SQLSetConfigMode(test.mode);
+        EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", {"DSN=New"}), 0U);
+        UWORD mode = 99;
+        SQLGetConfigMode(&mode);
+        EXPECT_EQ(mode, test.mode);
+        EXPECT_TRUE(files.read(test.file).starts_with("[New]
+Driver=Drv
+"));
+        EXPECT_EQ(files.read(test.otherFile), "");
+    }
+    SQLSetConfigMode(ODBC_BOTH_DSN);
+}
+
+TEST_F(ConfigDsnTest, AFileThatCanNotBeWrittenIsAFailure) {
+    files.write("plain", "");
+    const ScopedEnvironment unwritable{{"ODBCINI", files.path("plain/odbc.ini")}};
+    EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", {"DSN=New"}), unsigned{ODBC_ERROR_REQUEST_FAILED});
+    EXPECT_NE(errorText.find("New"), std::string::npos) << errorText;
+}
+
+}  // namespace
