@@ -278,9 +278,7 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
         UWORD mode = 99;
         SQLGetConfigMode(&mode);
         EXPECT_EQ(mode, test.mode);
-        EXPECT_TRUE(files.read(test.file).starts_with("[New]
-Driver=Drv
-"));
+        EXPECT_TRUE(files.read(test.file).starts_with("[New]\nDriver=Drv\n"));
         EXPECT_EQ(files.read(test.otherFile), "");
     }
     SQLSetConfigMode(ODBC_BOTH_DSN);
