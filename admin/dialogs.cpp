@@ -16,10 +16,15 @@ Widget createReport(unsigned long kind, Message::Number text) {
     return Mdialog;
 }
 
-void showReport(unsigned long kind, Message::Number text) {
-    if (createReport(kind, text) != nullptr) {
-        XtManageChild(Mdialog);
+// A box that is raised while the window is being built waits for it: the window would come up over it.
+void show(Widget box) {
+    if (box != nullptr && XtIsRealized(ShODBCAdmin)) {
+        XtManageChild(box);
     }
+}
+
+void showReport(unsigned long kind, Message::Number text) {
+    show(createReport(kind, text));
 }
 
 }  // namespace
@@ -27,6 +32,10 @@ void showReport(unsigned long kind, Message::Number text) {
 Widget createMessageDialogAdmin(short kind, const char* message, const char* okLabel, const char* cancelLabel,
                                 const char* title) {
     return createMessageDialog(ShODBCAdmin, static_cast<unsigned short>(kind), message, okLabel, cancelLabel, title);
+}
+
+void showWaitingReport() {
+    show(Mdialog);
 }
 
 void showInformation(Message::Number text) {
@@ -66,7 +75,7 @@ void showODBCINSTError() {
 void showODBCINIError() {
     if (createReport(kErrorDialog, Message::kDataSourceFileUnreadable) != nullptr) {
         XtAddCallback(Mdialog, XmNokCallback, btnCancel_activate, nullptr);
-        XtManageChild(Mdialog);
+        show(Mdialog);
     }
 }
 

@@ -16,6 +16,9 @@ Widget createMessageDialogAdmin(short kind, const char* message, const char* okL
 void showInformation(Message::Number text);
 void showError(Message::Number text);
 
+// Shows the report that was raised last while the main window was being built; it waited for the window to be there.
+void showWaitingReport();
+
 // Shows a question, titled as the program, and keeps it in `Mdialog`. `accepted` is called with `clientData` when the
 // person agrees; `discarded`, when not null, is called with it once the question is gone, answered or replaced, so that it
 // can free `clientData`.

@@ -185,8 +185,10 @@ void DriversPopupEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer 
     }
 }
 
-void DPDriver_doubleClick(Widget /*list*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    finish(nullptr, nullptr);
+void DPDriver_doubleClick(Widget /*list*/, XtPointer /*clientData*/, XtPointer callData) {
+    if (isDoubleClick(callData)) {
+        finish(nullptr, nullptr);
+    }
 }
 
 void synchonizeScrollDP(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {

@@ -103,6 +103,11 @@ void selectSameRow(Widget source, const std::vector<Widget>& lists) {
     }
 }
 
+bool isDoubleClick(XtPointer callData) {
+    const auto* action = static_cast<const XmListCallbackStruct*>(callData);
+    return action == nullptr || action->event == nullptr || action->event->type != KeyPress;
+}
+
 void deleteRow(Widget list, int position) {
     XmListDeletePos(list, position);
     int count = 0;

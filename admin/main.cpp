@@ -50,6 +50,7 @@ int main(int argc, char** argv) {
     create_shODBCAdmin(display, argv[0], argc, argv);
     create_FileDsnWizard();
     XtRealizeWidget(ShODBCAdmin);
+    showWaitingReport();
     if (textsMissing) {
         showMissingCatalog();
     }

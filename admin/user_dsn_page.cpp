@@ -232,7 +232,9 @@ void btnConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer
 }
 
 void UDSN_doubleClick(Widget widget, XtPointer clientData, XtPointer callData) {
-    btnConfigure_Clicked(widget, clientData, callData);
+    if (isDoubleClick(callData)) {
+        btnConfigure_Clicked(widget, clientData, callData);
+    }
 }
 
 void lstUName_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
