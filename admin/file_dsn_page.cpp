@@ -44,6 +44,8 @@ Widget createFileSelection(Widget parent) {
             XtUnmanageChild(child);
         }
     }
+    // Else Return anywhere in the window presses the box's OK, out of sight as it is, and not the window's.
+    XtVaSetValues(box, XmNdefaultButton, nullptr, nullptr);
     XtManageChild(box);
     return box;
 }
