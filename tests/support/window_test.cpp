@@ -10,6 +10,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "admin/dialogs.h"
 #include "admin/driver_chooser.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
@@ -98,6 +99,7 @@ void WindowTest::open() {
     create_shODBCAdmin(display, ProgramName, 1, Arguments);
     create_FileDsnWizard();
     XtRealizeWidget(ShODBCAdmin);
+    showWaitingReport();
     ASSERT_TRUE(waitFor([] { return isVisible(ShODBCAdmin); }));
     settle();
 }

@@ -54,7 +54,7 @@ public:
 
     // The windows on screen with this title: dialogs (that belong to another window) or main windows.
     std::vector<Window> windows(const std::string& title, bool dialogs);
-    // The visible windows without children inside of `window`, from top to bottom, from left to right.
+    // The windows without children inside of `window` that a click would reach, from top to bottom, from left to right.
     std::vector<Place> parts(Window window);
     bool isVisible(Window window);
     bool hasFocus(Window window);
@@ -63,6 +63,7 @@ public:
 private:
     void press(unsigned int code, bool down);
     std::vector<Window> children(Window window);
+    Window windowAt(int x, int y);
 
     Display* display_;
     std::chrono::steady_clock::time_point lastClick_{};

@@ -1,0 +1,235 @@
+// The installed program, used as a person uses it, and looked at from outside.
+#include "tests/support/x_display.h"
+
+#include <X11/keysym.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "tests/support/odbc_files.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+constexpr const char* kTitle = "Varnholt ODBC Administrator";
+constexpr unsigned int kTestSeconds = 90;
+
+class ProgramEnvironment : public testing::Environment {
+public:
+    void SetUp() override {
+        stage = std::make_unique<TemporaryFolder>();
+        outputOf("cmake --install " VH_TEST_BUILD " --prefix " + stage->path());
+        server_ = std::make_unique<XServer>();
+        person = std::make_unique<XPerson>();
+    }
+    void TearDown() override {
+        person.reset();
+        server_.reset();
+        stage.reset();
+    }
+    static inline std::unique_ptr<TemporaryFolder> stage;
+    static inline std::unique_ptr<XPerson> person;
+
+private:
+    std::unique_ptr<XServer> server_;
+};
+[[maybe_unused]] const auto* const Registered = testing::AddGlobalTestEnvironment(new ProgramEnvironment);
+
+class ProgramTest : public testing::Test {
+protected:
+    void SetUp() override {
+        alarm(kTestSeconds);
+        files.write(OdbcFiles::kDrivers, "[Varnholt SQLite]\nDriver=" + stage("lib/vhsqlite23.so") +
+                                             "\nSetup=" + stage("lib/vhsetup23.so") + "\n");
+    }
+    void TearDown() override { alarm(0); }
+
+    static XPerson& person() { return *ProgramEnvironment::person; }
+    static std::string stage(const std::string& name) { return ProgramEnvironment::stage->path(name); }
+
+    // Starts the program and waits for its window, or for the dialog over it.
+    void start(const std::string& title = kTitle, bool dialog = false) {
+        program = std::make_unique<Program>(std::vector<std::string>{stage("bin/odbcadmin")}, files.path("output"));
+        window = waitFor(title, dialog);
+    }
+    // Waits until the only window, or dialog, with this title has the keyboard.
+    static Window waitFor(const std::string& title, bool dialog) {
+        std::vector<Window> found;
+        EXPECT_TRUE(waitUntil([&] {
+            found = person().windows(title, dialog);
+            return found.size() == 1 && person().hasFocus(found.front());
+        })) << title;
+        return found.empty() ? None : found.front();
+    }
+    static void waitUntilGone(const std::string& title, bool dialog) {
+        EXPECT_TRUE(waitUntil([&] { return person().windows(title, dialog).empty(); })) << title;
+    }
+    // The buttons of the window stand in a row at its bottom; those of the page in front in a column that ends where the
+    // text above that row ends.
+    enum Button { kOk, kCancel, kAdd = 10, kRemove, kConfigure };
+    void press(Button button) {
+        std::vector<Place> parts = person().parts(window);
+        ASSERT_GT(parts.size(), 5U);
+        const auto row =
+            std::find_if(parts.begin(), parts.end(), [&](const Place& part) { return part.y == parts.back().y; });
+        if (button < kAdd) {
+            person().click(row[button]);
+            return;
+        }
+        const int edge = row[-1].x + row[-1].width;
+        std::vector<Place> column;
+        std::copy_if(parts.begin(), row - 1, std::back_inserter(column),
+                     [&](const Place& part) { return part.x + part.width == edge; });
+        ASSERT_EQ(column.size(), 3U);
+        person().click(column[static_cast<std::size_t>(button - kAdd)]);
+    }
+    void expectEnd(int status) { EXPECT_EQ(program->exitStatus(), status); }
+
+    OdbcFiles files;
+    ScopedEnvironment environment{{"VH_INSTALLDIR", {}}, {"KVLIB", {}},       {"ODBCINST", {}},    {"LC_ALL", {}},
+                                  {"LC_MESSAGES", {}},   {"LANG", "C.UTF-8"}, {"XENVIRONMENT", {}}};
+    std::unique_ptr<Program> program;
+    Window window = None;
+};
+
+TEST_F(ProgramTest, WithoutADisplayItSaysSo) {
+    const ScopedEnvironment noDisplay{{"DISPLAY", {}}};
+    program = std::make_unique<Program>(std::vector<std::string>{stage("bin/odbcadmin")}, files.path("output"));
+    expectEnd(255);
+    EXPECT_EQ(files.read("output"), "Unable to open display\n");
+}
+
+TEST_F(ProgramTest, EveryWayOutEndsItInOrder) {
+    const auto returnInAList = [this] {
+        const std::vector<Place> parts = person().parts(window);
+        person().click(*std::max_element(parts.begin(), parts.end(), [](const Place& a, const Place& b) {
+            return a.width * a.height < b.width * b.height;
+        }));
+        person().key(XK_Return);
+    };
+    const std::function<void()> ways[] = {[this] { press(kOk); },          [this] { press(kCancel); },
+                                          [] { person().key(XK_Return); }, returnInAList,
+                                          [] { person().key(XK_Escape); }, [] { person().key(XK_F4, XK_Alt_L); }};
+    const std::string before = "[ODBC Data Sources]\nabc=Varnholt SQLite\n[abc]\nDatabase=/tmp/x\n";
+    files.write(OdbcFiles::kUser, before);
+    for (const auto& leave : ways) {
+        start();
+        leave();
+        expectEnd(0);
+        EXPECT_EQ(files.read("output"), "");
+        EXPECT_EQ(files.read(OdbcFiles::kUser), before);
+    }
+}
+
+TEST_F(ProgramTest, AMissingCatalogIsToldOverAWindowOfNumbers) {
+    const ScopedEnvironment nowhere{{"VH_INSTALLDIR", "/nowhere"}};
+    start(kTitle, true);
+    EXPECT_EQ(person().windows("9002", false).size(), 1U);
+    person().key(XK_Return);
+    expectEnd(0);
+}
+
+TEST_F(ProgramTest, AnUnreadableListOfDataSourcesEndsIt) {
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nno driver=\n");
+    start(kTitle, true);
+    EXPECT_EQ(person().windows(kTitle, false).size(), 1U);
+    EXPECT_TRUE(program->isRunning());
+    person().key(XK_Return);
+    expectEnd(0);
+}
+
+TEST_F(ProgramTest, OfSeveralErrorsAtTheStartTheLastIsSeen) {
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nno driver=\n");
+    files.write(OdbcFiles::kDrivers, "");
+    start(kTitle, true);
+    // That the drivers can not be read does not end the program.
+    person().key(XK_Return);
+    waitUntilGone(kTitle, true);
+    window = waitFor(kTitle, false);
+    person().key(XK_Escape);
+    expectEnd(0);
+}
+
+TEST_F(ProgramTest, ResourcesOfItsNameApply) {
+    const ScopedEnvironment resources{{"XENVIRONMENT", files.write("resources", "odbcadmin*background: #123456\n")}};
+    start();
+    EXPECT_TRUE(waitUntil([this] { return person().pixel(window, 3, 3) == 0x123456; }));
+}
+
+TEST_F(ProgramTest, ItExportsTwoFunctions) {
+    EXPECT_EQ(outputOf("nm -D --defined-only " + stage("libexec/odbcadmin") +
+                       " | cut -d' ' -f3 | grep -vx '_XmStrings\\|__bss_start\\|_edata\\|_end' | sort"),
+              "exitDriverConfig\ngetFileVersionString\n");
+}
+
+TEST_F(ProgramTest, ADataSourceIsAddedConfiguredUsedAndRemoved) {
+    const std::string other =
+        "[ODBC Data Sources]\nother=Varnholt SQLite\n\n[other]\nDriver=Varnholt SQLite\n"
+        "Description=stays\nDatabase=/tmp/other.db\n\n[ODBC]\nTrace=0\n";
+    files.write(OdbcFiles::kUser, other);
+    const OdbcFiles::Sections before = files.userSections();
+    const std::string setupTitle = "Varnholt SQLite Data Source";
+    const std::string database = files.path("books.db");
+    const auto ask = [](const std::string& query) { return outputOf("echo \"" + query + "\" | isql -b books"); };
+    start();
+
+    press(kAdd);
+    waitFor("Create a New Data Source", true);
+    person().key(XK_space);
+    person().key(XK_Return);
+    waitFor(setupTitle, true);
+    person().type("books");
+    person().key(XK_Tab);
+    person().type("My books");
+    person().key(XK_Tab);
+    person().type(database);
+    person().key(XK_Return);
+    waitUntilGone(setupTitle, true);
+    const OdbcFiles::Sections added = files.userSections();
+    OdbcFiles::Sections expected = before;
+    expected.front().second.push_back("books=Varnholt SQLite");
+    expected.push_back({"books", added.back().second});
+    EXPECT_EQ(added, expected);
+    const auto stored = [&](const std::string& line) {
+        return std::count(expected.back().second.begin(), expected.back().second.end(), line) == 1;
+    };
+    EXPECT_TRUE(stored("Driver=Varnholt SQLite") && stored("Description=My books") && stored("Database=" + database));
+    ask("create table book (title text)");
+    ask("insert into book values ('Knots')");
+    EXPECT_NE(ask("select title from book").find("Knots"), std::string::npos) << ask("select title from book");
+
+    // The new one is the first in the list, where the selection was.
+    window = waitFor(kTitle, false);
+    press(kConfigure);
+    waitFor(setupTitle, true);
+    person().key(XK_Tab);
+    person().key(XK_End);
+    person().type(" at home");
+    person().key(XK_Return);
+    waitUntilGone(setupTitle, true);
+    std::replace(expected.back().second.begin(), expected.back().second.end(), "Description=My books"s,
+                 "Description=My books at home"s);
+    EXPECT_EQ(files.userSections(), expected);
+
+    window = waitFor(kTitle, false);
+    press(kConfigure);
+    waitFor(setupTitle, true);
+    person().key(XK_Escape);
+    waitUntilGone(setupTitle, true);
+    EXPECT_EQ(files.userSections(), expected);
+
+    window = waitFor(kTitle, false);
+    press(kRemove);
+    waitFor(kTitle, true);
+    person().key(XK_Return);
+    waitUntilGone(kTitle, true);
+    EXPECT_EQ(files.userSections(), before);
+    EXPECT_EQ(ask("select title from book").find("Knots"), std::string::npos);
+    window = waitFor(kTitle, false);
+    press(kOk);
+    expectEnd(0);
+}
+
+}  // namespace
