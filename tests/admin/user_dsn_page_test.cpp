@@ -186,23 +186,25 @@ TEST_F(UserDsnPageTest, RemoveAsksAndThenTakesTheDataSourceOutOfBothPlaces) {
 
 TEST_F(UserDsnPageTest, ConfigureHandsEveryKeyToTheDriver) {
     files.write(OdbcFiles::kSystem, "[ODBC Data Sources]\nOf the system=Recorder\n[Of the system]\nDriver=Recorder\n");
+    files.write(OdbcFiles::kDrivers, "[Recorder]\nSetup=" VH_TEST_SETUP "\n[Second]\nSetup=" VH_TEST_SETUP "\n");
     openWith(kThree);
     const std::string first = call(2, "Recorder", "DSN=abc\0Driver=Recorder\0Database=/x y=z;1\0Empty=\0\0"s);
     clickRow(LstUName, 1);
     click(BtnConfigure);
     EXPECT_EQ(calls(), first);
-    // The driver left the library looking at the system's data sources too.
-    EXPECT_EQ(rows(LstUName), (Rows{"abc", "ABD", "Zone"}));
     clickRow(LstUDesc, 3, 2);
     EXPECT_EQ(calls(), call(2, "Recorder", "DSN=Zone\0Driver=Recorder\0\0"s));
-    // Another program changed a value that was read a moment ago.
-    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nabc=Recorder\n[abc]\nDriver=Recorder\nDatabase=new\n");
+    // Another program changed what was read a moment ago.
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nabc=Second\n[abc]\nDriver=Second\nDatabase=new\n");
     clickRow(LstUName, 1, 2);
-    EXPECT_EQ(calls(), call(2, "Recorder", "DSN=abc\0Driver=Recorder\0Database=new\0\0"s));
+    EXPECT_EQ(calls(), call(2, "Second", "DSN=abc\0Driver=Second\0Database=new\0\0"s));
     EXPECT_EQ(rows(LstUName), Rows{"abc"});
     EXPECT_EQ(dialog, nullptr);
+    // The driver left the library looking at the system's data sources too, which show when the user has none.
     click(BtnRemove);
     answer("OK");
+    files.write(OdbcFiles::kUser, "[ODBC]\nTrace=0\n");
+    populateUserDSN(LstUName, LstUDesc);
     EXPECT_EQ(rows(LstUName), Rows());
 }
 

@@ -97,13 +97,15 @@ TEST_F(ConfigurationTest, RemovalTakesTheNameOutOfTheListToo) {
 }
 
 TEST_F(ConfigurationTest, SystemDataSourcesAreNotTheUsers) {
-    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nmine=D\n");
-    files.write(OdbcFiles::kSystem, "[ODBC Data Sources]\ntheirs=D\n");
-    EXPECT_EQ(keys(installer::kDataSourceList).names, Names{"mine"});
-    EXPECT_EQ(value(installer::kDataSourceList, "theirs"), "");
-    SQLSetConfigMode(ODBC_BOTH_DSN);  // as a driver's setup may do
-    restart();
-    EXPECT_EQ(keys(installer::kDataSourceList).names, Names{"mine"});
+    files.write(OdbcFiles::kSystem, "[ODBC Data Sources]\ntheirs=D\n[theirs]\na=1\n");
+    // They would show while the user has none.
+    for (const std::string own : {"", "[ODBC Data Sources]\nmine=D\n"}) {
+        files.write(OdbcFiles::kUser, own + "[ODBC]\nTrace=0\n");
+        SQLSetConfigMode(ODBC_BOTH_DSN);  // as a driver's setup may do
+        restart();
+        EXPECT_EQ(keys(installer::kDataSourceList).names, own.empty() ? Names{} : Names{"mine"});
+        EXPECT_EQ(value("theirs", "a"), "");
+    }
 }
 
 TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
