@@ -180,6 +180,8 @@ TEST_F(UserDsnPageTest, RemoveAsksAndThenTakesTheDataSourceOutOfBothPlaces) {
     EXPECT_EQ(rows(LstUDesc), Rows());
     EXPECT_EQ(files.userSections(),
               (OdbcFiles::Sections{{"ODBC Data Sources", {}}, {"ODBC", {"Trace=0", "InstallDir=/opt/a b"}}}));
+    EXPECT_EQ(placeOf(LblName).width, placeOf(LstUName).width);
+    EXPECT_EQ(placeOf(LblDriver).width, placeOf(LstUDesc).width);
     click(BtnRemove);
     expectReport(Message::kRemoveSelectOne);
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <stdexcept>
 
 #include "tests/support/odbc_files.h"
 
@@ -20,7 +21,10 @@ class ProgramEnvironment : public testing::Environment {
 public:
     void SetUp() override {
         stage = std::make_unique<TemporaryFolder>();
-        outputOf("cmake --install " VH_TEST_BUILD " --prefix " + stage->path());
+        const std::string installed = outputOf("cmake --install " VH_TEST_BUILD " --prefix " + stage->path());
+        if (access(stage->path("bin/odbcadmin").c_str(), X_OK) != 0) {
+            throw std::runtime_error(installed);
+        }
         server_ = std::make_unique<XServer>();
         person = std::make_unique<XPerson>();
     }
