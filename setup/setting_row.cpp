@@ -1,10 +1,6 @@
 #include "setup/setting_row.h"
 
 #include <Xm/ComboBox.h>
-#include <Xm/Label.h>
-#include <Xm/List.h>
-#include <Xm/PushBG.h>
-#include <Xm/RowColumn.h>
 #include <Xm/TextF.h>
 
 #include <algorithm>
@@ -23,7 +19,7 @@
 namespace {
 
 constexpr short kTextColumns = 36;
-constexpr short kComboColumns = 16;
+constexpr short kChoiceColumns = 16;
 constexpr int kMostVisibleChoices = 10;
 
 // A name that resource files can refer to: dots and blanks have a meaning there.
@@ -108,44 +104,43 @@ private:
     std::string value_;
 };
 
-// A field with a list of choices below it.
-class ComboRow : public SettingRow {
+// A field with a list of choices that drops down from it. Both kinds of choice rows are made of it: an option menu would do
+// for one, but takes no keys over a modal dialog.
+class ChoiceRow : public SettingRow {
 public:
-    ComboRow(Widget parent, const DriverProperty& property, const std::string& value)
-        : SettingRow(parent, property.key) {
+    bool isStretched() const override { return false; }
+    Widget focus() const override { return text_; }
+
+protected:
+    // `type` is XmDROP_DOWN_COMBO_BOX, whose field can be typed into, or XmDROP_DOWN_LIST.
+    ChoiceRow(Widget parent, const std::string& key, unsigned char type, const std::vector<std::string>& choices)
+        : SettingRow(parent, key) {
         std::vector<XmStringPtr> owned;
         std::vector<XmString> items;
-        for (const std::string& choice : property.choices) {
+        for (const std::string& choice : choices) {
             owned.push_back(compoundString(choice));
             items.push_back(owned.back().get());
         }
         const int count = static_cast<int>(items.size());
         ArgumentList arguments;
-        arguments.set(XmNcomboBoxType, XmDROP_DOWN_COMBO_BOX)
+        arguments.set(XmNcomboBoxType, type)
             .set(XmNitems, items.data())
             .set(XmNitemCount, count)
             .set(XmNvisibleItemCount, std::min(count, kMostVisibleChoices))
-            .set(XmNcolumns, kComboColumns)
-            .set(XmNpositionMode, XmONE_BASED);
-        field_ = XmCreateComboBox(parent, widgetName("Opt", property.key).data(), arguments.data(), arguments.size());
+            .set(XmNcolumns, kChoiceColumns)
+            .set(XmNpositionMode, XmONE_BASED)
+            .set(XmNmatchBehavior, type == XmDROP_DOWN_LIST ? int{XmQUICK_NAVIGATE} : int{XmNONE});
+        field_ = XmCreateComboBox(parent, widgetName("Opt", key).data(), arguments.data(), arguments.size());
         if (field_ == nullptr) {
             throw std::bad_alloc();
         }
         XtVaGetValues(field_, XmNtextField, &text_, nullptr);
         removeFrame();
         XtManageChild(field_);
-        XmTextFieldSetString(text_, const_cast<char*>(value.c_str()));
         hideIdleCursor(text_);
-        // An empty field says nothing of what the driver does then.
-        if (!property.defaultValue.empty()) {
-            hint_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
-                                setupText(SetupMessage::kDefaultHint, property.defaultValue));
-        }
-        filled();
     }
-    bool isStretched() const override { return false; }
-    Widget focus() const override { return text_; }
-    std::string value() const override { return trimmed(fieldText(text_)); }
+
+    Widget text_ = nullptr;
 
 private:
     // The frames of text and list are enough. The box hands whatever it is given on to them, so they get theirs back.
@@ -166,77 +161,64 @@ private:
         XtVaGetValues(field_, XmNhighlightThickness, &highlight, nullptr);
         XtVaSetValues(field_, XmNheight, preferredHeight(text_) + 2 * highlight, nullptr);
     }
-
-    Widget text_ = nullptr;
 };
 
-// An option menu. Its first entry leaves the setting to the driver, and a stored value that the driver does not offer is one
-// more entry, so that it is not lost.
-class MenuRow : public SettingRow {
+// Text, with choices to pick from.
+class ComboRow : public ChoiceRow {
 public:
-    MenuRow(Widget parent, const DriverProperty& property, const std::string& value)
-        : SettingRow(parent, property.key), values_{""} {
-        values_.insert(values_.end(), property.choices.begin(), property.choices.end());
-        auto selected = std::find_if(values_.begin(), values_.end(), [&value](const std::string& choice) {
-            return installer::sameName(choice, value);
-        });
-        if (selected == values_.end()) {
-            selected = values_.insert(values_.end(), value);
+    ComboRow(Widget parent, const DriverProperty& property, const std::string& value)
+        : ChoiceRow(parent, property.key, XmDROP_DOWN_COMBO_BOX, property.choices) {
+        XmTextFieldSetString(text_, const_cast<char*>(value.c_str()));
+        // An empty field says nothing of what the driver does then.
+        if (!property.defaultValue.empty()) {
+            hint_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
+                                setupText(SetupMessage::kDefaultHint, property.defaultValue));
         }
-        const auto index = selected - values_.begin();
-
-        Widget menu = XmCreatePulldownMenu(parent, widgetName("Menu", property.key).data(), nullptr, 0);
-        for (const std::string& choice : values_) {
-            buttons_.push_back(createEntry(menu, choice));
-        }
-        const XmStringPtr noLabel = compoundString("");
-        ArgumentList arguments;
-        arguments.set(XmNsubMenuId, menu)
-            .set(XmNmenuHistory, buttons_[static_cast<std::size_t>(index)])
-            .set(XmNlabelString, noLabel.get())
-            .set(XmNmarginWidth, 0)
-            .set(XmNmarginHeight, 0)
-            .set(XmNspacing, 0);
-        field_ = XmCreateOptionMenu(parent, widgetName("Opt", property.key).data(), arguments.data(), arguments.size());
-        if (field_ == nullptr) {
-            throw std::bad_alloc();
-        }
-        XtUnmanageChild(XmOptionLabelGadget(field_));
-        XtManageChild(field_);
         filled();
     }
-    bool isStretched() const override { return false; }
+    std::string value() const override { return trimmed(fieldText(text_)); }
+};
+
+// One of the choices. The first leaves the setting to the driver, and a stored value that the driver does not offer is one
+// more, so that it is not lost.
+class MenuRow : public ChoiceRow {
+public:
+    MenuRow(Widget parent, const DriverProperty& property, const std::string& value)
+        : MenuRow(parent, property.key, allValues(property, value), value) {}
     std::string value() const override {
-        Widget chosen = nullptr;
-        XtVaGetValues(field_, XmNmenuHistory, &chosen, nullptr);
-        const auto found = std::find(buttons_.begin(), buttons_.end(), chosen);
-        return found == buttons_.end() ? std::string() : values_[static_cast<std::size_t>(found - buttons_.begin())];
+        int position = 0;
+        XtVaGetValues(field_, XmNselectedPosition, &position, nullptr);
+        return position < 1 ? std::string() : values_[static_cast<std::size_t>(position - 1)];
     }
 
 private:
-    Widget createEntry(Widget menu, const std::string& choice) {
-        const std::string text = choice.empty() ? setupText(SetupMessage::kDriverDefault) : choice;
-        const XmStringPtr label = compoundString(text);
-        ArgumentList arguments;
-        arguments.set(XmNlabelString, label.get());
-        // The first letter or digit that no entry above has.
-        const auto mnemonic = std::find_if(text.begin(), text.end(), [this](unsigned char byte) {
-            return byte < 0x80 && std::isalnum(byte) != 0 &&
-                   mnemonics_.find(static_cast<char>(std::tolower(byte))) == std::string::npos;
-        });
-        if (mnemonic != text.end()) {
-            mnemonics_.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(*mnemonic))));
-            arguments.set(XmNmnemonic, static_cast<KeySym>(static_cast<unsigned char>(*mnemonic)));
+    using Values = std::vector<std::string>;
+
+    MenuRow(Widget parent, const std::string& key, const Values& values, const std::string& value)
+        : ChoiceRow(parent, key, XmDROP_DOWN_LIST, labels(values)), values_(values) {
+        XtVaSetValues(field_, XmNselectedPosition, static_cast<int>(positionOf(value, values)) + 1, nullptr);
+        filled();
+    }
+    static Values allValues(const DriverProperty& property, const std::string& value) {
+        Values values{""};
+        values.insert(values.end(), property.choices.begin(), property.choices.end());
+        if (positionOf(value, values) == values.size()) {
+            values.push_back(value);
         }
-        Widget button =
-            XmCreatePushButtonGadget(menu, widgetName("Choice", choice).data(), arguments.data(), arguments.size());
-        XtManageChild(button);
-        return button;
+        return values;
+    }
+    static Values labels(Values values) {
+        values.front() = setupText(SetupMessage::kDriverDefault);
+        return values;
+    }
+    static std::size_t positionOf(const std::string& value, const Values& values) {
+        const auto found = std::find_if(values.begin(), values.end(), [&value](const std::string& other) {
+            return installer::sameName(other, value);
+        });
+        return static_cast<std::size_t>(found - values.begin());
     }
 
-    std::vector<std::string> values_;
-    std::vector<Widget> buttons_;
-    std::string mnemonics_;
+    Values values_;
 };
 
 }  // namespace
