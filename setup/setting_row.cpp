@@ -143,15 +143,15 @@ protected:
     Widget text_ = nullptr;
 
 private:
-    // The frames of text and list are enough. The box hands whatever it is given on to them, so they get theirs back.
+    // One frame, around the text, is enough, and one around the list. The box hands whatever it is given on to them.
     void removeFrame() {
         Widget list = nullptr;
         XtVaGetValues(field_, XmNlist, &list, nullptr);
         Dimension shadow = 0;
         Dimension marginWidth = 0;
         Dimension marginHeight = 0;
-        XtVaGetValues(text_, XmNshadowThickness, &shadow, XmNmarginWidth, &marginWidth, XmNmarginHeight, &marginHeight,
-                      nullptr);
+        XtVaGetValues(field_, XmNshadowThickness, &shadow, nullptr);
+        XtVaGetValues(text_, XmNmarginWidth, &marginWidth, XmNmarginHeight, &marginHeight, nullptr);
         XtVaSetValues(field_, XmNshadowThickness, 0, XmNmarginWidth, 0, XmNmarginHeight, 0, nullptr);
         XtVaSetValues(text_, XmNshadowThickness, shadow, XmNmarginWidth, marginWidth, XmNmarginHeight, marginHeight,
                       nullptr);

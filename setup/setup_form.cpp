@@ -141,6 +141,8 @@ void SetupForm::createRows() {
     XtVaGetValues(form_, XmNbackground, &ground, nullptr);
     XtVaGetValues(scrolledWindow_, XmNclipWindow, &clipWindow, nullptr);
     XtVaSetValues(clipWindow, XmNbackground, ground, nullptr);
+    // It would grab Home, End and the page keys, which the fields in it need.
+    XtUninstallTranslations(clipWindow);
 
     if (content_.hasFurtherSettings) {
         // A password never stands in plain text, so it can't stand among the further settings.
@@ -302,7 +304,14 @@ std::optional<SetupFailure> SetupForm::collect() {
         setValue(change_.values, row->key(), row->value());
     }
     if (further_) {
-        return further_->changes([this](const std::string& key) { return hasRow(key); }, change_.values);
+        std::optional<SetupFailure> failure =
+            further_->changes([this](const std::string& key) { return hasRow(key); }, change_.values);
+        if (failure) {
+            // A row may have the same key, but the line is what has to be mended.
+            failure->key.clear();
+            XmProcessTraversal(further_->focus(), XmTRAVERSE_CURRENT);
+        }
+        return failure;
     }
     return std::nullopt;
 }

@@ -1,0 +1,313 @@
+// The setup dialog over the administrator's window, used by keyboard.
+#include "tests/support/window_test.h"
+// Not before: X11 and the test library do not bear each other.
+#include <X11/keysym.h>
+#include <Xm/Text.h>
+#include <Xm/TextF.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <deque>
+
+#include "admin/driver_chooser.h"
+#include "admin/globals.h"
+#include "admin/user_dsn_page.h"
+#include "motifutil/message_dialog.h"
+#include "motifutil/widgets.h"
+
+namespace {
+
+constexpr const char* kForm = "vhsetup23.FormSetup";
+
+// What the person does while a dialog is up that runs an event loop of its own, inside of the click that opened it: timers
+// run in that loop too. Each step waits until nothing moved for a moment.
+class Script {
+public:
+    explicit Script(XPerson& person) : person_(person) { wait(); }
+    ~Script() {
+        EXPECT_TRUE(steps_.empty()) << steps_.size() << " steps were not taken";
+        if (!steps_.empty()) {
+            XtRemoveTimeOut(timer_);
+        }
+    }
+    Script(const Script&) = delete;
+    Script& operator=(const Script&) = delete;
+
+    Script& then(const std::function<void()>& step) {
+        steps_.push_back(step);
+        return *this;
+    }
+    Script& key(KeySym symbol, int times = 1, KeySym modifier = NoSymbol) {
+        for (int i = 0; i < times; ++i) {
+            then([this, symbol, modifier] { person_.key(symbol, modifier); });
+        }
+        return *this;
+    }
+    Script& type(const std::string& text) {
+        return then([this, text] { person_.type(text); });
+    }
+
+private:
+    void wait() { timer_ = XtAppAddTimeOut(app_context, 20, tick, this); }
+    static void tick(XtPointer self, XtIntervalId* /*timer*/) {
+        auto* script = static_cast<Script*>(self);
+        XSync(display, False);
+        script->quietTicks_ = (XtAppPending(app_context) & XtIMXEvent) != 0 ? 0 : script->quietTicks_ + 1;
+        if (script->quietTicks_ > 3 && script->isReady()) {
+            const std::function<void()> step = script->steps_.front();
+            script->steps_.pop_front();
+            script->quietTicks_ = 0;
+            script->ticks_ = 0;
+            step();
+        } else if (++script->ticks_ > kPatienceSeconds * 50) {
+            script->giveUp();
+        }
+        if (!script->steps_.empty()) {
+            script->wait();
+        }
+    }
+    // Ends the dialog, lest the test hang.
+    void giveUp() {
+        ADD_FAILURE() << "stuck with " << steps_.size() << " steps to take";
+        steps_.clear();
+        if (Widget cancel = XtNameToWidget(ShODBCAdmin, "vhsetup23.FormSetup.BtnCancel")) {
+            pressButton(cancel);
+        }
+    }
+    // Whether the dialog, or a box over it, has the keyboard.
+    bool isReady() const {
+        Widget form = XtNameToWidget(ShODBCAdmin, kForm);
+        if (form == nullptr || !XtIsManaged(form)) {
+            return false;
+        }
+        Widget box = XtNameToWidget(form, "*dialog");
+        Widget top = box != nullptr && XtIsManaged(box) ? box : form;
+        return person_.hasFocus(XtWindow(XtParent(top)));
+    }
+
+    XPerson& person_;
+    std::deque<std::function<void()>> steps_;
+    XtIntervalId timer_ = 0;
+    int quietTicks_ = 0;
+    int ticks_ = 0;
+};
+
+class SetupFormTest : public WindowTest {
+protected:
+    SetupFormTest() {
+        files.write(OdbcFiles::kDrivers, "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
+                                         "\n[Silent]\nDriver=/none.so\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
+    }
+    void openWith(const std::string& dataSources) {
+        files.write(OdbcFiles::kUser, dataSources);
+        open();
+        clickRow(LstUName, 1);
+    }
+    static std::string field(const std::string& name) {
+        Widget widget = child(ShODBCAdmin, std::string(kForm) + "*" + name);
+        if (widget == nullptr) {
+            return "(none)";
+        }
+        const XtTextPtr text(XmIsTextField(widget) ? XmTextFieldGetString(widget) : XmTextGetString(widget));
+        return text.get();
+    }
+    // The message over the dialog.
+    static std::string message() {
+        Widget box = XtNameToWidget(ShODBCAdmin, (std::string(kForm) + "*dialog").c_str());
+        if (box == nullptr || !XtIsManaged(box)) {
+            return "(none)";
+        }
+        XmString text = nullptr;
+        XtVaGetValues(box, XmNmessageString, &text, nullptr);
+        std::string line = plainText(XmStringPtr(text).get());
+        std::replace(line.begin(), line.end(), '\n', ' ');
+        return line;
+    }
+    // The lines of a section of the user's file, joined by blanks; "(none)" without the section.
+    std::string section(const std::string& name) const {
+        for (const auto& [section, lines] : files.userSections()) {
+            if (section == name) {
+                std::string text;
+                for (const std::string& line : lines) {
+                    text += (text.empty() ? "" : " ") + line;
+                }
+                return text;
+            }
+        }
+        return "(none)";
+    }
+    ino_t inode() const {
+        struct stat status {};
+        stat(files.path(OdbcFiles::kUser).c_str(), &status);
+        return status.st_ino;
+    }
+};
+
+constexpr const char* kTalker =
+    "[ODBC Data "
+    "Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nDatabase=/a\nMode=odd\nPassword=geheim\nUnknown=1\n\n"
+    "[B]\nDriver=Talker\nX=1\n";
+
+TEST_F(SetupFormTest, OkWithoutAChangeAndEscapeAfterOneLeaveTheFileAlone) {
+    openWith(kTalker);
+    const ino_t before = inode();
+    {
+        Script script(person());
+        script
+            .then([] {
+                EXPECT_EQ(field("TxtDataSourceName"), "A");
+                EXPECT_EQ(field("TxtDatabase"), "/a");
+                EXPECT_EQ(field("TxtPassword"), "******");
+            })
+            .key(XK_Return);
+        click(BtnConfigure);
+    }
+    {
+        Script script(person());
+        script.key(XK_End).type("bc").key(XK_Tab).type("text").key(XK_Escape);
+        click(BtnConfigure);
+    }
+    EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker);
+    EXPECT_EQ(inode(), before);
+
+    // The window behind works as before.
+    click(BtnRemove);
+    answer("OK");
+    EXPECT_EQ(section("A"), "(none)");
+    EXPECT_EQ(rows(LstUName), std::vector<std::string>{"B"});
+}
+
+TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
+    openWith(kTalker);
+    Script script(person());
+    script.key(XK_Tab)
+        .type("My text")
+        .key(XK_Tab)
+        .key(XK_End)
+        .type("bc ")
+        .key(XK_Tab)  // The list of choices: the first leaves the setting to the driver.
+        .key(XK_Up, 4)
+        .key(XK_Tab)  // The one that can be typed into.
+        .type("own")
+        .key(XK_Tab)
+        .key(XK_Home)
+        .type("xy")
+        .key(XK_Delete)
+        .then([] { EXPECT_EQ(field("TxtPassword"), "*******"); })
+        .key(XK_Return);
+    click(BtnConfigure);
+    EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Password=xyeheim Unknown=1 Description=My text Level=own");
+    EXPECT_EQ(section("B"), "Driver=Talker X=1");
+}
+
+TEST_F(SetupFormTest, ARenamedDataSourceKeepsItsKeysAndReplacesAnotherOnlyWhenAllowed) {
+    openWith(kTalker);
+    const std::string question = "A data source named \"B\" is already there. Replace it and all its settings?";
+    Script script(person());
+    script.key(XK_BackSpace)
+        .key(XK_Delete)
+        .type("a;b")
+        .key(XK_Return)
+        .then([] { EXPECT_NE(message().find("\"a;b\" cannot be the name"), std::string::npos) << message(); })
+        .key(XK_Return)
+        .key(XK_BackSpace, 3)
+        .type("B")
+        .key(XK_Return)
+        .then([question] { EXPECT_EQ(message(), question); })
+        .key(XK_Escape)
+        .then([this] { EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker); })
+        .key(XK_Return)
+        .then([question] { EXPECT_EQ(message(), question); })
+        .key(XK_Return);
+    click(BtnConfigure);
+    EXPECT_EQ(section("ODBC Data Sources"), "B=Talker");
+    EXPECT_EQ(section("A"), "(none)");
+    EXPECT_EQ(section("B"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1");
+}
+
+TEST_F(SetupFormTest, ANameMayChangeItsCase) {
+    openWith(kTalker);
+    Script script(person());
+    script.key(XK_Delete).type("a").key(XK_Return);
+    click(BtnConfigure);
+    EXPECT_EQ(section("ODBC Data Sources"), "B=Talker a=Talker");
+    EXPECT_EQ(section("a"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1");
+}
+
+TEST_F(SetupFormTest, ANewDataSourceStoresWhatTheDriverProposes) {
+    openWith(kTalker);
+    click(BtnAdd);
+    clickRow(LstDPName, 2);
+    Script script(person());
+    script.key(XK_Return)
+        .then([] { EXPECT_EQ(message(), "Type a name for the data source."); })
+        .key(XK_Return)
+        .type("New")
+        .key(XK_Return);
+    click(BtnFinish);
+    EXPECT_EQ(section("New"), "Driver=Talker Mode=write Token=h1");
+    EXPECT_EQ(section("ODBC Data Sources"), "A=Talker B=Talker New=Talker");
+}
+
+TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
+    openWith(
+        "[ODBC Data Sources]\nS=Silent\nT=Silent\n\n[S]\nDriver=Silent\nServer=h\nPWD=p\nSSLPassword=q\nKeep=k = "
+        "v\nEdit=1\nGone=2\n");
+    Script script(person());
+    script
+        .then([] {
+            EXPECT_EQ(field("TxtServer"), "h");
+            EXPECT_EQ(field("TxtPWD"), "*");
+            EXPECT_EQ(field("TxtSSLPassword"), "*");
+            EXPECT_EQ(field("TxtFurtherSettings"), "Keep=k = v\nEdit=1\nGone=2\n");
+        })
+        .key(XK_Tab, 8)
+        .key(XK_Down)
+        .key(XK_End)
+        .type("23")
+        .key(XK_Down)
+        .key(XK_BackSpace, 6)
+        .type("uid=x")
+        .key(XK_Tab)  // On to OK.
+        .key(XK_Return)
+        .then([] { EXPECT_NE(message().find("\"uid\" has a field of its own"), std::string::npos) << message(); })
+        .key(XK_Return)
+        .key(XK_Home)
+        .key(XK_Delete, 3)
+        .type("New")
+        .key(XK_Tab)
+        .key(XK_Return);
+    click(BtnConfigure);
+    EXPECT_EQ(section("S"), "Driver=Silent Server=h PWD=p SSLPassword=q Keep=k = v Edit=123 New=x");
+}
+
+TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
+    openWith(kTalker);
+    const auto isInSight = [](const std::string& name) {
+        const Place row = placeOf(child(ShODBCAdmin, std::string(kForm) + "*" + name));
+        const Place window = placeOf(child(ShODBCAdmin, std::string(kForm) + ".scrWinSettings"));
+        return row.y >= window.y && row.y + row.height <= window.y + window.height;
+    };
+    Script script(person());
+    script
+        .then([isInSight] {
+            EXPECT_LE(placeOf(child(ShODBCAdmin, kForm)).height, 768 * 3 / 4);
+            EXPECT_TRUE(isInSight("TxtDatabase"));
+            EXPECT_FALSE(isInSight("TxtMany30"));
+        })
+        .key(XK_Tab, 6)
+        .key(XK_Tab, 29)
+        .then([isInSight] {
+            EXPECT_TRUE(isInSight("TxtMany30"));
+            EXPECT_FALSE(isInSight("TxtDatabase"));
+        })
+        .type("last")
+        .key(XK_Tab, 3)  // OK, Cancel, and the name again.
+        .type("C")
+        .key(XK_Return);
+    click(BtnConfigure);
+    EXPECT_EQ(section("CA"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1 Many30=last");
+}
+
+}  // namespace
