@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "motifutil/scrolling.h"
 #include "motifutil/widgets.h"
 
 namespace {
@@ -14,7 +15,7 @@ namespace {
 constexpr int kMargin = 12;
 constexpr int kGap = 8;
 // The room that a column keeps free on the right of its widest text.
-constexpr int kColumnRoom = 20;
+constexpr int kColumnRoom = 8;
 
 int widthOf(Widget widget) {
     Dimension width = 0;
@@ -27,19 +28,6 @@ void resized(Widget /*widget*/, XtPointer fit, XEvent* event, Boolean* /*continu
     if (event->type == ConfigureNotify || event->type == MapNotify) {
         reinterpret_cast<void (*)()>(fit)();
     }
-}
-
-// The width in pixels that the work area of a scrolled window can have without a horizontal scroll bar. Motif's clip window
-// is of no use here: its width lags behind while scroll bars come and go. A scroll bar that is not needed stays managed and
-// is moved out of sight.
-int viewWidth(Widget scrolledWindow) {
-    Dimension shadow = 0;
-    Widget scrollBar = nullptr;
-    XtVaGetValues(scrolledWindow, XmNshadowThickness, &shadow, XmNverticalScrollBar, &scrollBar, nullptr);
-    const int inner = widthOf(scrolledWindow) - 2 * (shadow + 1);
-    Position x = 0;
-    XtVaGetValues(scrollBar, XmNx, &x, nullptr);
-    return x < widthOf(scrolledWindow) ? inner - widthOf(scrollBar) : inner;
 }
 
 // The width that a list asks for; an empty list would answer with the width it has.
@@ -64,40 +52,6 @@ void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) 
                   nullptr);
     XtVaSetValues(XtParent(columns.front().header), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, nullptr);
     scrollHeaders(columns, 0);
-}
-
-struct ScrollState {
-    Widget scrollBar = nullptr;
-    int value = 0;
-    int slider = 0;
-    int increment = 0;
-    int page = 0;
-    int maximum = 0;
-};
-
-ScrollState scrollState(Widget scrolledWindow) {
-    ScrollState state;
-    XtVaGetValues(scrolledWindow, XmNverticalScrollBar, &state.scrollBar, nullptr);
-    XmScrollBarGetValues(state.scrollBar, &state.value, &state.slider, &state.increment, &state.page);
-    XtVaGetValues(state.scrollBar, XmNmaximum, &state.maximum, nullptr);
-    return state;
-}
-
-void scrollTo(const ScrollState& state, int wanted) {
-    const int value = std::clamp(wanted, 0, state.maximum - state.slider);
-    if (value != state.value) {
-        XmScrollBarSetValues(state.scrollBar, value, state.slider, state.increment, state.page, True);
-    }
-}
-
-void wheelTurned(Widget /*list*/, XtPointer scrolledWindow, XEvent* event, Boolean* /*continueToDispatch*/) {
-    constexpr int kPixelsPerNotch = 60;
-    const ScrollState state = scrollState(static_cast<Widget>(scrolledWindow));
-    if (event->xbutton.button == Button4) {
-        scrollTo(state, state.value - kPixelsPerNotch);
-    } else if (event->xbutton.button == Button5) {
-        scrollTo(state, state.value + kPixelsPerNotch);
-    }
 }
 
 }  // namespace
@@ -151,10 +105,7 @@ void revealRow(Widget list, int position, Widget scrolledWindow) {
     }
     Dimension height = 0;
     XtVaGetValues(list, XmNheight, &height, nullptr);
-    const int top = (position - 1) * height / rows;
-    const int bottom = position * height / rows;
-    const ScrollState state = scrollState(scrolledWindow);
-    scrollTo(state, std::clamp(state.value, bottom - state.slider, std::max(top, bottom - state.slider)));
+    revealRange(scrolledWindow, (position - 1) * height / rows, position * height / rows);
 }
 
 void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtCallbackProc scrolled, void (*fit)()) {
@@ -167,7 +118,7 @@ void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtC
     }
     XtAddEventHandler(scrolledWindow, StructureNotifyMask, False, resized, reinterpret_cast<XtPointer>(fit));
     for (const Column& column : columns) {
-        XtAddEventHandler(column.list, ButtonPressMask, False, wheelTurned, scrolledWindow);
+        scrollWithWheel(scrolledWindow, column.list);
     }
 }
 

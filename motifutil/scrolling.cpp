@@ -34,24 +34,36 @@ Widget scrollBarOf(Widget scrolledWindow, const char* which) {
     return scrollBar;
 }
 
-void wheelTurned(Widget /*child*/, XtPointer scrolledWindow, XEvent* event, Boolean* /*continueToDispatch*/) {
-    constexpr int kPixelsPerNotch = 60;
-    const unsigned int button = event->xbutton.button;
-    if (button != Button4 && button != Button5) {
-        return;
-    }
-    Widget scrollBar = scrollBarOf(static_cast<Widget>(scrolledWindow), XmNverticalScrollBar);
+struct Scroll {
+    Widget scrollBar = nullptr;
     int value = 0;
     int slider = 0;
     int increment = 0;
     int page = 0;
     int maximum = 0;
-    XmScrollBarGetValues(scrollBar, &value, &slider, &increment, &page);
-    XtVaGetValues(scrollBar, XmNmaximum, &maximum, nullptr);
-    const int wanted =
-        std::clamp(value + (button == Button4 ? -kPixelsPerNotch : kPixelsPerNotch), 0, maximum - slider);
-    if (wanted != value) {
-        XmScrollBarSetValues(scrollBar, wanted, slider, increment, page, True);
+};
+
+Scroll verticalScroll(Widget scrolledWindow) {
+    Scroll scroll;
+    scroll.scrollBar = scrollBarOf(scrolledWindow, XmNverticalScrollBar);
+    XmScrollBarGetValues(scroll.scrollBar, &scroll.value, &scroll.slider, &scroll.increment, &scroll.page);
+    XtVaGetValues(scroll.scrollBar, XmNmaximum, &scroll.maximum, nullptr);
+    return scroll;
+}
+
+void scrollTo(const Scroll& scroll, int wanted) {
+    const int value = std::clamp(wanted, 0, scroll.maximum - scroll.slider);
+    if (value != scroll.value) {
+        XmScrollBarSetValues(scroll.scrollBar, value, scroll.slider, scroll.increment, scroll.page, True);
+    }
+}
+
+void wheelTurned(Widget /*child*/, XtPointer scrolledWindow, XEvent* event, Boolean* /*continueToDispatch*/) {
+    constexpr int kPixelsPerNotch = 60;
+    const unsigned int button = event->xbutton.button;
+    if (button == Button4 || button == Button5) {
+        const Scroll scroll = verticalScroll(static_cast<Widget>(scrolledWindow));
+        scrollTo(scroll, scroll.value + (button == Button4 ? -kPixelsPerNotch : kPixelsPerNotch));
     }
 }
 
@@ -72,4 +84,10 @@ int viewHeight(Widget scrolledWindow) {
 
 void scrollWithWheel(Widget scrolledWindow, Widget child) {
     XtAddEventHandler(child, ButtonPressMask, False, wheelTurned, scrolledWindow);
+}
+
+void revealRange(Widget scrolledWindow, int top, int bottom) {
+    const Scroll scroll = verticalScroll(scrolledWindow);
+    const int lowest = bottom - scroll.slider;
+    scrollTo(scroll, std::clamp(scroll.value, lowest, std::max(top, lowest)));
 }

@@ -10,3 +10,7 @@ int viewHeight(Widget scrolledWindow);
 
 // Lets the mouse wheel scroll the window while the pointer is over `child`, which the wheel would not pass through.
 void scrollWithWheel(Widget scrolledWindow, Widget child);
+
+// Scrolls the window vertically as far as it takes to show the part of its work area between two heights, in pixels; the
+// lower end wins when both do not fit.
+void revealRange(Widget scrolledWindow, int top, int bottom);
