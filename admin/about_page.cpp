@@ -2,8 +2,14 @@
 
 #include <Xm/ScrollBar.h>
 
+#include <array>
+
 #include "admin/columns.h"
+#include "admin/globals.h"
 #include "admin/lists.h"
+#include "bos/catalog.h"
+#include "kvlib/text.h"
+#include "motifutil/component_version.h"
 #include "motifutil/widgets.h"
 
 Widget FrmAbout = nullptr;
@@ -52,8 +58,37 @@ Widget createAboutForm(Widget notebook) {
     Widget explanation = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
     placeTable({FrmAbout, heading, headers, AboutLists, explanation, {}});
     watchColumns(columns(), AboutLists, scrolled, fitToView);
+    populateAboutTab();
     setSizePosAboutTabWidgets();
     return FrmAbout;
+}
+
+void populateAboutTab() {
+    constexpr int kRows = 4;
+    // The last two texts are crossed on purpose: translated catalogs hold them under these numbers.
+    constexpr Message::Number kDescriptions[kRows] = {Message::kAboutAdministrator, Message::kAboutCursorLibrary,
+                                                      Message::kAboutDriverManager, Message::kAboutConversionLibrary};
+    // The conversion library is named after the library it wraps, with the product's prefix and version suffix.
+    char conversionLibrary[kComponentTextSize] = "libvhicu";
+    bosdllname(conversionLibrary);
+    const char* const kNames[kRows] = {"odbcadmin", "odbccurs", "libodbc", conversionLibrary};
+
+    std::array<FixedRow, kRows> names{};
+    std::array<FixedRow, kRows> descriptions{};
+    std::array<FixedRow, kRows> versions{};
+    for (std::size_t row = 0; row < kRows; ++row) {
+        strCopy(names[row].data(), names[row].size(), kNames[row]);
+        strCopy(descriptions[row].data(), descriptions[row].size(), catalogText(kDescriptions[row]).c_str());
+        if (row == 0) {
+            strCopy(versions[row].data(), versions[row].size(), getFileVersionString());
+        } else {
+            FixedRow company{};
+            getCompNameAndVersion(kNames[row], company.data(), versions[row].data(), 0);
+        }
+    }
+    populateList(LstAbtFile, names.data(), kRows);
+    populateList(LstAbtDesc, descriptions.data(), kRows);
+    populateList(LstAbtVersion, versions.data(), kRows);
 }
 
 void setSizePosAboutTabWidgets() {

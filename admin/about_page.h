@@ -14,6 +14,10 @@ extern Widget LstAbtFile;
 // Builds the page, unmanaged; its tab belongs to the main window.
 Widget createAboutForm(Widget notebook);
 
+// Fills the four rows: this program, and what each of the three libraries says of itself. A library that is not found has
+// an empty version.
+void populateAboutTab();
+
 // Places lists and headers side by side by the lists' widths.
 void setSizePosAboutTabWidgets();
 

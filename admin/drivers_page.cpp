@@ -8,7 +8,9 @@
 #include "admin/columns.h"
 #include "admin/dialogs.h"
 #include "admin/lists.h"
+#include "bos/file.h"
 #include "installer/configuration.h"
+#include "motifutil/component_version.h"
 #include "motifutil/widgets.h"
 
 Widget FrmDrivers = nullptr;
@@ -34,6 +36,49 @@ std::vector<Column> columns() {
             {LstCompany, LbColCompany},
             {LstFile, LbColFile},
             {LstDate, LbColDate}};
+}
+
+// What is known of the drivers besides their names, one row for each.
+struct DriverColumns {
+    std::vector<std::string> files;
+    std::vector<std::string> versions;
+    std::vector<std::string> companies;
+    std::vector<std::string> dates;
+};
+
+// The longest library path that is read, its terminator included.
+constexpr std::size_t kLibraryPathSize = 128;
+
+std::string modificationDate(const std::string& path) {
+    std::uint32_t date = 0;
+    char text[kShortTextSize] = "";
+    if (bosFileDateSize(path.c_str(), &date, nullptr) == 0) {
+        formatFileDate(date, text);
+    }
+    return text;
+}
+
+DriverColumns describeDrivers(RowArray& names) {
+    DriverColumns columns;
+    for (int i = 0; i < names.count(); ++i) {
+        const std::string library = installer::readValue(names[i], "Driver", installer::kDriverFile, kLibraryPathSize);
+        if (library.empty()) {
+            showODBCINSTError();
+        }
+        columns.files.push_back(library.substr(library.rfind('/') + 1));
+        char company[kComponentTextSize];
+        char version[kComponentTextSize];
+        getCompNameAndVersion(library.c_str(), company, version, 0);
+        columns.versions.emplace_back(version);
+        columns.companies.emplace_back(company);
+        columns.dates.push_back(modificationDate(library));
+    }
+    return columns;
+}
+
+void fillList(Widget list, const std::vector<std::string>& rows) {
+    RowArray strings(rows);
+    populateList(list, strings.strings(), strings.count());
 }
 
 void fitToView() {
@@ -90,6 +135,11 @@ void populateDriverInfo(Widget nameList, Widget fileList, Widget versionList, Wi
         RowArray names(drivers.names);
         sortList(names.strings(), static_cast<short>(names.count()));
         populateList(nameList, names.strings(), names.count());
+        const DriverColumns columns = describeDrivers(names);
+        fillList(fileList, columns.files);
+        fillList(versionList, columns.versions);
+        fillList(companyList, columns.companies);
+        fillList(dateList, columns.dates);
     } catch (const std::bad_alloc&) {
         showOutOfMemoryErrorAdmin();
     }

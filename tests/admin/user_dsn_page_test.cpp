@@ -188,7 +188,8 @@ TEST_F(UserDsnPageTest, RemoveAsksAndThenTakesTheDataSourceOutOfBothPlaces) {
 
 TEST_F(UserDsnPageTest, ConfigureHandsEveryKeyToTheDriver) {
     files.write(OdbcFiles::kSystem, "[ODBC Data Sources]\nOf the system=Recorder\n[Of the system]\nDriver=Recorder\n");
-    files.write(OdbcFiles::kDrivers, "[Recorder]\nSetup=" VH_TEST_SETUP "\n[Second]\nSetup=" VH_TEST_SETUP "\n");
+    files.write(OdbcFiles::kDrivers,
+                "[Recorder]\nDriver=/r.so\nSetup=" VH_TEST_SETUP "\n[Second]\nDriver=/s.so\nSetup=" VH_TEST_SETUP "\n");
     openWith(kThree);
     const std::string first = call(2, "Recorder", "DSN=abc\0Driver=Recorder\0Database=/x y=z;1\0Empty=\0\0"s);
     clickRow(LstUName, 1);
@@ -220,7 +221,7 @@ TEST_F(UserDsnPageTest, EachFailureOfADriversSetupHasItsReport) {
         {"a missing", "Setup=/no/such/library.so", Message::kSetupLibraryNotLoaded, Message::kSetupLibraryNotLoaded},
         {"b no function", "Setup=" VH_TEST_NO_SETUP, Message::kNoConfigDsn, Message::kNoConfigDsn},
         {"c refuses", "Setup=" VH_TEST_SETUP, Message::kSetupFailed, Message::kSetupFailed},
-        {"d no setup", "Driver=/d.so", Message::kDriverHasNoSetup, Message::kDriverFileUnreadable},
+        {"d no setup", "", Message::kDriverHasNoSetup, Message::kDriverFileUnreadable},
     };
     const ScopedEnvironment refuse{{"VH_TEST_RESULT", "0"}};
     std::string drivers;
@@ -228,7 +229,7 @@ TEST_F(UserDsnPageTest, EachFailureOfADriversSetupHasItsReport) {
     std::string sections;
     for (const Case& test : kCases) {
         const std::string driver = test.driver;
-        drivers += "[" + driver + "]\n" + test.setup + "\n";
+        drivers += "[" + driver + "]\nDriver=/d.so\n" + test.setup + "\n";
         list += driver + "=" + driver + "\n";
         sections += "[" + driver + "]\nDriver=" + driver + "\n";
     }
@@ -254,7 +255,7 @@ TEST_F(UserDsnPageTest, EachFailureOfADriversSetupHasItsReport) {
 }
 
 TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
-    files.write(OdbcFiles::kDrivers, "[Plain]\nDriver=/p.so\n[Recorder]\nSetup=" VH_TEST_SETUP "\n");
+    files.write(OdbcFiles::kDrivers, "[Plain]\nDriver=/p.so\n[Recorder]\nDriver=/r.so\nSetup=" VH_TEST_SETUP "\n");
     openWith("[ODBC Data Sources]\nabc=Recorder\n");
     const auto chooserIsUp = [] { return person().hasFocus(XtWindow(XtParent(DlgDriverPopup))); };
     click(BtnAdd);

@@ -1,0 +1,113 @@
+#include "motifutil/component_version.h"
+
+#include <dlfcn.h>
+
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <new>
+
+#include "bos/file.h"
+#include "bos/library.h"
+#include "kvlib/error_list.h"
+#include "kvlib/text.h"
+#include "motifutil/catalog_text.h"
+
+char fileName[kComponentTextSize];
+char fileDate[kShortTextSize];
+char fileSize[20];
+char CompanyName[kComponentTextSize];
+char FileVersion[kComponentTextSize];
+char compAddr1[kShortTextSize];
+char compAddr2[kShortTextSize];
+
+namespace {
+
+constexpr const char* kVersionFunction = "getFileVersionString";
+constexpr const char* kCompanyFunction = "getCompanyNameString";
+
+// What a component answers to one of its identification functions; null without the function.
+char* ask(void* handle, const char* function) {
+    const auto answer = reinterpret_cast<char* (*)()>(dlsym(handle, function));
+    return answer == nullptr ? nullptr : answer();
+}
+
+// A component without a version can't be supported: nobody could tell which one a report is about. That has always ended
+// the process here; whoever started it at least learns which library to mend.
+[[noreturn]] void endWithoutVersion(const char* libraryName) {
+    std::fprintf(stderr, "%s has no function %s, which every component must have.\n", libraryName, kVersionFunction);
+    std::fflush(stderr);
+    std::signal(SIGSEGV, SIG_DFL);
+    std::raise(SIGSEGV);
+    std::abort();
+}
+
+void describe(void* handle, const char* libraryName, char* companyOut, char* versionOut) {
+    const char* company = ask(handle, kCompanyFunction);
+    strCopy(companyOut, kComponentTextSize, company == nullptr ? "" : company);
+    const char* version = getVersion(handle);
+    if (version == nullptr) {
+        endWithoutVersion(libraryName);
+    }
+    strCopy(versionOut, kComponentTextSize, version);
+}
+
+}  // namespace
+
+char* getVersion(void* handle) {
+    return ask(handle, kVersionFunction);
+}
+
+void getCompNameAndVersion(const char* libraryName, char* companyOut, char* versionOut, int flag) {
+    if (companyOut == nullptr && versionOut == nullptr) {
+        // The list outlives the call, so it can't be one of the stack.
+        if (auto* errors = new (std::nothrow) KvErrorList(nullptr, 0)) {
+            KvErrorKeeper::setErrorList(errors);
+        }
+        bosLoadLibrary(libraryName, flag);
+        return;
+    }
+    char unwantedCompany[kComponentTextSize];
+    char unwantedVersion[kComponentTextSize];
+    companyOut = companyOut == nullptr ? unwantedCompany : companyOut;
+    versionOut = versionOut == nullptr ? unwantedVersion : versionOut;
+    companyOut[0] = '\0';
+    versionOut[0] = '\0';
+
+    KvErrorList errors(nullptr, 0);
+    KvErrorKeeper::setErrorList(&errors);
+    if (void* handle = bosLoadLibrary(libraryName, flag)) {
+        describe(handle, libraryName, companyOut, versionOut);
+        dlclose(handle);
+    }
+    KvErrorKeeper::giveUpErrorList();
+}
+
+void formatFileDate(std::size_t date, char (&text)[kShortTextSize]) {
+    const auto seconds = static_cast<std::time_t>(date);
+    std::tm local{};
+    text[0] = '\0';
+    if (localtime_r(&seconds, &local) == nullptr || std::strftime(text, sizeof text, "%x", &local) == 0) {
+        text[0] = '\0';
+    }
+}
+
+int setAboutInfo(const unsigned char* path) {
+    const char* name = reinterpret_cast<const char*>(path);
+    strCopy(fileName, sizeof fileName, name);
+    std::uint32_t date = 0;
+    std::uint64_t size = 0;
+    const int status = bosFileDateSize(name, &date, &size);
+    if (status == 0) {
+        formatFileDate(date, fileDate);
+        std::snprintf(fileSize, sizeof fileSize, "%u kb", static_cast<unsigned int>(size >> 10));
+    } else {
+        fileDate[0] = '\0';
+    }
+    getCompNameAndVersion(name, CompanyName, FileVersion, 0);
+    strCopy(compAddr1, sizeof compAddr1, catalogText(Message::kCompanyAddressLine1).c_str());
+    strCopy(compAddr2, sizeof compAddr2, catalogText(Message::kCompanyAddressLine2).c_str());
+    return status;
+}

@@ -1,0 +1,87 @@
+#include "motifutil/component_version.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <utime.h>
+
+#include <csignal>
+#include <cstring>
+#include <string>
+
+#include "kvlib/error_list.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+const unsigned char* bytes(const std::string& text) {
+    return reinterpret_cast<const unsigned char*>(text.c_str());
+}
+
+TEST(ComponentVersionTest, ComponentsSayWhoTheyAreOrNothing) {
+    struct Case {
+        const char* about;
+        std::string library;
+        std::string company;
+        std::string version;
+    };
+    const Case kCases[] = {
+        {"all functions", VH_TEST_SETUP_COMPONENT, "Varnholt Technologies", "05.30.0002"},
+        {"no company", VH_TEST_NO_COMPANY, "", "7.1"},
+        {"a company and a version of nothing", VH_TEST_EMPTY_COMPONENT, "", ""},
+        {"not there", "/no/such/library.so", "", ""},
+        {"not a library", __FILE__ ".so", "", ""},
+    };
+    KvErrorList mine(nullptr, 0);
+    KvErrorKeeper::setErrorList(&mine);
+    for (const Case& test : kCases) {
+        char company[kComponentTextSize] = "before";
+        char version[kComponentTextSize] = "before";
+        getCompNameAndVersion(test.library.c_str(), company, version, 0);
+        EXPECT_EQ(company, test.company) << test.about;
+        EXPECT_EQ(version, test.version) << test.about;
+        EXPECT_EQ(KvErrorKeeper::currentList(), &mine) << test.about;
+    }
+    EXPECT_EQ(mine.getErrorsMix(), 0);
+
+    // Without anything to fill the list that was installed for the call stays, and outlives it.
+    getCompNameAndVersion("/no/such/library.so", nullptr, nullptr, 0);
+    KvErrorList* left = KvErrorKeeper::currentList();
+    ASSERT_NE(left, &mine);
+    addError(1, "still usable");
+    EXPECT_STREQ(left->getLastError()->getErrorText(), "still usable");
+    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), left);
+    delete left;
+    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), &mine);
+}
+
+TEST(ComponentVersionTest, AComponentWithoutAVersionEndsTheProcess) {
+    char company[kComponentTextSize];
+    char version[kComponentTextSize];
+    EXPECT_EXIT(getCompNameAndVersion(BOS_TEST_LIBRARY, company, version, 0), testing::KilledBySignal(SIGSEGV),
+                std::string(BOS_TEST_LIBRARY) + " has no function getFileVersionString");
+}
+
+TEST(ComponentVersionTest, AboutTellsFileDateAndSize) {
+    const TemporaryFolder folder;
+    const auto file = [&folder](std::size_t size) {
+        const std::string path = folder.write("component", std::string(size, 'x'));
+        const utimbuf date{1767614400, 1767614400};  // 2026-01-05 12:00 UTC
+        utime(path.c_str(), &date);
+        return path;
+    };
+    EXPECT_EQ(setAboutInfo(bytes(file(1500))), 0);
+    EXPECT_STREQ(fileName, folder.path("component").c_str());
+    EXPECT_STREQ(fileSize, "1 kb");
+    EXPECT_STREQ(fileDate, "01/05/26");
+    EXPECT_STREQ(FileVersion, "");
+    EXPECT_STRNE(compAddr1, "");
+    EXPECT_EQ(setAboutInfo(bytes(file(1000))), 0);
+    EXPECT_STREQ(fileSize, "0 kb");
+    std::strcpy(fileSize, "5 kb");
+    EXPECT_EQ(setAboutInfo(bytes(folder.path("missing"))), 1);
+    EXPECT_STREQ(fileSize, "5 kb");
+    EXPECT_STREQ(fileDate, "");
+}
+
+}  // namespace
