@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "admin/flow.h"
 #include "admin/globals.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
@@ -80,6 +81,8 @@ void showODBCINIError() {
 }
 
 void btnOK_activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    // The program ends at once, so a report of a failed write is not seen.
+    Save_Trace();
     freeGlobals();
     std::exit(EXIT_SUCCESS);
 }
@@ -90,5 +93,6 @@ void btnCancel_activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /
 }
 
 void btnApply_activate(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    Save_Trace();
     XtSetSensitive(widget, False);
 }

@@ -7,6 +7,7 @@
 XtAppContext app_context = nullptr;
 Display* display = nullptr;
 Widget ShODBCAdmin = nullptr;
+Widget BtnApply = nullptr;
 unsigned char CurrentSelectedTab = 'U';
 Widget Fdialog = nullptr;
 char* CurrentDriver = nullptr;

@@ -14,6 +14,8 @@ extern XtAppContext app_context;
 extern Display* display;
 // The main window's shell, parent of every message dialog and of every driver's setup dialog.
 extern Widget ShODBCAdmin;
+// The main window's Apply button, sensitive while there are changes that it would save.
+extern Widget BtnApply;
 // The tab code of the page in front: 'U', 'F', 'D', 'T' or 'A'.
 extern unsigned char CurrentSelectedTab;
 // The file selection dialog of the File DSN page.

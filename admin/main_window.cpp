@@ -13,13 +13,13 @@
 #include "admin/globals.h"
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
+#include "help/help_locator.h"
 #include "motifutil/widgets.h"
 
 Widget FrmMain = nullptr;
 Widget TabManager = nullptr;
 Widget BtnOK = nullptr;
 Widget BtnCancel = nullptr;
-Widget BtnApply = nullptr;
 Widget BtnHelp = nullptr;
 Widget TbUserDSN = nullptr;
 Widget TbFileDSN = nullptr;
@@ -31,14 +31,21 @@ namespace {
 constexpr int kMargin = 16;
 constexpr int kGap = 12;
 
-// The codes of the pages in the order of their tabs; page numbers begin with 1.
-constexpr std::array<unsigned char, 5> kTabCodes{'U', 'F', 'D', 'T', 'A'};
+// A page of the notebook: its tab's code and its topic in the help book.
+struct PageCode {
+    unsigned char tabCode;
+    const char* helpTopic;
+};
+
+// The pages in the order of their tabs; page numbers begin with 1.
+constexpr std::array<PageCode, 5> kPages{
+    {{'U', "userdsn"}, {'F', "filedsn"}, {'D', "drivers"}, {'T', "trace"}, {'A', "about"}}};
 
 // A page can come to the front without its tab being pressed: the keyboard turns pages too.
 void pageChanged(Widget /*notebook*/, XtPointer /*clientData*/, XtPointer callData) {
     const int page = static_cast<XmNotebookCallbackStruct*>(callData)->page_number;
-    if (page >= 1 && page <= static_cast<int>(kTabCodes.size())) {
-        CurrentSelectedTab = kTabCodes[static_cast<std::size_t>(page - 1)];
+    if (page >= 1 && page <= static_cast<int>(kPages.size())) {
+        CurrentSelectedTab = kPages[static_cast<std::size_t>(page - 1)].tabCode;
     }
 }
 
@@ -71,9 +78,7 @@ void createButtonRow() {
     BtnOK = createPushButton(FrmMain, "BtnOK", Message::kOk, btnOK_activate);
     BtnCancel = createPushButton(FrmMain, "BtnCancel", Message::kCancel, btnCancel_activate);
     BtnApply = createPushButton(FrmMain, "BtnApply", Message::kApply, btnApply_activate);
-    BtnHelp = createPushButton(FrmMain, "BtnHelp", Message::kHelp);
-    // There is no help to show so far.
-    XtSetSensitive(BtnHelp, False);
+    BtnHelp = createPushButton(FrmMain, "BtnHelp", Message::kHelp, btnHelp_Clicked);
     equalizeWidths({BtnOK, BtnCancel, BtnApply, BtnHelp});
     Attach(BtnHelp).rightForm(kMargin).bottomForm(kMargin);
     Attach(BtnApply).leftOf(BtnHelp, kGap).bottomForm(kMargin);
@@ -95,13 +100,13 @@ void createPages() {
 
     std::array pagesAndTabs{FormUserDSN, TbUserDSN, frmFileDSN, TbFileDSN, FrmDrivers,
                             TbDrivers,   FrmTrace,  BtnTrace,   FrmAbout,  TbAbout};
-    for (std::size_t i = 0; i < kTabCodes.size(); ++i) {
+    for (std::size_t i = 0; i < kPages.size(); ++i) {
         Widget page = pagesAndTabs[2 * i];
         Widget tab = pagesAndTabs[2 * i + 1];
         const int number = static_cast<int>(i) + 1;
         XtVaSetValues(page, XmNpageNumber, number, nullptr);
         XtVaSetValues(tab, XmNpageNumber, number, nullptr);
-        const XtArgVal code = kTabCodes[i];
+        const XtArgVal code = kPages[i].tabCode;
         XtAddCallback(tab, XmNactivateCallback, tabSelectionChanged, reinterpret_cast<XtPointer>(code));
     }
     XtManageChildren(pagesAndTabs.data(), static_cast<Cardinal>(pagesAndTabs.size()));
@@ -148,4 +153,13 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
 
 void tabSelectionChanged(Widget /*widget*/, XtPointer tabCode, XtPointer /*callData*/) {
     CurrentSelectedTab = static_cast<unsigned char>(reinterpret_cast<XtArgVal>(tabCode));
+}
+
+void btnHelp_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    for (const PageCode& page : kPages) {
+        if (page.tabCode == CurrentSelectedTab) {
+            kvDisplayHelp(reinterpret_cast<const unsigned char*>("Administrator"),
+                          reinterpret_cast<const unsigned char*>(page.helpTopic));
+        }
+    }
 }

@@ -7,7 +7,6 @@ extern Widget FrmMain;
 extern Widget TabManager;
 extern Widget BtnOK;
 extern Widget BtnCancel;
-extern Widget BtnApply;
 extern Widget BtnHelp;
 extern Widget TbUserDSN;
 extern Widget TbFileDSN;
@@ -20,3 +19,6 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
 
 // Remembers the page in front; `tabCode` is its tab's code.
 void tabSelectionChanged(Widget widget, XtPointer tabCode, XtPointer callData);
+
+// Shows the help topic of the page in front; nothing for a tab code without a page.
+void btnHelp_Clicked(Widget widget, XtPointer clientData, XtPointer callData);

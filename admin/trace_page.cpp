@@ -1,7 +1,17 @@
 #include "admin/trace_page.h"
 
+#include <Xm/FileSB.h>
 #include <Xm/Frame.h>
+#include <Xm/Text.h>
+#include <Xm/ToggleB.h>
 
+#include <new>
+#include <string>
+
+#include "admin/dialogs.h"
+#include "admin/flow.h"
+#include "admin/globals.h"
+#include "installer/configuration.h"
 #include "motifutil/widgets.h"
 
 Widget FrmTrace = nullptr;
@@ -19,6 +29,74 @@ namespace {
 
 constexpr int kMargin = 12;
 constexpr int kGap = 8;
+
+constexpr const char* kSection = "ODBC";
+constexpr const char* kTraceKey = "TRACE";
+constexpr const char* kFileKey = "TraceFile";
+constexpr const char* kLibraryKey = "TraceDll";
+
+std::string readSetting(const char* key, std::size_t size) {
+    return installer::readValue(kSection, key, installer::kDataSourceFile, size);
+}
+
+bool writeSetting(const char* key, const std::string& value) {
+    return installer::writeValue(kSection, key, value.c_str(), installer::kDataSourceFile);
+}
+
+std::string textOf(Widget field) {
+    const XtTextPtr text(XmTextGetString(field));
+    return text ? std::string(text.get()) : std::string();
+}
+
+bool isLibrary(XtPointer kind) {
+    return reinterpret_cast<XtArgVal>(kind) == kBrowseTraceLibrary;
+}
+
+Widget fieldOf(XtPointer kind) {
+    return isLibrary(kind) ? TxtTraceLib : TxtTraceFile;
+}
+
+// File and library can be changed while tracing is on.
+void followToggle() {
+    const Boolean on = XmToggleButtonGetState(TgEnableTracing);
+    for (Widget control : {LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
+        XtSetSensitive(control, on);
+    }
+}
+
+void dialogClosed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
+    FileSelectionCancelled(static_cast<Widget>(box), nullptr, nullptr);
+}
+
+// A file dialog on the main window, unmanaged.
+Widget createFileDialog(const char* pattern, Message::Number titleNumber) {
+    const std::string title = catalogText(titleNumber);
+    const XmStringPtr patternString = compoundString(pattern);
+    const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
+    const XmStringPtr files = compoundString(catalogText(Message::kFileList));
+    const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
+    const XmStringPtr ok = compoundString(catalogText(Message::kOk));
+    const XmStringPtr cancel = compoundString(catalogText(Message::kCancel));
+    const XmStringPtr filter = compoundString(catalogText(Message::kFilter));
+    ArgumentList arguments;
+    arguments.set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
+        .set(XmNpattern, patternString.get())
+        .set(XmNtitle, title.c_str())
+        .set(XmNselectionLabelString, selection.get())
+        .set(XmNfileListLabelString, files.get())
+        .set(XmNdirListLabelString, directories.get())
+        .set(XmNokLabelString, ok.get())
+        .set(XmNcancelLabelString, cancel.get())
+        .set(XmNfilterLabelString, filter.get())
+        .set(XmNapplyLabelString, filter.get());
+    static char name[] = "traceFileDialog";
+    Widget box = XmCreateFileSelectionDialog(ShODBCAdmin, name, arguments.data(), arguments.size());
+    if (box == nullptr) {
+        throw std::bad_alloc();
+    }
+    XtUnmanageChild(XtNameToWidget(box, "Help"));
+    return box;
+}
 
 // A label above a text field with a browse button on its right, below `above` (null: at the top of the form).
 void placePathRow(Widget label, Widget field, Widget button, Widget above) {
@@ -54,13 +132,72 @@ Widget createTraceTab(Widget notebook) {
     placePathRow(LblTraceLib, TxtTraceLib, BtnTLibBrowse, TxtTraceFile);
     XtVaSetValues(TxtTraceLib, XmNbottomAttachment, XmATTACH_FORM, XmNbottomOffset, kMargin, nullptr);
 
-    // Tracing is off, and can't be switched on here so far.
-    for (Widget control :
-         {TgEnableTracing, LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
-        XtSetSensitive(control, False);
-    }
-
     TxtTraceDesc = createReadOnlyText(FrmTrace, "TxtTraceDesc", Message::kTracingExplanation, 3);
     Attach(TxtTraceDesc).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);
+
+    XtAddCallback(TgEnableTracing, XmNvalueChangedCallback, TraceConfigStateChanged, nullptr);
+    XtAddCallback(TxtTraceFile, XmNvalueChangedCallback, Trace_activityNoticed, nullptr);
+    XtAddCallback(TxtTraceLib, XmNvalueChangedCallback, Trace_activityNoticed, nullptr);
+    followToggle();
+    Load_Trace();
+    XtAddCallback(BtnTFileBrowse, XmNactivateCallback, SelectTraceFile, reinterpret_cast<XtPointer>(kBrowseTraceFile));
+    XtAddCallback(BtnTLibBrowse, XmNactivateCallback, SelectTraceFile,
+                  reinterpret_cast<XtPointer>(kBrowseTraceLibrary));
     return FrmTrace;
+}
+
+void Load_Trace() {
+    installer::forgetCachedValues();
+    // One character is read, so "10" reads as "1", on.
+    const std::string trace = readSetting(kTraceKey, 2);
+    XmToggleButtonSetState(TgEnableTracing, trace == "1" ? True : False, True);
+    XmTextSetString(TxtTraceFile, readSetting(kFileKey, 1024).data());
+    XmTextSetString(TxtTraceLib, readSetting(kLibraryKey, 1024).data());
+}
+
+void Save_Trace() {
+    const char* state = XmToggleButtonGetState(TgEnableTracing) != 0 ? "1" : "0";
+    if (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, textOf(TxtTraceFile)) ||
+        !writeSetting(kLibraryKey, textOf(TxtTraceLib))) {
+        showError(Message::kTraceNotSaved);
+    }
+}
+
+void TraceConfigStateChanged(Widget /*toggle*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    followToggle();
+    XtSetSensitive(BtnApply, True);
+}
+
+void Trace_activityNoticed(Widget /*text*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    XtSetSensitive(BtnApply, True);
+}
+
+void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) {
+    try {
+        Widget box =
+            createFileDialog(isLibrary(kind) ? "*.so" : "*.log",
+                             isLibrary(kind) ? Message::kChooseTraceLibraryTitle : Message::kChooseTraceFileTitle);
+        // Only an empty field presets the box, which then begins without a name; over a name that stands in the field the
+        // dialog begins where it was started, as it always has.
+        if (textOf(fieldOf(kind)).empty()) {
+            const XmStringPtr nothing = compoundString("");
+            XtVaSetValues(box, XmNdirSpec, nothing.get(), nullptr);
+        }
+        XtAddCallback(box, XmNokCallback, FileSelected, kind);
+        XtAddCallback(box, XmNcancelCallback, FileSelectionCancelled, kind);
+        onWindowManagerClose(XtParent(box), dialogClosed, box);
+        XtManageChild(box);
+    } catch (const std::bad_alloc&) {
+        showOutOfMemoryErrorAdmin();
+    }
+}
+
+void FileSelected(Widget box, XtPointer kind, XtPointer callData) {
+    const std::string path = plainText(static_cast<XmFileSelectionBoxCallbackStruct*>(callData)->value);
+    XmTextSetString(fieldOf(kind), const_cast<char*>(path.c_str()));
+    XtDestroyWidget(XtParent(box));
+}
+
+void FileSelectionCancelled(Widget box, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    XtDestroyWidget(XtParent(box));
 }

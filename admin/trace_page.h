@@ -14,5 +14,22 @@ extern Widget TxtTraceLib;
 extern Widget BtnTLibBrowse;
 extern Widget TxtTraceDesc;
 
-// Builds the page and its tab button, both unmanaged.
+// Builds the page and its tab button, both unmanaged, and shows what is stored.
 Widget createTraceTab(Widget notebook);
+
+// Shows the trace settings of ".odbc.ini"; what can't be read is off, or empty.
+void Load_Trace();
+
+// The toggle was switched: the controls below it follow, and Apply wakes.
+void TraceConfigStateChanged(Widget toggle, XtPointer clientData, XtPointer callData);
+// Either text was changed: Apply wakes.
+void Trace_activityNoticed(Widget text, XtPointer clientData, XtPointer callData);
+
+// What is browsed for, as client data of the browse buttons and of their dialog.
+inline constexpr XtArgVal kBrowseTraceFile = 1;
+inline constexpr XtArgVal kBrowseTraceLibrary = 2;
+// Opens a file dialog for one of the two fields.
+void SelectTraceFile(Widget button, XtPointer kind, XtPointer callData);
+// Takes the file chosen over into its field, or leaves the field alone; the dialog is destroyed.
+void FileSelected(Widget box, XtPointer kind, XtPointer callData);
+void FileSelectionCancelled(Widget box, XtPointer clientData, XtPointer callData);

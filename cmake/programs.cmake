@@ -7,6 +7,7 @@ target_link_libraries(motif INTERFACE ${MOTIF_LIBRARY} X11::Xt X11::Xmu X11::Xpm
 
 add_subdirectory(installer)
 add_subdirectory(motifutil)
+add_subdirectory(help)
 add_subdirectory(admin)
 add_subdirectory(catalogs)
 add_subdirectory(packaging)

@@ -10,6 +10,7 @@ target_link_libraries(recording_setup PRIVATE project_flags PkgConfig::ODBCINST)
 
 add_subdirectory(catalogs)
 add_subdirectory(installer)
+add_subdirectory(help)
 
 # The real windows in the test's own process.
 add_executable(widget_tests ${display_support} support/window_test.cpp)

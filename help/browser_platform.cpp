@@ -1,0 +1,172 @@
+#include "help/browser_platform.h"
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr const char* kNames[] = {"netscape6", "netscape", "mozilla", "iexplorer"};
+constexpr const char* kKnownPlaces[] = {
+    "/opt/netscape/netscape",
+    "/usr/local/bin/netscape",
+    "/usr/local/netscape/netscape",
+    "/usr/bin/netscape",
+    "/usr/dt/bin/netscape",
+    "/opt/mozilla/mozilla",
+    "/usr/local/bin/mozilla",
+    "/usr/local/mozilla/mozilla",
+    "/usr/bin/mozilla",
+    "/usr/dt/bin/mozilla",
+    "/usr/local/microsoft/bin/iexplorer",
+};
+
+std::string findAlongPath() {
+    const char* value = std::getenv("PATH");
+    std::string_view rest = value == nullptr ? "" : value;
+    while (!rest.empty()) {
+        const std::string directory(rest.substr(0, rest.find(':')));
+        rest.remove_prefix(std::min(directory.size() + 1, rest.size()));
+        if (directory.empty()) {
+            continue;
+        }
+        for (const char* name : kNames) {
+            const std::string candidate = directory + "/" + name;
+            if (candidate.size() < sizeof(WWHelp_BrowserInfo::browserPath) &&
+                private_WWHelp_Platform_FileIsExecutable(candidate.c_str()) == 0) {
+                return candidate;
+            }
+        }
+    }
+    return {};
+}
+
+std::string findBrowser() {
+    std::string path = findAlongPath();
+    for (const char* place : kKnownPlaces) {
+        if (path.empty() && private_WWHelp_Platform_FileIsExecutable(place) == 0) {
+            path = place;
+        }
+    }
+    return path;
+}
+
+bool isRemoteCapable(const std::string& path) {
+    for (const char* name : {"netscape6", "netscape", "mozilla"}) {
+        if (path == name || path.find(std::string("/") + name) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int writeSignature(WWHelp_BrowserInfo* info) {
+    const int length = std::snprintf(info->processSignature, sizeof info->processSignature, "pid%d@", getpid());
+    const auto used = static_cast<std::size_t>(length);
+    info->processSignature[sizeof info->processSignature - 1] = '\0';
+    return gethostname(info->processSignature + used, sizeof info->processSignature - 1 - used);
+}
+
+// Never returns: the process becomes the program, or ends.
+[[noreturn]] void becomeProgram(const char* file, char** arguments, const char* errorFile) {
+    if (std::freopen("/dev/null", "a", stdout) != nullptr && std::freopen(errorFile, "w", stderr) != nullptr) {
+        execvp(file, arguments);
+    }
+    _exit(255);
+}
+
+// 0 when the program ended well and left the file of its complaints empty. The file is removed.
+int judge(pid_t child, const char* errorFile) {
+    int status = 0;
+    if (waitpid(child, &status, 0) != child) {
+        return -1;
+    }
+    struct stat errors = {};
+    const bool silent = stat(errorFile, &errors) == 0 && errors.st_size == 0;
+    unlink(errorFile);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 && silent ? 0 : -1;
+}
+
+int runProgram(bool wait, const char* file, std::vector<char*>& arguments) {
+    char errorFile[] = "/tmp/wwhapiXXXXXX";
+    const int descriptor = mkstemp(errorFile);
+    if (descriptor < 0) {
+        return -1;
+    }
+    close(descriptor);
+    const pid_t child = fork();
+    if (child < 0) {
+        unlink(errorFile);
+        return -1;
+    }
+    if (child == 0) {
+        becomeProgram(file, arguments.data(), errorFile);
+    }
+    return wait ? judge(child, errorFile) : 0;
+}
+
+}  // namespace
+
+int WWHelp_Platform_Startup() {
+    return 0;
+}
+
+int WWHelp_Platform_Shutdown() {
+    return 0;
+}
+
+int WWHelp_Platform_SetDefaultBrowserInfo(WWHelp_BrowserInfo* info) try {
+    *info = {};
+    const std::string path = findBrowser();
+    if (path.empty()) {
+        return -1;
+    }
+    std::strcpy(info->browserPath, path.c_str());
+    info->remoteCapable = isRemoteCapable(path) ? 1 : 0;
+    if (info->remoteCapable != 0) {
+        const int failure = writeSignature(info);
+        if (failure != 0) {
+            return failure;
+        }
+    }
+    info->remoteProbePassed =
+        private_WWHelp_Platform_Command(1, info->browserPath, "-remote", static_cast<char*>(nullptr)) == 0 ? 1 : 0;
+    return 0;
+} catch (const std::bad_alloc&) {
+    return -1;
+}
+
+int WWHelp_Platform_LaunchWithURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length) try {
+    const std::string address(url, length);
+    return private_WWHelp_Platform_Command(0, info->browserPath, address.c_str(), static_cast<char*>(nullptr));
+} catch (const std::bad_alloc&) {
+    return -1;
+}
+
+int private_WWHelp_Platform_FileIsExecutable(const char* path) {
+    struct stat status = {};
+    return stat(path, &status);
+}
+
+int private_WWHelp_Platform_Command(int wait, const char* file, ...) try {
+    std::vector<char*> arguments{const_cast<char*>(file)};
+    std::va_list rest;
+    va_start(rest, file);
+    do {
+        arguments.push_back(va_arg(rest, char*));
+    } while (arguments.back() != nullptr);
+    va_end(rest);
+    return runProgram(wait != 0, file, arguments);
+} catch (const std::bad_alloc&) {
+    return -1;
+}

@@ -1,0 +1,137 @@
+#include "help/web_help.h"
+
+#include <new>
+#include <string>
+
+#include "help/browser_comm.h"
+
+namespace {
+
+enum class Tab { kNone, kContents, kIndex, kSearch, kFavorites };
+
+std::string sgpWWHelp_Base;
+std::string sgpWWHelp_BaseURL;
+WWHelp_BrowserInfo sgWWHelp_DefaultBrowserInfo{};
+
+bool isGiven(const char* text) {
+    return text != nullptr && *text != '\0';
+}
+
+const char* nameOf(Tab tab) {
+    constexpr const char* kNames[] = {"", "contents", "index", "search", "favorites"};
+    return kNames[static_cast<int>(tab)];
+}
+
+std::string helpUrl(const char* context, const char* topic, bool single, Tab tab) {
+    std::string url = sgpWWHelp_BaseURL;
+    char separator = '?';
+    const auto append = [&url, &separator](const std::string& item) {
+        url += separator + item;
+        separator = '&';
+    };
+    if (isGiven(context) && isGiven(topic)) {
+        append(std::string("context=") + context);
+        append(std::string("topic=") + topic);
+    }
+    if (single) {
+        append("single=true");
+    }
+    if (tab != Tab::kNone) {
+        append(std::string("tab=") + nameOf(tab));
+    }
+    return url;
+}
+
+int displayHelp(const char* context, const char* topic, bool single, Tab tab) try {
+    const std::string url = helpUrl(context, topic, single, tab);
+    if (WWHelp_Comm_SetDefaultBrowserInfo(&sgWWHelp_DefaultBrowserInfo) != 0) {
+        return -1;
+    }
+    return WWHelp_Comm_DisplayHelpURL(&sgWWHelp_DefaultBrowserInfo, url.data(), url.size());
+} catch (const std::bad_alloc&) {
+    return -1;
+}
+
+int displayTopicWith(const char* context, const char* topic, Tab tab) {
+    return isGiven(context) && isGiven(topic) ? displayHelp(context, topic, false, tab) : -1;
+}
+
+void forget() {
+    sgpWWHelp_Base.clear();
+    sgpWWHelp_BaseURL.clear();
+}
+
+}  // namespace
+
+int WWHelp_Startup(const char* root) try {
+    if (!sgpWWHelp_Base.empty() || !isGiven(root)) {
+        return -1;
+    }
+    sgpWWHelp_Base = root;
+    sgpWWHelp_BaseURL = sgpWWHelp_Base + "/wwhelp/wwhimpl/api.htm";
+    if (WWHelp_Comm_Startup() == 0) {
+        if (WWHelp_Comm_NewBrowserInfo(&sgWWHelp_DefaultBrowserInfo) == 0) {
+            return 0;
+        }
+        WWHelp_Comm_Shutdown();
+    }
+    forget();
+    return -1;
+} catch (const std::bad_alloc&) {
+    forget();
+    return -1;
+}
+
+int WWHelp_Shutdown() {
+    if (sgpWWHelp_Base.empty()) {
+        return -1;
+    }
+    forget();
+    const int cleared = WWHelp_Comm_DeleteBrowserInfo(&sgWWHelp_DefaultBrowserInfo);
+    const int ended = WWHelp_Comm_Shutdown();
+    return cleared == 0 && ended == 0 ? 0 : -1;
+}
+
+int WWHelp_DisplayHelp(const char* context, const char* topic) {
+    return isGiven(context) && isGiven(topic) ? displayHelp(context, topic, true, Tab::kNone) : 0;
+}
+
+int WWHelp_DisplayHelpWithNavigation(const char* context, const char* topic) {
+    return displayTopicWith(context, topic, Tab::kNone);
+}
+
+int WWHelp_DisplayHelpWithContents(const char* context, const char* topic) {
+    return displayTopicWith(context, topic, Tab::kContents);
+}
+
+int WWHelp_DisplayHelpWithIndex(const char* context, const char* topic) {
+    return displayTopicWith(context, topic, Tab::kIndex);
+}
+
+int WWHelp_DisplayHelpWithSearch(const char* context, const char* topic) {
+    return displayTopicWith(context, topic, Tab::kSearch);
+}
+
+int WWHelp_DisplayHelpWithFavorites(const char* context, const char* topic) {
+    return displayTopicWith(context, topic, Tab::kFavorites);
+}
+
+int WWHelp_DisplayHelpNavigation() {
+    return displayHelp(nullptr, nullptr, false, Tab::kNone);
+}
+
+int WWHelp_DisplayHelpContents() {
+    return displayHelp(nullptr, nullptr, false, Tab::kContents);
+}
+
+int WWHelp_DisplayHelpIndex() {
+    return displayHelp(nullptr, nullptr, false, Tab::kIndex);
+}
+
+int WWHelp_DisplayHelpSearch() {
+    return displayHelp(nullptr, nullptr, false, Tab::kSearch);
+}
+
+int WWHelp_DisplayHelpFavorites() {
+    return displayHelp(nullptr, nullptr, false, Tab::kFavorites);
+}

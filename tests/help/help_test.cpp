@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "help/browser_platform.h"
+#include "help/help_locator.h"
+#include "help/url_routines.h"
+#include "help/web_help.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+using Routine = int (*)(const char*, std::size_t, char**, std::size_t*);
+
+// What a routine makes of a text, or "(-1)".
+std::string made(Routine routine, const std::string& text) {
+    char* out = nullptr;
+    std::size_t length = 0;
+    if (routine(text.data(), text.size(), &out, &length) != 0) {
+        return "(-1)";
+    }
+    std::string result(out, length);
+    EXPECT_EQ(out[length], '\0');
+    std::free(out);
+    return result;
+}
+
+TEST(HelpUrl, IsEscapedAndUnescaped) {
+    struct Case {
+        const char* about;
+        Routine routine;
+        std::string in;
+        std::string out;
+    };
+    const Case kCases[] = {
+        {"query", WWHelp_URL_EscapeForJavaScript, "a?b&c", "a%3fb%26c"},
+        {"all that are escaped", WWHelp_URL_EscapeForJavaScript, "\"%&'?\\", "%22%25%26%27%3f%5c"},
+        {"bytes above 127", WWHelp_URL_EscapeForJavaScript, "\xc3\xa4/x y", "\xc3\xa4/x y"},
+        {"empty", WWHelp_URL_EscapeForJavaScript, "", "(-1)"},
+        {"there and back", WWHelp_URL_Unescape, "a%3fb%26c", "a?b&c"},
+        {"cut off", WWHelp_URL_Unescape, "ab%4", "ab4"},
+        {"last byte", WWHelp_URL_Unescape, "ab%", "ab"},
+        {"nothing left", WWHelp_URL_Unescape, "%", "(-1)"},
+        {"smart", WWHelp_URL_BuildSmartURL, "u?",
+         "javascript:x=unescape('u%3f');if(typeof(window.WWHFrame)!='undefined'){window.WWHFrame.WWHHelp."
+         "fSetContextDocument(x);}else{y=eval('document.open();document.writeln(\\'<a "
+         "href=\"'+x+'\">'+x+'</a>\\');document.close();');}"},
+    };
+    for (const Case& row : kCases) {
+        EXPECT_EQ(made(row.routine, row.in), row.out) << row.about;
+    }
+}
+
+// A PATH of folders "a" and "b" in which browsers are scripts that write down their arguments.
+class BrowserTest : public testing::Test {
+protected:
+    void addBrowser(const std::string& name, const std::string& action) {
+        folder_.write(name, "#!/bin/sh\n" + action + "\n");
+        chmod(folder_.path(name).c_str(), 0755);
+    }
+    std::string recording() const { return "echo \"$@\" >>" + folder_.path("arguments"); }
+    // The arguments of all calls so far; waits for the one that nobody else waits for.
+    std::string arguments(const std::string& until) const {
+        for (int i = 0; i < 200 && folder_.read("arguments").find(until) == std::string::npos; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return folder_.read("arguments");
+    }
+
+    TemporaryFolder folder_;
+    ScopedEnvironment environment_{{"PATH", folder_.path("a") + "::" + folder_.path("b") + ":/bin:/usr/bin"},
+                                   {"DISPLAY", ""},
+                                   {"ODBCINST", folder_.path("odbcinst.ini")}};
+};
+
+TEST_F(BrowserTest, DirectoriesGoBeforeNames) {
+    addBrowser("b/netscape6", "exit 0");
+    WWHelp_BrowserInfo info{};
+    ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
+    EXPECT_EQ(info.browserPath, folder_.path("b/netscape6"));
+    EXPECT_EQ(info.remoteCapable, 1);
+    EXPECT_EQ(info.remoteProbePassed, 1);
+    EXPECT_EQ(std::string(info.processSignature).find("pid" + std::to_string(getpid()) + "@"), 0U);
+
+    // What can't be run is found all the same, and its probe fails.
+    folder_.write("a/iexplorer", "no program");
+    ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
+    EXPECT_EQ(info.browserPath, folder_.path("a/iexplorer"));
+    EXPECT_EQ(info.remoteCapable, 0);
+    EXPECT_EQ(info.remoteProbePassed, 0);
+
+    addBrowser("a/mozilla", "echo complaint >&2");
+    ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
+    EXPECT_EQ(info.browserPath, folder_.path("a/mozilla"));
+    EXPECT_EQ(info.remoteProbePassed, 0);
+}
+
+TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
+    addBrowser("a/iexplorer", recording());
+    folder_.write("odbcinst.ini", "[Administrator]\nHelpRootDirectory=/opt/help\n[Empty]\nHelpRootDirectory=\n");
+    const auto text = [](const char* s) { return reinterpret_cast<const unsigned char*>(s); };
+    kvDisplayHelp(text("Administrator"), text("userdsn"));
+    EXPECT_EQ(arguments("true"),
+              "-remote\nFile:////opt/help/wwhelp/wwhimpl/api.htm?context=ODBC&topic=userdsn&single=true\n");
+
+    folder_.write("arguments", "");
+    ASSERT_EQ(WWHelp_Startup("File:///h"), 0);
+    EXPECT_EQ(WWHelp_Startup("File:///h"), -1);
+    EXPECT_EQ(WWHelp_DisplayHelpWithIndex("ODBC", ""), -1);
+    EXPECT_EQ(WWHelp_DisplayHelp("ODBC", nullptr), 0);
+    EXPECT_EQ(folder_.read("arguments"), "");
+    EXPECT_EQ(WWHelp_DisplayHelpSearch(), 0);
+    EXPECT_EQ(arguments("search"), "-remote\nFile:///h/wwhelp/wwhimpl/api.htm?tab=search\n");
+    EXPECT_EQ(WWHelp_DisplayHelpWithFavorites("C", "t"), 0);
+    EXPECT_EQ(arguments("favorites"),
+              "-remote\nFile:///h/wwhelp/wwhimpl/api.htm?tab=search\n-remote\n"
+              "File:///h/wwhelp/wwhimpl/api.htm?context=C&topic=t&tab=favorites\n");
+    EXPECT_EQ(WWHelp_Shutdown(), 0);
+    EXPECT_EQ(WWHelp_Shutdown(), -1);
+
+    unsigned char buffer[16];
+    unsigned char* url = buffer;
+    EXPECT_EQ(kvFindHelpRoot(text("Administrator"), &url, sizeof buffer), 0);
+    EXPECT_STREQ(reinterpret_cast<char*>(buffer), "File:////opt/he");
+    EXPECT_EQ(kvFindHelpRoot(text("Administrator"), &url, 0), 1);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(kvFindHelpRoot(text("Empty"), &url, sizeof buffer), 1);
+    EXPECT_EQ(kvFindHelpRoot(text("Missing"), &url, sizeof buffer), 1);
+    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+}
+
+}  // namespace
