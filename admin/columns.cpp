@@ -37,6 +37,19 @@ Dimension widestRow(Widget list) {
     return count > 0 ? preferredWidth(list) : Dimension{0};
 }
 
+// How far the window around a list is scrolled to the right.
+int scrolledSideways(Widget list) {
+    Widget window = XtParent(list);
+    while (!XmIsScrolledWindow(window)) {
+        window = XtParent(window);
+    }
+    Widget scrollBar = nullptr;
+    XtVaGetValues(window, XmNhorizontalScrollBar, &scrollBar, nullptr);
+    int value = 0;
+    XtVaGetValues(scrollBar, XmNvalue, &value, nullptr);
+    return value;
+}
+
 // Places the lists side by side and gives the forms around lists and headers the size of what is in them. Left alone, a form
 // in a scrolled window grows with its children but does not shrink with them.
 void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) {
@@ -51,7 +64,7 @@ void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) 
     XtVaSetValues(XtParent(columns.front().list), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, XmNheight, height,
                   nullptr);
     XtVaSetValues(XtParent(columns.front().header), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, nullptr);
-    scrollHeaders(columns, 0);
+    scrollHeaders(columns, scrolledSideways(columns.front().list));
 }
 
 }  // namespace

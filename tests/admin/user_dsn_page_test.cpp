@@ -136,6 +136,10 @@ TEST_F(UserDsnPageTest, HeadersStayAboveTheirColumns) {
     settle();
     EXPECT_EQ(placeOf(LstUName).x, before - 40);
     expectAligned("scrolled by 40");
+    populateUserDSN(LstUName, LstUDesc);
+    settle();
+    EXPECT_EQ(placeOf(LstUName).x, before - 40);
+    expectAligned("filled again");
     click(scrollBar);
     key(XK_Right, XK_Control_L);  // a page
     EXPECT_NE(placeOf(LstUName).x, before - 40);
