@@ -108,6 +108,13 @@ unsigned char motifType(unsigned long type) {
     }
 }
 
+// The main shell can be what a report stood over; it has no parent, and Xt ends the process when it is unmanaged.
+void hideConfiguration(Widget configuration) {
+    if (configuration != nullptr && XtParent(configuration) != nullptr) {
+        XtUnmanageChild(configuration);
+    }
+}
+
 Widget createSetupError(Widget parent, Message::Number message) {
     return createMessageDialog(parent, kErrorDialog, catalogText(message).c_str(),
                                catalogText(Message::kSetupErrorOk).c_str(), "",
@@ -170,17 +177,13 @@ void showOutOfMemoryError(Widget parent) {
 }
 
 void exitDriverConfig(Widget /*widget*/, XtPointer clientData, XtPointer /*callData*/) {
-    const auto configuration = static_cast<Widget>(clientData);
-    // The main shell can be what the box stood over; it has no parent, and Xt ends the process when it is unmanaged.
-    if (configuration != nullptr && XtParent(configuration) != nullptr) {
-        XtUnmanageChild(configuration);
-    }
+    hideConfiguration(static_cast<Widget>(clientData));
     addDatabaseError(0, Message::kOutOfMemory, catalogText(Message::kOutOfMemory).c_str(), 0, kCPLocale);
     exit_dialog_loop();
 }
 
 void outOfMemoryError(Widget widget) {
-    XtUnmanageChild(widget);
+    hideConfiguration(widget);
     addError(LibraryMessage::kConfigurationAbandoned);
     exit_dialog_loop();
 }
