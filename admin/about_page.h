@@ -18,7 +18,7 @@ Widget createAboutForm(Widget notebook);
 // an empty version.
 void populateAboutTab();
 
-// Places lists and headers side by side by the lists' widths.
+// Places the lists and headers of the page, which are always the same, side by side by the lists' widths.
 void setSizePosAboutTabWidgets();
 
 // Keeps the selected row of the three lists in step.
