@@ -2,6 +2,7 @@
 #include "tests/support/x_display.h"
 
 #include <X11/keysym.h>
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -244,6 +245,73 @@ TEST_F(ProgramTest, ADataSourceIsAddedConfiguredUsedAndRemoved) {
     window = waitFor(kTitle, false);
     press(kOk);
     expectEnd(0);
+}
+
+TEST_F(ProgramTest, AForeignDriverManagerOnTheSearchPathDoesNotEndIt) {
+    // Built from source it lands in such a place, and it can't say its version.
+    files.write("lib/libodbc.so", outputOf("cat " VH_TEST_LIBRARY));
+    const ScopedEnvironment search{{"LD_LIBRARY_PATH", files.path("lib")}};
+    start();
+    press(kCancel);
+    expectEnd(0);
+    EXPECT_EQ(files.read("output"), "");
+}
+
+// A PostgreSQL server of the test's own on the loopback interface.
+class PostgresServer {
+public:
+    explicit PostgresServer(const TemporaryFolder& folder) : data_(folder.path("data")) {
+        outputOf("chmod 755 " + folder.path() + " && install -d -o postgres " + data_);
+        const std::string made = run("initdb -A trust -D " + data_);
+        const std::string options = "-p " + std::to_string(port_) + " -c listen_addresses=127.0.0.1 -k " + data_;
+        const std::string started = run("pg_ctl start -w -l " + data_ + "/log -D " + data_ + " -o \"" + options + "\"");
+        EXPECT_NE(started.find("server started"), std::string::npos) << made << started;
+    }
+    ~PostgresServer() { run("pg_ctl stop -m immediate -D " + data_); }
+    PostgresServer(const PostgresServer&) = delete;
+    PostgresServer& operator=(const PostgresServer&) = delete;
+    std::string port() const { return std::to_string(port_); }
+
+private:
+    // The server refuses to run as root.
+    static std::string run(const std::string& command) {
+        return outputOf("cd / && runuser -u postgres -- $(ls -d /usr/lib/postgresql/*/bin | tail -n 1)/" + command);
+    }
+    std::string data_;
+    int port_ = 20000 + getpid() % 10000;
+};
+
+TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredListedAndConnect) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "Only root can start a database server as another user.";
+    }
+    files.write(OdbcFiles::kDrivers, "");
+    for (const char* driver : {"sqlite", "postgresql", "freetds"}) {
+        outputOf("odbcinst -i -d -f " + stage("share/drivers/") + driver + ".ini");
+    }
+    EXPECT_EQ(outputOf("odbcinst -q -d"), "[Varnholt SQLite]\n[Varnholt PostgreSQL]\n[Varnholt FreeTDS]\n");
+    start();
+    press(kCancel);
+    expectEnd(0);
+    EXPECT_EQ(files.read("output"), "");
+
+    const TemporaryFolder folder;
+    const PostgresServer server(folder);
+    const ScopedEnvironment texts{{"VH_INSTALLDIR", stage("")}};
+    void* setup = dlopen(stage("lib/vhsetup23.so").c_str(), RTLD_NOW);
+    ASSERT_NE(setup, nullptr) << dlerror();
+    const auto configDsn =
+        reinterpret_cast<int (*)(void*, unsigned short, const char*, const char*)>(dlsym(setup, "ConfigDSN"));
+    const auto add = [&](const char* driver, const std::string& attributes) {
+        EXPECT_EQ(configDsn(nullptr, 1, driver, attributes.c_str()), 1) << driver;
+    };
+    add("Varnholt PostgreSQL",
+        "DSN=pg\0Servername=127.0.0.1\0Database=postgres\0Username=postgres\0SSLmode=disable\0Port="s + server.port() +
+            '\0');
+    add("Varnholt FreeTDS", "DSN=tds\0Server=127.0.0.1\0TDS_Version=7.4\0Port=1\0"s);
+    files.write("query", "select 6*7;\n");
+    EXPECT_NE(outputOf("isql -b -d, pg <" + files.path("query")).find("42"), std::string::npos);
+    EXPECT_NE(outputOf("isql -v -b tds <" + files.path("query")).find("[FreeTDS]"), std::string::npos);
 }
 
 }  // namespace
