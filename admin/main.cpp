@@ -45,6 +45,7 @@ int main(int argc, char** argv) {
     const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();
     // Only now: the catalog is chosen by the environment while the process is still in the "C" locale.
     std::setlocale(LC_ALL, "");
+    installer::keepMemoryBetweenReads();
     installer::useUserConfiguration();
 
     create_shODBCAdmin(display, argv[0], argc, argv);

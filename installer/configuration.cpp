@@ -1,5 +1,6 @@
 #include "installer/configuration.h"
 
+#include <malloc.h>
 #include <odbcinst.h>
 #include <strings.h>
 
@@ -49,6 +50,11 @@ WritableConfiguration::WritableConfiguration() : modeBefore_(ODBC_BOTH_DSN) {
 
 WritableConfiguration::~WritableConfiguration() {
     SQLSetConfigMode(modeBefore_);
+}
+
+void keepMemoryBetweenReads() {
+    constexpr int kKeptBytes = 256 << 20;
+    mallopt(M_TRIM_THRESHOLD, kKeptBytes);
 }
 
 void forgetCachedValues() {
