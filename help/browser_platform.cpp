@@ -41,7 +41,7 @@ std::string findAlongPath() {
             continue;
         }
         for (const char* name : kNames) {
-            const std::string candidate = directory + "/" + name;
+            std::string candidate = directory + "/" + name;
             if (candidate.size() < sizeof(WWHelp_BrowserInfo::browserPath) &&
                 private_WWHelp_Platform_FileIsExecutable(candidate.c_str()) == 0) {
                 return candidate;
