@@ -154,18 +154,6 @@ TEST_F(MessageCatalogTest, TheLibrarysCatalogWaitsForIniLocks) {
     EXPECT_NE(CatFD, invalidCatalog());
 }
 
-TEST_F(MessageCatalogTest, TheTraceTellsOpeningAndLookup) {
-    environment_.set("LANG", "de_DE");
-    BOS_RUNTIME_DEBUG = DebugBit::kCatalog;
-    testing::internal::CaptureStdout();
-    bosLoadResourceDLL("test23", 0, nullptr, nullptr);
-    char buffer[64];
-    LoadString(nullptr, 1, buffer, sizeof buffer);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "OpenStrings: HINST=test23\nOpenStrings: Default LC_MESSAGES=C\nOpenStrings: Using LC_MESSAGES=C\n"
-              "LoadStringFromOpenFile: idResource=1\nLoadStringFromOpenFile: Lookup returns: library\n");
-}
-
 TEST(StaticStart, MaskAndLocksAreReadyBeforeMain) {
     const struct {
         const char* debugging;  // assignments before the command

@@ -104,60 +104,6 @@ TEST(ConfigurationFileNames, ThatGrowTooLongAreRefused) {
     EXPECT_EQ(errors.numbers(), "30041");
 }
 
-TEST(ConfigurationFileNames, AreTracedWithTheirReplacement) {
-    const ScopedEnvironment environment{{"HOME", "/h"}, {"KVLIB_INI", {}}};
-    BOS_RUNTIME_DEBUG = DebugBit::kFile;
-    testing::internal::CaptureStdout();
-    char name[kPathSize] = ".kvlib.ini";
-    int descriptor = 0;
-    bosFileOpen(name, kResolve, &descriptor);
-    bosexist("/");
-    BOS_RUNTIME_DEBUG = 0;
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "bosfopen - File:.kvlib.ini\nbosfopen: Replacing .kvlib.ini with /h/.kvlib.ini\n"
-              "bosexist: Name=/  exists: 1\n");
-}
-
-TEST(Paths, ArePutTogether) {
-    const std::string longName(1024, 'n');
-    const struct {
-        const char* directory;
-        std::string name;
-        const char* extension;
-        std::string expected;
-        int failed = 0;
-    } rows[] = {
-        {"/d", "n", "ext", "/d/n.ext"},
-        {"/d/", "n", ".ext", "/d/n.ext"},
-        {"/d", "n.x", "ext", "/d/n.x"},
-        {"/d.d", "n", "ext", "/d.d/n.ext"},
-        {"", ".hidden", "ext", ".hidden.ext"},
-        {nullptr, "n", nullptr, "n"},
-        {"/d", "/n", "", "/n"},
-        {"", longName, "", longName},
-        {"/", longName, "", "", 1},
-        {"", longName, "x", "", 1},
-    };
-    for (const auto& row : rows) {
-        char path[kPathSize] = "old";
-        EXPECT_EQ(bospath(path, row.directory, row.name.c_str(), row.extension), row.failed);
-        EXPECT_EQ(std::string(path), row.expected);
-    }
-}
-
-TEST(Paths, AreTakenApart) {
-    const struct {
-        const char *path, *directory, *name;
-    } rows[] = {{"/a/b", "/a", "b"}, {"/b", "/", "b"}, {"b", "", "b"}, {"a/", "a", ""}, {"", "", ""}};
-    for (const auto& row : rows) {
-        char directory[kPathSize];
-        char name[kPathSize];
-        EXPECT_EQ(bosParseName(row.path, directory, name), 0);
-        EXPECT_STREQ(directory, row.directory) << row.path;
-        EXPECT_STREQ(name, row.name) << row.path;
-    }
-}
-
 TEST(Paths, GoToTheHomeDirectory) {
     char here[kPathSize];
     ASSERT_NE(getcwd(here, sizeof here), nullptr);

@@ -171,21 +171,4 @@ TEST_F(LibraryTest, LibrariesAreLoadedByTheirBareName) {
         << "a file of the current directory is what is loaded";
 }
 
-TEST_F(LibraryTest, TheTraceTellsSearchAndFailure) {
-    const std::string broken = folder_.write("broken.so", "no library");
-    environment_.set("KV", folder_.path());
-    BOS_RUNTIME_DEBUG = DebugBit::kLocate | DebugBit::kLibrary;
-    testing::internal::CaptureStdout();
-    bosLoadLibrary("absent", 0);
-    bosLoadLibrary("broken", 0);
-    const std::string text = testing::internal::GetCapturedStdout();
-    const std::string expected = "LoadLibrary: Searching for absent.so.\nLocateFile: " + folder_.path("absent.so") +
-                                 "\nLocateFile: " + folder_.path("../absent.so") +
-                                 "\nLocateFile: /usr/local/lib/absent.so\nLocateFile: /usr/local/lib/../absent.so\n" +
-                                 "Unable to open Shared Library: absent.so\nLoadLibrary: Searching for broken.so.\n" +
-                                 "LocateFile: " + broken + "\nLoadLibrary: Found library " + broken + ".\n" +
-                                 "Unable to open Shared Library:" + broken + "\nLoader Error: ";
-    EXPECT_EQ(text.substr(0, expected.size()), expected);
-}
-
 }  // namespace

@@ -98,19 +98,6 @@ TEST(ErrorKeeper, GivingUpNothingStillCountsAUseDown) {
     EXPECT_EQ(mdsGetPerThreadDataAddress(0), nullptr);
 }
 
-TEST(ErrorKeeper, WorksOnAGivenRecord) {
-    KvThreadInfo record;
-    KvErrorList lower;
-    KvErrorList upper;
-    KvErrorKeeper::setErrorList(&lower, &record);
-    KvErrorKeeper::setErrorList(&upper, &record);
-    EXPECT_EQ(record.slots[0], &upper);
-    EXPECT_EQ(KvErrorKeeper::currentList(), nullptr);
-    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(&record), &upper);
-    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(&record), &lower);
-    EXPECT_EQ(KvErrorKeeper::giveUpErrorList(&record), nullptr);
-}
-
 TEST_F(ErrorListTest, ListsFormAStack) {
     KvErrorList upper;
     KvErrorKeeper::setErrorList(&upper);
@@ -159,17 +146,6 @@ TEST_F(ErrorListTest, MemoryErrorsComeLastAndOnce) {
     ramAddMemoryError();
     EXPECT_EQ(list_.removeFirstError(), &MemoryError);
     EXPECT_EQ(numbers(list_), std::vector{2});
-}
-
-TEST_F(KeepAllTest, KeepsErrorsBesideAMemoryError) {
-    addError(1, u"a");
-    addError(2, u"b");
-    ramAddMemoryError();
-    EXPECT_EQ(numbers(all_), (std::vector{1, 2}));
-    EXPECT_EQ(all_.getErrorsMix(), 2);
-    EXPECT_EQ(all_.removeLastError(), &MemoryError);
-    std::unique_ptr<KvError> first(all_.removeFirstError());
-    EXPECT_EQ(first->number(), 1);
 }
 
 TEST_F(KeepAllTest, OperationsByPosition) {

@@ -122,15 +122,6 @@ TEST_F(KvArrayTest, InitialSizeHasALimitAndForgetsAnEarlierBuffer) {
     EXPECT_EQ(empty.capacity(), 16U);
 }
 
-TEST_F(KvArrayTest, GrowthWithoutPreservingEmptiesEverySlot) {
-    fill({{1, 'a'}, {2, 'b'}});
-    array_.deleteAtIndex(0);
-    delete array_.at(0);
-    ASSERT_EQ(array_.increaseSize(4, false), 0);
-    EXPECT_EQ(array_.capacity(), 20U);
-    EXPECT_EQ(names(array_), "-");
-}
-
 TEST_F(KvArrayTest, ShrinksOwnBuffersOnly) {
     fill({{1, 'a'}, {2, 'b'}});
     ASSERT_EQ(array_.shrink(3), 0);
@@ -161,32 +152,6 @@ TEST_F(KvArrayTest, SortsInWithEqualKeysInOrderOfArrival) {
     EXPECT_EQ(names(array_), "abcdxx");
     array_.realResort();
     EXPECT_EQ(names(array_), "xxabcd");
-}
-
-TEST_F(KvArrayTest, FindsKeysAndWhereTheyBelong) {
-    struct Row {
-        int key;
-        int found;
-        std::uint64_t index;
-    };
-    Item key(0, '?');
-    std::uint64_t index = 99;
-    EXPECT_EQ(array_.findIndexOf(&key, index), 0);
-    EXPECT_EQ(index, 0U);
-    fill({{10, 'a'}, {20, 'b'}, {20, 'c'}, {20, 'd'}, {30, 'e'}});
-    for (const Row& row :
-         {Row{5, 0, 0}, Row{10, 1, 0}, Row{15, 0, 1}, Row{20, 1, 2}, Row{25, 0, 4}, Row{30, 1, 4}, Row{35, 0, 5}}) {
-        key.setKey(row.key);
-        EXPECT_EQ(array_.findIndexOf(&key, index), row.found) << row.key;
-        EXPECT_EQ(index, row.index) << row.key;
-    }
-    key.setKey(20);
-    EXPECT_EQ(array_.findIndexOfLastKey(&key, 2), 3U);
-    EXPECT_EQ(array_.seqFindIndexOf(&key, index), 1);
-    EXPECT_EQ(index, 1U);
-    key.setKey(21);
-    EXPECT_EQ(array_.seqFindIndexOf(&key, index), 0);
-    EXPECT_EQ(index, 5U);
 }
 
 TEST_F(KvArrayTest, TakesOutDuplicatesInAnyOrder) {

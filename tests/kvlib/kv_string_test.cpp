@@ -49,24 +49,6 @@ TEST_F(KvStringTest, BufferSizesAreExact) {
     EXPECT_EQ(errors_.getLastError(), nullptr);
 }
 
-TEST_F(KvStringTest, InitializeLeavesAnEarlierBufferToItsHolder) {
-    KvString text;
-    ASSERT_EQ(text.initialize("old"), 0);
-    auto* held = const_cast<char*>(text.data());
-    ASSERT_EQ(text.initialize(nullptr), 0);
-    EXPECT_STREQ(held, "old");
-    EXPECT_STREQ(text.data(), "");
-    std::free(held);
-}
-
-TEST_F(KvStringTest, AppendsItsOwnText) {
-    KvString text;
-    ASSERT_EQ(text.initialize("abc"), 0);
-    ASSERT_EQ(text.concat(text), 0);
-    ASSERT_EQ(text.concat(KvSubString(text.data() + 4, 2)), 0);
-    EXPECT_EQ(text.view(), "abcabcbc");
-}
-
 TEST_F(KvStringTest, ABorrowedBufferIsNeverGrown) {
     char buffer[4] = {'a', 'b'};
     KvString text;
