@@ -170,6 +170,11 @@ enum Number : std::uint32_t {
     kDriverDefault = 11,
     kOverwriteQuestion = 12,
     kDefaultHint = 13,
+    kSavePassword = 14,
+    kSavePasswordHint = 15,
+    kTest = 16,
+    kAbout = 17,
+    kChooseFileTitle = 18,
 
     // What is wrong with a data source or one of its settings.
     kNameMissing = 20,
@@ -192,5 +197,18 @@ enum Number : std::uint32_t {
     kRemoveFailed = 45,
     kAlreadyOpen = 46,
     kNoMemory = 47,
+
+    // The connection test.
+    kTestSucceeded = 60,
+    kTestFailed = 61,
+    kTestFailedSilently = 62,
+
+    // The About form.
+    kAboutTitle = 70,
+    kAboutFile = 71,
+    kAboutVersion = 72,
+    kAboutCompany = 73,
+    kAboutDate = 74,
+    kAboutSize = 75,
 };
 }  // namespace SetupMessage

@@ -99,8 +99,12 @@ Widget createPushButton(Widget parent, const char* name, Message::Number text, X
     return createPushButton(parent, name, catalogText(text), activated, clientData);
 }
 
+Widget createToggleButton(Widget parent, const char* name, const std::string& text) {
+    return createLabelled(parent, name, xmToggleButtonWidgetClass, text);
+}
+
 Widget createToggleButton(Widget parent, const char* name, Message::Number text) {
-    return createLabelled(parent, name, xmToggleButtonWidgetClass, catalogText(text));
+    return createToggleButton(parent, name, catalogText(text));
 }
 
 Widget createTextField(Widget parent, const char* name) {

@@ -57,6 +57,7 @@ Widget createPushButton(Widget parent, const char* name, const std::string& text
                         XtPointer clientData = nullptr);
 Widget createPushButton(Widget parent, const char* name, Message::Number text, XtCallbackProc activated = nullptr,
                         XtPointer clientData = nullptr);
+Widget createToggleButton(Widget parent, const char* name, const std::string& text);
 Widget createToggleButton(Widget parent, const char* name, Message::Number text);
 Widget createTextField(Widget parent, const char* name);
 // Shows the cursor of a text widget only while it has the keyboard; an idle one would blur the first letter.

@@ -55,6 +55,7 @@ struct Request {
 SetupFormContent formContent(const Request& request, const std::string& storedName, const std::string& library) {
     SetupFormContent content;
     content.driver = request.driver;
+    content.library = library;
     content.storedName = storedName;
     content.name = request.name;
     if (std::optional<std::vector<DriverProperty>> described = askDriver(library)) {
@@ -64,8 +65,8 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
         content.hasFurtherSettings = true;
     }
 
-    const Settings stored = storedName.empty() ? Settings() : withoutNameAndDriver(readDataSource(storedName));
-    content.shown = stored;
+    content.stored = storedName.empty() ? Settings() : withoutNameAndDriver(readDataSource(storedName));
+    content.shown = content.stored;
     if (storedName.empty()) {
         for (const DriverProperty& property : content.properties) {
             if (!property.defaultValue.empty() && property.kind != PropertyKind::kFixed) {
@@ -74,7 +75,7 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
         }
     }
     for (const installer::Attribute& attribute : request.attributes) {
-        if (storedName.empty() || valueOf(stored, attribute.key) != attribute.value) {
+        if (storedName.empty() || valueOf(content.stored, attribute.key) != attribute.value) {
             setValue(content.pending, attribute.key, attribute.value);
         }
     }

@@ -109,6 +109,17 @@ std::string trimmed(std::string_view text) {
     return std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
 }
 
+std::string oneLine(std::string_view text) {
+    std::string line;
+    for (const char byte : text) {
+        const bool isBlank = std::string_view(" \t\r\n\v\f").find(byte) != std::string_view::npos;
+        if (!isBlank || (!line.empty() && line.back() != ' ')) {
+            line += isBlank ? ' ' : byte;
+        }
+    }
+    return trimmed(line);
+}
+
 bool isPasswordKey(std::string_view key) {
     constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
     std::string lower(key);

@@ -32,6 +32,8 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
 
 // Without the blanks at both ends, which the configuration files do not keep.
 std::string trimmed(std::string_view text);
+// The same with line breaks, tabs and runs of blanks inside of it as one blank each.
+std::string oneLine(std::string_view text);
 
 // Whether the key is one of a password: its value is never shown.
 bool isPasswordKey(std::string_view key);

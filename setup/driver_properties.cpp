@@ -65,6 +65,8 @@ PropertyKind kindOf(int promptType, const std::string& key, bool hasChoices) {
             return hasChoices ? PropertyKind::kCombo : PropertyKind::kText;
         case ODBCINST_PROMPTTYPE_TEXTEDIT_PASSWORD:
             return PropertyKind::kPassword;
+        case ODBCINST_PROMPTTYPE_FILENAME:
+            return PropertyKind::kFile;
         default:
             // Older drivers describe their passwords as plain text.
             return isPasswordKey(key) ? PropertyKind::kPassword : PropertyKind::kText;
@@ -85,6 +87,7 @@ std::vector<DriverProperty> copyProperties(const ODBCINSTPROPERTY* node) {
         property.key = trimmed(textOf(node->szName));
         property.defaultValue = trimmed(textOf(node->szValue));
         property.choices = choicesOf(*node);
+        property.help = oneLine(node->pszHelp == nullptr ? "" : node->pszHelp);
         property.kind = kindOf(node->nPromptType, property.key, !property.choices.empty());
         if (isWanted(property.key, properties)) {
             properties.push_back(std::move(property));

@@ -9,6 +9,7 @@
 enum class PropertyKind {
     kText,
     kPassword,
+    kFile,   // Text, with a dialog to choose a file.
     kMenu,   // One of the choices.
     kCombo,  // Text, with choices to pick from.
     kFixed,  // Shown and not edited.
@@ -20,6 +21,7 @@ struct DriverProperty {
     std::string defaultValue;
     PropertyKind kind = PropertyKind::kText;
     std::vector<std::string> choices;
+    std::string help{};  // One line; empty when the driver says nothing.
 };
 
 // The driver's library according to the driver file; empty when there is no such driver.

@@ -2,6 +2,7 @@
 
 #include <Xm/ComboBox.h>
 #include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
 
 #include <algorithm>
 #include <array>
@@ -11,9 +12,11 @@
 #include <vector>
 
 #include "installer/configuration.h"
+#include "motifutil/message_dialog.h"
 #include "motifutil/text_verifiers.h"
 #include "motifutil/widgets.h"
 #include "setup/data_source.h"
+#include "setup/file_dialog.h"
 #include "setup/setup_texts.h"
 
 namespace {
@@ -23,8 +26,8 @@ constexpr short kChoiceColumns = 16;
 constexpr int kMostVisibleChoices = 10;
 
 // A name that resource files can refer to: dots and blanks have a meaning there.
-std::string widgetName(const char* prefix, const std::string& key) {
-    std::string name = prefix + key;
+std::string widgetName(const char* prefix, const std::string& key, const char* suffix = "") {
+    std::string name = prefix + key + suffix;
     std::replace_if(
         name.begin(), name.end(), [](unsigned char byte) { return byte < 0x80 && std::isalnum(byte) == 0; }, '_');
     return name;
@@ -67,14 +70,39 @@ public:
     std::string value() const override { return trimmed(fieldText(field_)); }
 };
 
+// A path, with a button that opens a dialog to choose it in.
+class FileRow : public TextRow {
+public:
+    FileRow(Widget parent, const std::string& key, const std::string& value)
+        : TextRow(parent, key, widgetName("Txt", key), value) {
+        aside_ = createPushButton(parent, widgetName("Btn", key, "Browse").c_str(), Message::kBrowse, browse, field_);
+        // A button in a line with fields is not much higher than they are.
+        XtVaSetValues(aside_, XmNmarginHeight, 1, nullptr);
+    }
+
+private:
+    static void browse(Widget button, XtPointer field, XtPointer /*callData*/) {
+        try {
+            showFileDialog(static_cast<Widget>(field));
+        } catch (const std::bad_alloc&) {
+            showOutOfMemoryError(XtParent(button));
+        }
+    }
+};
+
+// The password goes into the file only when the person says so: everything else that reads the file could read it too.
 class PasswordRow : public SettingRow {
 public:
-    PasswordRow(Widget parent, const std::string& key, const std::string& value) : SettingRow(parent, key) {
+    PasswordRow(Widget parent, const std::string& key, const std::string& value, bool isInFile)
+        : SettingRow(parent, key) {
         field_ = createTextField(parent, widgetName("Txt", key).c_str());
         XtVaSetValues(field_, XmNcolumns, kTextColumns, nullptr);
         // First the verifier: the field itself never sees the password, not even the stored one.
         XtAddCallback(field_, XmNmodifyVerifyCallback, checkPassword, static_cast<XtPointer>(&password_));
         XmTextFieldSetString(field_, const_cast<char*>(value.c_str()));
+        toggle_ = createToggleButton(parent, "TglSavePassword", setupText(SetupMessage::kSavePassword));
+        XmToggleButtonSetState(toggle_, isInFile ? True : False, False);
+        toggleHint_ = createLabel(parent, "LblSavePasswordHint", setupText(SetupMessage::kSavePasswordHint));
         filled();
     }
     ~PasswordRow() override {
@@ -85,6 +113,7 @@ public:
     }
     // Blanks included: whoever types a blank into a password means it.
     std::string value() const override { return password_ != nullptr ? password_ : ""; }
+    bool isStored() const override { return XmToggleButtonGetState(toggle_) != 0; }
 
 private:
     char* password_ = nullptr;
@@ -171,8 +200,8 @@ public:
         XmTextFieldSetString(text_, const_cast<char*>(value.c_str()));
         // An empty field says nothing of what the driver does then.
         if (!property.defaultValue.empty()) {
-            hint_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
-                                setupText(SetupMessage::kDefaultHint, property.defaultValue));
+            aside_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
+                                 setupText(SetupMessage::kDefaultHint, property.defaultValue));
         }
         filled();
     }
@@ -228,22 +257,33 @@ SettingRow::SettingRow(Widget parent, std::string key) : key_(std::move(key)) {
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
 }
 
-std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty& property, const std::string& value) {
+std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty& property, const std::string& value,
+                                             bool isInFile) {
+    std::unique_ptr<SettingRow> row;
     switch (property.kind) {
         case PropertyKind::kText:
-            return std::make_unique<TextRow>(parent, property.key, widgetName("Txt", property.key), value);
-        case PropertyKind::kPassword:
-            return std::make_unique<PasswordRow>(parent, property.key, value);
-        case PropertyKind::kMenu:
-            return std::make_unique<MenuRow>(parent, property, value);
-        case PropertyKind::kCombo:
-            return std::make_unique<ComboRow>(parent, property, value);
-        case PropertyKind::kFixed:
-            return std::make_unique<FixedRow>(parent, property.key, value.empty() ? property.defaultValue : value);
-        case PropertyKind::kHidden:
+            row = std::make_unique<TextRow>(parent, property.key, widgetName("Txt", property.key), value);
             break;
+        case PropertyKind::kPassword:
+            row = std::make_unique<PasswordRow>(parent, property.key, value, isInFile);
+            break;
+        case PropertyKind::kFile:
+            row = std::make_unique<FileRow>(parent, property.key, value);
+            break;
+        case PropertyKind::kMenu:
+            row = std::make_unique<MenuRow>(parent, property, value);
+            break;
+        case PropertyKind::kCombo:
+            row = std::make_unique<ComboRow>(parent, property, value);
+            break;
+        case PropertyKind::kFixed:
+            row = std::make_unique<FixedRow>(parent, property.key, value.empty() ? property.defaultValue : value);
+            break;
+        case PropertyKind::kHidden:
+            return nullptr;
     }
-    return nullptr;
+    row->setHelp(property.help);
+    return row;
 }
 
 std::unique_ptr<SettingRow> createTextRow(Widget parent, const std::string& fieldName, const std::string& label,

@@ -19,8 +19,14 @@ public:
     // For the form to place. The field is filled already.
     Widget label() const { return label_; }
     Widget field() const { return field_; }
-    // A word on the right of the field; null when there is none.
-    Widget hint() const { return hint_; }
+    // A word or a button on the right of the field; null when there is none.
+    Widget aside() const { return aside_; }
+    // A second line below the field: a choice and a word on its right; null when there is none.
+    Widget toggle() const { return toggle_; }
+    Widget toggleHint() const { return toggleHint_; }
+    // What the driver says of the setting, one line; empty when it says nothing.
+    const std::string& help() const { return help_; }
+    void setHelp(const std::string& help) { help_ = help; }
     // Whether the field grows with the window.
     virtual bool isStretched() const { return true; }
     // The widget inside of the field that takes the keyboard.
@@ -28,6 +34,8 @@ public:
 
     // What stands in the field, without blanks around it.
     virtual std::string value() const = 0;
+    // Whether it is to be stored; what is not is deleted from the data source.
+    virtual bool isStored() const { return true; }
     // Whether it is another than at first. What a field can't show exactly counts as unchanged while nobody touches it.
     bool isChanged() const { return value() != initial_; }
 
@@ -39,15 +47,19 @@ protected:
     std::string key_;
     Widget label_ = nullptr;
     Widget field_ = nullptr;
-    Widget hint_ = nullptr;
+    Widget aside_ = nullptr;
+    Widget toggle_ = nullptr;
+    Widget toggleHint_ = nullptr;
 
 private:
+    std::string help_;
     std::string initial_;
 };
 
 // Makes label and field as children of the form `parent`, named "Lbl", "Txt" or "Opt" and the key. The row must live as long
-// as its widgets. Null for a hidden property.
-std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty& property, const std::string& value);
+// as its widgets. `isInFile` tells whether the data source has a value of the setting already. Null for a hidden property.
+std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty& property, const std::string& value,
+                                             bool isInFile);
 
 // A row of plain text with a label of the caller's and a field of the given name.
 std::unique_ptr<SettingRow> createTextRow(Widget parent, const std::string& fieldName, const std::string& label,

@@ -1,5 +1,6 @@
 #include "setup/setup_form.h"
 
+#include <X11/cursorfont.h>
 #include <Xm/DialogS.h>
 #include <Xm/Form.h>
 #include <Xm/ScrolledW.h>
@@ -10,12 +11,16 @@
 #include <new>
 #include <type_traits>
 
+#include "help/help_locator.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/widgets.h"
+#include "setup/about_form.h"
+#include "setup/connection_test.h"
 #include "setup/further_settings.h"
+#include "setup/hint_line.h"
 #include "setup/setting_row.h"
 #include "setup/setup_texts.h"
 
@@ -47,6 +52,27 @@ void guarded(Widget dialogForm, Action action) {
     }
 }
 
+// Shows a watch as the pointer over a window while it lives.
+class BusyPointer {
+public:
+    explicit BusyPointer(Widget shell) : display_(XtDisplay(shell)), window_(XtWindow(shell)) {
+        cursor_ = XCreateFontCursor(display_, XC_watch);
+        XDefineCursor(display_, window_, cursor_);
+        XFlush(display_);
+    }
+    ~BusyPointer() {
+        XUndefineCursor(display_, window_);
+        XFreeCursor(display_, cursor_);
+    }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+
+private:
+    Display* display_;
+    Window window_;
+    Cursor cursor_;
+};
+
 // Makes a label as high as its field, so that their texts are level.
 void keepLevel(Widget label, Widget field) {
     Attach(label).levelWith(field);
@@ -65,8 +91,10 @@ private:
     void createFields();
     void createRows();
     void createButtons();
+    void createHint();
     void layOut();
     void place(Widget label, Widget field, Widget above, int margin, bool stretched) const;
+    static void placeAtEnd(Widget aside, Widget field, Widget above);
     void placeRows();
     void setSizes();
     void fitRows();
@@ -74,14 +102,21 @@ private:
 
     bool hasRow(const std::string& key) const;
     std::optional<SetupFailure> collect();
+    std::optional<SetupFailure> collectSettings(Settings& changed) const;
+    Settings typedSettings(const Settings& changed) const;
     void accept();
+    void test();
     void save();
     void finish();
     void report(const SetupFailure& failure);
+    void showBox(unsigned long kind, const std::string& text);
     void focusOn(const std::string& key);
 
     static void okPressed(Widget widget, XtPointer form, XtPointer callData);
     static void cancelPressed(Widget widget, XtPointer form, XtPointer callData);
+    static void testPressed(Widget widget, XtPointer form, XtPointer callData);
+    static void aboutPressed(Widget widget, XtPointer form, XtPointer callData);
+    static void helpPressed(Widget widget, XtPointer form, XtPointer callData);
     static void replaceAccepted(Widget widget, XtPointer form, XtPointer callData);
     static void hiddenFieldReached(Widget widget, XtPointer form, XtPointer callData);
     static void resized(Widget widget, XtPointer form, XEvent* event, Boolean* continueToDispatch);
@@ -92,8 +127,12 @@ private:
     Widget scrolledWindow_ = nullptr;
     Widget rowsForm_ = nullptr;
     Widget separator_ = nullptr;
+    Widget btnTest_ = nullptr;
+    Widget btnAbout_ = nullptr;
     Widget btnOk_ = nullptr;
     Widget btnCancel_ = nullptr;
+    Widget btnHelp_ = nullptr;
+    std::unique_ptr<HintLine> hint_;  // Null when the driver explains nothing.
     std::unique_ptr<SettingRow> name_;
     std::unique_ptr<SettingRow> description_;
     std::vector<std::unique_ptr<SettingRow>> rows_;
@@ -112,9 +151,11 @@ bool SetupForm::run() {
         throw std::bad_alloc();
     }
     onWindowManagerClose(shell_, cancelPressed, this);
+    XtAddCallback(form_, XmNhelpCallback, helpPressed, this);
     createFields();
     createRows();
     createButtons();
+    createHint();
     layOut();
     XtVaSetValues(form_, XmNdefaultButton, btnOk_, XmNcancelButton, btnCancel_, XmNinitialFocus, name_->field(),
                   nullptr);
@@ -153,7 +194,8 @@ void SetupForm::createRows() {
         }
     }
     for (const DriverProperty& property : content_.properties) {
-        if (auto row = createSettingRow(rowsForm_, property, valueOf(content_.shown, property.key))) {
+        const bool isInFile = !valueOf(content_.stored, property.key).empty();
+        if (auto row = createSettingRow(rowsForm_, property, valueOf(content_.shown, property.key), isInFile)) {
             rows_.push_back(std::move(row));
         }
     }
@@ -174,14 +216,39 @@ void SetupForm::createRows() {
     for (const auto& row : rows_) {
         scrollWithWheel(scrolledWindow_, row->label());
         scrollWithWheel(scrolledWindow_, row->focus());
+        for (Widget widget : {row->aside(), row->toggle(), row->toggleHint()}) {
+            if (widget != nullptr) {
+                scrollWithWheel(scrolledWindow_, widget);
+            }
+        }
     }
 }
 
 void SetupForm::createButtons() {
     separator_ = createSeparator(form_, "Separator");
+    btnTest_ = createPushButton(form_, "BtnTest", setupText(SetupMessage::kTest), testPressed, this);
+    btnAbout_ = createPushButton(form_, "BtnAbout", setupText(SetupMessage::kAbout), aboutPressed, this);
     btnOk_ = createPushButton(form_, "BtnOK", Message::kOk, okPressed, this);
     btnCancel_ = createPushButton(form_, "BtnCancel", Message::kCancel, cancelPressed, this);
-    equalizeWidths({btnOk_, btnCancel_});
+    btnHelp_ = createPushButton(form_, "BtnHelp", Message::kHelp, helpPressed, this);
+    equalizeWidths({btnTest_, btnAbout_, btnOk_, btnCancel_, btnHelp_});
+}
+
+void SetupForm::createHint() {
+    if (std::all_of(rows_.begin(), rows_.end(), [](const auto& row) { return row->help().empty(); })) {
+        return;
+    }
+    hint_ = std::make_unique<HintLine>(form_);
+    for (const auto& row : rows_) {
+        for (Widget widget : {row->focus(), row->aside(), row->toggle()}) {
+            if (widget != nullptr) {
+                hint_->explain(widget, row->help());
+            }
+        }
+    }
+    for (Widget widget : {name_->focus(), description_->focus(), btnTest_, btnAbout_, btnOk_, btnCancel_, btnHelp_}) {
+        hint_->explain(widget, {});
+    }
 }
 
 std::vector<Widget> SetupForm::labels() const {
@@ -201,25 +268,39 @@ void SetupForm::layOut() {
     place(name_->label(), name_->field(), nullptr, kMargin, true);
     place(description_->label(), description_->field(), name_->field(), kMargin, true);
     placeRows();
-    Attach(btnCancel_).rightForm(kMargin).bottomForm(kMargin);
+    Attach(btnTest_).leftForm(kMargin).bottomForm(kMargin);
+    Attach(btnAbout_).rightOf(btnTest_, kGap).bottomForm(kMargin);
+    Attach(btnHelp_).rightForm(kMargin).bottomForm(kMargin);
+    Attach(btnCancel_).leftOf(btnHelp_, kGap).bottomForm(kMargin);
     Attach(btnOk_).leftOf(btnCancel_, kGap).bottomForm(kMargin);
     Attach(separator_).leftForm().rightForm().above(btnOk_, kGap);
+    if (hint_) {
+        Attach(hint_->line()).leftForm(kMargin).rightForm(kMargin).above(separator_, kRowGap);
+    }
     Attach(scrolledWindow_)
         .below(description_->field(), kRowGap)
         .leftForm(kMargin)
         .rightForm(kMargin - kFrame)
-        .above(separator_, kGap);
+        .above(hint_ ? hint_->line() : separator_, hint_ ? kRowGap : kGap);
 }
 
 void SetupForm::placeRows() {
     Widget above = nullptr;
     for (const auto& row : rows_) {
         place(row->label(), row->field(), above, 0, row->isStretched());
-        if (row->hint() != nullptr) {
-            Attach(row->hint()).rightOf(row->field(), kGap);
-            keepLevel(row->hint(), row->field());
+        if (row->aside() != nullptr && row->isStretched()) {
+            placeAtEnd(row->aside(), row->field(), above);
+        } else if (row->aside() != nullptr) {
+            Attach(row->aside()).rightOf(row->field(), kGap);
+            keepLevel(row->aside(), row->field());
         }
         above = row->field();
+        if (row->toggle() != nullptr) {
+            Attach(row->toggle()).below(above, 0).rightOf(row->label(), kGap);
+            Attach(row->toggleHint()).rightOf(row->toggle(), kGap);
+            keepLevel(row->toggleHint(), row->toggle());
+            above = row->toggle();
+        }
     }
     if (further_) {
         place(further_->label(), further_->frame(), above, 0, true);
@@ -228,6 +309,19 @@ void SetupForm::placeRows() {
         XtVaSetValues(further_->hint(), XmNleftAttachment, XmATTACH_OPPOSITE_WIDGET, XmNleftWidget, above, nullptr);
         Attach(further_->hint()).below(further_->frame(), 0);
     }
+}
+
+// Puts a widget between a field and the end of its row. The field's width depends on it, so nothing of it may depend on the
+// field: for a form that is a circle, even if one is about widths and the other about heights.
+void SetupForm::placeAtEnd(Widget aside, Widget field, Widget above) {
+    if (above == nullptr) {
+        Attach(aside).topForm();
+    } else {
+        Attach(aside).below(above, kRowGap);
+    }
+    Attach(aside).rightForm();
+    XtVaSetValues(aside, XmNrecomputeSize, False, XmNheight, preferredHeight(field), nullptr);
+    Attach(field).leftOf(aside, kGap);
 }
 
 void SetupForm::place(Widget label, Widget field, Widget above, int margin, bool stretched) const {
@@ -247,11 +341,12 @@ void SetupForm::place(Widget label, Widget field, Widget above, int margin, bool
 // Gives the dialog the size that its rows need, up to a share of the screen's height.
 void SetupForm::setSizes() {
     const int around = preferredHeight(name_->field()) + preferredHeight(description_->field()) +
-                       preferredHeight(btnOk_) + 2 * kMargin + 2 * kRowGap + 2 * kGap + kFrame;
+                       preferredHeight(btnOk_) + 2 * kMargin + 2 * kRowGap + 2 * kGap + kFrame +
+                       (hint_ ? preferredHeight(hint_->line()) + 2 * kRowGap - kGap : 0);
     rowsHeight_ = preferredHeight(rowsForm_);
     const int most = HeightOfScreen(XtScreen(form_)) * kLargestShare / 100 - around;
     const int height = std::min(rowsHeight_, std::max(most, kLeastRows));
-    int width = preferredWidth(rowsForm_);
+    int width = std::max<int>(preferredWidth(rowsForm_), 5 * preferredWidth(btnOk_) + 6 * kGap);
     if (height < rowsHeight_) {
         Widget scrollBar = nullptr;
         XtVaGetValues(scrolledWindow_, XmNverticalScrollBar, &scrollBar, nullptr);
@@ -291,21 +386,28 @@ std::optional<SetupFailure> SetupForm::collect() {
             return failure;
         }
     }
+    return collectSettings(change_.values);
+}
+
+// Adds what the fields change, or tells what is wrong with them.
+std::optional<SetupFailure> SetupForm::collectSettings(Settings& changed) const {
     if (description_->isChanged()) {
-        setValue(change_.values, kDescriptionKey, description_->value());
+        setValue(changed, kDescriptionKey, description_->value());
     }
     for (const auto& row : rows_) {
-        if (!row->isChanged()) {
-            continue;
+        if (!row->isStored()) {
+            setValue(changed, row->key(), {});
+        } else if (row->isChanged()) {
+            if (row->value() != trimmed(row->value())) {
+                return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kPasswordBlanks),
+                                    row->key()};
+            }
+            setValue(changed, row->key(), row->value());
         }
-        if (row->value() != trimmed(row->value())) {
-            return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kPasswordBlanks), row->key()};
-        }
-        setValue(change_.values, row->key(), row->value());
     }
     if (further_) {
         std::optional<SetupFailure> failure =
-            further_->changes([this](const std::string& key) { return hasRow(key); }, change_.values);
+            further_->changes([this](const std::string& key) { return hasRow(key); }, changed);
         if (failure) {
             // A row may have the same key, but the line is what has to be mended.
             failure->key.clear();
@@ -314,6 +416,39 @@ std::optional<SetupFailure> SetupForm::collect() {
         return failure;
     }
     return std::nullopt;
+}
+
+// All settings as they stand in the dialog, with what is not to be stored.
+Settings SetupForm::typedSettings(const Settings& changed) const {
+    Settings settings = content_.shown;
+    for (const installer::Attribute& change : changed) {
+        setValue(settings, change.key, change.value);
+    }
+    for (const auto& row : rows_) {
+        if (!row->isStored()) {
+            setValue(settings, row->key(), row->value());
+        }
+    }
+    return settings;
+}
+
+void SetupForm::test() {
+    Settings changed;
+    if (const std::optional<SetupFailure> failure = collectSettings(changed)) {
+        report(*failure);
+        return;
+    }
+    ConnectionOutcome outcome;
+    {
+        const BusyPointer busy(shell_);
+        outcome = testConnection(connectionString(content_.driver, typedSettings(changed)));
+    }
+    SetupMessage::Number text = SetupMessage::kTestSucceeded;
+    if (!outcome.connected) {
+        text = outcome.diagnostics.empty() ? SetupMessage::kTestFailedSilently : SetupMessage::kTestFailed;
+    }
+    const std::string lines = outcome.diagnostics.empty() ? "" : "\n\n" + outcome.diagnostics;
+    showBox(outcome.connected ? kInformationDialog : kErrorDialog, setupText(text) + lines);
 }
 
 void SetupForm::accept() {
@@ -352,7 +487,11 @@ void SetupForm::finish() {
 
 void SetupForm::report(const SetupFailure& failure) {
     focusOn(failure.key);
-    Widget box = createMessageDialog(form_, kErrorDialog, failure.text.c_str(), catalogText(Message::kOk).c_str(), "",
+    showBox(kErrorDialog, failure.text);
+}
+
+void SetupForm::showBox(unsigned long kind, const std::string& text) {
+    Widget box = createMessageDialog(form_, kind, text.c_str(), catalogText(Message::kOk).c_str(), "",
                                      setupText(SetupMessage::kTitle, content_.driver).c_str());
     if (box != nullptr) {
         XtManageChild(box);
@@ -386,6 +525,24 @@ void SetupForm::cancelPressed(Widget /*widget*/, XtPointer form, XtPointer /*cal
     static_cast<SetupForm*>(form)->finish();
 }
 
+void SetupForm::testPressed(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
+    auto* self = static_cast<SetupForm*>(form);
+    guarded(self->form_, [self] { self->test(); });
+}
+
+void SetupForm::aboutPressed(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
+    auto* self = static_cast<SetupForm*>(form);
+    guarded(self->form_, [self] {
+        describeForAbout(self->content_.library);
+        XtManageChild(createAbtForm(self->form_));
+    });
+}
+
+void SetupForm::helpPressed(Widget /*widget*/, XtPointer /*form*/, XtPointer /*callData*/) {
+    kvDisplayHelp(reinterpret_cast<const unsigned char*>("Administrator"),
+                  reinterpret_cast<const unsigned char*>("userdsn"));
+}
+
 void SetupForm::replaceAccepted(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
     auto* self = static_cast<SetupForm*>(form);
     guarded(self->form_, [self] { self->save(); });
@@ -399,7 +556,11 @@ void SetupForm::hiddenFieldReached(Widget scrolledWindow, XtPointer /*form*/, Xt
 void SetupForm::resized(Widget /*widget*/, XtPointer form, XEvent* event, Boolean* /*continueToDispatch*/) {
     // A window that is first mapped may have had its size before it existed.
     if (event->type == ConfigureNotify || event->type == MapNotify) {
-        static_cast<SetupForm*>(form)->fitRows();
+        auto* self = static_cast<SetupForm*>(form);
+        self->fitRows();
+        if (self->hint_) {
+            self->hint_->fit();
+        }
     }
 }
 

@@ -1,0 +1,170 @@
+#include "setup/about_form.h"
+
+#include <Xm/DialogS.h>
+#include <Xm/Form.h>
+#include <dlfcn.h>
+#include <link.h>
+
+#include <array>
+#include <new>
+#include <vector>
+
+#include "motifutil/catalog_text.h"
+#include "motifutil/component_version.h"
+#include "motifutil/icons.h"
+#include "motifutil/widgets.h"
+#include "setup/logo_icon.h"
+#include "setup/setup_texts.h"
+
+namespace {
+
+constexpr int kMargin = 16;
+constexpr int kGap = 12;
+constexpr int kRowGap = 6;
+// Longer paths go on in the next line.
+constexpr std::size_t kLineLength = 52;
+
+// Where this code was loaded from.
+std::string ownPath() {
+    Dl_info info{};
+    return dladdr(reinterpret_cast<void*>(&createAbtForm), &info) != 0 && info.dli_fname != nullptr ? info.dli_fname
+                                                                                                    : "";
+}
+
+// The file of a library that can be asked for its version; empty for any other.
+std::string fileWithVersion(const std::string& library) {
+    void* handle = dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL);
+    if (handle == nullptr) {
+        return {};
+    }
+    std::string path;
+    link_map* map = nullptr;
+    if (getVersion(handle) != nullptr && dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0) {
+        path = map->l_name;
+    }
+    dlclose(handle);
+    return path;
+}
+
+// Breaks a path behind the last slash that fits in a line.
+std::string wrappedPath(std::string path) {
+    std::string lines;
+    while (path.size() > kLineLength) {
+        const std::size_t slash = path.rfind('/', kLineLength);
+        const std::size_t length = slash == std::string::npos || slash == 0 ? kLineLength : slash + 1;
+        lines += path.substr(0, length) + "\n";
+        path.erase(0, length);
+    }
+    return lines + path;
+}
+
+void closePressed(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
+    XtDestroyWidget(XtParent(static_cast<Widget>(form)));
+}
+
+void forget(Widget form, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    if (frmabout == form) {
+        frmabout = nullptr;
+    }
+}
+
+void freeIcon(Widget label, XtPointer icon, XtPointer /*callData*/) {
+    XFreePixmap(XtDisplay(label), reinterpret_cast<Pixmap>(icon));
+}
+
+Widget createIcon(Widget form) {
+    Pixmap icon = None;
+    getVHIconIPixmap(&icon, const_cast<char**>(kLogoIcon));
+    Widget label = createLabel(form, "LblIcon", std::string());
+    if (icon != None) {
+        XtVaSetValues(label, XmNlabelType, XmPIXMAP, XmNlabelPixmap, icon, nullptr);
+        XtAddCallback(label, XmNdestroyCallback, freeIcon, reinterpret_cast<XtPointer>(icon));
+    }
+    Attach(label).topForm(kMargin).leftForm(kMargin);
+    return label;
+}
+
+Widget createText(Widget form, const char* name, const std::string& text) {
+    Widget label = createLabel(form, name, text);
+    XtVaSetValues(label, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
+    return label;
+}
+
+// The maker beside the icon. Returns the lower line.
+Widget createAddress(Widget form, Widget icon) {
+    Widget first = createText(form, "LblAddress1", compAddr1);
+    Widget second = createText(form, "LblAddress2", compAddr2);
+    Attach(first).levelWith(icon, kRowGap / 2).rightOf(icon, kGap).rightForm(kMargin);
+    Attach(second).below(first, kRowGap / 2).rightOf(icon, kGap).rightForm(kMargin);
+    return second;
+}
+
+// What is known of the component, one row for each. Returns the last row's text.
+Widget createRows(Widget form, Widget above) {
+    struct Row {
+        const char* name;
+        SetupMessage::Number label;
+        std::string text;
+    };
+    const std::array<Row, 5> rows{{{"File", SetupMessage::kAboutFile, wrappedPath(fileName)},
+                                   {"Version", SetupMessage::kAboutVersion, FileVersion},
+                                   {"Company", SetupMessage::kAboutCompany, CompanyName},
+                                   {"Date", SetupMessage::kAboutDate, fileDate},
+                                   {"Size", SetupMessage::kAboutSize, fileSize}}};
+    std::vector<Widget> labels;
+    int gap = kGap;
+    for (const Row& row : rows) {
+        Widget label = createText(form, (std::string("Lbl") + row.name).c_str(), setupText(row.label));
+        Widget text = createText(form, (std::string("Txt") + row.name).c_str(), row.text);
+        Attach(label).below(above, gap).leftForm(kMargin);
+        Attach(text).below(above, gap).rightOf(label, kGap).rightForm(kMargin);
+        labels.push_back(label);
+        above = text;
+        gap = kRowGap / 2;
+    }
+    equalizeWidths(labels);
+    return above;
+}
+
+}  // namespace
+
+void describeForAbout(const std::string& path) {
+    std::string component = fileWithVersion(path);
+    if (component.empty()) {
+        component = ownPath();
+    }
+    setAboutInfo(reinterpret_cast<const unsigned char*>(component.c_str()));
+}
+
+Widget createAbtForm(Widget parent) {
+    if (frmabout != nullptr) {
+        XtDestroyWidget(XtParent(frmabout));
+    }
+    const std::string file = fileName;
+    const std::string title = setupText(SetupMessage::kAboutTitle, file.substr(file.rfind('/') + 1));
+    ArgumentList arguments;
+    arguments.set(XmNtitle, title.c_str())
+        .set(XmNautoUnmanage, False)
+        .set(XmNnoResize, True)
+        .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL);
+    static char name[] = "FormAbout";
+    frmabout = XmCreateFormDialog(parent, name, arguments.data(), arguments.size());
+    if (frmabout == nullptr) {
+        throw std::bad_alloc();
+    }
+    Widget form = frmabout;
+    XtAddCallback(form, XmNdestroyCallback, forget, nullptr);
+    onWindowManagerClose(XtParent(form), closePressed, form);
+
+    Widget icon = createIcon(form);
+    createAddress(form, icon);
+    Widget upper = createSeparator(form, "SeparatorTop");
+    Attach(upper).below(icon, kGap).leftForm(kMargin).rightForm(kMargin);
+    Widget last = createRows(form, upper);
+    Widget lower = createSeparator(form, "SeparatorBottom");
+    Attach(lower).below(last, kGap).leftForm().rightForm();
+    Widget ok = createPushButton(form, "BtnOK", Message::kOk, closePressed, form);
+    Attach(ok).below(lower, kGap).rightForm(kMargin).bottomForm(kMargin);
+    XtVaSetValues(form, XmNdefaultButton, ok, XmNcancelButton, ok, nullptr);
+    return form;
+}

@@ -1,0 +1,134 @@
+#include "setup/connection_test.h"
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+constexpr std::intptr_t kLoginTimeoutSeconds = 15;
+// What a message box can show: drivers may say more, and the first records tell most.
+constexpr SQLSMALLINT kMostRecords = 12;
+constexpr std::size_t kLongestRecord = 300;
+
+// An ODBC handle of one type, freed with this object.
+template <SQLSMALLINT Type>
+class Handle {
+public:
+    explicit Handle(SQLHANDLE parent) : isMade_(SQL_SUCCEEDED(SQLAllocHandle(Type, parent, &handle_))) {}
+    ~Handle() {
+        if (isMade_) {
+            SQLFreeHandle(Type, handle_);
+        }
+    }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
+    explicit operator bool() const { return isMade_; }
+    SQLHANDLE get() const { return handle_; }
+
+private:
+    SQLHANDLE handle_ = SQL_NULL_HANDLE;
+    bool isMade_;
+};
+
+// Cuts a text that is too long between characters (UTF-8).
+std::string bounded(std::string text) {
+    if (text.size() > kLongestRecord) {
+        std::size_t end = kLongestRecord;
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+            --end;
+        }
+        text = text.substr(0, end) + "...";
+    }
+    return text;
+}
+
+std::string diagnosticsOf(SQLSMALLINT type, SQLHANDLE handle) {
+    std::string lines;
+    for (SQLSMALLINT record = 1; record <= kMostRecords; ++record) {
+        std::array<SQLCHAR, SQL_SQLSTATE_SIZE + 1> state{};
+        std::array<SQLCHAR, 1024> message{};
+        SQLINTEGER native = 0;
+        SQLSMALLINT length = 0;
+        if (!SQL_SUCCEEDED(SQLGetDiagRec(type, handle, record, state.data(), &native, message.data(),
+                                         static_cast<SQLSMALLINT>(message.size()), &length))) {
+            break;
+        }
+        const auto* text = reinterpret_cast<const char*>(message.data());
+        lines += (lines.empty() ? "" : "\n") + std::string(reinterpret_cast<const char*>(state.data())) + ": " +
+                 bounded(oneLine(text));
+    }
+    return lines;
+}
+
+std::string braced(const std::string& value) {
+    std::string result = "{";
+    for (const char byte : value) {
+        result += byte;
+        if (byte == '}') {
+            result += byte;
+        }
+    }
+    return result + "}";
+}
+
+// In braces only where the string could not be read otherwise. Other punctuation is harmless inside of a value, and there are
+// drivers, that of SQLite is one, which take braces for a part of it.
+std::string quoted(const std::string& value) {
+    const bool isPlain = value.find(';') == std::string::npos && value.front() != '{' && value == trimmed(value);
+    return isPlain ? value : braced(value);
+}
+
+// Keys that name a data source or tell the driver manager to read or write a file of its own.
+bool isLeftOut(const std::string& key) {
+    constexpr std::array<const char*, 5> kKeys{kNameKey, kDriverKey, kDescriptionKey, "FILEDSN", "SAVEFILE"};
+    return std::any_of(kKeys.begin(), kKeys.end(),
+                       [&key](const char* other) { return installer::sameName(key, other); });
+}
+
+}  // namespace
+
+std::string connectionString(const std::string& driver, const Settings& settings) {
+    std::string text = "DRIVER=" + braced(driver) + ";";
+    for (const installer::Attribute& setting : settings) {
+        if (!setting.value.empty() && !isLeftOut(setting.key)) {
+            text += setting.key + "=" + quoted(setting.value) + ";";
+        }
+    }
+    return text;
+}
+
+ConnectionOutcome testConnection(std::string connectionString) {
+    const Handle<SQL_HANDLE_ENV> environment(SQL_NULL_HANDLE);
+    if (!environment) {
+        return {};
+    }
+    SQLSetEnvAttr(environment.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+    const Handle<SQL_HANDLE_DBC> connection(environment.get());
+    if (!connection) {
+        return {false, diagnosticsOf(SQL_HANDLE_ENV, environment.get())};
+    }
+    // A driver that knows no timeout refuses it, and is tried all the same.
+    SQLSetConnectAttr(connection.get(), SQL_ATTR_LOGIN_TIMEOUT, reinterpret_cast<SQLPOINTER>(kLoginTimeoutSeconds),
+                      SQL_IS_UINTEGER);
+    std::array<SQLCHAR, 1024> completed{};
+    SQLSMALLINT length = 0;
+    const SQLRETURN result =
+        SQLDriverConnect(connection.get(), nullptr, reinterpret_cast<SQLCHAR*>(connectionString.data()), SQL_NTS,
+                         completed.data(), static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT);
+    explicit_bzero(connectionString.data(), connectionString.size());
+    explicit_bzero(completed.data(), completed.size());
+    ConnectionOutcome outcome{SQL_SUCCEEDED(result), {}};
+    if (result != SQL_SUCCESS) {
+        outcome.diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection.get());
+    }
+    if (outcome.connected) {
+        SQLDisconnect(connection.get());
+    }
+    return outcome;
+}
