@@ -12,6 +12,7 @@
 #include "admin/flow.h"
 #include "admin/globals.h"
 #include "installer/configuration.h"
+#include "motifutil/file_dialog.h"
 #include "motifutil/widgets.h"
 
 Widget FrmTrace = nullptr;
@@ -62,40 +63,6 @@ void followToggle() {
     for (Widget control : {LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
         XtSetSensitive(control, on);
     }
-}
-
-void dialogClosed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
-    FileSelectionCancelled(static_cast<Widget>(box), nullptr, nullptr);
-}
-
-// A file dialog on the main window, unmanaged.
-Widget createFileDialog(const char* pattern, Message::Number titleNumber) {
-    const std::string title = catalogText(titleNumber);
-    const XmStringPtr patternString = compoundString(pattern);
-    const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
-    const XmStringPtr files = compoundString(catalogText(Message::kFileList));
-    const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
-    const XmStringPtr ok = compoundString(catalogText(Message::kOk));
-    const XmStringPtr cancel = compoundString(catalogText(Message::kCancel));
-    const XmStringPtr filter = compoundString(catalogText(Message::kFilter));
-    ArgumentList arguments;
-    arguments.set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
-        .set(XmNpattern, patternString.get())
-        .set(XmNtitle, title.c_str())
-        .set(XmNselectionLabelString, selection.get())
-        .set(XmNfileListLabelString, files.get())
-        .set(XmNdirListLabelString, directories.get())
-        .set(XmNokLabelString, ok.get())
-        .set(XmNcancelLabelString, cancel.get())
-        .set(XmNfilterLabelString, filter.get())
-        .set(XmNapplyLabelString, filter.get());
-    static char name[] = "traceFileDialog";
-    Widget box = XmCreateFileSelectionDialog(ShODBCAdmin, name, arguments.data(), arguments.size());
-    if (box == nullptr) {
-        throw std::bad_alloc();
-    }
-    XtUnmanageChild(XtNameToWidget(box, "Help"));
-    return box;
 }
 
 // A label above a text field with a browse button on its right, below `above` (null: at the top of the form).
@@ -174,9 +141,13 @@ void Trace_activityNoticed(Widget /*text*/, XtPointer /*clientData*/, XtPointer 
 
 void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) {
     try {
-        Widget box =
-            createFileDialog(isLibrary(kind) ? "*.so" : "*.log",
-                             isLibrary(kind) ? Message::kChooseTraceLibraryTitle : Message::kChooseTraceFileTitle);
+        const XmStringPtr pattern = compoundString(isLibrary(kind) ? "*.so" : "*.log");
+        ArgumentList arguments;
+        arguments.set(XmNpattern, pattern.get());
+        Widget box = createFileDialog(
+            ShODBCAdmin, "traceFileDialog",
+            catalogText(isLibrary(kind) ? Message::kChooseTraceLibraryTitle : Message::kChooseTraceFileTitle),
+            arguments);
         // Only an empty field presets the box, which then begins without a name; over a name that stands in the field the
         // dialog begins where it was started, as it always has.
         if (textOf(fieldOf(kind)).empty()) {
@@ -185,7 +156,6 @@ void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) 
         }
         XtAddCallback(box, XmNokCallback, FileSelected, kind);
         XtAddCallback(box, XmNcancelCallback, FileSelectionCancelled, kind);
-        onWindowManagerClose(XtParent(box), dialogClosed, box);
         XtManageChild(box);
     } catch (const std::bad_alloc&) {
         showOutOfMemoryErrorAdmin();

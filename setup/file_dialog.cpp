@@ -4,10 +4,9 @@
 #include <Xm/TextF.h>
 #include <sys/stat.h>
 
-#include <new>
 #include <string>
 
-#include "motifutil/catalog_text.h"
+#include "motifutil/file_dialog.h"
 #include "motifutil/widgets.h"
 #include "setup/setup_texts.h"
 
@@ -20,10 +19,6 @@ void cancelled(Widget box, XtPointer /*clientData*/, XtPointer /*callData*/) {
     XtDestroyWidget(XtParent(box));
 }
 
-void closed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
-    cancelled(static_cast<Widget>(box), nullptr, nullptr);
-}
-
 void chosen(Widget box, XtPointer field, XtPointer callData) {
     const std::string path = plainText(static_cast<XmFileSelectionBoxCallbackStruct*>(callData)->value);
     // Only a directory has been chosen yet.
@@ -31,6 +26,8 @@ void chosen(Widget box, XtPointer field, XtPointer callData) {
         return;
     }
     XmTextFieldSetString(static_cast<Widget>(field), const_cast<char*>(path.c_str()));
+    // The file's own name is what the person wants to see of a long path.
+    XmTextFieldSetInsertionPosition(static_cast<Widget>(field), XmTextFieldGetLastPosition(static_cast<Widget>(field)));
     XmProcessTraversal(static_cast<Widget>(field), XmTRAVERSE_CURRENT);
     XtDestroyWidget(XtParent(box));
 }
@@ -48,40 +45,19 @@ std::string directoryOf(const std::string& path) {
 }  // namespace
 
 void showFileDialog(Widget field) {
-    const std::string title = setupText(SetupMessage::kChooseFileTitle);
-    const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
-    const XmStringPtr files = compoundString(catalogText(Message::kFileList));
-    const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
-    const XmStringPtr ok = compoundString(catalogText(Message::kOk));
-    const XmStringPtr cancel = compoundString(catalogText(Message::kCancel));
-    const XmStringPtr filter = compoundString(catalogText(Message::kFilter));
     const XtTextPtr present(XmTextFieldGetString(field));
     const std::string path = present ? present.get() : "";
     const std::string start = directoryOf(path);
     const XmStringPtr directory = compoundString(start);
     ArgumentList arguments;
-    arguments.set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
-        .set(XmNtitle, title.c_str())
-        // Names without their directory, which has a field of its own then.
-        .set(XmNpathMode, XmPATH_MODE_RELATIVE)
+    // Names without their directory, which has a field of its own then.
+    arguments.set(XmNpathMode, XmPATH_MODE_RELATIVE)
         .set(XmNlistVisibleItemCount, kVisibleItems)
-        .set(XmNtextColumns, kTextColumns)
-        .set(XmNselectionLabelString, selection.get())
-        .set(XmNfileListLabelString, files.get())
-        .set(XmNdirListLabelString, directories.get())
-        .set(XmNokLabelString, ok.get())
-        .set(XmNcancelLabelString, cancel.get())
-        .set(XmNfilterLabelString, filter.get())
-        .set(XmNapplyLabelString, filter.get());
+        .set(XmNtextColumns, kTextColumns);
     if (!start.empty()) {
         arguments.set(XmNdirectory, directory.get());
     }
-    static char name[] = "fileDialog";
-    Widget box = XmCreateFileSelectionDialog(XtParent(field), name, arguments.data(), arguments.size());
-    if (box == nullptr) {
-        throw std::bad_alloc();
-    }
-    XtUnmanageChild(XtNameToWidget(box, "Help"));
+    Widget box = createFileDialog(XtParent(field), "fileDialog", setupText(SetupMessage::kChooseFileTitle), arguments);
     if (!start.empty()) {
         Widget text = XtNameToWidget(box, "Text");
         XmTextFieldSetString(text, const_cast<char*>(path.c_str()));
@@ -89,6 +65,5 @@ void showFileDialog(Widget field) {
     }
     XtAddCallback(box, XmNokCallback, chosen, field);
     XtAddCallback(box, XmNcancelCallback, cancelled, nullptr);
-    onWindowManagerClose(XtParent(box), closed, box);
     XtManageChild(box);
 }

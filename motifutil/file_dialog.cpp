@@ -1,0 +1,41 @@
+#include "motifutil/file_dialog.h"
+
+#include <Xm/FileSB.h>
+
+#include <new>
+
+#include "motifutil/catalog_text.h"
+
+namespace {
+
+void closed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
+    XtCallCallbacks(static_cast<Widget>(box), XmNcancelCallback, nullptr);
+}
+
+}  // namespace
+
+Widget createFileDialog(Widget parent, const char* name, const std::string& title, const ArgumentList& further) {
+    const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
+    const XmStringPtr files = compoundString(catalogText(Message::kFileList));
+    const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
+    const XmStringPtr ok = compoundString(catalogText(Message::kOk));
+    const XmStringPtr cancel = compoundString(catalogText(Message::kCancel));
+    const XmStringPtr filter = compoundString(catalogText(Message::kFilter));
+    ArgumentList arguments = further;
+    arguments.set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
+        .set(XmNtitle, title.c_str())
+        .set(XmNselectionLabelString, selection.get())
+        .set(XmNfileListLabelString, files.get())
+        .set(XmNdirListLabelString, directories.get())
+        .set(XmNokLabelString, ok.get())
+        .set(XmNcancelLabelString, cancel.get())
+        .set(XmNfilterLabelString, filter.get())
+        .set(XmNapplyLabelString, filter.get());
+    Widget box = XmCreateFileSelectionDialog(parent, const_cast<char*>(name), arguments.data(), arguments.size());
+    if (box == nullptr) {
+        throw std::bad_alloc();
+    }
+    XtUnmanageChild(XtNameToWidget(box, "Help"));
+    onWindowManagerClose(XtParent(box), closed, box);
+    return box;
+}

@@ -1,0 +1,13 @@
+// The dialog in which a person chooses a file. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+#include <string>
+
+#include "motifutil/widgets.h"
+
+// Makes a file selection dialog over `parent`, full application modal and unmanaged, without Help and with the labels that all
+// such dialogs share. `further` are arguments of its own. The window manager's close does what its cancel callbacks, which the
+// caller adds, do. Raises std::bad_alloc when it can't be made.
+Widget createFileDialog(Widget parent, const char* name, const std::string& title, const ArgumentList& further);
