@@ -2,6 +2,7 @@
 #include "tests/support/window_test.h"
 // Not before: X11 and the test library do not bear each other.
 #include <X11/keysym.h>
+#include <Xm/Label.h>
 #include <Xm/Text.h>
 #include <Xm/TextF.h>
 #include <sys/stat.h>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <chrono>
 #include <deque>
+#include <tuple>
 
 #include "admin/driver_chooser.h"
 #include "admin/globals.h"
@@ -81,8 +83,11 @@ private:
         if (form == nullptr || !XtIsManaged(form)) {
             return false;
         }
-        Widget box = XtNameToWidget(form, "*dialog");
-        Widget top = box != nullptr && XtIsManaged(box) ? box : form;
+        Widget top = form;
+        for (const char* name : {"*dialog", "*fileDialog", "*FormAbout"}) {
+            Widget box = XtNameToWidget(form, name);
+            top = box != nullptr && XtIsManaged(box) ? box : top;
+        }
         return person_.hasFocus(XtWindow(XtParent(top)));
     }
 
@@ -96,8 +101,10 @@ private:
 class SetupFormTest : public WindowTest {
 protected:
     SetupFormTest() {
-        files.write(OdbcFiles::kDrivers, "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
-                                         "\n[Silent]\nDriver=/none.so\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
+        files.write(OdbcFiles::kDrivers,
+                    "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
+                    "\n[Silent]\nDriver=/none.so\nSetup=" VH_TEST_SETUP_LIBRARY
+                    "\n[Working]\nDriver=" VH_TEST_SQLITE_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
     }
     void openWith(const std::string& dataSources) {
         files.write(OdbcFiles::kUser, dataSources);
@@ -109,8 +116,14 @@ protected:
         if (widget == nullptr) {
             return "(none)";
         }
+        if (XmIsLabel(widget)) {
+            return labelOf(widget);
+        }
         const XtTextPtr text(XmIsTextField(widget) ? XmTextFieldGetString(widget) : XmTextGetString(widget));
         return text.get();
+    }
+    static void clickButton(const std::string& name) {
+        person().click(placeOf(child(ShODBCAdmin, std::string(kForm) + "." + name)));
     }
     // The message over the dialog.
     static std::string message() {
@@ -186,6 +199,7 @@ TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
         .key(XK_Tab)
         .key(XK_End)
         .type("bc ")
+        .key(XK_Tab)  // The browse button.
         .key(XK_Tab)  // The list of choices: the first leaves the setting to the driver.
         .key(XK_Up, 4)
         .key(XK_Tab)  // The one that can be typed into.
@@ -262,21 +276,21 @@ TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
             EXPECT_EQ(field("TxtSSLPassword"), "*");
             EXPECT_EQ(field("TxtFurtherSettings"), "Keep=k = v\nEdit=1\nGone=2\n");
         })
-        .key(XK_Tab, 8)
+        .key(XK_Tab, 10)
         .key(XK_Down)
         .key(XK_End)
         .type("23")
         .key(XK_Down)
         .key(XK_BackSpace, 6)
         .type("uid=x")
-        .key(XK_Tab)  // On to OK.
+        .key(XK_Tab, 3)  // Past Test and About to OK.
         .key(XK_Return)
         .then([] { EXPECT_NE(message().find("\"uid\" has a field of its own"), std::string::npos) << message(); })
         .key(XK_Return)
         .key(XK_Home)
         .key(XK_Delete, 3)
         .type("New")
-        .key(XK_Tab)
+        .key(XK_Tab, 3)
         .key(XK_Return);
     click(BtnConfigure);
     EXPECT_EQ(section("S"), "Driver=Silent Server=h PWD=p SSLPassword=q Keep=k = v Edit=123 New=x");
@@ -296,18 +310,114 @@ TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
             EXPECT_TRUE(isInSight("TxtDatabase"));
             EXPECT_FALSE(isInSight("TxtMany30"));
         })
-        .key(XK_Tab, 6)
+        .key(XK_Tab, 8)
         .key(XK_Tab, 29)
         .then([isInSight] {
             EXPECT_TRUE(isInSight("TxtMany30"));
             EXPECT_FALSE(isInSight("TxtDatabase"));
         })
         .type("last")
-        .key(XK_Tab, 3)  // OK, Cancel, and the name again.
+        .key(XK_Tab, 6)  // The buttons, and the name again.
         .type("C")
         .key(XK_Return);
     click(BtnConfigure);
     EXPECT_EQ(section("CA"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1 Many30=last");
+}
+
+TEST_F(SetupFormTest, APasswordIsStoredWhileThePersonWantsItAndNoLonger) {
+    struct Case {
+        std::string typed;
+        bool ticks;  // Presses the toggle, which is on exactly when a password is stored.
+        const char* stored;
+    };
+    openWith("[ODBC Data Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nPassword=geheim\n");
+    for (const Case& now : {Case{"", true, "Driver=Talker"}, Case{"neu", false, "Driver=Talker"},
+                            Case{"neu", true, "Driver=Talker Password=neu"}}) {
+        Script script(person());
+        script.key(XK_Tab, 6).type(now.typed).key(XK_Tab).key(XK_space, now.ticks ? 1 : 0).key(XK_Return);
+        click(BtnConfigure);
+        EXPECT_EQ(section("A"), now.stored);
+    }
+}
+
+TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing) {
+    const std::string before =
+        "[ODBC Data Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nUnknown=1\nDescription=x\nSAVEFILE=/y\n";
+    openWith(before);
+    Script script(person());
+    script.key(XK_Tab, 2)
+        .type("/a;(b)}")
+        .key(XK_Tab, 4)
+        .type("p ")
+        .then([] { clickButton("BtnTest"); })
+        .then([] {
+            EXPECT_EQ(message(),
+                      "The connection could not be made.  08001: No such server 01000: 0 "
+                      "DRIVER={Talker};Unknown=1;Database={/a;(b)}}};Password={p };");
+        })
+        .key(XK_Return)
+        .key(XK_Escape);
+    click(BtnConfigure);
+    EXPECT_EQ(files.read(OdbcFiles::kUser), before);
+}
+
+TEST_F(SetupFormTest, TestConnectsToARealDatabase) {
+    openWith("[ODBC Data Sources]\nA=Working\nB=Talker\n\n[A]\nDriver=Working\nDatabase=:memory:\n");
+    Script script(person());
+    script.then([] { clickButton("BtnTest"); })
+        .then([] { EXPECT_EQ(message(), "The connection was made. The settings work."); })
+        .key(XK_Return)
+        .key(XK_Home)
+        .then([] { XmProcessTraversal(child(ShODBCAdmin, std::string(kForm) + "*TxtDatabase"), XmTRAVERSE_CURRENT); })
+        .key(XK_Home)
+        .type("/none/")
+        .then([] { clickButton("BtnTest"); })
+        .then([] { EXPECT_NE(message().find("[SQLite]"), std::string::npos) << message(); })
+        .key(XK_Return)
+        .key(XK_Escape);
+    click(BtnConfigure);
+}
+
+TEST_F(SetupFormTest, AFileIsChosenInADialogThatMayBeLeft) {
+    openWith(kTalker);
+    Script script(person());
+    script.then([] { EXPECT_EQ(field("LblHint"), " "); })
+        .key(XK_Tab, 3)
+        .then([] { EXPECT_EQ(field("LblHint"), "help"); })
+        .key(XK_space)
+        .type("bc")
+        .key(XK_Return)
+        .then([] { EXPECT_EQ(field("TxtDatabase"), "/abc"); })
+        .key(XK_Tab)
+        .key(XK_space)
+        .type("x")
+        .key(XK_Escape)
+        .then([] { EXPECT_EQ(field("TxtDatabase"), "/abc"); })
+        .key(XK_Tab, 1, XK_Shift_L)
+        .key(XK_Return);
+    click(BtnConfigure);
+    EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Mode=odd Password=geheim Unknown=1");
+}
+
+TEST_F(SetupFormTest, AboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
+    openWith("[ODBC Data Sources]\nA=Talker\nS=Silent\n\n[A]\nDriver=Talker\n\n[S]\nDriver=Silent\n");
+    const auto fileOf = [](const char* path) {
+        return "About " + std::string(path).substr(std::string(path).rfind('/') + 1);
+    };
+    for (const auto& [row, title, version] : {std::tuple{1, fileOf(VH_TEST_TALKING_DRIVER), "1.0"},
+                                              std::tuple{2, fileOf(VH_TEST_SETUP_LIBRARY), "05.30.0002"}}) {
+        clickRow(LstUName, row);
+        Script script(person());
+        script.then([] { clickButton("BtnAbout"); })
+            .then([title, version] {
+                EXPECT_EQ(field("TxtVersion"), version);
+                EXPECT_EQ(person().windows(title, true).size(), 1U);
+            })
+            .key(XK_Escape)
+            .then([title] { EXPECT_TRUE(person().windows(title, true).empty()); })
+            .key(XK_Escape);
+        click(BtnConfigure);
+    }
 }
 
 }  // namespace
