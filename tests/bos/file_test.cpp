@@ -149,6 +149,9 @@ TEST_F(FileTest, FailuresOfTheSystemHaveTheLibrarysNumbers) {
          "30045"},
     };
     for (const auto& row : rows) {
+        if (geteuid() != 0 && row.errors == std::string_view("1508")) {
+            continue;  // Only root can give its rights away.
+        }
         EXPECT_EQ(runInChild([&] {
                       ErrorCollector errors;
                       std::string name = row.path;

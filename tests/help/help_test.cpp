@@ -63,7 +63,7 @@ protected:
         folder_.write(name, "#!/bin/sh\n" + action + "\n");
         chmod(folder_.path(name).c_str(), 0755);
     }
-    std::string recording() const { return "echo \"$@\" >>" + folder_.path("arguments"); }
+    std::string recording() const { return "echo \"$@\" >>'" + folder_.path("arguments") + "'"; }
     // The arguments of all calls so far; waits for the one that nobody else waits for.
     std::string arguments(const std::string& until) const {
         for (int i = 0; i < 200 && folder_.read("arguments").find(until) == std::string::npos; ++i) {

@@ -22,7 +22,7 @@ class ProgramEnvironment : public testing::Environment {
 public:
     void SetUp() override {
         stage = std::make_unique<TemporaryFolder>();
-        const std::string installed = outputOf("cmake --install " VH_TEST_BUILD " --prefix " + stage->path());
+        const std::string installed = outputOf("cmake --install '" VH_TEST_BUILD "' --prefix '" + stage->path() + "'");
         if (access(stage->path("bin/odbcadmin").c_str(), X_OK) != 0) {
             throw std::runtime_error(installed);
         }
@@ -249,7 +249,7 @@ TEST_F(ProgramTest, ADataSourceIsAddedConfiguredUsedAndRemoved) {
 
 TEST_F(ProgramTest, AForeignDriverManagerOnTheSearchPathDoesNotEndIt) {
     // Built from source it lands in such a place, and it can't say its version.
-    files.write("lib/libodbc.so", outputOf("cat " VH_TEST_LIBRARY));
+    files.write("lib/libodbc.so", outputOf("cat '" VH_TEST_LIBRARY "'"));
     const ScopedEnvironment search{{"LD_LIBRARY_PATH", files.path("lib")}};
     start();
     press(kCancel);
@@ -282,12 +282,9 @@ private:
 };
 
 TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredListedAndConnect) {
-    if (geteuid() != 0) {
-        GTEST_SKIP() << "Only root can start a database server as another user.";
-    }
     files.write(OdbcFiles::kDrivers, "");
     for (const char* driver : {"sqlite", "postgresql", "freetds"}) {
-        outputOf("odbcinst -i -d -f " + stage("share/drivers/") + driver + ".ini");
+        outputOf("odbcinst -i -d -f '" + stage("share/drivers/") + driver + ".ini'");
     }
     EXPECT_EQ(outputOf("odbcinst -q -d"), "[Varnholt SQLite]\n[Varnholt PostgreSQL]\n[Varnholt FreeTDS]\n");
     start();
@@ -295,8 +292,6 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredListedAndConnect) {
     expectEnd(0);
     EXPECT_EQ(files.read("output"), "");
 
-    const TemporaryFolder folder;
-    const PostgresServer server(folder);
     const ScopedEnvironment texts{{"VH_INSTALLDIR", stage("")}};
     void* setup = dlopen(stage("lib/vhsetup23.so").c_str(), RTLD_NOW);
     ASSERT_NE(setup, nullptr) << dlerror();
@@ -305,13 +300,18 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredListedAndConnect) {
     const auto add = [&](const char* driver, const std::string& attributes) {
         EXPECT_EQ(configDsn(nullptr, 1, driver, attributes.c_str()), 1) << driver;
     };
+    files.write("query", "select 6*7;\n");
+    add("Varnholt FreeTDS", "DSN=tds\0Server=127.0.0.1\0TDS_Version=7.4\0Port=1\0"s);
+    EXPECT_NE(outputOf("isql -v -b tds <'" + files.path("query") + "'").find("[FreeTDS]"), std::string::npos);
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "Only root can start a database server as another user.";
+    }
+    const TemporaryFolder folder;
+    const PostgresServer server(folder);
     add("Varnholt PostgreSQL",
         "DSN=pg\0Servername=127.0.0.1\0Database=postgres\0Username=postgres\0SSLmode=disable\0Port="s + server.port() +
             '\0');
-    add("Varnholt FreeTDS", "DSN=tds\0Server=127.0.0.1\0TDS_Version=7.4\0Port=1\0"s);
-    files.write("query", "select 6*7;\n");
-    EXPECT_NE(outputOf("isql -b -d, pg <" + files.path("query")).find("42"), std::string::npos);
-    EXPECT_NE(outputOf("isql -v -b tds <" + files.path("query")).find("[FreeTDS]"), std::string::npos);
+    EXPECT_NE(outputOf("isql -b -d, pg <'" + files.path("query") + "'").find("42"), std::string::npos);
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ std::string TemporaryFolder::makeCatalog(std::string_view name, const std::map<i
     }
     const std::string sourceFile = write(std::string(name) + ".msg", source);
     std::string catalog = path(name);
-    if (std::system(("gencat " + catalog + " " + sourceFile).c_str()) != 0) {
+    if (std::system(("gencat '" + catalog + "' '" + sourceFile + "'").c_str()) != 0) {
         throw std::runtime_error("gencat failed");
     }
     return catalog;
