@@ -122,10 +122,14 @@ bool waitForUnlock(Display* display, Window window, Atom lock) {
     return true;
 }
 
-bool lockWindow(Display* display, Window window, Atom lock, const char* signature) {
+bool lockWindow(Display* display, Window window, Atom version, Atom lock, const char* signature) {
     // Watched from before the first try, so that no release between a try and the wait after it is missed.
     watch(display, window);
     while (true) {
+        // A window that went before it was watched sends no event when it goes, and has no lock either.
+        if (!readProperty(display, window, version)) {
+            return false;
+        }
         XGrabServer(display);
         const bool free = !readProperty(display, window, lock);
         if (free) {
@@ -193,7 +197,7 @@ int WWHelp_Platform_SendURL(WWHelp_BrowserInfo* info, const char* url, std::size
     const std::string command = "openURL(" + std::string(url, length) + ")";
     const Atoms atoms(display);
     const Window window = findBrowserWindow(display, atoms.version);
-    if (window == None || !lockWindow(display, window, atoms.lock, info->processSignature)) {
+    if (window == None || !lockWindow(display, window, atoms.version, atoms.lock, info->processSignature)) {
         return -1;
     }
     const bool sent = sendCommand(display, window, atoms, command);
