@@ -66,7 +66,9 @@ void askQuestion(const std::string& question, XtCallbackProc accepted, XtPointer
 
 void showOutOfMemoryErrorAdmin() {
     freeGlobals();
-    showOutOfMemoryError(ShODBCAdmin);
+    if (ShODBCAdmin != nullptr) {
+        showOutOfMemoryError(ShODBCAdmin);
+    }
 }
 
 void showODBCINSTError() {

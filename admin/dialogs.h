@@ -3,6 +3,7 @@
 
 #include <Xm/Xm.h>
 
+#include <new>
 #include <string>
 
 #include "catalogs/message_numbers.h"
@@ -28,11 +29,22 @@ void askQuestion(const std::string& question, XtCallbackProc accepted, XtPointer
 // Frees the globals and shows the out-of-memory box; the caller returns at once.
 void showOutOfMemoryErrorAdmin();
 
+// Does a callback's work. No exception may cross a callback, so a failed allocation ends here, in that report.
+template <typename Work>
+void guarded(Work work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        showOutOfMemoryErrorAdmin();
+    }
+}
+
 // Reports that the driver file could not be read. The program goes on.
 void showODBCINSTError();
 
 // Reports that the data source file could not be read; the program ends when the person has seen it. Unlike the driver
-// file it is what the program is there to edit: going on with half of it read could lose the other half.
+// file it is what the program is there to edit: going on with half of it read could lose the other half. Of several reports
+// that are raised while the window is being built the last one alone is seen, so there this one can be missed.
 void showODBCINIError();
 
 // The buttons of the main window that end the program or keep its settings.

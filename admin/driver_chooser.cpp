@@ -161,7 +161,7 @@ void addDsn(short kind) {
 }
 
 void finish(Widget /*widget*/, const char* /*attributes*/) {
-    finishUserDataSource();
+    guarded(finishUserDataSource);
 }
 
 void Wizard_Next(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -173,16 +173,18 @@ void CloseDriverPopup(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*c
 }
 
 void DriversPopupEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    std::vector<Widget> lists;
-    for (const Column& column : Columns) {
-        lists.push_back(column.list);
-    }
-    selectSameRow(list, lists);
-    if (const std::optional<int> row = selectedRow(list)) {
-        revealRow(list, *row, DriverLists);
-        std::free(CurrentDriver);
-        CurrentDriver = strdup(rowText(LstDPName, *row).c_str());
-    }
+    guarded([list] {
+        std::vector<Widget> lists;
+        for (const Column& column : Columns) {
+            lists.push_back(column.list);
+        }
+        selectSameRow(list, lists);
+        if (const std::optional<int> row = selectedRow(list)) {
+            revealRow(list, *row, DriverLists);
+            std::free(CurrentDriver);
+            CurrentDriver = strdup(rowText(LstDPName, *row).c_str());
+        }
+    });
 }
 
 void DPDriver_doubleClick(Widget /*list*/, XtPointer /*clientData*/, XtPointer callData) {

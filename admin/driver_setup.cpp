@@ -21,10 +21,7 @@ namespace {
 class PrivateErrorList {
 public:
     PrivateErrorList() : list_(nullptr, 0) { KvErrorKeeper::setErrorList(&list_); }
-    ~PrivateErrorList() {
-        KvErrorKeeper::giveUpErrorList();
-        list_.deleteContents();
-    }
+    ~PrivateErrorList() { KvErrorKeeper::giveUpErrorList(); }
     PrivateErrorList(const PrivateErrorList&) = delete;
     PrivateErrorList& operator=(const PrivateErrorList&) = delete;
 

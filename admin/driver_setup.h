@@ -3,7 +3,8 @@
 
 #include <Xm/Xm.h>
 
-// The ODBC installer's entry points of a setup library (ODBC ConfigDSN), as the last call found them.
+// The ODBC installer's entry points of a setup library (ODBC ConfigDSN), as the last call found them. The library is closed by then: they
+// tell that there was a function, and must not be called.
 using ConfigDsnFunction = int (*)(Widget parent, unsigned short request, const char* driver, const char* attributes);
 using ConfigFileDsnFunction = int (*)(Widget parent, unsigned short request, const char* driver, const char* attributes,
                                       const char* fileName);

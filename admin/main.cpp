@@ -49,6 +49,10 @@ int main(int argc, char** argv) {
     installer::useUserConfiguration();
 
     create_shODBCAdmin(display, argv[0], argc, argv);
+    if (ShODBCAdmin == nullptr) {
+        std::puts("Not enough memory to open the window");
+        return -1;
+    }
     create_FileDsnWizard();
     XtRealizeWidget(ShODBCAdmin);
     showWaitingReport();

@@ -123,11 +123,13 @@ void Load_Trace() {
 }
 
 void Save_Trace() {
-    const char* state = XmToggleButtonGetState(TgEnableTracing) != 0 ? "1" : "0";
-    if (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, textOf(TxtTraceFile)) ||
-        !writeSetting(kLibraryKey, textOf(TxtTraceLib))) {
-        showError(Message::kTraceNotSaved);
-    }
+    guarded([] {
+        const char* state = XmToggleButtonGetState(TgEnableTracing) != 0 ? "1" : "0";
+        if (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, textOf(TxtTraceFile)) ||
+            !writeSetting(kLibraryKey, textOf(TxtTraceLib))) {
+            showError(Message::kTraceNotSaved);
+        }
+    });
 }
 
 void TraceConfigStateChanged(Widget /*toggle*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -163,9 +165,11 @@ void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) 
 }
 
 void FileSelected(Widget box, XtPointer kind, XtPointer callData) {
-    const std::string path = plainText(static_cast<XmFileSelectionBoxCallbackStruct*>(callData)->value);
-    XmTextSetString(fieldOf(kind), const_cast<char*>(path.c_str()));
-    XtDestroyWidget(XtParent(box));
+    guarded([=] {
+        const std::string path = plainText(static_cast<XmFileSelectionBoxCallbackStruct*>(callData)->value);
+        XmTextSetString(fieldOf(kind), const_cast<char*>(path.c_str()));
+        XtDestroyWidget(XtParent(box));
+    });
 }
 
 void FileSelectionCancelled(Widget box, XtPointer /*clientData*/, XtPointer /*callData*/) {

@@ -192,29 +192,33 @@ void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*
         showInformation(Message::kRemoveSelectOne);
         return;
     }
-    const std::string name = rowText(LstUName, *row);
-    char* owned = strdup(name.c_str());
-    if (owned == nullptr) {
-        showOutOfMemoryErrorAdmin();
-        return;
-    }
-    askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + name + "\" " +
-                    catalogText(Message::kRemoveQuestionEnd) + "?",
-                RemoveUserDsn, owned, freeName);
+    guarded([&row] {
+        const std::string name = rowText(LstUName, *row);
+        char* owned = strdup(name.c_str());
+        if (owned == nullptr) {
+            showOutOfMemoryErrorAdmin();
+            return;
+        }
+        askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + name + "\" " +
+                        catalogText(Message::kRemoveQuestionEnd) + "?",
+                    RemoveUserDsn, owned, freeName);
+    });
 }
 
 void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/) {
-    const std::optional<int> row = selectedRow(LstUName);
-    installer::forgetCachedValues();
-    if (!installer::removeDataSource(static_cast<const char*>(dsnName))) {
-        showError(Message::kRemoveFailed);
-        return;
-    }
-    if (row) {
-        deleteRow(LstUDesc, *row);
-        deleteRow(LstUName, *row);
-    }
-    setSizePosForUserDSNWidgets();
+    guarded([dsnName] {
+        const std::optional<int> row = selectedRow(LstUName);
+        installer::forgetCachedValues();
+        if (!installer::removeDataSource(static_cast<const char*>(dsnName))) {
+            showError(Message::kRemoveFailed);
+            return;
+        }
+        if (row) {
+            deleteRow(LstUDesc, *row);
+            deleteRow(LstUName, *row);
+        }
+        setSizePosForUserDSNWidgets();
+    });
 }
 
 void btnConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -224,11 +228,7 @@ void btnConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer
         showInformation(Message::kConfigureSelectOne);
         return;
     }
-    try {
-        configure(rowText(LstUName, *row));
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryErrorAdmin();
-    }
+    guarded([&row] { configure(rowText(LstUName, *row)); });
 }
 
 void UDSN_doubleClick(Widget widget, XtPointer clientData, XtPointer callData) {

@@ -113,9 +113,9 @@ std::optional<SetupFailure> carryOut(WORD code, const Request& request) {
 }
 
 std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver, const char* attributes) {
-    const SetupCatalogs catalogs;
-    const installer::WritableConfiguration configuration;
     try {
+        const SetupCatalogs catalogs;
+        const installer::WritableConfiguration configuration;
         if (!isAttributeList(attributes)) {
             return failure(ODBC_ERROR_INVALID_KEYWORD_VALUE, SetupMessage::kBadAttributes);
         }
@@ -125,7 +125,7 @@ std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver
                                trimmed(valueOf(given, kNameKey)), withoutNameAndDriver(given)});
     } catch (const std::exception&) {
         // Nothing here throws but for want of memory.
-        return failure(ODBC_ERROR_OUT_OF_MEM, SetupMessage::kNoMemory);
+        return SetupFailure{ODBC_ERROR_OUT_OF_MEM, "Out of memory", {}};
     }
 }
 

@@ -100,7 +100,8 @@ public:
         // First the verifier: the field itself never sees the password, not even the stored one.
         XtAddCallback(field_, XmNmodifyVerifyCallback, checkPassword, static_cast<XtPointer>(&password_));
         XmTextFieldSetString(field_, const_cast<char*>(value.c_str()));
-        toggle_ = createToggleButton(parent, "TglSavePassword", setupText(SetupMessage::kSavePassword));
+        toggle_ =
+            createToggleButton(parent, widgetName("TglSave", key).c_str(), setupText(SetupMessage::kSavePassword));
         XmToggleButtonSetState(toggle_, isInFile ? True : False, False);
         toggleHint_ = createLabel(parent, "LblSavePasswordHint", setupText(SetupMessage::kSavePasswordHint));
         filled();
