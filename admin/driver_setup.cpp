@@ -9,29 +9,12 @@
 #include "admin/globals.h"
 #include "bos/library.h"
 #include "installer/configuration.h"
-#include "kvlib/error_list.h"
+#include "kvlib/private_error_list.h"
 
 ConfigDsnFunction ConfigureDSN = nullptr;
 ConfigFileDsnFunction ConfigFileDSN = nullptr;
 
 namespace {
-
-// Collects what is recorded while a setup library is located, loaded and run. Nobody shows it: the dialog names the class
-// of the failure. It is given up even when an exception passes through the driver's code.
-class PrivateErrorList {
-public:
-    PrivateErrorList() : list_(nullptr, 0) { KvErrorKeeper::setErrorList(&list_); }
-    ~PrivateErrorList() { KvErrorKeeper::giveUpErrorList(); }
-    PrivateErrorList(const PrivateErrorList&) = delete;
-    PrivateErrorList& operator=(const PrivateErrorList&) = delete;
-
-private:
-    KvErrorList list_;
-};
-
-struct LibraryCloser {
-    void operator()(void* handle) const { dlclose(handle); }
-};
 
 template <typename Function>
 Function findFunction(void* library, const char* name) {
@@ -63,6 +46,7 @@ std::optional<Message::Number> callSetup(void* library, short request, const cha
 
 void callDynamic(const char* setupLibrary, short request, const char* driverName, const char* attributes, short dsnKind,
                  const char* fileName) {
+    // Nobody shows what is collected: the dialog names the class of the failure.
     const PrivateErrorList errors;
     const std::unique_ptr<void, LibraryCloser> library(bosLoadLibrary(setupLibrary, 0));
     const std::optional<Message::Number> failure =

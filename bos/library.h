@@ -2,6 +2,8 @@
 // Everything here may be called from any thread as long as none changes the environment.
 #pragma once
 
+#include <dlfcn.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -46,3 +48,8 @@ std::uint32_t bosLocateFile(char* result, const char* name, std::uint32_t flags)
 // refused by the loader, and nothing for one that was not found.
 void* bosLoadLibrary(const char* name, int addVersion);
 void* bosLoadLibrary(const char16_t* name, int addVersion);
+
+// Closes a handle of the dynamic loader, for std::unique_ptr<void, LibraryCloser>.
+struct LibraryCloser {
+    void operator()(void* handle) const { dlclose(handle); }
+};

@@ -16,6 +16,7 @@
 #include "kvlib/ini_grammar.h"
 #include "kvlib/ini_lock.h"
 #include "kvlib/ini_trace.h"
+#include "kvlib/narrow_text.h"
 #include "kvlib/per_thread_data.h"
 #include "kvlib/text.h"
 
@@ -27,20 +28,6 @@ constexpr std::uint32_t kRewriteFlags =
 constexpr std::size_t kLongestValue = 2047;
 constexpr unsigned long kNumberBufferSize = 20;
 constexpr unsigned long kLongestWideList = 0x100000;
-
-// A text of the caller that may be null, as 8-bit text.
-class Narrow {
-public:
-    explicit Narrow(const char16_t* text) {
-        if (text != nullptr) {
-            text_ = fromUtf16(text, kCPLocale);
-        }
-    }
-    const char* get() const { return text_ ? text_->c_str() : nullptr; }
-
-private:
-    std::optional<std::string> text_;
-};
 
 std::optional<std::string_view> optionalView(const char* text) {
     return text == nullptr ? std::nullopt : std::optional<std::string_view>(text);

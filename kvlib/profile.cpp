@@ -8,6 +8,7 @@
 #include "bos/file.h"
 #include "kvlib/error_report.h"
 #include "kvlib/ini_file_cache_list.h"
+#include "kvlib/narrow_text.h"
 #include "kvlib/per_thread_data.h"
 #include "kvlib/text.h"
 
@@ -63,18 +64,6 @@ int writeString(KvIniFileCache* cache, const char* section, const char* entry, c
 std::uint32_t readInt(KvIniFileCache* cache, const char* section, const char* entry, std::uint32_t defaultValue) {
     return cache == nullptr ? defaultValue : cache->bosGetProfileInt(section, entry, defaultValue);
 }
-
-// 8-bit text of a UTF-16 argument, null staying null.
-class Narrow {
-public:
-    explicit Narrow(const char16_t* text)
-        : isNull_(text == nullptr), text_(isNull_ ? std::string() : fromUtf16(text, kCPLocale)) {}
-    const char* get() const { return isNull_ ? nullptr : text_.c_str(); }
-
-private:
-    bool isNull_;
-    std::string text_;
-};
 
 }  // namespace
 

@@ -7,11 +7,12 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <memory>
 #include <new>
 
 #include "bos/file.h"
 #include "bos/library.h"
-#include "kvlib/error_list.h"
+#include "kvlib/private_error_list.h"
 #include "kvlib/text.h"
 #include "motifutil/catalog_text.h"
 
@@ -76,13 +77,11 @@ void getCompNameAndVersion(const char* libraryName, char* companyOut, char* vers
     companyOut[0] = '\0';
     versionOut[0] = '\0';
 
-    KvErrorList errors(nullptr, 0);
-    KvErrorKeeper::setErrorList(&errors);
-    if (void* handle = bosLoadLibrary(libraryName, flag)) {
-        describe(handle, libraryName, companyOut, versionOut);
-        dlclose(handle);
+    const PrivateErrorList errors;
+    const std::unique_ptr<void, LibraryCloser> library(bosLoadLibrary(libraryName, flag));
+    if (library) {
+        describe(library.get(), libraryName, companyOut, versionOut);
     }
-    KvErrorKeeper::giveUpErrorList();
 }
 
 void formatFileDate(std::size_t date, char (&text)[kShortTextSize]) {

@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 
+#include "bos/library.h"
 #include "installer/configuration.h"
 #include "setup/data_source.h"
 
@@ -18,10 +19,6 @@ namespace {
 // No driver has that many; a list that does not end is cut here.
 constexpr std::size_t kMostProperties = 1000;
 constexpr std::size_t kMostChoices = 1000;
-
-struct LibraryCloser {
-    void operator()(void* handle) const { dlclose(handle); }
-};
 
 // The driver allocates the nodes, their arrays of choices and their help texts with malloc, and its caller frees them, as the
 // installer library does; the choices themselves stay the driver's.
