@@ -99,7 +99,7 @@ Widget createTraceTab(Widget notebook) {
     placePathRow(LblTraceLib, TxtTraceLib, BtnTLibBrowse, TxtTraceFile);
     XtVaSetValues(TxtTraceLib, XmNbottomAttachment, XmATTACH_FORM, XmNbottomOffset, kMargin, nullptr);
 
-    TxtTraceDesc = createReadOnlyText(FrmTrace, "TxtTraceDesc", Message::kTracingExplanation, 3);
+    TxtTraceDesc = createReadOnlyText(FrmTrace, "TxtTraceDesc", Message::kTracingExplanation, 6);
     Attach(TxtTraceDesc).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);
 
     XtAddCallback(TgEnableTracing, XmNvalueChangedCallback, TraceConfigStateChanged, nullptr);

@@ -540,7 +540,7 @@ void SetupForm::aboutPressed(Widget /*widget*/, XtPointer form, XtPointer /*call
 
 void SetupForm::helpPressed(Widget /*widget*/, XtPointer /*form*/, XtPointer /*callData*/) {
     kvDisplayHelp(reinterpret_cast<const unsigned char*>("Administrator"),
-                  reinterpret_cast<const unsigned char*>("userdsn"));
+                  reinterpret_cast<const unsigned char*>("setup"));
 }
 
 void SetupForm::replaceAccepted(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
