@@ -5,6 +5,8 @@
 #include <Xm/ScrolledW.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <numeric>
 
 #include "motifutil/scrolling.h"
@@ -67,6 +69,39 @@ void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) 
     scrollHeaders(columns, scrolledSideways(columns.front().list));
 }
 
+// The size of a list without rows goes with the list, as its user data.
+struct Size {
+    Dimension width;
+    Dimension height;
+};
+
+XtPointer packed(Size size) {
+    return reinterpret_cast<XtPointer>(std::uintptr_t{std::bit_cast<std::uint32_t>(size)});
+}
+
+Size emptySize(Widget list) {
+    XtPointer data = nullptr;
+    XtVaGetValues(list, XmNuserData, &data, nullptr);
+    return std::bit_cast<Size>(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(data)));
+}
+
+bool hasEmptySize(const Column& column) {
+    int count = 0;
+    XtVaGetValues(column.list, XmNitemCount, &count, nullptr);
+    return count == 0 && emptySize(column.list).width != 0;
+}
+
+void layOutEmpty(const std::vector<Column>& columns) {
+    std::vector<int> widths;
+    for (const Column& column : columns) {
+        widths.push_back(emptySize(column.list).width);
+    }
+    layOut(columns, widths);
+    for (const Column& column : columns) {
+        XtVaSetValues(column.list, XmNheight, emptySize(column.list).height, nullptr);
+    }
+}
+
 }  // namespace
 
 Widget createHeaderWindow(Widget parent, const char* name) {
@@ -74,7 +109,15 @@ Widget createHeaderWindow(Widget parent, const char* name) {
                                    XmNvisualPolicy, XmVARIABLE, nullptr);
 }
 
+void setEmptySize(Widget list, Dimension width, Dimension height) {
+    XtVaSetValues(list, XmNwidth, width, XmNheight, height, XmNuserData, packed({width, height}), nullptr);
+}
+
 void fitColumns(const std::vector<Column>& columns, Widget scrolledWindow) {
+    if (std::all_of(columns.begin(), columns.end(), hasEmptySize)) {
+        layOutEmpty(columns);
+        return;
+    }
     std::vector<int> widths;
     for (const Column& column : columns) {
         widths.push_back(std::max(widestRow(column.list), preferredWidth(column.header)) + kColumnRoom);

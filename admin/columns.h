@@ -16,6 +16,9 @@ inline constexpr int kHeaderHeight = 25;
 // A scrolled window for headers: it clips them and never shows scroll bars of its own.
 Widget createHeaderWindow(Widget parent, const char* name);
 
+// The size that a list has as long as it has no rows, in pixels: fitColumns() then neither fits nor stretches it.
+void setEmptySize(Widget list, Dimension width, Dimension height);
+
 // Makes each column as wide as its header and its rows ask for, and the last one wide enough to fill what the scrolled
 // window around the lists shows, then places lists and headers side by side. Call it when rows changed or when the window
 // was resized.

@@ -128,7 +128,7 @@ void populateDriverInfo(Widget nameList, Widget fileList, Widget versionList, Wi
         }
         if (drivers.names.empty()) {
             for (Widget list : {nameList, fileList, versionList, companyList, dateList}) {
-                XtVaSetValues(list, XmNwidth, 100, XmNheight, 25, nullptr);
+                setEmptySize(list, 100, 25);
             }
             return;
         }
