@@ -41,7 +41,7 @@ constexpr Setting kSettings[] = {
     {"Fetch", "100", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Rows in a piece, when results are read in pieces."},
     {"UseServerSidePrepare", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 prepares statements on the server."},
     {"Protocol", "7.4-1", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr,
-     "Last digit: what is rolled back on error. 0 nothing, 1 transaction, 2 statement."},
+     "Last digit, rolled back on error: 0 nothing, 1 transaction, 2 statement."},
     {"UnknownSizes", "0", ODBCINST_PROMPTTYPE_LISTBOX, kUnknownSizes,
      "Size told of columns without one: 0 maximum, 1 unknown, 2 longest."},
     {"MaxVarcharSize", "255", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Longest text told as varchar."},

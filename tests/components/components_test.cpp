@@ -1,11 +1,16 @@
 // What components say about themselves, and what they let others see.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <odbcinstext.h>
 #include <sql.h>
 #include <sqlext.h>
 
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "tests/support/odbc_files.h"
@@ -65,6 +70,43 @@ TEST(Components, TheSqliteDriverConnectsAndNamesTheSqliteThatAnswers) {
     EXPECT_EQ(answer<char16_t>(driver, "getFileVersionStringW"), std::u16string(version.begin(), version.end()));
     EXPECT_EQ(answer<char>(driver, "getCompanyNameString"), "Varnholt Technologies");
     EXPECT_NE(dlsym(driver.get(), "ODBCINSTGetProperties"), nullptr) << "the driver behind is not reached";
+}
+
+TEST(Components, ThePostgresqlDriverIsDescribedInItsOwnWords) {
+    const Library driver = load(VH_TEST_POSTGRESQL_DRIVER);
+    const auto describe = reinterpret_cast<int (*)(HODBCINSTPROPERTY)>(dlsym(driver.get(), "ODBCINSTGetProperties"));
+    Dl_info real{};
+    ASSERT_TRUE(describe != nullptr && dladdr(dlsym(driver.get(), "SQLDriverConnect"), &real) != 0);
+    const std::string words = "\n" + outputOf("strings -a '" + std::string(real.dli_fname) + "' | tr A-Z a-z");
+    ODBCINSTPROPERTY first{};
+    ASSERT_EQ(describe(&first), 1);
+    std::set<std::string> seen;
+    for (const ODBCINSTPROPERTY* property = first.pNext; property != nullptr; property = property->pNext) {
+        std::string key = property->szName;
+        SCOPED_TRACE(key);
+        const bool isPassword = key == "Password";
+        std::transform(key.begin(), key.end(), key.begin(),
+                       [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+        EXPECT_NE(words.find("\n" + key + "\n"), std::string::npos) << "the driver does not know the keyword";
+        EXPECT_TRUE(seen.insert(key).second) << "twice";
+        EXPECT_EQ(property->nPromptType == ODBCINST_PROMPTTYPE_TEXTEDIT_PASSWORD, isPassword);
+        EXPECT_EQ(property->nPromptType == ODBCINST_PROMPTTYPE_LISTBOX, property->aPromptData != nullptr);
+        bool isOffered = property->aPromptData == nullptr;
+        for (char** choice = property->aPromptData; !isOffered && *choice != nullptr; ++choice) {
+            isOffered = std::string(property->szValue) == *choice;
+        }
+        EXPECT_TRUE(isOffered) << "the default is none of the choices";
+        EXPECT_LT(std::strlen(property->pszHelp), 80U) << "more than a line";
+    }
+    for (const char* key : {"servername", "port", "database", "username", "password", "sslmode"}) {
+        EXPECT_EQ(seen.count(key), 1U) << key;
+    }
+    while (first.pNext != nullptr) {
+        const std::unique_ptr<ODBCINSTPROPERTY, decltype(&std::free)> property(first.pNext, std::free);
+        first.pNext = property->pNext;
+        std::free(static_cast<void*>(property->aPromptData));
+        std::free(property->pszHelp);
+    }
 }
 
 TEST(Components, WithoutSqliteTheVersionIsTheComponentsOwn) {
