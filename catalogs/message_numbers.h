@@ -202,6 +202,7 @@ enum Number : std::uint32_t {
     kTestSucceeded = 60,
     kTestFailed = 61,
     kTestFailedSilently = 62,
+    kTestTitle = 63,
 
     // The About form.
     kAboutTitle = 70,

@@ -59,28 +59,28 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
     content.storedName = storedName;
     content.name = request.name;
     if (std::optional<std::vector<DriverProperty>> described = askDriver(library)) {
-        content.properties = *std::move(described);
+        content.rows.properties = *std::move(described);
     } else {
-        content.properties = commonProperties();
-        content.hasFurtherSettings = true;
+        content.rows.properties = commonProperties();
+        content.rows.hasFurtherSettings = true;
     }
 
-    content.stored = storedName.empty() ? Settings() : withoutNameAndDriver(readDataSource(storedName));
-    content.shown = content.stored;
+    content.rows.stored = storedName.empty() ? Settings() : withoutNameAndDriver(readDataSource(storedName));
+    content.rows.shown = content.rows.stored;
     if (storedName.empty()) {
-        for (const DriverProperty& property : content.properties) {
+        for (const DriverProperty& property : content.rows.properties) {
             if (!property.defaultValue.empty() && property.kind != PropertyKind::kFixed) {
                 setValue(content.pending, property.key, property.defaultValue);
             }
         }
     }
     for (const installer::Attribute& attribute : request.attributes) {
-        if (storedName.empty() || valueOf(content.stored, attribute.key) != attribute.value) {
+        if (storedName.empty() || valueOf(content.rows.stored, attribute.key) != attribute.value) {
             setValue(content.pending, attribute.key, attribute.value);
         }
     }
     for (const installer::Attribute& attribute : content.pending) {
-        setValue(content.shown, attribute.key, attribute.value);
+        setValue(content.rows.shown, attribute.key, attribute.value);
     }
     return content;
 }

@@ -5,15 +5,15 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 
 namespace {
 
 constexpr std::intptr_t kLoginTimeoutSeconds = 15;
-// What a message box can show: drivers may say more, and the first records tell most.
-constexpr SQLSMALLINT kMostRecords = 12;
-constexpr std::size_t kLongestRecord = 300;
+// The bytes that a diagnostic record seldom exceeds.
+constexpr std::size_t kUsualRecord = 256;
 
 // An ODBC handle of one type, freed with this object.
 template <SQLSMALLINT Type>
@@ -36,34 +36,37 @@ private:
     bool isMade_;
 };
 
-// Cuts a text that is too long between characters (UTF-8).
-std::string bounded(std::string text) {
-    if (text.size() > kLongestRecord) {
-        std::size_t end = kLongestRecord;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-            --end;
-        }
-        text = text.substr(0, end) + "...";
+// The text of one record, asked for again when it was longer than there was room for; empty when there is no such record.
+std::string diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record) {
+    std::array<SQLCHAR, SQL_SQLSTATE_SIZE + 1> state{};
+    SQLINTEGER native = 0;
+    SQLSMALLINT length = 0;
+    std::vector<SQLCHAR> message(kUsualRecord);
+    const auto ask = [&] {
+        return SQL_SUCCEEDED(SQLGetDiagRec(type, handle, record, state.data(), &native, message.data(),
+                                           static_cast<SQLSMALLINT>(message.size()), &length));
+    };
+    if (!ask()) {
+        return {};
     }
-    return text;
+    if (static_cast<std::size_t>(length) >= message.size()) {
+        message.resize(std::min<std::size_t>(length + 1U, SHRT_MAX));
+        ask();
+    }
+    return std::string(reinterpret_cast<const char*>(state.data())) + ": " +
+           oneLine(reinterpret_cast<const char*>(message.data()));
 }
 
-std::string diagnosticsOf(SQLSMALLINT type, SQLHANDLE handle) {
-    std::string lines;
-    for (SQLSMALLINT record = 1; record <= kMostRecords; ++record) {
-        std::array<SQLCHAR, SQL_SQLSTATE_SIZE + 1> state{};
-        std::array<SQLCHAR, 1024> message{};
-        SQLINTEGER native = 0;
-        SQLSMALLINT length = 0;
-        if (!SQL_SUCCEEDED(SQLGetDiagRec(type, handle, record, state.data(), &native, message.data(),
-                                         static_cast<SQLSMALLINT>(message.size()), &length))) {
+std::vector<std::string> diagnosticsOf(SQLSMALLINT type, SQLHANDLE handle) {
+    std::vector<std::string> records;
+    for (SQLSMALLINT number = 1; number < SHRT_MAX; ++number) {
+        const std::string record = diagnosticRecord(type, handle, number);
+        if (record.empty()) {
             break;
         }
-        const auto* text = reinterpret_cast<const char*>(message.data());
-        lines += (lines.empty() ? "" : "\n") + std::string(reinterpret_cast<const char*>(state.data())) + ": " +
-                 bounded(oneLine(text));
+        records.push_back(record);
     }
-    return lines;
+    return records;
 }
 
 std::string braced(const std::string& value) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "setup/data_source.h"
 
@@ -11,7 +12,8 @@ std::string connectionString(const std::string& driver, const Settings& settings
 
 struct ConnectionOutcome {
     bool connected = false;
-    std::string diagnostics;  // What driver and driver manager say, one record on each line; warnings after success.
+    // What driver and driver manager say, all records in their order, each whole and on one line; warnings after success.
+    std::vector<std::string> diagnostics;
 };
 
 // Connects without any prompt and disconnects. Returns when the driver does, which is asked to give up after some seconds.

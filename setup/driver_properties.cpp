@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <set>
 
@@ -19,6 +20,9 @@ namespace {
 // No driver has that many; a list that does not end is cut here.
 constexpr std::size_t kMostProperties = 1000;
 constexpr std::size_t kMostChoices = 1000;
+
+constexpr const char* kUserKey = "UID";
+constexpr const char* kPasswordKey = "PWD";
 
 // The driver allocates the nodes, their arrays of choices and their help texts with malloc, and its caller frees them, as the
 // installer library does; the choices themselves stay the driver's.
@@ -93,6 +97,30 @@ std::vector<DriverProperty> copyProperties(const ODBCINSTPROPERTY* node) {
     return properties;
 }
 
+bool hasPart(const std::vector<DriverProperty>& properties, std::initializer_list<const char*> parts) {
+    return std::any_of(properties.begin(), properties.end(), [parts](const DriverProperty& property) {
+        return std::any_of(parts.begin(), parts.end(),
+                           [&property](const char* part) { return strcasestr(property.key.c_str(), part) != nullptr; });
+    });
+}
+
+// A driver of a server takes user and password, by the keywords that ODBC gives them (SQLDriverConnect), even if it does not
+// describe them: FreeTDS is one. A driver of files knows no login.
+void addLogin(std::vector<DriverProperty>& properties) {
+    const bool hasPassword = std::any_of(properties.begin(), properties.end(), [](const DriverProperty& property) {
+        return property.kind == PropertyKind::kPassword;
+    });
+    if (hasPassword || hasPart(properties, {"uid", "user"}) || !hasPart(properties, {"server", "host", "address"})) {
+        return;
+    }
+    auto place = std::find_if(properties.begin(), properties.end(), [](const DriverProperty& property) {
+        return installer::sameName(property.key, "Database");
+    });
+    place = place == properties.end() ? place : place + 1;
+    place = properties.insert(place, {kUserKey, "", PropertyKind::kText, {}});
+    properties.insert(place + 1, {kPasswordKey, "", PropertyKind::kPassword, {}});
+}
+
 }  // namespace
 
 std::string driverLibrary(const std::string& driver) {
@@ -126,6 +154,7 @@ std::optional<std::vector<DriverProperty>> askDriver(const std::string& library)
     if (properties.empty()) {
         return std::nullopt;
     }
+    addLogin(properties);
     return properties;
 }
 
@@ -133,6 +162,6 @@ std::vector<DriverProperty> commonProperties() {
     return {{"Server", "", PropertyKind::kText, {}},
             {"Port", "", PropertyKind::kText, {}},
             {"Database", "", PropertyKind::kText, {}},
-            {"UID", "", PropertyKind::kText, {}},
-            {"PWD", "", PropertyKind::kPassword, {}}};
+            {kUserKey, "", PropertyKind::kText, {}},
+            {kPasswordKey, "", PropertyKind::kPassword, {}}};
 }

@@ -31,7 +31,8 @@ void HintLine::fit() {
 }
 
 void HintLine::focused(Widget widget, XtPointer self, XEvent* event, Boolean* /*continueToDispatch*/) {
-    if (event->type == FocusIn) {
+    // A window that gets the keyboard tells the field under the pointer too, which has not got it.
+    if (event->type == FocusIn && event->xfocus.detail != NotifyPointer) {
         auto* hint = static_cast<HintLine*>(self);
         hint->text_ = hint->texts_[widget];
         hint->fit();

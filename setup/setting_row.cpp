@@ -33,26 +33,6 @@ std::string widgetName(const char* prefix, const std::string& key, const char* s
     return name;
 }
 
-// Drivers name their settings for files; the common ones read better in words.
-std::string labelText(const std::string& key) {
-    struct Label {
-        const char* key;
-        SetupMessage::Number text;
-    };
-    constexpr std::array<Label, 9> kLabels{{{"Database", SetupMessage::kDatabase},
-                                            {"Server", SetupMessage::kServer},
-                                            {"Servername", SetupMessage::kServer},
-                                            {"Port", SetupMessage::kPort},
-                                            {"UID", SetupMessage::kUser},
-                                            {"User", SetupMessage::kUser},
-                                            {"Username", SetupMessage::kUser},
-                                            {"PWD", SetupMessage::kPassword},
-                                            {"Password", SetupMessage::kPassword}}};
-    const auto* known = std::find_if(kLabels.begin(), kLabels.end(),
-                                     [&key](const Label& label) { return installer::sameName(label.key, key); });
-    return known == kLabels.end() ? key : setupText(known->text);
-}
-
 std::string fieldText(Widget textField) {
     const XtTextPtr text(XmTextFieldGetString(textField));
     return text ? std::string(text.get()) : std::string();
@@ -70,6 +50,14 @@ public:
     std::string value() const override { return trimmed(fieldText(field_)); }
 };
 
+// What the person sees as the dialog: the form whose parent is a shell.
+Widget dialogAround(Widget widget) {
+    while (!XtIsShell(XtParent(widget))) {
+        widget = XtParent(widget);
+    }
+    return widget;
+}
+
 // A path, with a button that opens a dialog to choose it in.
 class FileRow : public TextRow {
 public:
@@ -85,7 +73,7 @@ private:
         try {
             showFileDialog(static_cast<Widget>(field));
         } catch (const std::bad_alloc&) {
-            showOutOfMemoryError(XtParent(button));
+            showOutOfMemoryError(dialogAround(button));
         }
     }
 };
@@ -253,8 +241,27 @@ private:
 
 }  // namespace
 
+std::string settingLabel(const std::string& key) {
+    struct Label {
+        const char* key;
+        SetupMessage::Number text;
+    };
+    constexpr std::array<Label, 9> kLabels{{{"Database", SetupMessage::kDatabase},
+                                            {"Server", SetupMessage::kServer},
+                                            {"Servername", SetupMessage::kServer},
+                                            {"Port", SetupMessage::kPort},
+                                            {"UID", SetupMessage::kUser},
+                                            {"User", SetupMessage::kUser},
+                                            {"Username", SetupMessage::kUser},
+                                            {"PWD", SetupMessage::kPassword},
+                                            {"Password", SetupMessage::kPassword}}};
+    const auto* known = std::find_if(kLabels.begin(), kLabels.end(),
+                                     [&key](const Label& label) { return installer::sameName(label.key, key); });
+    return known == kLabels.end() ? key : setupText(known->text);
+}
+
 SettingRow::SettingRow(Widget parent, std::string key) : key_(std::move(key)) {
-    label_ = createLabel(parent, widgetName("Lbl", key_).c_str(), labelText(key_));
+    label_ = createLabel(parent, widgetName("Lbl", key_).c_str(), settingLabel(key_));
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
 }
 

@@ -1,9 +1,7 @@
 #include "setup/setup_form.h"
 
-#include <X11/cursorfont.h>
 #include <Xm/DialogS.h>
 #include <Xm/Form.h>
-#include <Xm/ScrolledW.h>
 #include <odbcinst.h>
 
 #include <algorithm>
@@ -15,11 +13,10 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
-#include "motifutil/scrolling.h"
 #include "motifutil/widgets.h"
 #include "setup/about_form.h"
 #include "setup/connection_test.h"
-#include "setup/further_settings.h"
+#include "setup/connection_test_box.h"
 #include "setup/hint_line.h"
 #include "setup/setting_row.h"
 #include "setup/setup_texts.h"
@@ -29,9 +26,6 @@ namespace {
 constexpr int kMargin = 16;
 constexpr int kGap = 12;
 constexpr int kRowGap = 6;
-// What a scrolled window takes for itself in each direction.
-constexpr int kFrame = 2;
-
 // The share of the screen's height that the dialog takes before its rows scroll, in percent.
 constexpr int kLargestShare = 70;
 // What is seen of the rows at least, in pixels, however small the screen or the window.
@@ -52,33 +46,6 @@ void guarded(Widget dialogForm, Action action) {
     }
 }
 
-// Shows a watch as the pointer over a window while it lives.
-class BusyPointer {
-public:
-    explicit BusyPointer(Widget shell) : display_(XtDisplay(shell)), window_(XtWindow(shell)) {
-        cursor_ = XCreateFontCursor(display_, XC_watch);
-        XDefineCursor(display_, window_, cursor_);
-        XFlush(display_);
-    }
-    ~BusyPointer() {
-        XUndefineCursor(display_, window_);
-        XFreeCursor(display_, cursor_);
-    }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-
-private:
-    Display* display_;
-    Window window_;
-    Cursor cursor_;
-};
-
-// Makes a label as high as its field, so that their texts are level.
-void keepLevel(Widget label, Widget field) {
-    Attach(label).levelWith(field);
-    XtVaSetValues(label, XmNbottomAttachment, XmATTACH_OPPOSITE_WIDGET, XmNbottomWidget, field, nullptr);
-}
-
 // The dialog while it is open. It belongs to its shell and goes with it, since callbacks may need it until then.
 class SetupForm {
 public:
@@ -89,18 +56,11 @@ public:
 
 private:
     void createFields();
-    void createRows();
     void createButtons();
     void createHint();
     void layOut();
-    void place(Widget label, Widget field, Widget above, int margin, bool stretched) const;
-    static void placeAtEnd(Widget aside, Widget field, Widget above);
-    void placeRows();
     void setSizes();
-    void fitRows();
-    std::vector<Widget> labels() const;
 
-    bool hasRow(const std::string& key) const;
     std::optional<SetupFailure> collect();
     std::optional<SetupFailure> collectSettings(Settings& changed) const;
     Settings typedSettings(const Settings& changed) const;
@@ -109,7 +69,6 @@ private:
     void save();
     void finish();
     void report(const SetupFailure& failure);
-    void showBox(unsigned long kind, const std::string& text);
     void focusOn(const std::string& key);
 
     static void okPressed(Widget widget, XtPointer form, XtPointer callData);
@@ -118,14 +77,11 @@ private:
     static void aboutPressed(Widget widget, XtPointer form, XtPointer callData);
     static void helpPressed(Widget widget, XtPointer form, XtPointer callData);
     static void replaceAccepted(Widget widget, XtPointer form, XtPointer callData);
-    static void hiddenFieldReached(Widget widget, XtPointer form, XtPointer callData);
     static void resized(Widget widget, XtPointer form, XEvent* event, Boolean* continueToDispatch);
 
     SetupFormContent content_;
     Widget shell_;
     Widget form_ = nullptr;
-    Widget scrolledWindow_ = nullptr;
-    Widget rowsForm_ = nullptr;
     Widget separator_ = nullptr;
     Widget btnTest_ = nullptr;
     Widget btnAbout_ = nullptr;
@@ -135,9 +91,7 @@ private:
     std::unique_ptr<HintLine> hint_;  // Null when the driver explains nothing.
     std::unique_ptr<SettingRow> name_;
     std::unique_ptr<SettingRow> description_;
-    std::vector<std::unique_ptr<SettingRow>> rows_;
-    std::unique_ptr<FurtherSettings> further_;
-    int rowsHeight_ = 0;
+    std::unique_ptr<SettingRows> rows_;
     DataSourceChange change_;  // What the user accepted last.
     bool finished_ = false;
 };
@@ -153,7 +107,8 @@ bool SetupForm::run() {
     onWindowManagerClose(shell_, cancelPressed, this);
     XtAddCallback(form_, XmNhelpCallback, helpPressed, this);
     createFields();
-    createRows();
+    rows_ = std::make_unique<SettingRows>(form_, content_.rows);
+    XtAddEventHandler(rows_->window(), StructureNotifyMask, False, resized, this);
     createButtons();
     createHint();
     layOut();
@@ -169,59 +124,7 @@ bool SetupForm::run() {
 void SetupForm::createFields() {
     name_ = createTextRow(form_, "TxtDataSourceName", setupText(SetupMessage::kDataSourceName), content_.name);
     description_ = createTextRow(form_, "TxtDescription", setupText(SetupMessage::kDescription),
-                                 valueOf(content_.shown, kDescriptionKey));
-}
-
-void SetupForm::createRows() {
-    scrolledWindow_ = createScrolledWindow(form_, "scrWinSettings");
-    rowsForm_ = createForm(scrolledWindow_, "FormSettings");
-    XtVaSetValues(scrolledWindow_, XmNshadowThickness, 0, nullptr);
-    // The rows belong to the dialog, whatever ground lists in scrolled windows have.
-    Widget clipWindow = nullptr;
-    Pixel ground = 0;
-    XtVaGetValues(form_, XmNbackground, &ground, nullptr);
-    XtVaGetValues(scrolledWindow_, XmNclipWindow, &clipWindow, nullptr);
-    XtVaSetValues(clipWindow, XmNbackground, ground, nullptr);
-    // It would grab Home, End and the page keys, which the fields in it need.
-    XtUninstallTranslations(clipWindow);
-
-    if (content_.hasFurtherSettings) {
-        // A password never stands in plain text, so it can't stand among the further settings.
-        for (const installer::Attribute& setting : content_.shown) {
-            if (isPasswordKey(setting.key) && !hasRow(setting.key)) {
-                content_.properties.push_back({setting.key, "", PropertyKind::kPassword, {}});
-            }
-        }
-    }
-    for (const DriverProperty& property : content_.properties) {
-        const bool isInFile = !valueOf(content_.stored, property.key).empty();
-        if (auto row = createSettingRow(rowsForm_, property, valueOf(content_.shown, property.key), isInFile)) {
-            rows_.push_back(std::move(row));
-        }
-    }
-    if (content_.hasFurtherSettings) {
-        Settings further = content_.shown;
-        std::erase_if(further, [this](const installer::Attribute& setting) { return hasRow(setting.key); });
-        further_ = std::make_unique<FurtherSettings>(rowsForm_, further);
-    }
-    // Rows come into sight as they are reached, so the scroll bars need no keyboard.
-    for (const char* which : {XmNverticalScrollBar, XmNhorizontalScrollBar}) {
-        Widget scrollBar = nullptr;
-        XtVaGetValues(scrolledWindow_, which, &scrollBar, nullptr);
-        XtVaSetValues(scrollBar, XmNtraversalOn, False, nullptr);
-    }
-    XtAddCallback(scrolledWindow_, XmNtraverseObscuredCallback, hiddenFieldReached, this);
-    XtAddEventHandler(scrolledWindow_, StructureNotifyMask, False, resized, this);
-    scrollWithWheel(scrolledWindow_, rowsForm_);
-    for (const auto& row : rows_) {
-        scrollWithWheel(scrolledWindow_, row->label());
-        scrollWithWheel(scrolledWindow_, row->focus());
-        for (Widget widget : {row->aside(), row->toggle(), row->toggleHint()}) {
-            if (widget != nullptr) {
-                scrollWithWheel(scrolledWindow_, widget);
-            }
-        }
-    }
+                                 valueOf(content_.rows.shown, kDescriptionKey));
 }
 
 void SetupForm::createButtons() {
@@ -235,39 +138,23 @@ void SetupForm::createButtons() {
 }
 
 void SetupForm::createHint() {
-    if (std::all_of(rows_.begin(), rows_.end(), [](const auto& row) { return row->help().empty(); })) {
+    if (!rows_->hasHelp()) {
         return;
     }
     hint_ = std::make_unique<HintLine>(form_);
-    for (const auto& row : rows_) {
-        for (Widget widget : {row->focus(), row->aside(), row->toggle()}) {
-            if (widget != nullptr) {
-                hint_->explain(widget, row->help());
-            }
-        }
-    }
+    rows_->explainIn(*hint_);
     for (Widget widget : {name_->focus(), description_->focus(), btnTest_, btnAbout_, btnOk_, btnCancel_, btnHelp_}) {
         hint_->explain(widget, {});
     }
 }
 
-std::vector<Widget> SetupForm::labels() const {
-    std::vector<Widget> labels{name_->label(), description_->label()};
-    for (const auto& row : rows_) {
-        labels.push_back(row->label());
-    }
-    if (further_) {
-        labels.push_back(further_->label());
-    }
-    return labels;
-}
-
-// Labels have a column of their own, as wide as the widest; fields stand behind it and grow with the window.
+// Labels have a column of their own, as wide as the widest.
 void SetupForm::layOut() {
-    equalizeWidths(labels());
-    place(name_->label(), name_->field(), nullptr, kMargin, true);
-    place(description_->label(), description_->field(), name_->field(), kMargin, true);
-    placeRows();
+    std::vector<Widget> labels = rows_->labels();
+    labels.insert(labels.end(), {name_->label(), description_->label()});
+    equalizeWidths(labels);
+    placeRow(*description_, placeRow(*name_, nullptr, kMargin), kMargin);
+    rows_->layOut();
     Attach(btnTest_).leftForm(kMargin).bottomForm(kMargin);
     Attach(btnAbout_).rightOf(btnTest_, kGap).bottomForm(kMargin);
     Attach(btnHelp_).rightForm(kMargin).bottomForm(kMargin);
@@ -277,104 +164,26 @@ void SetupForm::layOut() {
     if (hint_) {
         Attach(hint_->line()).leftForm(kMargin).rightForm(kMargin).above(separator_, kRowGap);
     }
-    Attach(scrolledWindow_)
+    Attach(rows_->window())
         .below(description_->field(), kRowGap)
         .leftForm(kMargin)
-        .rightForm(kMargin - kFrame)
+        .rightForm(kMargin - SettingRows::kFrame)
         .above(hint_ ? hint_->line() : separator_, hint_ ? kRowGap : kGap);
-}
-
-void SetupForm::placeRows() {
-    Widget above = nullptr;
-    for (const auto& row : rows_) {
-        place(row->label(), row->field(), above, 0, row->isStretched());
-        if (row->aside() != nullptr && row->isStretched()) {
-            placeAtEnd(row->aside(), row->field(), above);
-        } else if (row->aside() != nullptr) {
-            Attach(row->aside()).rightOf(row->field(), kGap);
-            keepLevel(row->aside(), row->field());
-        }
-        above = row->field();
-        if (row->toggle() != nullptr) {
-            Attach(row->toggle()).below(above, 0).rightOf(row->label(), kGap);
-            Attach(row->toggleHint()).rightOf(row->toggle(), kGap);
-            keepLevel(row->toggleHint(), row->toggle());
-            above = row->toggle();
-        }
-    }
-    if (further_) {
-        place(further_->label(), further_->frame(), above, 0, true);
-        XtVaSetValues(further_->label(), XmNbottomAttachment, XmATTACH_NONE, nullptr);
-        // In line with the fields above: in line with its own, it and its field would depend on each other.
-        XtVaSetValues(further_->hint(), XmNleftAttachment, XmATTACH_OPPOSITE_WIDGET, XmNleftWidget, above, nullptr);
-        Attach(further_->hint()).below(further_->frame(), 0);
-    }
-}
-
-// Puts a widget between a field and the end of its row. The field's width depends on it, so nothing of it may depend on the
-// field: for a form that is a circle, even if one is about widths and the other about heights.
-void SetupForm::placeAtEnd(Widget aside, Widget field, Widget above) {
-    if (above == nullptr) {
-        Attach(aside).topForm();
-    } else {
-        Attach(aside).below(above, kRowGap);
-    }
-    Attach(aside).rightForm();
-    XtVaSetValues(aside, XmNrecomputeSize, False, XmNheight, preferredHeight(field), nullptr);
-    Attach(field).leftOf(aside, kGap);
-}
-
-void SetupForm::place(Widget label, Widget field, Widget above, int margin, bool stretched) const {
-    if (above == nullptr) {
-        Attach(field).topForm(margin);
-    } else {
-        Attach(field).below(above, kRowGap);
-    }
-    Attach(field).rightOf(label, kGap);
-    if (stretched) {
-        Attach(field).rightForm(margin);
-    }
-    Attach(label).leftForm(margin);
-    keepLevel(label, field);
 }
 
 // Gives the dialog the size that its rows need, up to a share of the screen's height.
 void SetupForm::setSizes() {
+    constexpr int kFrame = SettingRows::kFrame;
     const int around = preferredHeight(name_->field()) + preferredHeight(description_->field()) +
                        preferredHeight(btnOk_) + 2 * kMargin + 2 * kRowGap + 2 * kGap + kFrame +
                        (hint_ ? preferredHeight(hint_->line()) + 2 * kRowGap - kGap : 0);
-    rowsHeight_ = preferredHeight(rowsForm_);
     const int most = HeightOfScreen(XtScreen(form_)) * kLargestShare / 100 - around;
-    const int height = std::min(rowsHeight_, std::max(most, kLeastRows));
-    int width = std::max<int>(preferredWidth(rowsForm_), 5 * preferredWidth(btnOk_) + 6 * kGap);
-    if (height < rowsHeight_) {
-        Widget scrollBar = nullptr;
-        XtVaGetValues(scrolledWindow_, XmNverticalScrollBar, &scrollBar, nullptr);
-        width += preferredWidth(scrollBar);
-    }
-    XtVaSetValues(rowsForm_, XmNresizePolicy, XmRESIZE_NONE, nullptr);
-    if (further_) {
-        // Only now that the form has been measured: the further settings take what the window has to spare.
-        XtVaSetValues(further_->hint(), XmNtopAttachment, XmATTACH_NONE, nullptr);
-        Attach(further_->hint()).bottomForm();
-        Attach(further_->frame()).bottomForm(preferredHeight(further_->hint()));
-    }
-    XtVaSetValues(scrolledWindow_, XmNwidth, width + kFrame, XmNheight, height + kFrame, nullptr);
-    XtVaSetValues(shell_, XmNminWidth, width + kFrame + 2 * kMargin, XmNminHeight,
-                  around + std::min(rowsHeight_, kLeastRows), nullptr);
-}
-
-// Lets the rows have the width of the window, and its height where that is more than they need.
-void SetupForm::fitRows() {
-    XtVaSetValues(rowsForm_, XmNwidth, static_cast<Dimension>(std::max(viewWidth(scrolledWindow_), 1)), XmNheight,
-                  static_cast<Dimension>(std::max(viewHeight(scrolledWindow_), rowsHeight_)), nullptr);
-}
-
-bool SetupForm::hasRow(const std::string& key) const {
-    return installer::sameName(key, kDescriptionKey) || installer::sameName(key, kNameKey) ||
-           installer::sameName(key, kDriverKey) ||
-           std::any_of(content_.properties.begin(), content_.properties.end(),
-                       [&key](const DriverProperty& property) { return installer::sameName(property.key, key); });
+    const int width = std::max<int>(rows_->width(), 5 * preferredWidth(btnOk_) + 6 * kGap);
+    rows_->show(width, std::min(rows_->height(), std::max(most, kLeastRows)));
+    Dimension shown = 0;
+    XtVaGetValues(rows_->window(), XmNwidth, &shown, nullptr);
+    XtVaSetValues(shell_, XmNminWidth, shown + 2 * kMargin, XmNminHeight,
+                  around + std::min(rows_->height(), kLeastRows), nullptr);
 }
 
 // Takes what stands in the dialog as the change to be made, or tells what is wrong with it.
@@ -386,6 +195,9 @@ std::optional<SetupFailure> SetupForm::collect() {
             return failure;
         }
     }
+    if (std::optional<SetupFailure> failure = rows_->checkStorable()) {
+        return failure;
+    }
     return collectSettings(change_.values);
 }
 
@@ -394,41 +206,16 @@ std::optional<SetupFailure> SetupForm::collectSettings(Settings& changed) const 
     if (description_->isChanged()) {
         setValue(changed, kDescriptionKey, description_->value());
     }
-    for (const auto& row : rows_) {
-        if (!row->isStored()) {
-            setValue(changed, row->key(), {});
-        } else if (row->isChanged()) {
-            if (row->value() != trimmed(row->value())) {
-                return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kPasswordBlanks),
-                                    row->key()};
-            }
-            setValue(changed, row->key(), row->value());
-        }
-    }
-    if (further_) {
-        std::optional<SetupFailure> failure =
-            further_->changes([this](const std::string& key) { return hasRow(key); }, changed);
-        if (failure) {
-            // A row may have the same key, but the line is what has to be mended.
-            failure->key.clear();
-            XmProcessTraversal(further_->focus(), XmTRAVERSE_CURRENT);
-        }
-        return failure;
-    }
-    return std::nullopt;
+    return rows_->collect(changed);
 }
 
 // All settings as they stand in the dialog, with what is not to be stored.
 Settings SetupForm::typedSettings(const Settings& changed) const {
-    Settings settings = content_.shown;
+    Settings settings = content_.rows.shown;
     for (const installer::Attribute& change : changed) {
         setValue(settings, change.key, change.value);
     }
-    for (const auto& row : rows_) {
-        if (!row->isStored()) {
-            setValue(settings, row->key(), row->value());
-        }
-    }
+    rows_->addUnstored(settings);
     return settings;
 }
 
@@ -438,17 +225,7 @@ void SetupForm::test() {
         report(*failure);
         return;
     }
-    ConnectionOutcome outcome;
-    {
-        const BusyPointer busy(shell_);
-        outcome = testConnection(connectionString(content_.driver, typedSettings(changed)));
-    }
-    SetupMessage::Number text = SetupMessage::kTestSucceeded;
-    if (!outcome.connected) {
-        text = outcome.diagnostics.empty() ? SetupMessage::kTestFailedSilently : SetupMessage::kTestFailed;
-    }
-    const std::string lines = outcome.diagnostics.empty() ? "" : "\n\n" + outcome.diagnostics;
-    showBox(outcome.connected ? kInformationDialog : kErrorDialog, setupText(text) + lines);
+    testConnectionFor(form_, connectionString(content_.driver, typedSettings(changed)));
 }
 
 void SetupForm::accept() {
@@ -487,11 +264,7 @@ void SetupForm::finish() {
 
 void SetupForm::report(const SetupFailure& failure) {
     focusOn(failure.key);
-    showBox(kErrorDialog, failure.text);
-}
-
-void SetupForm::showBox(unsigned long kind, const std::string& text) {
-    Widget box = createMessageDialog(form_, kind, text.c_str(), catalogText(Message::kOk).c_str(), "",
+    Widget box = createMessageDialog(form_, kErrorDialog, failure.text.c_str(), catalogText(Message::kOk).c_str(), "",
                                      setupText(SetupMessage::kTitle, content_.driver).c_str());
     if (box != nullptr) {
         XtManageChild(box);
@@ -503,15 +276,11 @@ void SetupForm::focusOn(const std::string& key) {
     if (key.empty()) {
         return;
     }
-    const auto row = std::find_if(rows_.begin(), rows_.end(),
-                                  [&key](const auto& other) { return installer::sameName(other->key(), key); });
-    Widget field = further_ ? further_->focus() : name_->focus();
-    if (row != rows_.end()) {
-        field = (*row)->focus();
-    } else if (installer::sameName(key, kNameKey)) {
-        field = name_->focus();
-    } else if (installer::sameName(key, kDescriptionKey)) {
+    Widget field = rows_->fieldFor(key);
+    if (installer::sameName(key, kDescriptionKey)) {
         field = description_->focus();
+    } else if (field == nullptr || installer::sameName(key, kNameKey)) {
+        field = name_->focus();
     }
     XmProcessTraversal(field, XmTRAVERSE_CURRENT);
 }
@@ -548,16 +317,10 @@ void SetupForm::replaceAccepted(Widget /*widget*/, XtPointer form, XtPointer /*c
     guarded(self->form_, [self] { self->save(); });
 }
 
-void SetupForm::hiddenFieldReached(Widget scrolledWindow, XtPointer /*form*/, XtPointer callData) {
-    XmScrollVisible(scrolledWindow, static_cast<XmTraverseObscuredCallbackStruct*>(callData)->traversal_destination,
-                    kRowGap, kRowGap);
-}
-
 void SetupForm::resized(Widget /*widget*/, XtPointer form, XEvent* event, Boolean* /*continueToDispatch*/) {
     // A window that is first mapped may have had its size before it existed.
     if (event->type == ConfigureNotify || event->type == MapNotify) {
-        auto* self = static_cast<SetupForm*>(form);
-        self->fitRows();
+        const auto* self = static_cast<SetupForm*>(form);
         if (self->hint_) {
             self->hint_->fit();
         }

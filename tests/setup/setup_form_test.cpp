@@ -10,16 +10,17 @@
 #include <algorithm>
 #include <chrono>
 #include <deque>
-#include <tuple>
 
 #include "admin/driver_chooser.h"
 #include "admin/globals.h"
 #include "admin/user_dsn_page.h"
+#include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/widgets.h"
 
 namespace {
 
+constexpr std::size_t kLongRecord = 400;
 constexpr const char* kForm = "vhsetup23.FormSetup";
 
 // What the person does while a dialog is up that runs an event loop of its own, inside of the click that opened it: timers
@@ -104,7 +105,8 @@ protected:
         files.write(OdbcFiles::kDrivers,
                     "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Silent]\nDriver=/none.so\nSetup=" VH_TEST_SETUP_LIBRARY
-                    "\n[Working]\nDriver=" VH_TEST_SQLITE_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
+                    "\n[Working]\nDriver=" VH_TEST_SQLITE_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
+                    "\n[Tds]\nDriver=" VH_TEST_FREETDS_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
     }
     void openWith(const std::string& dataSources) {
         files.write(OdbcFiles::kUser, dataSources);
@@ -134,6 +136,10 @@ protected:
         XmString text = nullptr;
         XtVaGetValues(box, XmNmessageString, &text, nullptr);
         std::string line = plainText(XmStringPtr(text).get());
+        if (Widget records = XtNameToWidget(box, "*TxtDiagnostics")) {
+            const XtTextPtr lines(XmTextGetString(records));
+            line += std::string("\n") + lines.get();
+        }
         std::replace(line.begin(), line.end(), '\n', ' ');
         return line;
     }
@@ -296,6 +302,28 @@ TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
     EXPECT_EQ(section("S"), "Driver=Silent Server=h PWD=p SSLPassword=q Keep=k = v Edit=123 New=x");
 }
 
+TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
+    openWith("[ODBC Data Sources]\nA=Tds\nB=Working\n\n[A]\nDriver=Tds\nPWD=p\n\n[B]\nDriver=Working\n");
+    {
+        Script script(person());
+        script
+            .then([] {
+                EXPECT_EQ(field("LblServername") + field("LblServer"), "ServernameServer");
+                EXPECT_EQ(field("LblUID"), "User");
+                EXPECT_EQ(field("TxtPWD"), "*");
+                XmProcessTraversal(child(ShODBCAdmin, std::string(kForm) + "*TxtUID"), XmTRAVERSE_CURRENT);
+            })
+            .type("me")
+            .key(XK_Return);
+        click(BtnConfigure);
+    }
+    EXPECT_EQ(section("A"), "Driver=Tds PWD=p UID=me");
+    clickRow(LstUName, 2);
+    Script script(person());
+    script.then([] { EXPECT_EQ(XtNameToWidget(ShODBCAdmin, "*TxtUID"), nullptr); }).key(XK_Escape);
+    click(BtnConfigure);
+}
+
 TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
     openWith(kTalker);
     const auto isInSight = [](const std::string& name) {
@@ -317,11 +345,19 @@ TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
             EXPECT_FALSE(isInSight("TxtDatabase"));
         })
         .type("last")
+        .key(XK_Tab)  // Past what is only shown.
+        .type("12")
+        .then([] {
+            EXPECT_EQ(field("TxtRelease"), "r5");
+            EXPECT_EQ(field("TxtPin"), "**");
+        })
+        .key(XK_Tab)
+        .key(XK_space)
         .key(XK_Tab, 6)  // The buttons, and the name again.
         .type("C")
         .key(XK_Return);
     click(BtnConfigure);
-    EXPECT_EQ(section("CA"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1 Many30=last");
+    EXPECT_EQ(section("CA"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1 Many30=last Pin=12");
 }
 
 TEST_F(SetupFormTest, APasswordIsStoredWhileThePersonWantsItAndNoLonger) {
@@ -349,13 +385,32 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
         .type("/a;(b)}")
         .key(XK_Tab, 4)
         .type("p ")
+        .key(XK_Tab)
+        .key(XK_space)  // To be saved, which such a password can't be; but it can be tried.
         .then([] { clickButton("BtnTest"); })
         .then([] {
             EXPECT_EQ(message(),
-                      "The connection could not be made.  08001: No such server 01000: 0 "
+                      "The connection could not be made. 08001: No such server 01000: 0 "
                       "DRIVER={Talker};Unknown=1;Database={/a;(b)}}};Password={p };");
         })
+        .key(XK_Escape)
+        .then([] { clickButton("BtnOK"); })
+        .then([] { EXPECT_NE(message().find("cannot begin or end with a blank"), std::string::npos) << message(); })
         .key(XK_Return)
+        .key(XK_Tab, 4, XK_Shift_L)
+        .type("many")
+        .then([] { clickButton("BtnTest"); })
+        .then([] {
+            const std::string all = message();
+            std::string last;
+            for (int i = 2; i < 30; ++i) {
+                last += "01000: once more ";
+            }
+            EXPECT_TRUE(all.ends_with(last + "01000: " + std::string(kLongRecord, 'x') + " the end")) << all;
+            const Place box = placeOf(XtParent(child(ShODBCAdmin, std::string(kForm) + "*dialog")));
+            EXPECT_TRUE(box.y >= 0 && box.y + box.height <= 768) << box.y << " " << box.height;
+        })
+        .key(XK_Escape)
         .key(XK_Escape);
     click(BtnConfigure);
     EXPECT_EQ(files.read(OdbcFiles::kUser), before);
@@ -401,16 +456,27 @@ TEST_F(SetupFormTest, AFileIsChosenInADialogThatMayBeLeft) {
 
 TEST_F(SetupFormTest, AboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
     openWith("[ODBC Data Sources]\nA=Talker\nS=Silent\n\n[A]\nDriver=Talker\n\n[S]\nDriver=Silent\n");
-    const auto fileOf = [](const char* path) {
-        return "About " + std::string(path).substr(std::string(path).rfind('/') + 1);
+    struct Case {
+        int row;
+        std::string path, version, company;
     };
-    for (const auto& [row, title, version] : {std::tuple{1, fileOf(VH_TEST_TALKING_DRIVER), "1.0"},
-                                              std::tuple{2, fileOf(VH_TEST_SETUP_LIBRARY), "05.30.0002"}}) {
-        clickRow(LstUName, row);
+    for (const Case& now : {Case{1, VH_TEST_TALKING_DRIVER, "1.0", ""},
+                            Case{2, VH_TEST_SETUP_LIBRARY, "05.30.0002", "Varnholt Technologies"}}) {
+        clickRow(LstUName, now.row);
+        const std::string title = "About " + now.path.substr(now.path.rfind('/') + 1);
+        const std::string facts =
+            outputOf("date -r '" + now.path + "' +%x; echo $(($(stat -c %s '" + now.path + "') / 1024)) kb");
         Script script(person());
         script.then([] { clickButton("BtnAbout"); })
-            .then([title, version] {
-                EXPECT_EQ(field("TxtVersion"), version);
+            .then([now, title, facts] {
+                std::string path = field("TxtFile");
+                std::erase(path, '\n');  // Long ones are broken.
+                EXPECT_EQ(path, now.path);
+                EXPECT_EQ(field("TxtVersion"), now.version);
+                EXPECT_EQ(field("TxtCompany"), now.company);
+                EXPECT_EQ(field("TxtDate") + "\n" + field("TxtSize") + "\n", facts);
+                EXPECT_EQ(field("LblAddress1"), catalogText(Message::kCompanyAddressLine1));
+                EXPECT_EQ(field("LblAddress2"), catalogText(Message::kCompanyAddressLine2));
                 EXPECT_EQ(person().windows(title, true).size(), 1U);
             })
             .key(XK_Escape)

@@ -1,0 +1,271 @@
+#include "setup/setting_rows.h"
+
+#include <Xm/Form.h>
+#include <Xm/ScrolledW.h>
+#include <odbcinst.h>
+
+#include <algorithm>
+
+#include "motifutil/scrolling.h"
+#include "motifutil/widgets.h"
+#include "setup/setup_texts.h"
+
+namespace {
+
+constexpr int kGap = 12;
+constexpr int kRowGap = 6;
+
+// Makes a label as high as its field, so that their texts are level.
+void keepLevel(Widget label, Widget field) {
+    Attach(label).levelWith(field);
+    XtVaSetValues(label, XmNbottomAttachment, XmATTACH_OPPOSITE_WIDGET, XmNbottomWidget, field, nullptr);
+}
+
+void placeBelow(Widget widget, Widget above, int margin) {
+    if (above == nullptr) {
+        Attach(widget).topForm(margin);
+    } else {
+        Attach(widget).below(above, kRowGap);
+    }
+}
+
+void placeField(Widget label, Widget field, Widget above, int margin, bool stretched) {
+    placeBelow(field, above, margin);
+    Attach(field).rightOf(label, kGap);
+    if (stretched) {
+        Attach(field).rightForm(margin);
+    }
+    Attach(label).leftForm(margin);
+    keepLevel(label, field);
+}
+
+// Puts a widget between a field and the end of its row. The field's width depends on it, so nothing of it may depend on the
+// field: for a form that is a circle, even if one is about widths and the other about heights.
+void placeAtEnd(Widget aside, Widget field, Widget above, int margin) {
+    placeBelow(aside, above, margin);
+    Attach(aside).rightForm(margin);
+    XtVaSetValues(aside, XmNrecomputeSize, False, XmNheight, preferredHeight(field), nullptr);
+    Attach(field).leftOf(aside, kGap);
+}
+
+// Two rows with the same words would be told apart by nobody: the driver's own names do.
+void nameApart(const std::vector<std::unique_ptr<SettingRow>>& rows) {
+    for (const auto& row : rows) {
+        const bool isAlone = std::none_of(rows.begin(), rows.end(), [&row](const auto& other) {
+            return other != row && settingLabel(other->key()) == settingLabel(row->key());
+        });
+        if (!isAlone) {
+            setLabel(row->label(), row->key());
+        }
+    }
+}
+
+}  // namespace
+
+SettingRows::SettingRows(Widget dialogForm, const RowContent& content) : properties_(content.properties) {
+    createWindow(dialogForm);
+    createRows(content);
+    watchScrolling();
+}
+
+void SettingRows::createWindow(Widget dialogForm) {
+    window_ = createScrolledWindow(dialogForm, "scrWinSettings");
+    form_ = createForm(window_, "FormSettings");
+    XtVaSetValues(window_, XmNshadowThickness, 0, nullptr);
+    // The rows belong to the dialog, whatever ground lists in scrolled windows have.
+    Widget clipWindow = nullptr;
+    Pixel ground = 0;
+    XtVaGetValues(dialogForm, XmNbackground, &ground, nullptr);
+    XtVaGetValues(window_, XmNclipWindow, &clipWindow, nullptr);
+    XtVaSetValues(clipWindow, XmNbackground, ground, nullptr);
+    // It would grab Home, End and the page keys, which the fields in it need.
+    XtUninstallTranslations(clipWindow);
+}
+
+void SettingRows::createRows(const RowContent& content) {
+    if (content.hasFurtherSettings) {
+        // A password never stands in plain text, so it can't stand among the further settings.
+        for (const installer::Attribute& setting : content.shown) {
+            if (isPasswordKey(setting.key) && !hasRow(setting.key)) {
+                properties_.push_back({setting.key, "", PropertyKind::kPassword, {}});
+            }
+        }
+    }
+    for (const DriverProperty& property : properties_) {
+        const bool isInFile = !valueOf(content.stored, property.key).empty();
+        if (auto row = createSettingRow(form_, property, valueOf(content.shown, property.key), isInFile)) {
+            rows_.push_back(std::move(row));
+        }
+    }
+    nameApart(rows_);
+    if (content.hasFurtherSettings) {
+        Settings further = content.shown;
+        std::erase_if(further, [this](const installer::Attribute& setting) { return hasRow(setting.key); });
+        further_ = std::make_unique<FurtherSettings>(form_, further);
+    }
+}
+
+void SettingRows::watchScrolling() {
+    // Rows come into sight as they are reached, so the scroll bars need no keyboard.
+    for (const char* which : {XmNverticalScrollBar, XmNhorizontalScrollBar}) {
+        Widget scrollBar = nullptr;
+        XtVaGetValues(window_, which, &scrollBar, nullptr);
+        XtVaSetValues(scrollBar, XmNtraversalOn, False, nullptr);
+    }
+    XtAddCallback(window_, XmNtraverseObscuredCallback, hiddenFieldReached, nullptr);
+    XtAddEventHandler(window_, StructureNotifyMask, False, resized, this);
+    scrollWithWheel(window_, form_);
+    for (const auto& row : rows_) {
+        for (Widget widget : {row->label(), row->focus(), row->aside(), row->toggle(), row->toggleHint()}) {
+            if (widget != nullptr) {
+                scrollWithWheel(window_, widget);
+            }
+        }
+    }
+}
+
+std::vector<Widget> SettingRows::labels() const {
+    std::vector<Widget> labels;
+    for (const auto& row : rows_) {
+        labels.push_back(row->label());
+    }
+    if (further_) {
+        labels.push_back(further_->label());
+    }
+    return labels;
+}
+
+Widget placeRow(const SettingRow& row, Widget above, int margin) {
+    placeField(row.label(), row.field(), above, margin, row.isStretched());
+    if (row.aside() != nullptr && row.isStretched()) {
+        placeAtEnd(row.aside(), row.field(), above, margin);
+    } else if (row.aside() != nullptr) {
+        Attach(row.aside()).rightOf(row.field(), kGap);
+        keepLevel(row.aside(), row.field());
+    }
+    if (row.toggle() == nullptr) {
+        return row.field();
+    }
+    Attach(row.toggle()).below(row.field(), 0).rightOf(row.label(), kGap);
+    Attach(row.toggleHint()).rightOf(row.toggle(), kGap);
+    keepLevel(row.toggleHint(), row.toggle());
+    return row.toggle();
+}
+
+void SettingRows::layOut() {
+    Widget above = nullptr;
+    for (const auto& row : rows_) {
+        above = placeRow(*row, above, 0);
+    }
+    if (further_) {
+        placeField(further_->label(), further_->frame(), above, 0, true);
+        XtVaSetValues(further_->label(), XmNbottomAttachment, XmATTACH_NONE, nullptr);
+        // In line with the fields above: in line with its own, it and its field would depend on each other.
+        XtVaSetValues(further_->hint(), XmNleftAttachment, XmATTACH_OPPOSITE_WIDGET, XmNleftWidget, above, nullptr);
+        Attach(further_->hint()).below(further_->frame(), 0);
+    }
+    width_ = preferredWidth(form_);
+    height_ = preferredHeight(form_);
+}
+
+void SettingRows::show(int width, int height) {
+    XtVaSetValues(form_, XmNresizePolicy, XmRESIZE_NONE, nullptr);
+    if (further_) {
+        // Only now that the form has been measured: the further settings take what the window has to spare.
+        XtVaSetValues(further_->hint(), XmNtopAttachment, XmATTACH_NONE, nullptr);
+        Attach(further_->hint()).bottomForm();
+        Attach(further_->frame()).bottomForm(preferredHeight(further_->hint()));
+    }
+    if (height < height_) {
+        Widget scrollBar = nullptr;
+        XtVaGetValues(window_, XmNverticalScrollBar, &scrollBar, nullptr);
+        width += preferredWidth(scrollBar);
+    }
+    XtVaSetValues(window_, XmNwidth, width + kFrame, XmNheight, height + kFrame, nullptr);
+}
+
+// Lets the rows have the width of the window, and its height where that is more than they need.
+void SettingRows::fit() {
+    XtVaSetValues(form_, XmNwidth, static_cast<Dimension>(std::max(viewWidth(window_), 1)), XmNheight,
+                  static_cast<Dimension>(std::max(viewHeight(window_), height_)), nullptr);
+}
+
+bool SettingRows::hasHelp() const {
+    return std::any_of(rows_.begin(), rows_.end(), [](const auto& row) { return !row->help().empty(); });
+}
+
+void SettingRows::explainIn(HintLine& hint) const {
+    for (const auto& row : rows_) {
+        for (Widget widget : {row->focus(), row->aside(), row->toggle()}) {
+            if (widget != nullptr) {
+                hint.explain(widget, row->help());
+            }
+        }
+    }
+}
+
+bool SettingRows::hasRow(const std::string& key) const {
+    using installer::sameName;
+    return sameName(key, kDescriptionKey) || sameName(key, kNameKey) || sameName(key, kDriverKey) ||
+           std::any_of(properties_.begin(), properties_.end(),
+                       [&key](const DriverProperty& property) { return sameName(property.key, key); });
+}
+
+std::optional<SetupFailure> SettingRows::collect(Settings& changed) const {
+    for (const auto& row : rows_) {
+        if (!row->isStored()) {
+            setValue(changed, row->key(), {});
+        } else if (row->isChanged()) {
+            setValue(changed, row->key(), row->value());
+        }
+    }
+    if (!further_) {
+        return std::nullopt;
+    }
+    std::optional<SetupFailure> failure =
+        further_->changes([this](const std::string& key) { return hasRow(key); }, changed);
+    if (failure) {
+        // A row may have the same key, but the line is what has to be mended.
+        failure->key.clear();
+        XmProcessTraversal(further_->focus(), XmTRAVERSE_CURRENT);
+    }
+    return failure;
+}
+
+void SettingRows::addUnstored(Settings& settings) const {
+    for (const auto& row : rows_) {
+        if (!row->isStored()) {
+            setValue(settings, row->key(), row->value());
+        }
+    }
+}
+
+std::optional<SetupFailure> SettingRows::checkStorable() const {
+    for (const auto& row : rows_) {
+        if (row->isStored() && row->isChanged() && row->value() != trimmed(row->value())) {
+            return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kPasswordBlanks), row->key()};
+        }
+    }
+    return std::nullopt;
+}
+
+Widget SettingRows::fieldFor(const std::string& key) const {
+    const auto row = std::find_if(rows_.begin(), rows_.end(),
+                                  [&key](const auto& other) { return installer::sameName(other->key(), key); });
+    if (row != rows_.end()) {
+        return (*row)->focus();
+    }
+    return further_ ? further_->focus() : nullptr;
+}
+
+void SettingRows::hiddenFieldReached(Widget window, XtPointer /*clientData*/, XtPointer callData) {
+    XmScrollVisible(window, static_cast<XmTraverseObscuredCallbackStruct*>(callData)->traversal_destination, kRowGap,
+                    kRowGap);
+}
+
+void SettingRows::resized(Widget /*window*/, XtPointer rows, XEvent* event, Boolean* /*continueToDispatch*/) {
+    // A window that is first mapped may have had its size before it existed.
+    if (event->type == ConfigureNotify || event->type == MapNotify) {
+        static_cast<SettingRows*>(rows)->fit();
+    }
+}
