@@ -9,11 +9,11 @@
 
 namespace {
 
-// Makes a box with the one button OK, keeps it in `Mdialog`, and leaves it to the caller to show.
-Widget createReport(unsigned long kind, Message::Number text) {
-    Mdialog =
-        createMessageDialogAdmin(static_cast<short>(kind), catalogText(text).c_str(), catalogText(Message::kOk).c_str(),
-                                 "", catalogText(Message::kDialogTitle).c_str());
+// Makes a box with one button, keeps it in `Mdialog`, and leaves it to the caller to show.
+Widget createReport(unsigned long kind, const std::string& text, Message::Number okLabel = Message::kOk,
+                    Message::Number title = Message::kDialogTitle) {
+    Mdialog = createMessageDialogAdmin(static_cast<short>(kind), text.c_str(), catalogText(okLabel).c_str(), "",
+                                       catalogText(title).c_str());
     return Mdialog;
 }
 
@@ -25,7 +25,22 @@ void show(Widget box) {
 }
 
 void showReport(unsigned long kind, Message::Number text) {
-    show(createReport(kind, text));
+    show(createReport(kind, catalogText(text)));
+}
+
+// Shows the box in `Mdialog`, which carries on what was begun with `clientData`.
+void showWithAnswer(XtCallbackProc accepted, XtPointer clientData, XtCallbackProc discarded) {
+    if (Mdialog == nullptr) {
+        if (discarded != nullptr) {
+            discarded(nullptr, clientData, nullptr);
+        }
+        return;
+    }
+    XtAddCallback(Mdialog, XmNokCallback, accepted, clientData);
+    if (discarded != nullptr) {
+        XtAddCallback(Mdialog, XmNdestroyCallback, discarded, clientData);
+    }
+    XtManageChild(Mdialog);
 }
 
 }  // namespace
@@ -47,21 +62,25 @@ void showError(Message::Number text) {
     showReport(kErrorDialog, text);
 }
 
-void askQuestion(const std::string& question, XtCallbackProc accepted, XtPointer clientData, XtCallbackProc discarded) {
+void showError(Message::Number text, Message::Number okLabel, Message::Number title) {
+    show(createReport(kErrorDialog, catalogText(text), okLabel, title));
+}
+
+void showResult(const std::string& text, Message::Number title, XtCallbackProc acknowledged, XtPointer clientData,
+                XtCallbackProc discarded) {
+    createReport(kInformationDialog, text, Message::kOk, title);
+    showWithAnswer(acknowledged, clientData, discarded);
+}
+
+void askQuestion(const std::string& question, XtCallbackProc accepted, XtPointer clientData, XtCallbackProc discarded,
+                 XtCallbackProc declined) {
     Mdialog =
         createMessageDialogAdmin(kQuestionDialog, question.c_str(), catalogText(Message::kAnswerYes).c_str(),
                                  catalogText(Message::kAnswerNo).c_str(), catalogText(Message::kDialogTitle).c_str());
-    if (Mdialog == nullptr) {
-        if (discarded != nullptr) {
-            discarded(nullptr, clientData, nullptr);
-        }
-        return;
+    if (Mdialog != nullptr && declined != nullptr) {
+        XtAddCallback(Mdialog, XmNcancelCallback, declined, nullptr);
     }
-    XtAddCallback(Mdialog, XmNokCallback, accepted, clientData);
-    if (discarded != nullptr) {
-        XtAddCallback(Mdialog, XmNdestroyCallback, discarded, clientData);
-    }
-    XtManageChild(Mdialog);
+    showWithAnswer(accepted, clientData, discarded);
 }
 
 void showOutOfMemoryErrorAdmin() {
@@ -76,7 +95,7 @@ void showODBCINSTError() {
 }
 
 void showODBCINIError() {
-    if (createReport(kErrorDialog, Message::kDataSourceFileUnreadable) != nullptr) {
+    if (createReport(kErrorDialog, catalogText(Message::kDataSourceFileUnreadable)) != nullptr) {
         XtAddCallback(Mdialog, XmNokCallback, btnCancel_activate, nullptr);
         show(Mdialog);
     }

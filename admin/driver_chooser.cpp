@@ -1,30 +1,17 @@
 #include "admin/driver_chooser.h"
 
-#include <Xm/DialogS.h>
-#include <Xm/Frame.h>
-#include <Xm/MessageB.h>
 #include <Xm/ScrollBar.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <new>
-
+#include "admin/advanced_dialog.h"
 #include "admin/columns.h"
 #include "admin/dialogs.h"
-#include "admin/driver_setup.h"
 #include "admin/drivers_page.h"
 #include "admin/flow.h"
-#include "admin/forms.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
-#include "admin/user_dsn_page.h"
-#include "installer/configuration.h"
 #include "motifutil/widgets.h"
 
 Widget DlgDriverPopup = nullptr;
-Widget BtnFinish = nullptr;
-Widget BtnNavigate = nullptr;
-Widget BtnDPCancel = nullptr;
 Widget BtnAdvanced = nullptr;
 Widget FormScr1 = nullptr;
 Widget LstDPName = nullptr;
@@ -52,11 +39,13 @@ Widget createColumn(Widget table, Widget headers, const char* listName, const ch
     return list;
 }
 
+}  // namespace
+
 void createDriverScreen(Widget parent) {
     FormScr1 = createForm(parent, "FormScr1");
     Widget heading = createLabel(FormScr1, "LblDPHeading", Message::kChooserHeading);
     Attach(heading).topForm(kMargin).leftForm(kMargin);
-    BtnAdvanced = createPushButton(FormScr1, "BtnAdvanced", Message::kAdvanced);
+    BtnAdvanced = createPushButton(FormScr1, "BtnAdvanced", Message::kAdvanced, Show_AdvancedOptionDialog);
     Attach(BtnAdvanced).rightForm(kMargin).bottomForm(kMargin);
     AdvancedHint = createLabel(FormScr1, "LblDPHint", Message::kChooserAdvancedHint);
     Attach(AdvancedHint).leftForm(kMargin).bottomForm(kMargin);
@@ -79,93 +68,19 @@ void createDriverScreen(Widget parent) {
     placeColumns(Columns);
 }
 
-// Adds a user data source with the driver selected in the chooser.
-void finishUserDataSource() {
-    const std::optional<int> row = selectedRow(LstDPName);
-    if (!row) {
-        showInformation(Message::kChooserSelectOne);
-        return;
-    }
-    const std::string driver = rowText(LstDPName, *row);
-    XtUnmanageChild(DlgDriverPopup);
-    installer::forgetCachedValues();
-    const std::string setup = installer::readValue(driver, "Setup", installer::kDriverFile);
-    if (setup.empty()) {
-        showError(Message::kDriverHasNoSetup);
-        return;
-    }
-    callDynamic(setup.c_str(), kAddDataSource, driver.c_str(), nullptr, kUserDataSource, nullptr);
-    populateUserDSN(LstUName, LstUDesc);
-}
-
-}  // namespace
-
-void create_FileDsnWizard() {
-    try {
-        const std::string title = catalogText(Message::kChooserTitle);
-        ArgumentList arguments;
-        arguments.set(XmNtitle, title.c_str())
-            .set(XmNautoUnmanage, False)
-            .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
-            .set(XmNnoResize, True);
-        static char name[] = "DlgDriverPopup";
-        DlgDriverPopup = XmCreateTemplateDialog(ShODBCAdmin, name, arguments.data(), arguments.size());
-        if (DlgDriverPopup == nullptr) {
-            throw std::bad_alloc();
-        }
-        onWindowManagerClose(XtParent(DlgDriverPopup), CloseDriverPopup, nullptr);
-
-        // The template's own separator would stand between the wizard's buttons and nothing.
-        XtUnmanageChild(XtNameToWidget(DlgDriverPopup, "Separator"));
-
-        Widget form = createForm(DlgDriverPopup, "FileDsnMainWiz");
-        BtnDPCancel = createPushButton(form, "BtnDPCancel", Message::kCancel, CloseDriverPopup);
-        BtnFinish = createPushButton(form, "BtnFinish", Message::kFinish, Wizard_Next);
-        BtnNavigate = createPushButton(form, "BtnNavigate", Message::kBack);
-        equalizeWidths({BtnNavigate, BtnFinish, BtnDPCancel});
-        Attach(BtnDPCancel).rightForm(kMargin).bottomForm(kMargin);
-        Attach(BtnFinish).leftOf(BtnDPCancel, kGap).bottomForm(kMargin);
-        Attach(BtnNavigate).leftOf(BtnFinish, kGap).bottomForm(kMargin);
-        Widget separator = createSeparator(form, "Separator5");
-        Attach(separator).leftForm().rightForm().above(BtnDPCancel, kMargin);
-
-        Widget frame = XtVaCreateManagedWidget("FramWizMain", xmFrameWidgetClass, form, nullptr);
-        Attach(frame).topForm().leftForm().rightForm().above(separator, 0);
-        createDriverScreen(createForm(frame, "FormWizMain"));
-        XtVaSetValues(form, XmNdefaultButton, BtnFinish, XmNcancelButton, BtnDPCancel, nullptr);
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryErrorAdmin();
-    }
-}
-
-void addDsn(short kind) {
-    show_Form(FormScr1);
-    DsnType = kind;
-    const bool isFile = kind == kFileDataSource;
-    for (Widget widget : {BtnAdvanced, BtnNavigate, AdvancedHint}) {
-        if (isFile) {
+void offerAdvancedAttributes(bool offered) {
+    for (Widget widget : {BtnAdvanced, AdvancedHint}) {
+        if (offered) {
             XtManageChild(widget);
         } else {
             XtUnmanageChild(widget);
         }
     }
-    if (isFile) {
-        Attach(DriverLists).above(BtnAdvanced, kGap);
+    if (offered) {
+        Attach(DriverLists).above(AdvancedHint, kGap);
     } else {
         Attach(DriverLists).bottomForm(kMargin);
     }
-    setLabel(BtnFinish, catalogText(isFile ? Message::kNext : Message::kFinish));
-    XtSetSensitive(BtnNavigate, False);
-    XtManageChild(DlgDriverPopup);
-    XmProcessTraversal(LstDPName, XmTRAVERSE_CURRENT);
-}
-
-void finish(Widget /*widget*/, const char* /*attributes*/) {
-    guarded(finishUserDataSource);
-}
-
-void Wizard_Next(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    finish(nullptr, nullptr);
 }
 
 void CloseDriverPopup(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -181,14 +96,18 @@ void DriversPopupEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer 
         selectSameRow(list, lists);
         if (const std::optional<int> row = selectedRow(list)) {
             revealRow(list, *row, DriverLists);
-            std::free(CurrentDriver);
-            CurrentDriver = strdup(rowText(LstDPName, *row).c_str());
+            replaceText(CurrentDriver, rowText(LstDPName, *row).c_str());
         }
     });
 }
 
-void DPDriver_doubleClick(Widget /*list*/, XtPointer /*clientData*/, XtPointer callData) {
-    if (isDoubleClick(callData)) {
+void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData) {
+    if (!isDoubleClick(callData)) {
+        return;
+    }
+    if (DsnType == kFileDataSource) {
+        Wizard_Next(list, clientData, callData);
+    } else {
         finish(nullptr, nullptr);
     }
 }

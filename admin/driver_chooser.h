@@ -1,13 +1,10 @@
-// The driver chooser: the dialog that opens when a data source is to be added, and its first screen with the installed
-// drivers. GUI thread only.
+// The driver chooser: what the dialog for a new data source shows first, the installed drivers. GUI thread only.
 #pragma once
 
 #include <Xm/Xm.h>
 
+// The dialog for a new data source; the File DSN wizard builds it.
 extern Widget DlgDriverPopup;
-extern Widget BtnFinish;
-extern Widget BtnNavigate;
-extern Widget BtnDPCancel;
 extern Widget BtnAdvanced;
 extern Widget FormScr1;
 extern Widget LstDPName;
@@ -16,14 +13,16 @@ extern Widget LstDPCompany;
 extern Widget LstDPFile;
 extern Widget LstDPDate;
 
-// Builds the dialog, unmanaged.
-void create_FileDsnWizard();
+// Builds FormScr1 in `parent` and fills its lists.
+void createDriverScreen(Widget parent);
+// Shows or hides the button for attributes of one's own, and gives the lists the room.
+void offerAdvancedAttributes(bool offered);
 
-void Wizard_Next(Widget widget, XtPointer clientData, XtPointer callData);
 // Hides the dialog.
 void CloseDriverPopup(Widget widget, XtPointer clientData, XtPointer callData);
 // Keeps the selected row of the five lists in step and remembers the chosen driver in `CurrentDriver`.
 void DriversPopupEntrySelected(Widget list, XtPointer clientData, XtPointer callData);
+// Does what the button that leads on does.
 void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData);
 // Keeps the headers above the columns while the lists scroll sideways.
 void synchonizeScrollDP(Widget scrollBar, XtPointer clientData, XtPointer callData);

@@ -1,10 +1,22 @@
 #include "admin/file_dsn_page.h"
 
 #include <Xm/FileSB.h>
+#include <Xm/List.h>
+#include <Xm/TextF.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <new>
 
-#include "motifutil/catalog_text.h"
+#include "admin/dialogs.h"
+#include "admin/driver_setup.h"
+#include "admin/file_dsn_file.h"
+#include "admin/flow.h"
+#include "admin/globals.h"
+#include "admin/lists.h"
+#include "bos/file.h"
+#include "installer/configuration.h"
+#include "installer/file_dsn.h"
 #include "motifutil/widgets.h"
 
 Widget frmFileDSN = nullptr;
@@ -21,14 +33,53 @@ namespace {
 constexpr int kMargin = 12;
 constexpr int kGap = 8;
 
+constexpr const char* kPattern = "*.dsn";
+
+Widget fileList() {
+    return XtNameToWidget(FSelect, "*ItemsList");
+}
+
+// The position of the selected file, when exactly one is selected. A directory without any shows an item that says so.
+std::optional<int> selectedFile() {
+    const std::optional<int> row = selectedRow(fileList());
+    return row && rowText(fileList(), *row).starts_with('/') ? row : std::nullopt;
+}
+
+// The text of the box's selection field.
+std::string selectionText() {
+    const XtTextPtr text(XmTextFieldGetString(XtNameToWidget(FSelect, "Text")));
+    return text ? text.get() : "";
+}
+
+// The part of a path that ends with its last "/"; empty when it has none.
+std::string directoryOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+void freePath(Widget /*box*/, XtPointer path, XtPointer /*callData*/) {
+    std::free(path);
+}
+
+void fileDoubleClicked(Widget list, XtPointer clientData, XtPointer callData) {
+    if (isDoubleClick(callData)) {
+        btnFDConfigure_Clicked(list, clientData, callData);
+    }
+}
+
 Widget createFileSelection(Widget parent) {
-    const XmStringPtr pattern = compoundString("*.dsn");
+    char directory[kFileDsnNameSize];
+    getFileDSNDefaultDir(directory);
+    const XmStringPtr mask = compoundString(directory + std::string(kPattern));
+    const XmStringPtr pattern = compoundString(kPattern);
+    const XmStringPtr nothing = compoundString(catalogText(Message::kNoFileDsns));
     const XmStringPtr filter = compoundString("\nFilter");
     const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
     const XmStringPtr files = compoundString(catalogText(Message::kFileList));
     const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
     ArgumentList arguments;
-    arguments.set(XmNpattern, pattern.get())
+    arguments.set(XmNdirMask, mask.get())
+        .set(XmNpattern, pattern.get())
+        .set(XmNnoMatchString, nothing.get())
         .set(XmNfilterLabelString, filter.get())
         .set(XmNselectionLabelString, selection.get())
         .set(XmNfileListLabelString, files.get())
@@ -46,8 +97,38 @@ Widget createFileSelection(Widget parent) {
     }
     // Else Return anywhere in the window presses the box's OK, out of sight as it is, and not the window's.
     XtVaSetValues(box, XmNdefaultButton, nullptr, nullptr);
+    for (const char* field : {"Text", "FilterText"}) {
+        hideIdleCursor(XtNameToWidget(box, field));
+    }
+    XtAddCallback(XtNameToWidget(box, "*ItemsList"), XmNdefaultActionCallback, fileDoubleClicked, nullptr);
     XtManageChild(box);
     return box;
+}
+
+// Hands every key of the file data source `path` to its driver.
+void configure(const std::string& path) {
+    installer::forgetCachedValues();
+    // A name without a directory would mean a file of the installer library's own folder.
+    if (!path.starts_with('/') || bosexist(path.c_str()) == 0) {
+        refreshFileDsnPage();
+        showError(Message::kFileDsnUnreadable);
+        return;
+    }
+    const installer::NameList keys =
+        installer::listKeys(installer::kFileDsnSection, path, installer::Growth::kByDoubling);
+    std::vector<installer::Attribute> attributes{{"DSN", path}};
+    std::string driver;
+    std::string setup;
+    for (installer::Attribute& setting : installer::readSection(installer::kFileDsnSection, path, keys)) {
+        if (installer::sameName(setting.key, "Driver")) {
+            driver = installer::driverName(setting.value);
+            setup = installer::readValue(driver, "Setup", installer::kDriverFile);
+        }
+        attributes.push_back(std::move(setting));
+    }
+    callDynamic(setup.c_str(), kConfigureDataSource, driver.c_str(), installer::attributeList(attributes).c_str(),
+                kFileDataSource, path.c_str());
+    refreshFileDsnPage();
 }
 
 }  // namespace
@@ -60,14 +141,10 @@ Widget createFileDsnPage(Widget notebook) {
     Widget separator = createSeparator(frmFileDSN, "separator3");
     Attach(separator).leftForm(kMargin).rightForm(kMargin).above(TxtFDDesc, kGap);
 
-    BtnFDAdd = createPushButton(frmFileDSN, "BtnFDAdd", Message::kFileDsnAdd);
-    BtnFDRemove = createPushButton(frmFileDSN, "BtnFDRemove", Message::kFileDsnRemove);
-    BtnFDConfigure = createPushButton(frmFileDSN, "BtnFDConfigure", Message::kFileDsnConfigure);
-    BtnSetDirectory = createPushButton(frmFileDSN, "BtnSetDirectory", Message::kSetDirectory);
-    for (Widget button : {BtnFDAdd, BtnFDRemove, BtnFDConfigure, BtnSetDirectory}) {
-        // The page only shows files so far.
-        XtSetSensitive(button, False);
-    }
+    BtnFDAdd = createPushButton(frmFileDSN, "BtnFDAdd", Message::kFileDsnAdd, AddFDsn_Clicked);
+    BtnFDRemove = createPushButton(frmFileDSN, "BtnFDRemove", Message::kFileDsnRemove, btnFDRemove_Clicked);
+    BtnFDConfigure = createPushButton(frmFileDSN, "BtnFDConfigure", Message::kFileDsnConfigure, btnFDConfigure_Clicked);
+    BtnSetDirectory = createPushButton(frmFileDSN, "BtnSetDirectory", Message::kSetDirectory, btnSetDirectory_Activate);
     equalizeWidths({BtnFDAdd, BtnFDRemove, BtnFDConfigure, BtnSetDirectory});
     Attach(BtnFDAdd).topForm(kMargin).rightForm(kMargin);
     Attach(BtnFDRemove).below(BtnFDAdd, kGap).rightForm(kMargin);
@@ -78,4 +155,76 @@ Widget createFileDsnPage(Widget notebook) {
     TxtDirectory = XtNameToWidget(FSelect, "DirText");
     Attach(FSelect).topForm(kGap).leftForm(kGap).leftOf(BtnFDAdd, kMargin).above(separator, kGap);
     return frmFileDSN;
+}
+
+void showFileDsnDirectory(const std::string& directory) {
+    const XmStringPtr mask = compoundString(directory + kPattern);
+    XmFileSelectionDoSearch(FSelect, mask.get());
+}
+
+void refreshFileDsnPage() {
+    const XmStringPtr selected = compoundString(selectionText());
+    XmFileSelectionDoSearch(FSelect, nullptr);
+    if (XmListItemExists(fileList(), selected.get())) {
+        XmListSelectItem(fileList(), selected.get(), True);
+    }
+}
+
+void AddFDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    addDsn(kFileDataSource);
+}
+
+void btnFDConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    DsnType = kFileDataSource;
+    if (!selectedFile()) {
+        showInformation(Message::kFileConfigureSelectOne);
+        return;
+    }
+    guarded([] { configure(selectionText()); });
+}
+
+void btnFDRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    const std::optional<int> row = selectedFile();
+    if (!row) {
+        showInformation(Message::kRemoveSelectOne);
+        return;
+    }
+    guarded([&row] {
+        const std::string path = rowText(fileList(), *row);
+        char* owned = strdup(path.c_str());
+        if (owned == nullptr) {
+            throw std::bad_alloc();
+        }
+        // The whole path without the slash that begins it: files of one name lie in many directories.
+        const std::string shown = path.substr(path.find('/') + 1);
+        askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + shown + "\"    " +
+                        catalogText(Message::kRemoveQuestionEnd) + "?",
+                    RemoveFileDSN, owned, freePath);
+    });
+}
+
+void RemoveFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
+    guarded([path] {
+        const auto* file = static_cast<const char*>(path);
+        if (deleteFileDSN(file)) {
+            showFileDsnDirectory(directoryOf(file));
+        } else {
+            refreshFileDsnPage();
+            showError(Message::kFileRemoveFailed);
+        }
+    });
+}
+
+void btnSetDirectory_Activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    guarded([] { askQuestion(catalogText(Message::kSetDirectoryQuestion), change_default_Directory, nullptr); });
+}
+
+void change_default_Directory(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    guarded([] {
+        const std::string directory = directoryOf(selectionText());
+        if (!directory.empty()) {
+            // Whether it could be written is not reported.
+            installer::writeValue("ODBC FILE DSN", "DefaultDSNDir", directory.c_str(), installer::kDataSourceFile);
+        }
+    });
 }

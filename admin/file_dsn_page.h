@@ -3,6 +3,8 @@
 
 #include <Xm/Xm.h>
 
+#include <string>
+
 extern Widget frmFileDSN;
 extern Widget TxtFDDesc;
 extern Widget FSelect;
@@ -15,3 +17,18 @@ extern Widget BtnSetDirectory;
 
 // Builds the page, unmanaged; its tab belongs to the main window.
 Widget createFileDsnPage(Widget notebook);
+
+// Shows the file data sources of `directory`, which ends in "/", as they are on disk now.
+void showFileDsnDirectory(const std::string& directory);
+// Looks at the shown directory again; the file that was selected stays selected if it is still there.
+void refreshFileDsnPage();
+
+void AddFDsn_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
+// Lets the driver of the selected file data source configure it.
+void btnFDConfigure_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
+// Asks, and RemoveFileDSN deletes the file `path` and shows its directory.
+void btnFDRemove_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
+void RemoveFileDSN(Widget widget, XtPointer path, XtPointer callData);
+// Asks, and change_default_Directory makes the shown directory the default for file data sources.
+void btnSetDirectory_Activate(Widget widget, XtPointer clientData, XtPointer callData);
+void change_default_Directory(Widget widget, XtPointer clientData, XtPointer callData);

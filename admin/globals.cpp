@@ -1,6 +1,8 @@
 #include "admin/globals.h"
 
 #include <cstdlib>
+#include <cstring>
+#include <new>
 
 #include "bos/catalog.h"
 
@@ -12,7 +14,11 @@ unsigned char CurrentSelectedTab = 'U';
 Widget Fdialog = nullptr;
 char* CurrentDriver = nullptr;
 char* FileDSNName = nullptr;
-char* DsnInfo = nullptr;
+const char* DsnInfo = nullptr;
+char* DsnInfoText = nullptr;
+bool IsAdvOptSet = false;
+bool IsVerificationNeeded = true;
+bool IsEntriesmodified = false;
 short DsnType = kUserDataSource;
 KvString TempStr;
 
@@ -32,12 +38,22 @@ void freeText(char*& text) {
 
 }  // namespace
 
+void replaceText(char*& string, const char* text) {
+    char* copy = strdup(text);
+    if (copy == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::free(string);
+    string = copy;
+}
+
 void freeGlobals() {
     destroyWidget(Mdialog);
     destroyWidget(Fdialog);
     freeText(CurrentDriver);
     freeText(FileDSNName);
-    freeText(DsnInfo);
+    freeText(DsnInfoText);
+    DsnInfo = nullptr;
     if (Rfile != nullptr) {
         CloseStrings(Rfile);
         // A report that is shown from here on finds no catalog and shows numbers, instead of reading freed memory.

@@ -21,11 +21,28 @@ extern unsigned char CurrentSelectedTab;
 // The file selection dialog of the File DSN page.
 extern Widget Fdialog;
 
-// The driver chosen in the driver chooser; the file and the attributes of the file data source being made. Null until
-// there is one; from malloc, freed by freeGlobals().
+// The driver chosen in the driver chooser, and the file name of the file data source being made or handled: as it was typed,
+// later a full path. Null until there is one; from malloc, freed by freeGlobals().
 extern char* CurrentDriver;
 extern char* FileDSNName;
-extern char* DsnInfo;
+// The size of the buffer of a full path.
+inline constexpr std::size_t kFileDsnNameSize = 1024;
+
+// The attributes typed for the file data source: the whole text, or what follows its first line. It points into
+// DsnInfoText, from malloc and freed by freeGlobals(), and is null when that is.
+extern const char* DsnInfo;
+extern char* DsnInfoText;
+
+// Replaces one of these strings by a copy of `text`. Raises std::bad_alloc, with nothing changed.
+void replaceText(char*& string, const char* text);
+
+// What was decided in the File DSN wizard, set back when it opens.
+// The advanced dialog was closed with OK.
+extern bool IsAdvOptSet;
+// The connection is to be tested before the file is made.
+extern bool IsVerificationNeeded;
+// There are typed attributes that the administrator writes itself.
+extern bool IsEntriesmodified;
 
 // What is being added or configured.
 inline constexpr short kFileDataSource = 1;

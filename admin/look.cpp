@@ -24,6 +24,7 @@ const char* const kFallbackResources[] = {
     "*XmPushButton.marginWidth: 10",
     "*XmPushButton.marginHeight: 5",
     "*XmPushButton.defaultButtonShadowThickness: 0",
+    "*XmLabel.alignment: ALIGNMENT_BEGINNING",
     "*XmTextField.background: #ffffff",
     "*XmText.background: #ffffff",
     "*XmTextField.marginHeight: 4",

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "admin/dialogs.h"
-#include "admin/driver_chooser.h"
+#include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
 #include "admin/look.h"
 #include "admin/main_window.h"

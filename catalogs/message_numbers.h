@@ -72,6 +72,9 @@ enum Number : std::uint32_t {
     kOverwriteQuestion = 9083,
     kDirectoryNotWritable = 9084,
     kOverwriteFailed = 9096,
+    kFileNameTooLong = 9085,
+    kFileDsnUnreadable = 9055,
+    kNoFileDsns = 9056,
 
     // Driver chooser and File DSN wizard.
     kChooserTitle = 9025,

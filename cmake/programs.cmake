@@ -2,6 +2,7 @@
 find_package(X11 REQUIRED)
 find_library(MOTIF_LIBRARY Xm REQUIRED)
 pkg_check_modules(ODBCINST REQUIRED IMPORTED_TARGET odbcinst)
+pkg_check_modules(ODBC REQUIRED IMPORTED_TARGET odbc)
 add_library(motif INTERFACE)
 target_link_libraries(motif INTERFACE ${MOTIF_LIBRARY} X11::Xt X11::Xmu X11::Xpm X11::X11)
 

@@ -4,6 +4,7 @@
 #include <Xm/Form.h>
 #include <Xm/Label.h>
 #include <Xm/List.h>
+#include <Xm/MessageB.h>
 #include <Xm/Notebook.h>
 #include <Xm/Protocols.h>
 #include <Xm/PushB.h>
@@ -126,6 +127,34 @@ Widget createReadOnlyText(Widget parent, const char* name, Message::Number text,
                                                  XmNtraversalOn, False, XmNrows, rows, nullptr));
     XmTextSetString(widget, catalogText(text).data());
     return widget;
+}
+
+Widget createScrolledText(Widget parent, const char* name, short rows, short columns) {
+    ArgumentList arguments;
+    arguments.set(XmNeditMode, XmMULTI_LINE_EDIT)
+        .set(XmNwordWrap, True)
+        .set(XmNscrollHorizontal, False)
+        .set(XmNrows, rows)
+        .set(XmNcolumns, columns);
+    Widget text = made(XmCreateScrolledText(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
+    hideIdleCursor(text);
+    XtManageChild(text);
+    return text;
+}
+
+Widget createTemplateDialog(Widget parent, const char* name, Message::Number title, XtCallbackProc closed) {
+    const std::string titleText = catalogText(title);
+    ArgumentList arguments;
+    arguments.set(XmNtitle, titleText.c_str())
+        .set(XmNautoUnmanage, False)
+        .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
+        .set(XmNnoResize, True);
+    Widget dialogBox =
+        made(XmCreateTemplateDialog(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
+    onWindowManagerClose(XtParent(dialogBox), closed, nullptr);
+    // The template's own separator would stand between the dialog's buttons and nothing.
+    XtUnmanageChild(XtNameToWidget(dialogBox, "Separator"));
+    return dialogBox;
 }
 
 Widget createScrolledWindow(Widget parent, const char* name) {

@@ -64,6 +64,11 @@ Widget createTextField(Widget parent, const char* name);
 void hideIdleCursor(Widget text);
 // An explanation of `rows` lines that wraps with the window's width and is passed over by the Tab key.
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows);
+// An editable text of several lines in a scrolled window of its own, its parent. It wraps long lines.
+Widget createScrolledText(Widget parent, const char* name, short rows, short columns);
+// A full application modal dialog that keeps its size and holds nothing yet, unmanaged; `closed` is called when the window
+// manager closes it. Its shell is its parent.
+Widget createTemplateDialog(Widget parent, const char* name, Message::Number title, XtCallbackProc closed);
 // A scrolled window that clips its work area and shows scroll bars as they are needed.
 Widget createScrolledWindow(Widget parent, const char* name);
 // A single-selection list that is as wide as its widest item.

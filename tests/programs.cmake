@@ -3,10 +3,13 @@ find_library(XTST_LIBRARY Xtst REQUIRED)
 set(display_support support/program.cpp support/x_display.cpp support/odbc_files.cpp support/scoped_environment.cpp
                     support/temporary_folder.cpp)
 
-# A setup library that writes down how it is called.
-add_library(recording_setup MODULE fixtures/recording_setup.cpp)
-set_target_properties(recording_setup PROPERTIES PREFIX "")
-target_link_libraries(recording_setup PRIVATE project_flags PkgConfig::ODBCINST)
+# A setup library that writes down how it is called, and one for user data sources only.
+foreach(name recording_setup user_recording_setup)
+  add_library(${name} MODULE fixtures/recording_setup.cpp)
+  set_target_properties(${name} PROPERTIES PREFIX "")
+  target_link_libraries(${name} PRIVATE project_flags PkgConfig::ODBCINST)
+endforeach()
+target_compile_definitions(recording_setup PRIVATE VH_TEST_FILE_SETUP)
 
 add_subdirectory(catalogs)
 add_subdirectory(installer)
@@ -18,8 +21,9 @@ target_link_libraries(widget_tests PRIVATE project_flags admin ${XTST_LIBRARY} G
 target_compile_definitions(widget_tests PRIVATE
   VH_TEST_INSTALL_DIR="${CMAKE_BINARY_DIR}"
   VH_TEST_SETUP="$<TARGET_FILE:recording_setup>"
+  VH_TEST_USER_SETUP="$<TARGET_FILE:user_recording_setup>"
   VH_TEST_NO_SETUP="$<TARGET_FILE:bos_test_library>")
-add_dependencies(widget_tests recording_setup bos_test_library catalog_en_US_odbc)
+add_dependencies(widget_tests recording_setup user_recording_setup bos_test_library catalog_en_US_odbc)
 add_subdirectory(admin)
 add_subdirectory(motifutil)
 add_test(NAME widget_tests COMMAND widget_tests)

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "admin/driver_chooser.h"
+#include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "admin/user_dsn_page.h"

@@ -12,6 +12,7 @@
 #include <deque>
 
 #include "admin/driver_chooser.h"
+#include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
 #include "admin/user_dsn_page.h"
 #include "motifutil/catalog_text.h"

@@ -11,7 +11,7 @@
 #include <stdexcept>
 
 #include "admin/dialogs.h"
-#include "admin/driver_chooser.h"
+#include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "admin/look.h"

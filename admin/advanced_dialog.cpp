@@ -1,0 +1,87 @@
+#include "admin/advanced_dialog.h"
+
+#include <Xm/MessageB.h>
+#include <Xm/Text.h>
+#include <Xm/ToggleB.h>
+
+#include <new>
+#include <string>
+
+#include "admin/dialogs.h"
+#include "admin/globals.h"
+#include "motifutil/widgets.h"
+
+Widget AdvFDDialog = nullptr;
+Widget TxtFDAdv = nullptr;
+
+namespace {
+
+constexpr int kMargin = 12;
+constexpr int kGap = 8;
+constexpr short kRows = 9;
+// Of the widest letter; of an ordinary text some two and a half times as many.
+constexpr short kColumns = 18;
+
+void forgetDestroyed(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    if (AdvFDDialog == widget) {
+        AdvFDDialog = nullptr;
+        TxtFDAdv = nullptr;
+    }
+}
+
+void createAdvancedDialog() {
+    AdvFDDialog = createTemplateDialog(ShODBCAdmin, "AdvFDDialog", Message::kAdvancedTitle, advFDDialogCancel_Clicked);
+    XtAddCallback(AdvFDDialog, XmNdestroyCallback, forgetDestroyed, nullptr);
+
+    Widget form = createForm(AdvFDDialog, "frmFDAdv");
+    Widget heading = createLabel(form, "lblAdvFDDesc", Message::kAdvancedHeading);
+    Attach(heading).topForm(kMargin).leftForm(kMargin);
+
+    Widget cancel = createPushButton(form, "BtnAdvFDCancel", Message::kCancel, advFDDialogCancel_Clicked);
+    Widget ok = createPushButton(form, "BtnAdvFDOK", Message::kOk, advFDDialogOK_Clicked);
+    equalizeWidths({ok, cancel});
+    Attach(cancel).rightForm(kMargin).bottomForm(kMargin);
+    Attach(ok).leftOf(cancel, kGap).bottomForm(kMargin);
+
+    Widget verify = createToggleButton(form, "TglVerifyConnection", Message::kVerifyConnection);
+    XmToggleButtonSetState(verify, static_cast<Boolean>(IsVerificationNeeded), False);
+    XtAddCallback(verify, XmNvalueChangedCallback, VerifyConnection_StateChanged, nullptr);
+    Attach(verify).leftForm(kMargin).above(cancel, kMargin);
+
+    TxtFDAdv = createScrolledText(form, "TxtFDAdv", kRows, kColumns);
+    // No attribute holds a tab, and so the key leads on as it does everywhere else.
+    XtOverrideTranslations(TxtFDAdv, XtParseTranslationTable("~s <Key>Tab: next-tab-group()\n"
+                                                             "s <Key>Tab: prev-tab-group()"));
+    Attach(XtParent(TxtFDAdv)).below(heading, kGap).leftForm(kMargin).rightForm(kMargin).above(verify, kGap);
+    XtVaSetValues(form, XmNcancelButton, cancel, XmNinitialFocus, XtParent(TxtFDAdv), nullptr);
+}
+
+}  // namespace
+
+void Show_AdvancedOptionDialog(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    guarded([] {
+        if (AdvFDDialog != nullptr) {
+            XtDestroyWidget(XtParent(AdvFDDialog));
+        }
+        createAdvancedDialog();
+        std::string text = "Driver={" + std::string(CurrentDriver != nullptr ? CurrentDriver : "") + "}";
+        XmTextSetString(TxtFDAdv, text.data());
+        XmTextSetInsertionPosition(TxtFDAdv, XmTextGetLastPosition(TxtFDAdv));
+        XtManageChild(AdvFDDialog);
+        XmProcessTraversal(TxtFDAdv, XmTRAVERSE_CURRENT);
+    });
+}
+
+void advFDDialogOK_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    IsAdvOptSet = true;
+    XtUnmanageChild(AdvFDDialog);
+}
+
+void advFDDialogCancel_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    IsAdvOptSet = false;
+    XtUnmanageChild(AdvFDDialog);
+}
+
+void VerifyConnection_StateChanged(Widget toggle, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    IsVerificationNeeded = XmToggleButtonGetState(toggle) != 0;
+}

@@ -1,0 +1,226 @@
+#include "admin/file_dsn_file.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "admin/dialogs.h"
+#include "admin/flow.h"
+#include "admin/globals.h"
+#include "bos/file.h"
+#include "bos/host.h"
+#include "catalogs/message_numbers.h"
+#include "installer/configuration.h"
+#include "installer/file_dsn.h"
+#include "kvlib/private_error_list.h"
+#include "kvlib/text.h"
+
+namespace {
+
+// A key and a value are written as far as they fit into these, their terminators included.
+constexpr std::size_t kKeySize = 128;
+constexpr std::size_t kValueSize = 1024;
+
+// Below this length a connection string holds no attribute.
+constexpr short kShortestList = 3;
+
+bool containsText(const std::string& text, const char* part) {
+    return strcasestr(text.c_str(), part) != nullptr;
+}
+
+// The parts of `text` between the separators; empty ones vanish.
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        if (end > 0) {
+            parts.emplace_back(text.substr(0, end));
+        }
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
+void append(KvString& string, const std::string& text) {
+    if (string.concat(text.c_str()) != 0) {
+        throw std::bad_alloc();
+    }
+}
+
+// True only when nothing is there: what can't be looked at may be a file that somebody needs.
+bool isFree(const char* path) {
+    const PrivateErrorList errors;
+    return bosFileDateSize(path, nullptr, nullptr) != 0 &&
+           KvErrorKeeper::getLastErrorNumber() == LibraryMessage::kFileNotFound;
+}
+
+void freePath(Widget /*box*/, XtPointer path, XtPointer /*callData*/) {
+    std::free(path);
+}
+
+}  // namespace
+
+void getFileDSNDefaultDir(char* buffer) {
+    // One byte is left for the slash.
+    constexpr std::size_t kSize = kFileDsnNameSize - 1;
+    std::string directory = installer::readValue("ODBC FILE DSN", "DefaultDSNDir", installer::kDataSourceFile, kSize);
+    if (directory.empty()) {
+        directory = installer::readValue("ODBC", "InstallDir", installer::kDataSourceFile, kSize);
+    }
+    if (directory.empty()) {
+        const char* home = bosGetEnv("HOME");
+        directory = std::string(home != nullptr ? home : "").substr(0, kSize - 1);
+    }
+    if (directory.empty()) {
+        directory = "./";
+    } else if (directory.back() != '/') {
+        directory.push_back('/');
+    }
+    strCopy(buffer, kFileDsnNameSize, directory.c_str());
+}
+
+bool setFullPath() {
+    const PrivateErrorList errors;
+    if (FileDSNName == nullptr) {
+        return false;
+    }
+    std::string path = FileDSNName;
+    if (!path.starts_with('/')) {
+        char directory[kFileDsnNameSize];
+        getFileDSNDefaultDir(directory);
+        path = directory + path;
+    }
+    path = installer::withFileDsnExtension(path);
+    if (path.size() >= kFileDsnNameSize) {
+        return false;
+    }
+    auto* name = static_cast<char*>(std::malloc(kFileDsnNameSize));
+    if (name == nullptr) {
+        throw std::bad_alloc();
+    }
+    strCopy(name, kFileDsnNameSize, path.c_str());
+    std::free(FileDSNName);
+    FileDSNName = name;
+    return true;
+}
+
+bool checkPerm(const char* name) {
+    if (name == nullptr) {
+        return false;
+    }
+    if (!setFullPath()) {
+        showError(Message::kFileNameTooLong);
+        return false;
+    }
+    if (isFree(FileDSNName)) {
+        if (bosftest(FileDSNName) != 0) {
+            return true;
+        }
+        showError(Message::kDirectoryNotWritable);
+        return false;
+    }
+    char* path = strdup(FileDSNName);
+    if (path == nullptr) {
+        throw std::bad_alloc();
+    }
+    askQuestion(catalogText(Message::kOverwriteQuestion), overwriteFileDSN, path, freePath, openSaveAsControl);
+    return false;
+}
+
+void overwriteFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
+    guarded([path] {
+        const auto* file = static_cast<const char*>(path);
+        if (!deleteFileDSN(file)) {
+            // The button reads as the answer did that led here.
+            showError(Message::kOverwriteFailed, Message::kAnswerYes, Message::kDialogTitle);
+            return;
+        }
+        replaceText(FileDSNName, file);
+        finish(nullptr, nullptr);
+    });
+}
+
+void openSaveAsControl(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    showFileDialogBox(kChooseFileName);
+}
+
+bool createArray(const char* driver, const char* attributeText) {
+    if (!setFullPath()) {
+        showError(Message::kFileNameTooLong);
+        return false;
+    }
+    TempStr.unInitialize();
+    append(TempStr, "FILEDSN=");
+    append(TempStr, FileDSNName);
+    append(TempStr, ";DRIVER={");
+    append(TempStr, driver != nullptr ? driver : "");
+    append(TempStr, "};");
+    const std::vector<std::string> lines = split(attributeText, '\n');
+    // A first line that names the driver again belongs to a text that was not cut from its own first line, and none of it is
+    // used then, whatever the other lines say.
+    if (lines.empty() || containsText(lines.front(), "Driver")) {
+        return true;
+    }
+    for (const std::string& line : lines) {
+        if (line.find('=') != std::string::npos) {
+            append(TempStr, line);
+            append(TempStr, ";");
+        }
+    }
+    return true;
+}
+
+void getAdvancedArgumentString(char** list) {
+    *list = nullptr;
+    // The length has 16 bits: of a longer string only that much is taken, and nothing when it reads as negative.
+    const auto length = static_cast<short>(TempStr.length());
+    if (length < kShortestList) {
+        return;
+    }
+    std::string items;
+    for (const char byte : TempStr.view().substr(0, static_cast<std::size_t>(length))) {
+        if (byte != '{' && byte != '}') {
+            items.push_back(byte == ';' ? '\0' : byte);
+        }
+    }
+    // The list is given with the terminator of its empty last string.
+    *list = static_cast<char*>(std::malloc(items.size() + 2));
+    if (*list == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::memcpy(*list, items.data(), items.size());
+    (*list)[items.size()] = '\0';
+    (*list)[items.size() + 1] = '\0';
+}
+
+void writeDsnToFile(const char* connectionString) {
+    if (!checkPerm(FileDSNName)) {
+        return;
+    }
+    const std::string path = FileDSNName;
+    installer::writeFileDsnValue(path, "Driver", CurrentDriver != nullptr ? CurrentDriver : "");
+    for (const std::string& item : split(connectionString, ';')) {
+        // No item is both. So the path and the braced name of the driver are written too, as files that the administrator
+        // made always had them, and the driver's key takes the spelling and the braces of the second writing.
+        if (containsText(item, "FILEDSN") && strncasecmp(item.c_str(), "Driver", 6) == 0) {
+            continue;
+        }
+        const std::size_t equals = item.find('=');
+        if (equals != std::string::npos && equals == item.rfind('=')) {
+            installer::writeFileDsnValue(path, item.substr(0, equals).substr(0, kKeySize - 1),
+                                         item.substr(equals + 1).substr(0, kValueSize - 1).c_str());
+        }
+    }
+}
+
+bool deleteFileDSN(const char* path) {
+    const PrivateErrorList errors;
+    return bosFileDelete(path) == 0;
+}

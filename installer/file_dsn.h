@@ -1,0 +1,25 @@
+// File data sources through the ODBC installer library: the one section of their files, and writing it. Reading goes
+// through installer/configuration.h. docs/file-dsn.md tells the format. GUI thread only.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace installer {
+
+inline constexpr const char* kFileDsnSection = "ODBC";
+inline constexpr std::string_view kFileDsnExtension = ".dsn";
+
+// Writes one key of the file data source `path` (absolute, ending in ".dsn"), which is made when it is not there; a null
+// `value` deletes the key (SQLWriteFileDSN). Values that would make the line longer than kLongestLine are cut there, since
+// the rest would become a line of its own. False when the library refuses; a full disk it does not notice.
+bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value);
+
+// The driver's name in the value of "Driver", without the one pair of braces that may quote it.
+std::string driverName(const std::string& value);
+
+// `path`, with ".dsn" behind it unless exactly that is what follows its last ".".
+std::string withFileDsnExtension(const std::string& path);
+
+}  // namespace installer

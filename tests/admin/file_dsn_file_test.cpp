@@ -1,0 +1,139 @@
+#include "tests/support/window_test.h"
+// Before this line nothing of X11.
+#include "admin/file_dsn_file.h"
+#include "admin/globals.h"
+#include "admin/test_connect.h"
+#include "installer/configuration.h"
+#include "tests/support/scoped_environment.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+class FileDsnFileTest : public WindowTest {
+protected:
+    FileDsnFileTest() { open(); }
+    static std::string fullPath(const std::string& name) {
+        replaceText(FileDSNName, name.c_str());
+        return setFullPath() ? FileDSNName : "(none)";
+    }
+    static std::string connectionString(const std::string& attributes) {
+        EXPECT_TRUE(createArray("X", attributes.c_str()));
+        return std::string(TempStr.view());
+    }
+    ScopedEnvironment home_{{"HOME", "/home/u"}};
+};
+
+TEST_F(FileDsnFileTest, TheDefaultDirectoryComesFromTheFirstSourceThatKnowsIt) {
+    struct Case {
+        const char* file;
+        const char* home;
+        std::string directory;
+    };
+    const std::string longHome = "/" + std::string(2000, 'h');
+    for (const Case& test : {Case{"[ODBC FILE DSN]\nDefaultDSNDir=/dsn\n[ODBC]\nInstallDir=/i\n", "/home/u", "/dsn/"},
+                             Case{"[ODBC FILE DSN]\nDefaultDSNDir=\n[ODBC]\nInstallDir=/i/\n", "/home/u", "/i/"},
+                             Case{"", "/home/u/", "/home/u/"}, Case{"", "", "./"},
+                             Case{"", longHome.c_str(), longHome.substr(0, 1022) + "/"}}) {
+        files.write(OdbcFiles::kUser, test.file);
+        home_.set("HOME", test.home);
+        installer::forgetCachedValues();
+        char buffer[kFileDsnNameSize];
+        getFileDSNDefaultDir(buffer);
+        EXPECT_EQ(buffer, test.directory);
+    }
+}
+
+TEST_F(FileDsnFileTest, NamesBecomeFullPathsThatFit) {
+    EXPECT_EQ(fullPath("a"), "/home/u/a.dsn");
+    EXPECT_EQ(fullPath("/tmp/a.dsn"), "/tmp/a.dsn");
+    EXPECT_EQ(fullPath("/tmp/a.txt"), "/tmp/a.txt.dsn");
+    EXPECT_EQ(fullPath("/tmp/a.DSN"), "/tmp/a.DSN.dsn");
+    EXPECT_EQ(fullPath("/" + std::string(1018, 'n')).size(), 1023U);
+    EXPECT_EQ(fullPath("/" + std::string(1019, 'n')), "(none)");
+    const std::string tooLong = FileDSNName;
+    EXPECT_EQ(tooLong.size(), 1020U);
+    EXPECT_FALSE(checkPerm(FileDSNName));
+    expectReport(Message::kFileNameTooLong);
+}
+
+TEST_F(FileDsnFileTest, TypedAttributesBecomeAConnectionStringAndAList) {
+    replaceText(FileDSNName, "a");
+    const std::string begin = "FILEDSN=/home/u/a.dsn;DRIVER={X};";
+    EXPECT_EQ(connectionString("UID=u\nPWD\nHost=h"), begin + "UID=u;Host=h;");
+    char* list = nullptr;
+    getAdvancedArgumentString(&list);
+    const std::string expected = "FILEDSN=/home/u/a.dsn\0DRIVER=X\0UID=u\0Host=h\0\0"s;
+    EXPECT_EQ(std::string(list, expected.size()), expected);
+    std::free(list);
+
+    EXPECT_EQ(connectionString("\n\nA=b=c\n\nOdbcDriver=1\n"), begin + "A=b=c;OdbcDriver=1;");
+    // One line that names the driver first, and nothing counts.
+    EXPECT_EQ(connectionString("\nmydriveroption=1\nUID=u"), begin);
+    EXPECT_EQ(connectionString(""), begin);
+
+    TempStr.unInitialize();
+    EXPECT_EQ(TempStr.initialize("A="), 0);
+    getAdvancedArgumentString(&list);
+    EXPECT_EQ(list, nullptr);
+    // Longer than 16 bits can say.
+    EXPECT_EQ(TempStr.initialize(("A=" + std::string(40000, 'x')).c_str()), 0);
+    getAdvancedArgumentString(&list);
+    EXPECT_EQ(list, nullptr);
+}
+
+TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
+    replaceText(CurrentDriver, "X");
+    replaceText(FileDSNName, files.path("a").c_str());
+    const std::string path = files.path("a.dsn");
+    const std::string longKey(200, 'k');
+    EXPECT_TRUE(createArray("X", ("UID=u\nA=b=c\n" + longKey + "=1\nLong=" + std::string(2000, 'v')).c_str()));
+    writeDsnToFile(std::string(TempStr.view()).c_str());
+    EXPECT_EQ(files.read("a.dsn"), "[ODBC]\nDRIVER={X}\nFILEDSN=" + path + "\nUID=u\n" + longKey.substr(0, 127) +
+                                       "=1\nLong=" + std::string(994, 'v') + "\n\n");
+    // What was read before it was written does not count.
+    EXPECT_EQ(installer::readValue("ODBC", "UID", path), "u");
+    EXPECT_TRUE(deleteFileDSN(path.c_str()));
+    EXPECT_FALSE(deleteFileDSN(path.c_str()));
+
+    // Nothing is written over what is there, be it a directory, or where nothing can be written.
+    replaceText(FileDSNName, "/proc/none/a");
+    writeDsnToFile("UID=u");
+    expectReport(Message::kDirectoryNotWritable);
+    replaceText(FileDSNName, (files.write("plain", "") + "/a").c_str());
+    EXPECT_FALSE(checkPerm(FileDSNName));
+    EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
+    answer("OK");
+    expectReport(Message::kOverwriteFailed);
+}
+
+TEST_F(FileDsnFileTest, AConnectionTestTellsEveryRecordAndKeepsTheLast) {
+    files.write(OdbcFiles::kDrivers, "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\n");
+    struct Case {
+        std::string connection;
+        const char* console;
+        const char* last;
+        bool unanswered;
+    };
+    const std::string longText(400, 'x');
+    for (const Case& test :
+         {Case{"DRIVER={Talker};Text=" + longText, "Test Connect Error:\nNo such\n  server\nTest Connect Error:\n1 ",
+               "Text=xxx", false},
+          Case{"DRIVER={Missing}", "Test Connect Error:\n", "", false}, Case{"DRIVER={Talker};Leave=1", "", "", true},
+          Case{"DRIVER={Talker};Connect=1", "", "", false}}) {
+        SCOPED_TRACE(test.connection);
+        std::string connection = test.connection;
+        TestConnect attempt(ShODBCAdmin, connection.data());
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(attempt.testConnect(), connection.ends_with("Connect=1") ? 1 : 0);
+        const std::string console = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(console.find(test.console), 0U) << console;
+        EXPECT_EQ(console.empty(), *test.console == '\0');
+        const std::string last = attempt.getErrorMsgFromTestConnect();
+        EXPECT_NE(last.find(test.last), std::string::npos) << last;
+        EXPECT_TRUE(last.size() == 255 || test.connection.size() < 255) << last.size();
+        EXPECT_EQ(attempt.isUnanswered(), test.unanswered);
+    }
+}
+
+}  // namespace

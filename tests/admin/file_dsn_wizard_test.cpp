@@ -1,0 +1,348 @@
+#include "tests/support/window_test.h"
+
+#include <X11/keysym.h>
+#include <Xm/List.h>
+#include <Xm/Text.h>
+#include <Xm/TextF.h>
+#include <sys/stat.h>
+
+#include <functional>
+#include <sstream>
+
+#include "admin/advanced_dialog.h"
+#include "admin/driver_chooser.h"
+#include "admin/file_dsn_page.h"
+#include "admin/file_dsn_wizard.h"
+#include "admin/globals.h"
+#include "admin/main_window.h"
+#include "motifutil/catalog_text.h"
+#include "motifutil/widgets.h"
+#include "tests/support/scoped_environment.h"
+
+using namespace std::string_literals;
+using Rows = std::vector<std::string>;
+
+namespace {
+
+constexpr const char* kMissing = "(missing)";
+
+class FileDsnWizardTest : public WindowTest {
+protected:
+    FileDsnWizardTest() {
+        files.write(OdbcFiles::kDrivers,
+                    "[Plain]\nDriver=/p.so\n[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP
+                    "\n[UserOnly]\nDriver=/u.so\nSetup=" VH_TEST_USER_SETUP "\n");
+        files.write("record", "");
+    }
+    void openPage() {
+        open();
+        click(TbFileDSN);
+    }
+    enum Driver { kPlain = 1, kTalker, kUserOnly };
+    // Goes to the third screen; `typed` replaces the text of the advanced dialog, left by `button`, when it is given.
+    static void goToSummary(Driver driver, const std::string& name, const char* typed = nullptr,
+                            const char* button = "BtnAdvFDOK", bool verified = true) {
+        click(BtnFDAdd);
+        ASSERT_TRUE(waitFor(wizardIsUp));
+        clickRow(LstDPName, driver);
+        if (typed != nullptr) {
+            click(BtnAdvanced);
+            ASSERT_TRUE(waitFor([] { return person().hasFocus(XtWindow(XtParent(AdvFDDialog))); }));
+            XmTextSetString(TxtFDAdv, std::string(typed).data());
+            if (!verified) {
+                click(child(AdvFDDialog, "*TglVerifyConnection"));
+            }
+            click(child(AdvFDDialog, "*"s + button));
+            ASSERT_TRUE(waitFor(wizardIsUp));
+        }
+        click(BtnFinish);
+        type(name);
+        key(XK_Return);
+        EXPECT_EQ(CurScreenAt, 3);
+    }
+    static bool wizardIsUp() { return person().hasFocus(XtWindow(XtParent(DlgDriverPopup))); }
+    static bool wizardIsGone() {
+        return waitFor([] { return !isVisible(XtParent(DlgDriverPopup)); });
+    }
+    std::string calls() {
+        const std::string text = files.read("record");
+        files.write("record", "");
+        return text;
+    }
+    static std::string call(int request, const std::string& driver, const std::string& path,
+                            const std::string& attributes = "null") {
+        std::ostringstream text;
+        text << request << ' ' << static_cast<void*>(ShODBCAdmin) << ' ' << driver << ' ' << path << '\n'
+             << attributes << '\n';
+        return text.str();
+    }
+    static std::string textOf(Widget text) {
+        const XtTextPtr value(XmTextGetString(text));
+        return value.get();
+    }
+    // The files in the list, without their directory.
+    static Rows listed() {
+        Rows files = rows(child(FSelect, "*ItemsList"));
+        for (std::string& file : files) {
+            file.erase(0, file.rfind('/') + 1);
+        }
+        return files;
+    }
+
+    ScopedEnvironment record_{{"VH_TEST_RECORD", files.path("record")}, {"VH_TEST_RESULT", {}}};
+    const std::string path_ = files.path("a.dsn");
+};
+
+TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
+    openPage();
+    click(BtnFDAdd);
+    ASSERT_TRUE(waitFor(wizardIsUp));
+    const auto expectScreen = [](short number, Message::Number next, bool canGoBack, Widget focus) {
+        EXPECT_EQ(CurScreenAt, number);
+        const Widget screens[] = {FormScr1, FormScr2, FormScr3};
+        for (short i = 1; i <= 3; ++i) {
+            EXPECT_EQ(placeOf(screens[i - 1]).width, i == number ? 440 : 5) << i;
+            EXPECT_EQ(placeOf(screens[i - 1]).height, i == number ? 300 : 5) << i;
+        }
+        EXPECT_EQ(labelOf(BtnFinish), catalogText(next));
+        EXPECT_EQ(XtIsSensitive(BtnNavigate) != 0, canGoBack);
+        EXPECT_EQ(XmGetFocusWidget(FormScr1), focus);
+    };
+    expectScreen(1, Message::kNext, false, LstDPName);
+    Wizard_Back(BtnNavigate, nullptr, nullptr);
+    expectScreen(1, Message::kNext, false, LstDPName);
+    key(XK_Return);  // No driver needs to be chosen yet.
+    expectScreen(2, Message::kNext, true, Text7);
+    click(BtnFinish);
+    EXPECT_EQ(dialogText(), catalogText(Message::kFileNameMissing));
+    answer("OK");
+    ASSERT_TRUE(waitFor(wizardIsUp));
+    type("nobody");
+    key(XK_Return);
+    expectScreen(3, Message::kFinish, true, BtnFinish);
+    EXPECT_EQ(textOf(TxtDSNInfo), "File data source: nobody\nDrivers:");
+    click(BtnNavigate);
+    expectScreen(2, Message::kNext, true, Text7);
+    click(BtnNavigate);
+    expectScreen(1, Message::kNext, false, LstDPName);
+    clickRow(LstDPName, kPlain, 2);
+    expectScreen(2, Message::kNext, true, Text7);
+    key(XK_Return);
+    EXPECT_EQ(textOf(TxtDSNInfo), "File data source: nobody\nDrivers:Plain");
+    key(XK_Return);
+    expectReport(Message::kDriverHasNoSetup);
+    EXPECT_TRUE(wizardIsGone());
+
+    goToSummary(kUserOnly, "nobody");
+    key(XK_Return);
+    expectReport(Message::kNoConfigFileDsn);
+    click(BtnFDAdd);
+    ASSERT_TRUE(waitFor(wizardIsUp));
+    expectScreen(1, Message::kNext, false, LstDPName);
+    key(XK_Escape);
+    EXPECT_TRUE(wizardIsGone());
+    EXPECT_EQ(calls(), "");
+}
+
+TEST_F(FileDsnWizardTest, EachWayToFinish) {
+    openPage();
+    const std::string driver = "Driver={Talker}";
+    const std::string begin = "FILEDSN=" + path_ + '\0' + "DRIVER=Talker" + '\0';
+    struct Case {
+        const char* about;
+        std::string typed;
+        const char* button;
+        bool verified;
+        std::string shown;   // of the attributes in the summary
+        std::string result;  // of the connection test
+        std::string call;
+        std::string file;
+    };
+    const std::string justCalled = call(1, "Talker", path_);
+    for (const Case& test : {
+             Case{"nothing typed", "", nullptr, true, "", "", justCalled, ""},
+             Case{"the first line alone", driver, "BtnAdvFDOK", true, "", "", justCalled, ""},
+             Case{"no driver in it", "UID=u\nHost=h", "BtnAdvFDOK", true, "UID=u\nHost=h", "", justCalled, ""},
+             Case{"cancelled", driver + "\nUID=u", "BtnAdvFDCancel", true, "", "", justCalled, ""},
+             Case{"it connects", driver + "\nConnect=1", "BtnAdvFDOK", true, "Connect=1",
+                  catalogText(Message::kTestSucceeded), call(1, "Talker", path_, begin + "Connect=1\0\0"s), ""},
+             Case{"it fails", driver + "\nUID=u", "BtnAdvFDOK", true, "UID=u", "(record)",
+                  call(1, "Talker", path_, begin + "UID=u\0\0"s), ""},
+             Case{"its prompt is left", driver + "\nLeave=1", "BtnAdvFDOK", true, "Leave=1", "",
+                  call(1, "Talker", path_, begin + "Leave=1\0\0"s), ""},
+             Case{"not verified", driver + "\nUID=u", "BtnAdvFDOK", false, "UID=u", "(none)", "",
+                  "[ODBC]\nDRIVER={Talker}\nFILEDSN=" + path_ + "\nUID=u\n\n"},
+         }) {
+        SCOPED_TRACE(test.about);
+        goToSummary(kTalker, "a", test.button == nullptr ? nullptr : test.typed.c_str(), test.button, test.verified);
+        const std::string attributes = test.shown.empty() ? "" : "\nConnection attributes:\n" + test.shown;
+        EXPECT_EQ(textOf(TxtDSNInfo), "File data source: a\nDrivers:Talker" + attributes);
+        key(XK_Return);
+        const bool tested = test.call != justCalled && test.file.empty();
+        if (tested) {
+            const std::string text = dialogText();
+            if (test.result == "(record)") {
+                EXPECT_EQ(text.find("1 "), 0U) << text;
+                EXPECT_NE(text.find("UID=u"), std::string::npos) << text;
+            } else {
+                EXPECT_EQ(text, test.result);
+            }
+            EXPECT_EQ(calls(), "");
+            EXPECT_EQ(files.read("a.dsn"), kMissing);
+            answer("OK");
+        }
+        EXPECT_TRUE(wizardIsGone());
+        EXPECT_EQ(calls(), test.call);
+        EXPECT_EQ(files.read("a.dsn"), test.file.empty() ? kMissing : test.file);
+    }
+    EXPECT_EQ(listed(), Rows{"a.dsn"});
+}
+
+TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
+    const std::string before = "[ODBC]\nDriver=Other\n";
+    files.write("a.dsn", before);
+    mkdir(files.path("folder.dsn").c_str(), 0777);
+    openPage();
+    EXPECT_EQ(listed(), Rows{"a.dsn"});
+    goToSummary(kTalker, "folder");
+    key(XK_Return);
+    EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
+    answer("OK");
+    expectReport(Message::kOverwriteFailed);
+    key(XK_Escape);
+    EXPECT_TRUE(wizardIsGone());
+
+    // Attributes that were typed are not used when a file is overwritten.
+    goToSummary(kTalker, "a", "Driver={Talker}\nUID=u", "BtnAdvFDOK", false);
+    key(XK_Return);
+    EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
+    EXPECT_EQ(files.read("a.dsn"), before);
+    answer("OK");
+    EXPECT_EQ(calls(), call(1, "Talker", path_));
+    EXPECT_EQ(files.read("a.dsn"), kMissing);
+    EXPECT_NE(listed(), Rows{"a.dsn"});
+
+    // With verification the file that was there is gone before the person answers.
+    files.write("a.dsn", before);
+    goToSummary(kTalker, "a", "Driver={Talker}\nConnect=1");
+    key(XK_Return);
+    EXPECT_EQ(dialogText(), catalogText(Message::kTestSucceeded));
+    EXPECT_EQ(files.read("a.dsn"), kMissing);
+    answer("OK");
+    EXPECT_NE(calls(), "");
+
+    // No leads to the choice of another name, in a dialog over the wizard.
+    files.write("a.dsn", before);
+    goToSummary(kTalker, "a");
+    key(XK_Return);
+    answer("Cancel");
+    ASSERT_TRUE(waitFor([] { return Fdialog != nullptr && person().hasFocus(XtWindow(XtParent(Fdialog))); }));
+    const auto choose = [this](const std::string& chosen) {
+        XmTextFieldSetString(child(Fdialog, "Text"), (files.path("") + chosen).data());
+        click(child(Fdialog, "OK"));
+    };
+    choose("");
+    EXPECT_TRUE(isVisible(XtParent(Fdialog)));
+    choose("b.txt");
+    EXPECT_EQ(calls(), call(1, "Talker", files.path("b.txt.dsn")));
+    EXPECT_FALSE(isVisible(XtParent(Fdialog)));
+    EXPECT_EQ(files.read("a.dsn"), before);
+}
+
+TEST_F(FileDsnWizardTest, ANameIsBrowsedFor) {
+    openPage();
+    click(BtnFDAdd);
+    ASSERT_TRUE(waitFor(wizardIsUp));
+    click(BtnFinish);
+    const std::pair<const char*, const char*> kNames[] = {{"x", "x.dsn"}, {"x.txt", "x.txt.dsn"}, {"x.dsn", "x.dsn"}};
+    for (const auto& [chosen, taken] : kNames) {
+        click(child(FormScr2, "BtnBrowse"));
+        ASSERT_TRUE(waitFor([] { return Fdialog != nullptr && person().hasFocus(XtWindow(XtParent(Fdialog))); }));
+        XmTextFieldSetString(child(Fdialog, "Text"), files.path(chosen).data());
+        click(child(Fdialog, "OK"));
+        EXPECT_EQ(textOf(Text7), files.path(taken));
+    }
+    click(child(FormScr2, "BtnBrowse"));
+    key(XK_Escape);
+    EXPECT_TRUE(waitFor([] { return !isVisible(XtParent(Fdialog)) && wizardIsUp(); }));
+}
+
+TEST_F(FileDsnWizardTest, EachOpeningOfTheAdvancedDialogStartsAnew) {
+    openPage();
+    goToSummary(kTalker, "a", "Driver={Talker}\nUID=u", "BtnAdvFDOK", false);
+    click(BtnNavigate);
+    click(BtnNavigate);
+    click(BtnAdvanced);
+    ASSERT_TRUE(waitFor([] { return person().hasFocus(XtWindow(XtParent(AdvFDDialog))); }));
+    EXPECT_EQ(textOf(TxtFDAdv), "Driver={Talker}");
+    key(XK_Return);
+    type("Key=1");
+    EXPECT_EQ(textOf(TxtFDAdv), "Driver={Talker}\nKey=1");
+    Boolean verified = True;
+    XtVaGetValues(child(AdvFDDialog, "*TglVerifyConnection"), XmNset, &verified, nullptr);
+    EXPECT_FALSE(verified);
+    key(XK_Tab);
+    key(XK_space);
+    EXPECT_TRUE(IsVerificationNeeded);
+    key(XK_Escape);
+    EXPECT_TRUE(waitFor(wizardIsUp));
+    EXPECT_FALSE(IsAdvOptSet);
+}
+
+TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
+    std::string file = "[Other]\nA=1\n[ODBC]\nDRIVER={Talker}\nUID=u\nEmpty=\nLong=" + std::string(100000, 'l') + "\n";
+    std::string attributes = "DRIVER={Talker}\0UID=u\0Empty=\0Long="s + std::string(995, 'l') + '\0';
+    for (int i = 0; i < 300; ++i) {
+        const std::string number = std::to_string(i);
+        file += "Key" + number + "=" + number + "\n";
+        attributes += "Key" + number + "=" + number + '\0';
+    }
+    const std::string other = files.write("b.dsn", "[ODBC]\nUID=u\n");
+    files.write("a.dsn", file);
+    files.write(OdbcFiles::kUser, "[ODBC FILE DSN]\nDefaultDSNDir=" + files.path("") + "\n");
+    openPage();
+    Widget list = child(FSelect, "*ItemsList");
+    ASSERT_EQ(listed(), (Rows{"a.dsn", "b.dsn"}));
+    XmListDeselectAllItems(list);
+    click(BtnFDConfigure);
+    expectReport(Message::kFileConfigureSelectOne);
+    click(BtnFDRemove);
+    expectReport(Message::kRemoveSelectOne);
+
+    clickRow(list, 1, 2);
+    const std::string record = calls();
+    EXPECT_EQ(record.substr(0, record.find('\n') + 1), call(2, "Talker", path_, "").substr(0, record.find('\n') + 1));
+    EXPECT_NE(record.find("\nDSN=" + path_ + '\0' + attributes.substr(0, 60)), std::string::npos)
+        << record.substr(0, 300);
+    EXPECT_NE(record.find("Key299=299\0\0"s), std::string::npos);
+    EXPECT_EQ(DsnType, kFileDataSource);
+
+    clickRow(list, 2);
+    click(BtnFDConfigure);
+    expectReport(Message::kSetupLibraryNotLoaded);
+    remove(other.c_str());
+    click(BtnFDConfigure);
+    expectReport(Message::kFileDsnUnreadable);
+    EXPECT_EQ(files.read("b.dsn"), kMissing);
+    EXPECT_EQ(listed(), Rows{"a.dsn"});
+
+    click(BtnSetDirectory);
+    EXPECT_EQ(dialogText(), catalogText(Message::kSetDirectoryQuestion));
+    answer("OK");
+    EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"ODBC FILE DSN", {"DefaultDSNDir=" + files.path("")}}}));
+
+    clickRow(list, 1);
+    click(BtnFDRemove);
+    EXPECT_EQ(dialogText(), "Remove the data source \"" + path_.substr(1) + "\"    and all its settings?");
+    answer("Cancel");
+    EXPECT_NE(files.read("a.dsn"), kMissing);
+    click(BtnFDRemove);
+    answer("OK");
+    EXPECT_EQ(files.read("a.dsn"), kMissing);
+    EXPECT_EQ(listed(), Rows{catalogText(Message::kNoFileDsns)});
+    clickRow(list, 1);
+    click(BtnFDRemove);
+    expectReport(Message::kRemoveSelectOne);
+}
+
+}  // namespace
