@@ -156,10 +156,12 @@ void unlockWindow(Display* display, Window window, Atom lock, std::string_view s
 // Writes the command and waits for the browser's verdict: "1.." says that it is at work, "200" that it is done, anything else
 // that it is not willing.
 bool sendCommand(Display* display, Window window, const Atoms& atoms, const std::string& command) {
-    watch(display, window);
+    XEvent event;
+    // Answers from before our lock were for other controllers.
+    while (XCheckTypedWindowEvent(display, window, PropertyNotify, &event) != 0) {
+    }
     writeProperty(display, window, atoms.command, command);
     while (true) {
-        XEvent event;
         XNextEvent(display, &event);
         if (isDestroyed(event, window)) {
             return false;

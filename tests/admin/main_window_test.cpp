@@ -14,6 +14,7 @@
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "motifutil/catalog_text.h"
+#include "tests/support/recording_browser.h"
 
 namespace {
 
@@ -142,6 +143,45 @@ TEST_F(MainWindowTest, TheSelectedTabIsKnownHoweverThePageWasTurned) {
         EXPECT_EQ(std::string(1, static_cast<char>(CurrentSelectedTab)), code);
         EXPECT_EQ(pageInFront(), code);
     }
+}
+
+TEST_F(MainWindowTest, HelpAndF1AnywhereOpenTheTopicOfThePageInFront) {
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nabc=Recorder\n[abc]\nA=b\n[ODBC]\nTRACE=1\n");
+    const RecordingBrowser browser;
+    open();
+    const struct {
+        Widget tab;
+        Widget field;  // One that takes the keyboard; null when the page has none.
+        const char* topic;
+    } kTopics[] = {{TbUserDSN, LstUName, "userdsn"},
+                   {TbFileDSN, child(frmFileDSN, "FSelect.Text"), "filedsn"},
+                   {TbDrivers, LstName, "drivers"},
+                   {BtnTrace, TxtTraceFile, "trace"},
+                   {TbAbout, nullptr, "about"}};
+    std::string expected;
+    long count = 0;
+    const auto expectTopic = [&](const char* topic) {
+        expected += topic + std::string("\n");
+        EXPECT_EQ(browser.topics(++count), expected);
+    };
+    key(XK_F1);
+    expectTopic("userdsn");
+    for (const auto& row : kTopics) {
+        click(row.tab);
+        key(XK_F1);
+        expectTopic(row.topic);
+        click(BtnHelp);
+        expectTopic(row.topic);
+        if (row.field != nullptr) {
+            click(row.field);
+            key(XK_F1);
+            expectTopic(row.topic);
+        }
+    }
+    CurrentSelectedTab = 'X';
+    click(BtnHelp);
+    key(XK_F1);
+    EXPECT_EQ(browser.topics(count), expected);
 }
 
 }  // namespace

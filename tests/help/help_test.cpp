@@ -10,6 +10,7 @@
 #include "help/help_locator.h"
 #include "help/url_routines.h"
 #include "help/web_help.h"
+#include "tests/support/recording_browser.h"
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
@@ -63,7 +64,10 @@ protected:
         folder_.write(name, "#!/bin/sh\n" + action + "\n");
         chmod(folder_.path(name).c_str(), 0755);
     }
-    std::string recording() const { return "echo \"$@\" >>'" + folder_.path("arguments") + "'"; }
+    std::string recording() const {
+        return "[ $1 = -remote ] && echo -remote >>'" + folder_.path("arguments") + "' && exit\n" +
+               recordAddress(folder_.path("arguments"));
+    }
     // The arguments of all calls so far; waits for the one that nobody else waits for.
     std::string arguments(const std::string& until) const {
         for (int i = 0; i < 200 && folder_.read("arguments").find(until) == std::string::npos; ++i) {
@@ -132,6 +136,15 @@ TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     EXPECT_EQ(kvFindHelpRoot(text("Empty"), &url, sizeof buffer), 1);
     EXPECT_EQ(kvFindHelpRoot(text("Missing"), &url, sizeof buffer), 1);
     EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+
+    folder_.write("arguments", "");
+    environment_.set("ODBCINST", {});
+    environment_.set("ODBCINSTINI", folder_.path("nothing.ini"));
+    environment_.set("HOME", folder_.path());
+    testing::internal::CaptureStdout();
+    kvDisplayHelp(text("Administrator"), text("userdsn"));
+    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(folder_.read("arguments"), "");
 }
 
 }  // namespace

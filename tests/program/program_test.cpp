@@ -73,7 +73,7 @@ protected:
     }
     // The buttons of the window stand in a row at its bottom; those of the page in front in a column that ends where the
     // text above that row ends.
-    enum Button { kOk, kCancel, kAdd = 10, kRemove, kConfigure };
+    enum Button { kOk, kCancel, kApply, kAdd = 10, kRemove, kConfigure };
     void press(Button button) {
         std::vector<Place> parts = person().parts(window);
         ASSERT_GT(parts.size(), 5U);
@@ -136,6 +136,48 @@ TEST_F(ProgramTest, EveryWayOutEndsItInOrder) {
         EXPECT_EQ(files.read("output"), "");
         EXPECT_EQ(files.read(OdbcFiles::kUser), way.saves ? saved : before);
     }
+}
+
+TEST_F(ProgramTest, TraceSettingsThatWereAppliedStayAndTheNextProgramReadsThem) {
+    const std::string file = files.path("trace.log");
+    const auto isStored = [&](const char* state) {
+        const OdbcFiles::Sections stored{{"ODBC", {"TRACE="s + state, "TraceFile=" + file, "TraceDll="}}};
+        return waitUntil([&] { return files.userSections() == stored; });
+    };
+    start();
+    // From OK to the tabs, along them to the fourth, and to the first control below them.
+    for (const KeySym symbol : {XK_Tab, XK_Tab, XK_Tab, XK_Right, XK_Right, XK_Right, XK_space}) {
+        person().key(symbol);
+    }
+    const std::vector<Place> parts = person().parts(window);
+    const Place toggle = *std::find_if(parts.begin(), parts.end(), [&parts](const Place& part) {
+        return part.y > parts.front().y + parts.front().height;
+    });
+    person().click(toggle);
+    person().key(XK_Tab);
+    person().type(file);
+    press(kApply);
+    EXPECT_TRUE(isStored("1")) << files.read(OdbcFiles::kUser);
+    person().click(toggle);
+    press(kApply);
+    EXPECT_TRUE(isStored("0")) << files.read(OdbcFiles::kUser);
+    person().click(toggle);
+    press(kCancel);
+    expectEnd(0);
+    EXPECT_TRUE(isStored("0")) << files.read(OdbcFiles::kUser);
+
+    start();
+    press(kOk);
+    expectEnd(0);
+    EXPECT_TRUE(isStored("0")) << files.read(OdbcFiles::kUser);
+
+    // OK ends the program even if nothing can be saved any more.
+    start();
+    unlink(files.path(OdbcFiles::kUser).c_str());
+    files.write(OdbcFiles::kUser + "/in the way"s, "");
+    press(kOk);
+    expectEnd(0);
+    EXPECT_EQ(files.read("output"), "");
 }
 
 TEST_F(ProgramTest, AMissingCatalogIsToldOverAWindowOfNumbers) {

@@ -18,6 +18,7 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/widgets.h"
+#include "tests/support/recording_browser.h"
 
 namespace {
 
@@ -455,7 +456,8 @@ TEST_F(SetupFormTest, AFileIsChosenInADialogThatMayBeLeft) {
     EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Mode=odd Password=geheim Unknown=1");
 }
 
-TEST_F(SetupFormTest, AboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
+TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
+    const RecordingBrowser browser;
     openWith("[ODBC Data Sources]\nA=Talker\nS=Silent\n\n[A]\nDriver=Talker\n\n[S]\nDriver=Silent\n");
     struct Case {
         int row;
@@ -468,7 +470,9 @@ TEST_F(SetupFormTest, AboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
         const std::string facts =
             outputOf("date -r '" + now.path + "' +%x; echo $(($(stat -c %s '" + now.path + "') / 1024)) kb");
         Script script(person());
-        script.then([] { clickButton("BtnAbout"); })
+        script.then([] { clickButton("BtnHelp"); })
+            .key(XK_F1)
+            .then([] { clickButton("BtnAbout"); })
             .then([now, title, facts] {
                 std::string path = field("TxtFile");
                 std::erase(path, '\n');  // Long ones are broken.
@@ -485,6 +489,7 @@ TEST_F(SetupFormTest, AboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
             .key(XK_Escape);
         click(BtnConfigure);
     }
+    EXPECT_EQ(browser.topics(4), "setup\nsetup\nsetup\nsetup\n");
 }
 
 }  // namespace
