@@ -2,7 +2,6 @@
 #include "tests/support/x_display.h"
 
 #include <X11/keysym.h>
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +15,8 @@ using namespace std::string_literals;
 namespace {
 
 constexpr const char* kTitle = "Varnholt ODBC Administrator";
+constexpr unsigned long kErrorRed = 0xc0392b;
+constexpr unsigned long kInformationBlue = 0x2f6db5;
 constexpr unsigned int kTestSeconds = 90;
 
 class ProgramEnvironment : public testing::Environment {
@@ -75,20 +76,64 @@ protected:
     // text above that row ends.
     enum Button { kOk, kCancel, kApply, kAdd = 10, kRemove, kConfigure };
     void press(Button button) {
-        std::vector<Place> parts = person().parts(window);
-        ASSERT_GT(parts.size(), 5U);
-        const auto row =
-            std::find_if(parts.begin(), parts.end(), [&](const Place& part) { return part.y == parts.back().y; });
-        if (button < kAdd) {
-            person().click(row[button]);
-            return;
-        }
-        const int edge = row[-1].x + row[-1].width;
+        std::vector<Place> row;
         std::vector<Place> column;
-        std::copy_if(parts.begin(), row - 1, std::back_inserter(column),
-                     [&](const Place& part) { return part.x + part.width == edge; });
-        ASSERT_EQ(column.size(), 3U);
-        person().click(column[static_cast<std::size_t>(button - kAdd)]);
+        EXPECT_TRUE(waitUntil([&] {
+            const std::vector<Place> parts = person().parts(window);
+            const auto rowBegin =
+                std::find_if(parts.begin(), parts.end(), [&](const Place& part) { return part.y == parts.back().y; });
+            if (rowBegin - parts.begin() < 2) {
+                return false;
+            }
+            row.assign(rowBegin, parts.end());
+            column.clear();
+            std::copy_if(parts.begin(), rowBegin - 1, std::back_inserter(column),
+                         [edge = rowBegin[-1].x + rowBegin[-1].width](const Place& part) {
+                             return part.x + part.width == edge;
+                         });
+            return button < kAdd || column.size() == 3;
+        }));
+        ASSERT_TRUE(row.size() > 1 && (button < kAdd || column.size() == 3));
+        person().click(button < kAdd ? row[button] : column[static_cast<std::size_t>(button - kAdd)]);
+    }
+    // Brings the page with this number, from 0, to the front by its tab; the tabs are the uppermost parts of the window.
+    void openPage(std::size_t page) {
+        std::vector<Place> tabs = person().parts(window);
+        std::erase_if(tabs, [top = tabs.front().y](const Place& part) { return part.y > top + 4; });
+        std::sort(tabs.begin(), tabs.end(), [](const Place& a, const Place& b) { return a.x < b.x; });
+        ASSERT_GT(tabs.size(), page);
+        person().click(tabs[page]);
+    }
+    // What stands in a row, from 0, of the five parallel lists of the page in front, which have `count` rows.
+    using Row = std::vector<std::string>;
+    Row tableRow(int row, int count) {
+        // Headers and lists are the places where five parts stand level; the lists are the lower of the two.
+        std::vector<Place> lists;
+        waitUntil([&] {
+            const std::vector<Place> parts = person().parts(window);
+            for (std::size_t i = 0; i + 5 <= parts.size(); ++i) {
+                if (parts[i].y > 100 && parts[i].y == parts[i + 4].y) {
+                    lists.assign(parts.begin() + static_cast<std::ptrdiff_t>(i),
+                                 parts.begin() + static_cast<std::ptrdiff_t>(i) + 5);
+                }
+            }
+            return !lists.empty() && lists.front().height > 2 * count;
+        });
+        Row texts;
+        for (const Place& list : lists) {
+            person().click(list.x + 10, list.y + list.height * (2 * row + 1) / (2 * count));
+            texts.push_back(person().copied());
+        }
+        return texts;
+    }
+    // Whether a color is to be seen near the upper left corner, where boxes have their icon.
+    static bool shows(Window box, unsigned long color) {
+        for (int at = 0; at < 100 * 100; at += 3) {
+            if (person().pixel(box, at % 100, at / 100) == color) {
+                return true;
+            }
+        }
+        return false;
     }
     void expectEnd(int status) { EXPECT_EQ(program->exitStatus(), status); }
 
@@ -329,31 +374,83 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredListedAndConnect) {
         outputOf("odbcinst -i -d -f '" + stage("share/drivers/") + driver + ".ini'");
     }
     EXPECT_EQ(outputOf("odbcinst -q -d"), "[Varnholt SQLite]\n[Varnholt PostgreSQL]\n[Varnholt FreeTDS]\n");
+    const std::string query = files.write("query", "select 6*7;\n");
+    EXPECT_NE(
+        outputOf("isql -v -b -k 'DRIVER=Varnholt FreeTDS;Server=127.0.0.1;Port=1' <'" + query + "'").find("[FreeTDS]"),
+        std::string::npos);
+    // Wide enough for all columns.
+    const ScopedEnvironment wide{{"XENVIRONMENT", files.write("resources", "odbcadmin.geometry: 1000x600+0+0\n")}};
     start();
-    press(kCancel);
-    expectEnd(0);
-    EXPECT_EQ(files.read("output"), "");
+    openPage(2);
+    const std::string today = outputOf("date -r '" + stage("lib/vhfreetds23.so") + "' +%x | tr -d '\\n'");
+    EXPECT_EQ(tableRow(0, 3),
+              (Row{"Varnholt FreeTDS", "05.30.0002", "Varnholt Technologies", "vhfreetds23.so", today}));
+    EXPECT_EQ(tableRow(1, 3),
+              (Row{"Varnholt PostgreSQL", "05.30.0002", "Varnholt Technologies", "vhpostgresql23.so", today}));
 
-    const ScopedEnvironment texts{{"VH_INSTALLDIR", stage("")}};
-    void* setup = dlopen(stage("lib/vhsetup23.so").c_str(), RTLD_NOW);
-    ASSERT_NE(setup, nullptr) << dlerror();
-    const auto configDsn =
-        reinterpret_cast<int (*)(void*, unsigned short, const char*, const char*)>(dlsym(setup, "ConfigDSN"));
-    const auto add = [&](const char* driver, const std::string& attributes) {
-        EXPECT_EQ(configDsn(nullptr, 1, driver, attributes.c_str()), 1) << driver;
-    };
-    files.write("query", "select 6*7;\n");
-    add("Varnholt FreeTDS", "DSN=tds\0Server=127.0.0.1\0TDS_Version=7.4\0Port=1\0"s);
-    EXPECT_NE(outputOf("isql -v -b tds <'" + files.path("query") + "'").find("[FreeTDS]"), std::string::npos);
     if (geteuid() != 0) {
         GTEST_SKIP() << "Only root can start a database server as another user.";
     }
     const TemporaryFolder folder;
     const PostgresServer server(folder);
-    add("Varnholt PostgreSQL",
-        "DSN=pg\0Servername=127.0.0.1\0Database=postgres\0Username=postgres\0SSLmode=disable\0Port="s + server.port() +
-            '\0');
-    EXPECT_NE(outputOf("isql -b -d, pg <'" + files.path("query") + "'").find("42"), std::string::npos);
+    openPage(0);
+    press(kAdd);
+    waitFor("Create a New Data Source", true);
+    person().key(XK_space);
+    person().key(XK_Down);
+    person().key(XK_Return);
+    const std::string setupTitle = "Varnholt PostgreSQL Data Source";
+    const Window form = waitFor(setupTitle, true);
+    ASSERT_NE(form, None);
+    const auto bottomButton = [form](std::ptrdiff_t number) {
+        const std::vector<Place> parts = person().parts(form);
+        const auto row =
+            std::find_if(parts.begin(), parts.end(), [&](const Place& part) { return part.y == parts.back().y; });
+        return row[number];
+    };
+    const auto typeIn = [](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) {
+            person().type(text);
+            person().key(XK_Tab);
+        }
+    };
+    // The driver proposes this machine and another port.
+    typeIn({"pg", "", "", "1", "postgres", "postgres"});
+    person().click(bottomButton(0));
+    const Window failed = waitFor("Connection Test", true);
+    EXPECT_TRUE(waitUntil([&] { return shows(failed, kErrorRed); }));
+    // From the button to what the driver says, all of which is copied.
+    person().key(XK_Tab);
+    person().key(XK_slash, XK_Control_L);
+    const std::string said = person().copied();
+    EXPECT_NE(said.find("08001: connection to server"), std::string::npos) << said;
+    person().key(XK_Escape);
+    waitUntilGone("Connection Test", true);
+
+    waitFor(setupTitle, true);
+    std::vector<Place> fields = person().parts(form);
+    std::erase_if(fields, [x = fields[1].x](const Place& part) { return part.x < x || part.x > x + 4; });
+    person().click(fields[3]);
+    person().key(XK_Home);
+    for (int i = 0; i < 5; ++i) {
+        person().key(XK_Delete);
+    }
+    person().type(server.port());
+    person().click(bottomButton(0));
+    const Window succeeded = waitFor("Connection Test", true);
+    EXPECT_TRUE(waitUntil([&] { return shows(succeeded, kInformationBlue); }));
+    person().key(XK_Return);
+    waitUntilGone("Connection Test", true);
+    waitFor(setupTitle, true);
+    EXPECT_EQ(files.userSections(), OdbcFiles::Sections{}) << "a test stores nothing";
+
+    person().click(bottomButton(2));
+    waitUntilGone(setupTitle, true);
+    EXPECT_NE(outputOf("isql -b -d, pg <'" + query + "'").find("42"), std::string::npos);
+    window = waitFor(kTitle, false);
+    press(kCancel);
+    expectEnd(0);
+    EXPECT_EQ(files.read("output"), "");
 }
 
 }  // namespace
