@@ -90,13 +90,14 @@ Widget createText(Widget form, const char* name, const std::string& text) {
     return label;
 }
 
-// The maker beside the icon. Returns the lower line.
+// The maker beside the icon. Returns which of the two reaches lower: with large letters it is the text.
 Widget createAddress(Widget form, Widget icon) {
     Widget first = createText(form, "LblAddress1", compAddr1);
     Widget second = createText(form, "LblAddress2", compAddr2);
     Attach(first).levelWith(icon, kRowGap / 2).rightOf(icon, kGap).rightForm(kMargin);
     Attach(second).below(first, kRowGap / 2).rightOf(icon, kGap).rightForm(kMargin);
-    return second;
+    const int textHeight = kRowGap + preferredHeight(first) + preferredHeight(second);
+    return textHeight > preferredHeight(icon) ? second : icon;
 }
 
 // What is known of the component, one row for each. Returns the last row's text.
@@ -157,9 +158,9 @@ Widget createAbtForm(Widget parent) {
     onWindowManagerClose(XtParent(form), closePressed, form);
 
     Widget icon = createIcon(form);
-    createAddress(form, icon);
+    Widget head = createAddress(form, icon);
     Widget upper = createSeparator(form, "SeparatorTop");
-    Attach(upper).below(icon, kGap).leftForm(kMargin).rightForm(kMargin);
+    Attach(upper).below(head, kGap).leftForm(kMargin).rightForm(kMargin);
     Widget last = createRows(form, upper);
     Widget lower = createSeparator(form, "SeparatorBottom");
     Attach(lower).below(last, kGap).leftForm().rightForm();
