@@ -49,9 +49,6 @@ void createAdvancedDialog() {
     Attach(verify).leftForm(kMargin).above(cancel, kMargin);
 
     TxtFDAdv = createScrolledText(form, "TxtFDAdv", kRows, kColumns);
-    // No attribute holds a tab, and so the key leads on as it does everywhere else.
-    XtOverrideTranslations(TxtFDAdv, XtParseTranslationTable("~s <Key>Tab: next-tab-group()\n"
-                                                             "s <Key>Tab: prev-tab-group()"));
     Attach(XtParent(TxtFDAdv)).below(heading, kGap).leftForm(kMargin).rightForm(kMargin).above(verify, kGap);
     XtVaSetValues(form, XmNcancelButton, cancel, XmNinitialFocus, XtParent(TxtFDAdv), nullptr);
 }

@@ -178,6 +178,7 @@ enum Number : std::uint32_t {
     kTest = 16,
     kAbout = 17,
     kChooseFileTitle = 18,
+    kFileName = 19,
 
     // What is wrong with a data source or one of its settings.
     kNameMissing = 20,
@@ -190,6 +191,7 @@ enum Number : std::uint32_t {
     kValueHasLineBreak = 27,
     kValueTooLong = 28,
     kPasswordBlanks = 29,
+    kFileNameInvalid = 30,
 
     // Why a request could not be carried out.
     kUnknownRequest = 40,
@@ -200,6 +202,9 @@ enum Number : std::uint32_t {
     kRemoveFailed = 45,
     kAlreadyOpen = 46,
     kNoMemory = 47,
+    kNoSuchFile = 48,
+    kFileNotWritten = 49,
+    kFileHasLongLine = 50,
 
     // The connection test.
     kTestSucceeded = 60,

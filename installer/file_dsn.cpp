@@ -3,21 +3,41 @@
 #include <odbcinst.h>
 
 #include <algorithm>
+#include <vector>
 
 #include "installer/configuration.h"
 
 namespace installer {
 
+namespace {
+
+// Whether the section has the key, and not as its first.
+bool isLaterKey(const std::string& path, const std::string& key) {
+    const std::vector<std::string> keys = listKeys(kFileDsnSection, path, Growth::kByDoubling).names;
+    const auto found =
+        std::find_if(keys.begin(), keys.end(), [&key](const std::string& other) { return sameName(other, key); });
+    return found != keys.begin() && found != keys.end();
+}
+
+}  // namespace
+
 bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value) {
-    std::string bounded = value != nullptr ? value : "";
+    const auto write = [&](const char* text) {
+        const bool written = SQLWriteFileDSN(path.c_str(), kFileDsnSection, key.c_str(), text) != 0;
+        // The library goes on answering what it read before.
+        forgetCachedValues();
+        return written;
+    };
+    if (value == nullptr) {
+        return write(nullptr);
+    }
+    std::string bounded = value;
     if (key.size() + 1 + bounded.size() > kLongestLine) {
         bounded.resize(kLongestLine - std::min(kLongestLine, key.size() + 1));
     }
-    const bool written =
-        SQLWriteFileDSN(path.c_str(), kFileDsnSection, key.c_str(), value != nullptr ? bounded.c_str() : nullptr) != 0;
-    // The library goes on answering what it read before.
     forgetCachedValues();
-    return written;
+    // A key that is there already must go first: the library would write its new value over the first key of the section.
+    return (!isLaterKey(path, key) || write(nullptr)) && write(bounded.c_str());
 }
 
 std::string driverName(const std::string& value) {

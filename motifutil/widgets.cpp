@@ -137,6 +137,8 @@ Widget createScrolledText(Widget parent, const char* name, short rows, short col
         .set(XmNrows, rows)
         .set(XmNcolumns, columns);
     Widget text = made(XmCreateScrolledText(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
+    XtOverrideTranslations(text,
+                           XtParseTranslationTable("Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()"));
     hideIdleCursor(text);
     XtManageChild(text);
     return text;

@@ -64,7 +64,8 @@ Widget createTextField(Widget parent, const char* name);
 void hideIdleCursor(Widget text);
 // An explanation of `rows` lines that wraps with the window's width and is passed over by the Tab key.
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows);
-// An editable text of several lines in a scrolled window of its own, its parent. It wraps long lines.
+// An editable text of several lines in a scrolled window of its own, its parent. It wraps long lines, and Tab leads on
+// to the next widget as everywhere else.
 Widget createScrolledText(Widget parent, const char* name, short rows, short columns);
 // A full application modal dialog that keeps its size and holds nothing yet, unmanaged; `closed` is called when the window
 // manager closes it. Its shell is its parent.

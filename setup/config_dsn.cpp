@@ -1,15 +1,19 @@
 #include "setup/config_dsn.h"
 
+#include <algorithm>
 #include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "components/identification.h"
 #include "installer/configuration.h"
+#include "installer/file_dsn.h"
 #include "setup/data_source.h"
 #include "setup/driver_properties.h"
+#include "setup/file_data_source.h"
 #include "setup/setup_form.h"
 #include "setup/setup_texts.h"
 
@@ -32,11 +36,11 @@ bool isAttributeList(const char* list) {
     return true;
 }
 
-// The attributes that can be stored: the name and the driver are none of them.
-Settings withoutNameAndDriver(const Settings& attributes) {
+// The attributes that are settings.
+Settings settingsOf(const Settings& attributes) {
     Settings result;
     for (const installer::Attribute& attribute : attributes) {
-        if (!installer::sameName(attribute.key, kNameKey) && !installer::sameName(attribute.key, kDriverKey)) {
+        if (!isNamingKey(attribute.key)) {
             setValue(result, attribute.key, attribute.value);
         }
     }
@@ -46,9 +50,26 @@ Settings withoutNameAndDriver(const Settings& attributes) {
 struct Request {
     Widget parent = nullptr;
     std::string driver;
-    std::string name;
-    Settings attributes;  // Without name and driver.
+    bool isFile = false;
+    std::string name;  // The path of a file data source.
+    Settings attributes;
 };
+
+Settings readStored(const Request& request) {
+    return request.isFile ? readFileDataSource(request.name) : readDataSource(request.name);
+}
+
+// Passwords that came with a connection string are not to end up in a file that many may read, unless they are there already
+// or the person asks for it, which takes a row of the form.
+Settings withoutUnaskedPasswords(Settings attributes, const Settings& stored, const std::vector<DriverProperty>& rows) {
+    std::erase_if(attributes, [&](const installer::Attribute& attribute) {
+        const bool hasRow = std::any_of(rows.begin(), rows.end(), [&attribute](const DriverProperty& property) {
+            return installer::sameName(property.key, attribute.key);
+        });
+        return isPasswordKey(attribute.key) && !hasRow && findValue(stored, attribute.key) == nullptr;
+    });
+    return attributes;
+}
 
 // What the form shows and proposes: for a new data source what the driver proposes, else what is stored, and over both what
 // the caller gave.
@@ -56,6 +77,7 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
     SetupFormContent content;
     content.driver = request.driver;
     content.library = library;
+    content.isFile = request.isFile;
     content.storedName = storedName;
     content.name = request.name;
     if (std::optional<std::vector<DriverProperty>> described = askDriver(library)) {
@@ -65,7 +87,7 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
         content.rows.hasFurtherSettings = true;
     }
 
-    content.rows.stored = storedName.empty() ? Settings() : withoutNameAndDriver(readDataSource(storedName));
+    content.rows.stored = storedName.empty() ? Settings() : settingsOf(readStored(request));
     content.rows.shown = content.rows.stored;
     if (storedName.empty()) {
         for (const DriverProperty& property : content.rows.properties) {
@@ -74,7 +96,10 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
             }
         }
     }
-    for (const installer::Attribute& attribute : request.attributes) {
+    const bool canAskForAll = !request.isFile || content.rows.hasFurtherSettings;
+    for (const installer::Attribute& attribute :
+         canAskForAll ? request.attributes
+                      : withoutUnaskedPasswords(request.attributes, content.rows.stored, content.rows.properties)) {
         if (storedName.empty() || valueOf(content.rows.stored, attribute.key) != attribute.value) {
             setValue(content.pending, attribute.key, attribute.value);
         }
@@ -94,12 +119,33 @@ std::optional<SetupFailure> setUp(const Request& request, const std::string& sto
     if (request.parent != nullptr) {
         return runSetupForm(request.parent, formContent(request, storedName, library));
     }
+    if (request.isFile) {
+        const Settings stored = storedName.empty() ? Settings() : readStored(request);
+        return saveFileDataSource(
+            {storedName, request.name, request.driver, withoutUnaskedPasswords(request.attributes, stored, {})});
+    }
     // Adding a name that exists replaces the data source: nobody can be asked, and that is what ODBC tells callers to expect
     // of ConfigDSN without a window.
     return saveDataSource({storedName, request.name, request.driver, request.attributes});
 }
 
+std::optional<SetupFailure> carryOutForFile(WORD code, const Request& request) {
+    if (code != ODBC_ADD_DSN && code != ODBC_CONFIG_DSN) {
+        return failure(ODBC_ERROR_INVALID_REQUEST_TYPE, SetupMessage::kUnknownRequest, std::to_string(code));
+    }
+    if (std::optional<SetupFailure> wrongName = checkFileName(request.name)) {
+        return wrongName;
+    }
+    if (code == ODBC_CONFIG_DSN && !fileExists(request.name)) {
+        return failure(ODBC_ERROR_INVALID_DSN, SetupMessage::kNoSuchFile, request.name);
+    }
+    return setUp(request, code == ODBC_ADD_DSN ? std::string() : request.name);
+}
+
 std::optional<SetupFailure> carryOut(WORD code, const Request& request) {
+    if (request.isFile) {
+        return carryOutForFile(code, request);
+    }
     if (code == ODBC_ADD_DSN) {
         return setUp(request, {});
     }
@@ -112,7 +158,9 @@ std::optional<SetupFailure> carryOut(WORD code, const Request& request) {
     return code == ODBC_CONFIG_DSN ? setUp(request, request.name) : removeDataSource(request.name);
 }
 
-std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver, const char* attributes) {
+// `fileName` is null for a user data source.
+std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver, const char* attributes,
+                                      const char* fileName) {
     try {
         const SetupCatalogs catalogs;
         const installer::WritableConfiguration configuration;
@@ -121,12 +169,23 @@ std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver
         }
         installer::forgetCachedValues();
         const Settings given = installer::parseAttributeList(attributes);
-        return carryOut(code, {static_cast<Widget>(parent), driver != nullptr ? driver : "",
-                               trimmed(valueOf(given, kNameKey)), withoutNameAndDriver(given)});
+        return carryOut(
+            code, {static_cast<Widget>(parent), driver != nullptr ? driver : "", fileName != nullptr,
+                   fileName != nullptr ? installer::withFileDsnExtension(fileName) : trimmed(valueOf(given, kNameKey)),
+                   settingsOf(given)});
     } catch (const std::exception&) {
         // Nothing here throws but for want of memory.
         return SetupFailure{ODBC_ERROR_OUT_OF_MEM, "Out of memory", {}};
     }
+}
+
+BOOL outcome(const std::optional<SetupFailure>& problem) {
+    if (!problem) {
+        return TRUE;
+    }
+    // Last of all: everything else that is asked of the installer library empties its list of errors.
+    installer::postError(problem->code, problem->text);
+    return FALSE;
 }
 
 }  // namespace
@@ -136,11 +195,9 @@ std::string componentVersion() {
 }
 
 BOOL ConfigDSN(HWND parent, WORD request, LPCSTR driver, LPCSTR attributes) {
-    const std::optional<SetupFailure> problem = configure(parent, request, driver, attributes);
-    if (problem) {
-        // Last of all: everything else that is asked of the installer library empties its list of errors.
-        installer::postError(problem->code, problem->text);
-        return FALSE;
-    }
-    return TRUE;
+    return outcome(configure(parent, request, driver, attributes, nullptr));
+}
+
+BOOL ConfigFileDSN(HWND parent, WORD request, LPCSTR driver, LPCSTR attributes, LPCSTR fileName) {
+    return outcome(configure(parent, request, driver, attributes, fileName != nullptr ? fileName : ""));
 }

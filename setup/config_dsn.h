@@ -1,4 +1,5 @@
-// The entry point of a driver setup library (ODBC ConfigDSN). It serves any driver: what it asks for comes from the driver.
+// The entry points of a driver setup library (ODBC ConfigDSN, ConfigFileDSN). They serve any driver: what is asked for comes
+// from the driver.
 #pragma once
 
 #include <odbcinst.h>
@@ -9,3 +10,9 @@
 // on failure, whose reason is posted for SQLInstallerError. Cancel is no failure. GUI thread only.
 extern "C" __attribute__((visibility("default"))) BOOL ConfigDSN(HWND parent, WORD request, LPCSTR driver,
                                                                  LPCSTR attributes);
+
+// Adds or configures (ODBC_ADD_DSN, ODBC_CONFIG_DSN) the file data source `fileName`, an absolute path to which ".dsn" is added
+// when it has another end. "DSN" and "FILEDSN" in `attributes` mean nothing beside it, and passwords in them are stored only
+// when the person asks for it in the dialog, so without a window not at all. Otherwise as ConfigDSN.
+extern "C" __attribute__((visibility("default"))) BOOL ConfigFileDSN(HWND parent, WORD request, LPCSTR driver,
+                                                                     LPCSTR attributes, LPCSTR fileName);

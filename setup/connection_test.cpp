@@ -87,19 +87,12 @@ std::string quoted(const std::string& value) {
     return isPlain ? value : braced(value);
 }
 
-// Keys that name a data source or tell the driver manager to read or write a file of its own.
-bool isLeftOut(const std::string& key) {
-    constexpr std::array<const char*, 5> kKeys{kNameKey, kDriverKey, kDescriptionKey, "FILEDSN", "SAVEFILE"};
-    return std::any_of(kKeys.begin(), kKeys.end(),
-                       [&key](const char* other) { return installer::sameName(key, other); });
-}
-
 }  // namespace
 
 std::string connectionString(const std::string& driver, const Settings& settings) {
     std::string text = "DRIVER=" + braced(driver) + ";";
     for (const installer::Attribute& setting : settings) {
-        if (!setting.value.empty() && !isLeftOut(setting.key)) {
+        if (!setting.value.empty() && !isNamingKey(setting.key) && !installer::sameName(setting.key, kDescriptionKey)) {
             text += setting.key + "=" + quoted(setting.value) + ";";
         }
     }

@@ -48,20 +48,6 @@ bool writeSection(const std::string& name, const std::string& driver, const Sett
            installer::writeValue(installer::kDataSourceList, name, driver.c_str(), installer::kDataSourceFile);
 }
 
-void apply(const Settings& changes, Settings& settings) {
-    for (const Attribute& change : changes) {
-        if (sameName(change.key, kNameKey) || sameName(change.key, kDriverKey)) {
-            continue;
-        }
-        const std::string value = trimmed(change.value);
-        if (!value.empty()) {
-            setValue(settings, change.key, value);
-        } else if (!valueOf(settings, change.key).empty()) {
-            std::erase_if(settings, [&change](const Attribute& setting) { return sameName(setting.key, change.key); });
-        }
-    }
-}
-
 // Gives a data source a name that differs in case alone. To the files that is the same section, so the old one has to go
 // first; should the new one fail, the old one is written again.
 bool respell(const std::string& oldName, const std::string& newName, const std::string& driver, const Settings& before,
@@ -120,6 +106,11 @@ std::string oneLine(std::string_view text) {
     return trimmed(line);
 }
 
+bool isNamingKey(std::string_view key) {
+    constexpr std::array kKeys{kNameKey, kDriverKey, "FILEDSN", "SAVEFILE"};
+    return std::any_of(kKeys.begin(), kKeys.end(), [key](const char* other) { return sameName(key, other); });
+}
+
 bool isPasswordKey(std::string_view key) {
     constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
     std::string lower(key);
@@ -172,6 +163,29 @@ std::optional<SetupFailure> checkSetting(const Attribute& setting) {
     return std::nullopt;
 }
 
+std::optional<SetupFailure> checkSettings(const Settings& settings) {
+    for (const Attribute& setting : settings) {
+        if (std::optional<SetupFailure> failure = checkSetting(setting)) {
+            return failure;
+        }
+    }
+    return std::nullopt;
+}
+
+void applyChanges(const Settings& changes, Settings& settings) {
+    for (const Attribute& change : changes) {
+        if (isNamingKey(change.key)) {
+            continue;
+        }
+        const std::string value = trimmed(change.value);
+        if (!value.empty()) {
+            setValue(settings, change.key, value);
+        } else if (!valueOf(settings, change.key).empty()) {
+            std::erase_if(settings, [&change](const Attribute& setting) { return sameName(setting.key, change.key); });
+        }
+    }
+}
+
 std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {
     const bool isNew = change.storedName.empty();
     const bool renamed = !isNew && change.storedName != change.name;
@@ -181,10 +195,8 @@ std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {
             return failure;
         }
     }
-    for (const Attribute& setting : change.values) {
-        if (std::optional<SetupFailure> failure = checkSetting(setting)) {
-            return failure;
-        }
+    if (std::optional<SetupFailure> failure = checkSettings(change.values)) {
+        return failure;
     }
 
     installer::forgetCachedValues();
@@ -193,7 +205,7 @@ std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {
     if (isNew || !sameName(listedDriver(change.storedName), change.driver)) {
         setValue(wanted, kDriverKey, change.driver);
     }
-    apply(change.values, wanted);
+    applyChanges(change.values, wanted);
 
     const bool written = renamed && sameName(change.storedName, change.name)
                              ? respell(change.storedName, change.name, change.driver, before, wanted)

@@ -35,6 +35,9 @@ std::string trimmed(std::string_view text);
 // The same with line breaks, tabs and runs of blanks inside of it as one blank each.
 std::string oneLine(std::string_view text);
 
+// Whether the key names a data source, its driver or its file, and so is no setting.
+bool isNamingKey(std::string_view key);
+
 // Whether the key is one of a password: its value is never shown.
 bool isPasswordKey(std::string_view key);
 
@@ -45,6 +48,11 @@ Settings readDataSource(const std::string& name);
 // What is wrong with a new name, or with a setting that is to be stored; nothing when they are right.
 std::optional<SetupFailure> checkName(const std::string& name);
 std::optional<SetupFailure> checkSetting(const installer::Attribute& setting);
+// The first thing that is wrong with any of them.
+std::optional<SetupFailure> checkSettings(const Settings& settings);
+
+// Makes the changes in `settings`: an empty value deletes its key, keys that name are passed over.
+void applyChanges(const Settings& changes, Settings& settings);
 
 // What is to become of a data source.
 struct DataSourceChange {

@@ -3,7 +3,6 @@
 #include <Xm/Text.h>
 #include <odbcinst.h>
 
-#include <new>
 #include <string_view>
 
 #include "motifutil/widgets.h"
@@ -44,22 +43,7 @@ std::optional<SetupFailure> parseLines(std::string_view text, Settings& settings
 FurtherSettings::FurtherSettings(Widget parent, const Settings& settings) {
     label_ = createLabel(parent, "LblFurtherSettings", setupText(SetupMessage::kFurtherSettings));
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
-    ArgumentList arguments;
-    arguments.set(XmNeditMode, XmMULTI_LINE_EDIT)
-        .set(XmNrows, kRows)
-        .set(XmNcolumns, kColumns)
-        .set(XmNscrollHorizontal, False)
-        .set(XmNwordWrap, True);
-    static char name[] = "TxtFurtherSettings";
-    text_ = XmCreateScrolledText(parent, name, arguments.data(), arguments.size());
-    if (text_ == nullptr) {
-        throw std::bad_alloc();
-    }
-    // Tab goes on to the next field, as it does everywhere else in the form; no setting needs it.
-    XtOverrideTranslations(text_,
-                           XtParseTranslationTable("Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()"));
-    hideIdleCursor(text_);
-    XtManageChild(text_);
+    text_ = createScrolledText(parent, "TxtFurtherSettings", kRows, kColumns);
     // A scrolled window asks for no room of its own before it is seen.
     XtVaSetValues(frame(), XmNheight, preferredHeight(text_), nullptr);
     hint_ = createLabel(parent, "LblFurtherSettingsHint", setupText(SetupMessage::kFurtherSettingsHint));

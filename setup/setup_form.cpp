@@ -2,6 +2,7 @@
 
 #include <Xm/DialogS.h>
 #include <Xm/Form.h>
+#include <Xm/TextF.h>
 #include <odbcinst.h>
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include "setup/about_form.h"
 #include "setup/connection_test.h"
 #include "setup/connection_test_box.h"
+#include "setup/file_data_source.h"
 #include "setup/hint_line.h"
 #include "setup/setting_row.h"
 #include "setup/setup_texts.h"
@@ -66,6 +68,7 @@ private:
     Settings typedSettings(const Settings& changed) const;
     void accept();
     void test();
+    bool takesNameOfAnother() const;
     void save();
     void finish();
     void report(const SetupFailure& failure);
@@ -112,8 +115,8 @@ bool SetupForm::run() {
     createButtons();
     createHint();
     layOut();
-    XtVaSetValues(form_, XmNdefaultButton, btnOk_, XmNcancelButton, btnCancel_, XmNinitialFocus, name_->field(),
-                  nullptr);
+    XtVaSetValues(form_, XmNdefaultButton, btnOk_, XmNcancelButton, btnCancel_, XmNinitialFocus,
+                  (content_.isFile ? description_ : name_)->field(), nullptr);
     setSizes();
     XtManageChild(form_);
     dialog_main_loop(shell_);
@@ -122,7 +125,14 @@ bool SetupForm::run() {
 }
 
 void SetupForm::createFields() {
-    name_ = createTextRow(form_, "TxtDataSourceName", setupText(SetupMessage::kDataSourceName), content_.name);
+    if (content_.isFile) {
+        name_ = createTextRow(form_, "TxtFileName", setupText(SetupMessage::kFileName), content_.name);
+        XtVaSetValues(name_->field(), XmNeditable, False, XmNtraversalOn, False, nullptr);
+        // The file's own name is what the person wants to see of a long path.
+        XmTextFieldSetInsertionPosition(name_->field(), XmTextFieldGetLastPosition(name_->field()));
+    } else {
+        name_ = createTextRow(form_, "TxtDataSourceName", setupText(SetupMessage::kDataSourceName), content_.name);
+    }
     description_ = createTextRow(form_, "TxtDescription", setupText(SetupMessage::kDescription),
                                  valueOf(content_.rows.shown, kDescriptionKey));
 }
@@ -189,7 +199,7 @@ void SetupForm::setSizes() {
 // Takes what stands in the dialog as the change to be made, or tells what is wrong with it.
 std::optional<SetupFailure> SetupForm::collect() {
     change_ = {content_.storedName, name_->value(), content_.driver, content_.pending};
-    if (change_.name != change_.storedName) {
+    if (!content_.isFile && change_.name != change_.storedName) {
         if (std::optional<SetupFailure> failure = checkName(change_.name)) {
             failure->key = kNameKey;
             return failure;
@@ -234,8 +244,7 @@ void SetupForm::accept() {
         return;
     }
     installer::forgetCachedValues();
-    const bool takesName = !installer::sameName(change_.name, change_.storedName);
-    if (!takesName || !dataSourceExists(change_.name)) {
+    if (!takesNameOfAnother()) {
         save();
         return;
     }
@@ -249,8 +258,17 @@ void SetupForm::accept() {
     }
 }
 
+// Whether there is something else of the name that the data source is to have.
+bool SetupForm::takesNameOfAnother() const {
+    if (content_.isFile) {
+        return change_.storedName.empty() && fileExists(change_.name);
+    }
+    return !installer::sameName(change_.name, change_.storedName) && dataSourceExists(change_.name);
+}
+
 void SetupForm::save() {
-    if (const std::optional<SetupFailure> failure = saveDataSource(change_)) {
+    const auto saved = content_.isFile ? saveFileDataSource : saveDataSource;
+    if (const std::optional<SetupFailure> failure = saved(change_)) {
         report(*failure);
         return;
     }

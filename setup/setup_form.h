@@ -12,6 +12,7 @@
 struct SetupFormContent {
     std::string driver;
     std::string library;     // The driver's.
+    bool isFile = false;     // A file data source, whose name is its path and can't be changed.
     std::string storedName;  // Empty for a new data source.
     std::string name;        // Proposed name.
     RowContent rows;

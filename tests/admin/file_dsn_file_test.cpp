@@ -87,7 +87,7 @@ TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
     replaceText(FileDSNName, files.path("a").c_str());
     const std::string path = files.path("a.dsn");
     const std::string longKey(200, 'k');
-    EXPECT_TRUE(createArray("X", ("UID=u\nA=b=c\n" + longKey + "=1\nLong=" + std::string(2000, 'v')).c_str()));
+    EXPECT_TRUE(createArray("X", ("UID=t\nUID=u\nA=b=c\n" + longKey + "=1\nLong=" + std::string(2000, 'v')).c_str()));
     writeDsnToFile(std::string(TempStr.view()).c_str());
     EXPECT_EQ(files.read("a.dsn"), "[ODBC]\nDRIVER={X}\nFILEDSN=" + path + "\nUID=u\n" + longKey.substr(0, 127) +
                                        "=1\nLong=" + std::string(994, 'v') + "\n\n");

@@ -120,7 +120,7 @@ TEST(Components, NothingElseIsExported) {
         return outputOf("nm -D --defined-only -j '" + std::string(library) + "' | LC_ALL=C sort | tr '\\n' ' '");
     };
     EXPECT_EQ(exported(VH_TEST_SQLITE_DRIVER), identification);
-    EXPECT_EQ(exported(VH_TEST_SETUP_LIBRARY), "ConfigDSN " + identification);
+    EXPECT_EQ(exported(VH_TEST_SETUP_LIBRARY), "ConfigDSN ConfigFileDSN " + identification);
 }
 
 }  // namespace

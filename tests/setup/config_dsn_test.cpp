@@ -2,13 +2,17 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <odbcinst.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/support/odbc_files.h"
+#include "tests/support/program.h"
 
 namespace {
 
@@ -27,16 +31,40 @@ struct LibraryCloser {
     void operator()(void* handle) const { dlclose(handle); }
 };
 
+// Lets no file grow beyond `size` bytes while it lives, as a disk does that is full.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t size) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        signal_ = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{size, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, signal_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit before_{};
+    void (*signal_)(int) = nullptr;
+};
+
 class ConfigDsnTest : public testing::Test {
 protected:
     ConfigDsnTest() : library_(dlopen(VH_TEST_SETUP_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
         files.write(OdbcFiles::kDrivers, "[Drv]\nDriver=/drv.so\n\n[Other]\nDriver=/other.so\n");
     }
 
-    // Calls ConfigDSN. The code of the installer error that it left, 0 for success.
-    unsigned int call(unsigned short request, const char* driver, const Items& attributes) {
-        const auto configDsn = reinterpret_cast<decltype(&ConfigDSN)>(dlsym(library_.get(), "ConfigDSN"));
-        if (configDsn == nullptr) {
+    // Calls ConfigDSN, or for a file ConfigFileDSN. The code of the installer error that it left, 0 for success.
+    unsigned int call(unsigned short request, const char* driver, const Items& attributes,
+                      const char* fileName = nullptr) {
+        using ConfigDsn = BOOL (*)(HWND, WORD, LPCSTR, LPCSTR);
+        using ConfigFileDsn = BOOL (*)(HWND, WORD, LPCSTR, LPCSTR, LPCSTR);
+        void* function = dlsym(library_.get(), fileName == nullptr ? "ConfigDSN" : "ConfigFileDSN");
+        if (function == nullptr) {
             ADD_FAILURE() << dlerror();
             return 0;
         }
@@ -45,10 +73,13 @@ protected:
             list += attribute + '\0';
         }
         list += '\0';
-        if (configDsn(nullptr, request, driver, attributes.empty() ? nullptr : list.c_str()) != 0) {
+        const char* given = attributes.empty() ? nullptr : list.c_str();
+        if ((fileName == nullptr
+                 ? reinterpret_cast<ConfigDsn>(function)(nullptr, request, driver, given)
+                 : reinterpret_cast<ConfigFileDsn>(function)(nullptr, request, driver, given, fileName)) != 0) {
             return 0;
         }
-        char text[600] = "";
+        char text[2000] = "";
         WORD length = 0;
         DWORD code = 0;
         EXPECT_EQ(SQLInstallerError(1, &code, text, sizeof text, &length), SQL_SUCCESS) << "no reason was posted";
@@ -289,6 +320,106 @@ TEST_F(ConfigDsnTest, AFileThatCanNotBeWrittenIsAFailure) {
     const ScopedEnvironment unwritable{{"ODBCINI", files.path("plain/odbc.ini")}};
     EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", {"DSN=New"}), unsigned{ODBC_ERROR_REQUEST_FAILED});
     EXPECT_NE(errorText.find("New"), std::string::npos) << errorText;
+}
+
+TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAskedToSave) {
+    struct Case {
+        const char* about;
+        const char* before;
+        unsigned short request;
+        const char* driver;
+        Items attributes;
+        std::string after;
+        mode_t mode;
+    };
+    for (const Case& test : {
+             Case{"new, as the administrator asks for it",
+                  nullptr,
+                  ODBC_ADD_DSN,
+                  "Drv",
+                  {"FILEDSN=/else.dsn", "DRIVER=Evil", "Database= /n.db", "PWD=geheim"},
+                  "[ODBC]\nDriver=Drv\nDatabase=/n.db\n\n",
+                  0644},
+             Case{"what is there is replaced, and its permission stays",
+                  "[ODBC]\nUID=old\n",
+                  ODBC_ADD_DSN,
+                  "Drv",
+                  {},
+                  "[ODBC]\nDriver=Drv\n\n",
+                  0640},
+             Case{"configured: what is not named stays, in other sections too",
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\n\n[More]\nA=1\n",
+                  ODBC_CONFIG_DSN,
+                  "Drv",
+                  {"DSN=/a.dsn", "uid=v", "Unknown=1", "PASSWORD=geheim"},
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\n\n[More]\nA=1\n\n",
+                  0640},
+             Case{"a password that is there stays, for its owner alone",
+                  "[ODBC]\nDriver=Drv\nPWD=geheim\n",
+                  ODBC_CONFIG_DSN,
+                  "Drv",
+                  {"UID=u", "PWD=geheim"},
+                  "[ODBC]\nDriver=Drv\nPWD=geheim\nUID=u\n\n",
+                  0600},
+             Case{"nothing new",
+                  "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n",
+                  ODBC_CONFIG_DSN,
+                  "Drv",
+                  {"DSN=a", "pwd=x"},
+                  "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n",
+                  0640},
+         }) {
+        SCOPED_TRACE(test.about);
+        const std::string target = files.path("target.dsn");
+        remove(target.c_str());
+        remove(files.path("a.dsn").c_str());
+        if (test.before != nullptr) {
+            // Through a link, which stays one.
+            files.write("target.dsn", test.before);
+            chmod(target.c_str(), 0640);
+            ASSERT_EQ(symlink("target.dsn", files.path("a.dsn").c_str()), 0);
+        }
+        EXPECT_EQ(call(test.request, test.driver, test.attributes, files.path("a").c_str()), 0U) << errorText;
+        EXPECT_EQ(files.read("a.dsn"), test.after);
+        struct stat status {};
+        stat(files.path("a.dsn").c_str(), &status);
+        EXPECT_EQ(status.st_mode & 07777, test.mode);
+        EXPECT_EQ(lstat(files.path("a.dsn").c_str(), &status), 0);
+        EXPECT_EQ(S_ISLNK(status.st_mode), test.before != nullptr);
+    }
+}
+
+TEST_F(ConfigDsnTest, AFileThatCanNotBeSavedStaysAsItIs) {
+    const std::string longLine = "[ODBC]\nDriver=Drv\nLong=" + std::string(200000, 'l') + "\n";
+    std::string keys = "[ODBC]\nDriver=Drv\n";
+    for (int i = 0; i < 300; ++i) {
+        keys += "Key" + std::to_string(i) + "=1\n";
+    }
+    files.write("long.dsn", longLine);
+    files.write("full.dsn", keys);
+    mkdir(files.path("folder.dsn").c_str(), 0777);
+    struct Case {
+        unsigned short request;
+        std::string file;
+        unsigned int code;
+    };
+    for (const Case& test : {Case{ODBC_REMOVE_DSN, files.path("full.dsn"), ODBC_ERROR_INVALID_REQUEST_TYPE},
+                             Case{ODBC_CONFIG_DSN, files.path("gone.dsn"), ODBC_ERROR_INVALID_DSN},
+                             Case{ODBC_ADD_DSN, "relative.dsn", ODBC_ERROR_INVALID_PATH},
+                             Case{ODBC_ADD_DSN, "/" + std::string(1100, 'n'), ODBC_ERROR_INVALID_PATH},
+                             Case{ODBC_ADD_DSN, files.path("none/a.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{ODBC_ADD_DSN, files.path("folder.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{ODBC_CONFIG_DSN, files.path("long.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{ODBC_CONFIG_DSN, files.path("full.dsn"), ODBC_ERROR_REQUEST_FAILED}}) {
+        SCOPED_TRACE(test.file.substr(0, 60));
+        const FullDisk disk(2048);
+        EXPECT_EQ(call(test.request, "Drv", {"UID=u"}, test.file.c_str()), test.code);
+        EXPECT_NE(errorText.find(test.request == ODBC_REMOVE_DSN ? "3" : test.file.substr(0, 60)), std::string::npos)
+            << errorText;
+    }
+    EXPECT_EQ(files.read("long.dsn"), longLine);
+    EXPECT_EQ(files.read("full.dsn"), keys);
+    EXPECT_EQ(outputOf("ls -A '" + files.path("") + "'"), "folder.dsn\nfull.dsn\nlong.dsn\nodbcinst.ini\n");
 }
 
 }  // namespace
