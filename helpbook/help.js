@@ -65,9 +65,7 @@
             }
         });
         document.title = titleOf(current) + " - " + kBook;
-        if (target === article) {
-            window.scrollTo(0, 0);
-        } else {
+        if (window.location.hash) {
             target.scrollIntoView();
         }
         showFavorites();
