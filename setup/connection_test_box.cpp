@@ -17,8 +17,8 @@
 namespace {
 
 // A comfortable line, in characters, and the share of the screen that the text may take in each direction, in percent.
-constexpr int kLineLength = 72;
-constexpr int kLargestShare = 50;
+constexpr int kLineLength = 60;
+constexpr int kLargestShare = 60;
 // What a text takes for itself beside its lines, in pixels.
 constexpr int kTextFrame = 20;
 
@@ -53,7 +53,10 @@ SetupMessage::Number headingOf(const ConnectionOutcome& outcome) {
 // Texts as wide and high as they are in a box.
 class Measure {
 public:
-    explicit Measure(Widget box) { XtVaGetValues(box, XmNtextRenderTable, &fonts_, nullptr); }
+    explicit Measure(Widget box) {
+        // The box's own table for texts is not the one that a text in it gets.
+        XtVaGetValues(XtNameToWidget(box, "Message"), XmNrenderTable, &fonts_, nullptr);
+    }
     int width(const std::string& text) const { return XmStringWidth(fonts_, compoundString(text).get()); }
     int lineHeight() const { return XmStringHeight(fonts_, compoundString("X").get()); }
 

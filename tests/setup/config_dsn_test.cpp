@@ -18,6 +18,12 @@ namespace {
 
 using Items = std::vector<std::string>;
 
+constexpr unsigned short kAdd = ODBC_ADD_DSN;
+constexpr unsigned short kConfigure = ODBC_CONFIG_DSN;
+constexpr unsigned short kRemove = ODBC_REMOVE_DSN;
+constexpr unsigned int kBadName = ODBC_ERROR_INVALID_DSN;
+constexpr unsigned int kBadValue = ODBC_ERROR_INVALID_KEYWORD_VALUE;
+
 constexpr const char* kTwo =
     "[ODBC Data Sources]\nSales=Drv\nStock=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/s.db\nOdd Key=kept = so\nEmpty=\n\n"
     "[Stock]\nDriver=/drv.so\nDatabase=/k.db\n\n[ODBC]\nTrace=0\n";
@@ -110,82 +116,88 @@ private:
 TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
     struct Case {
         const char* about;
-        const char* before;
+        std::string before;
         unsigned short request;
         const char* driver;
         Items attributes;
         std::string after;
     };
+    const std::string longest(995, 'v');
     const Case kCases[] = {
         {"the first of all",
          "",
-         ODBC_ADD_DSN,
+         kAdd,
          "Drv",
          {"DSN=New", "Database=/n.db"},
          "New{Driver=Drv|Database=/n.db} ODBC Data Sources{New=Drv}"},
         {"one more",
          kTwo,
-         ODBC_ADD_DSN,
+         kAdd,
          "Other",
          {"Server=h", "dsn= New "},
          "ODBC Data Sources{Sales=Drv|Stock=Drv|New=Other} " + kSales + " " + kStock + " " + kTrace +
              " New{Driver=Other|Server=h}"},
         {"a driver and empty values among the attributes",
          "",
-         ODBC_ADD_DSN,
+         kAdd,
          "Drv",
          {"DRIVER=/evil.so", "DSN=New", "A=", "B= b "},
          "New{Driver=Drv|B=b} ODBC Data Sources{New=Drv}"},
         {"the same key twice: the later one counts",
          "",
-         ODBC_ADD_DSN,
+         kAdd,
          "Drv",
          {"DSN=New", "a=1", "A=2"},
          "New{Driver=Drv|a=2} ODBC Data Sources{New=Drv}"},
         {"an existing name is replaced",
          kTwo,
-         ODBC_ADD_DSN,
+         kAdd,
          "Other",
          {"DSN=Sales", "Server=h", "Database=/s.db"},
          "ODBC Data Sources{Sales=Other|Stock=Drv} Sales{Driver=Other|Database=/s.db|Server=h} " + kStock + " " +
              kTrace},
         {"configure keeps what is not named, whatever its spelling",
          kTwo,
-         ODBC_CONFIG_DSN,
+         kConfigure,
          "Drv",
          {"DSN=Sales", "DATABASE=/new.db", "Extra=1"},
          kListed + " Sales{Driver=Drv|Database=/new.db|Odd Key=kept = so|Empty=|Extra=1} " + kStock + " " + kTrace},
         {"an empty value deletes its key",
          kTwo,
-         ODBC_CONFIG_DSN,
+         kConfigure,
          "Drv",
          {"DSN=Sales", "Database=", "Empty="},
          kListed + " Sales{Driver=Drv|Odd Key=kept = so|Empty=} " + kStock + " " + kTrace},
         {"another driver",
          kTwo,
-         ODBC_CONFIG_DSN,
+         kConfigure,
          "Other",
          {"DSN=Stock"},
          "ODBC Data Sources{Sales=Drv|Stock=Other} " + kSales + " Stock{Driver=Other|Database=/k.db} " + kTrace},
         {"the same driver in another case is no other, and the driver's path stays",
          kTwo,
-         ODBC_CONFIG_DSN,
+         kConfigure,
          "dRV",
          {"DSN=Stock", "X=1"},
          kListed + " " + kSales + " Stock{Driver=/drv.so|Database=/k.db|X=1} " + kTrace},
+        {"the longest value",
+         "[L]\nDriver=Drv\nKey=" + longest + "\nZ=1\n",
+         kConfigure,
+         "Drv",
+         {"DSN=L", "Key2=" + longest.substr(1), "Z=2"},
+         "L{Driver=Drv|Key=" + longest + "|Z=2|Key2=" + longest.substr(1) + "} ODBC Data Sources{L=Drv}"},
         {"remove takes the section and the name",
          kTwo,
-         ODBC_REMOVE_DSN,
+         kRemove,
          nullptr,
          {"DSN=Sales"},
          "ODBC Data Sources{Stock=Drv} " + kStock + " " + kTrace},
         {"remove what is listed without settings",
          "[ODBC Data Sources]\nGhost=Drv\nB=Drv\n\n[B]\nDriver=Drv\n",
-         ODBC_REMOVE_DSN,
+         kRemove,
          "Drv",
          {"DSN=Ghost"},
-         "ODBC Data Sources{B=Drv} B{Driver=Drv}"},
-    };
+         "ODBC Data Sources{B=Drv} B{Driver=Drv}"}};
     for (const Case& test : kCases) {
         SCOPED_TRACE(test.about);
         files.write(OdbcFiles::kUser, test.before);
@@ -211,45 +223,24 @@ TEST_F(ConfigDsnTest, WhatCanNotBeDoneHasItsReasonAndLeavesTheFileAlone) {
          {"DSN=X"},
          ODBC_ERROR_INVALID_REQUEST_TYPE,
          "4"},
-        {"unknown driver", ODBC_ADD_DSN, "Nobody", {"DSN=X"}, ODBC_ERROR_INVALID_NAME, "Nobody"},
-        {"no driver", ODBC_ADD_DSN, nullptr, {"DSN=X"}, ODBC_ERROR_INVALID_NAME, ""},
-        {"no attributes", ODBC_ADD_DSN, "Drv", {}, ODBC_ERROR_INVALID_DSN, ""},
-        {"blank name", ODBC_ADD_DSN, "Drv", {"DSN=  "}, ODBC_ERROR_INVALID_DSN, ""},
-        {"forbidden character", ODBC_ADD_DSN, "Drv", {"DSN=a;b"}, ODBC_ERROR_INVALID_DSN, "a;b"},
-        {"33 characters", ODBC_ADD_DSN, "Drv", {"DSN=" + std::string(33, 'n')}, ODBC_ERROR_INVALID_DSN, "32"},
-        {"a name that would be a comment in the list", ODBC_ADD_DSN, "Drv", {"DSN=#1"}, ODBC_ERROR_INVALID_DSN, "#1"},
-        {"a section with a meaning", ODBC_ADD_DSN, "Drv", {"DSN=odbc"}, ODBC_ERROR_INVALID_DSN, "odbc"},
-        {"the list itself", ODBC_ADD_DSN, "Drv", {"DSN=ODBC Data Sources"}, ODBC_ERROR_INVALID_DSN, "section"},
-        {"configure nobody", ODBC_CONFIG_DSN, "Drv", {"DSN=Nobody", "A=1"}, ODBC_ERROR_INVALID_DSN, "Nobody"},
-        {"configure without a name", ODBC_CONFIG_DSN, "Drv", {"A=1"}, ODBC_ERROR_INVALID_DSN, ""},
-        {"remove nobody", ODBC_REMOVE_DSN, "Drv", {"DSN=Nobody"}, ODBC_ERROR_INVALID_DSN, "Nobody"},
-        {"no equals sign", ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "Trash"}, ODBC_ERROR_INVALID_KEYWORD_VALUE, ""},
-        {"no key", ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "=1"}, ODBC_ERROR_INVALID_KEYWORD_VALUE, ""},
-        {"a key that would be a comment",
-         ODBC_CONFIG_DSN,
-         "Drv",
-         {"DSN=Sales", "B=2", "#A=1"},
-         ODBC_ERROR_INVALID_KEYWORD_VALUE,
-         "#A"},
-        {"a key that would be a section",
-         ODBC_CONFIG_DSN,
-         "Drv",
-         {"DSN=Sales", "[A]=1"},
-         ODBC_ERROR_INVALID_KEYWORD_VALUE,
-         "[A]"},
-        {"line break",
-         ODBC_CONFIG_DSN,
-         "Drv",
-         {"DSN=Sales", "B=2", "A=1\nTrace=1"},
-         ODBC_ERROR_INVALID_KEYWORD_VALUE,
-         "\"A\""},
-        {"too long",
-         ODBC_CONFIG_DSN,
-         "Drv",
-         {"DSN=Sales", "Key=" + std::string(996, 'v')},
-         ODBC_ERROR_INVALID_KEYWORD_VALUE,
-         "\"Key\""},
-    };
+        {"unknown driver", kAdd, "Nobody", {"DSN=X"}, ODBC_ERROR_INVALID_NAME, "Nobody"},
+        {"no driver", kAdd, nullptr, {"DSN=X"}, ODBC_ERROR_INVALID_NAME, ""},
+        {"no attributes", kAdd, "Drv", {}, kBadName, ""},
+        {"blank name", kAdd, "Drv", {"DSN=  "}, kBadName, ""},
+        {"forbidden character", kAdd, "Drv", {"DSN=a;b"}, kBadName, "a;b"},
+        {"33 characters", kAdd, "Drv", {"DSN=" + std::string(33, 'n')}, kBadName, "32"},
+        {"a name that would be a comment in the list", kAdd, "Drv", {"DSN=#1"}, kBadName, "#1"},
+        {"a section with a meaning", kAdd, "Drv", {"DSN=odbc"}, kBadName, "odbc"},
+        {"the list itself", kAdd, "Drv", {"DSN=ODBC Data Sources"}, kBadName, "section"},
+        {"configure nobody", kConfigure, "Drv", {"DSN=Nobody", "A=1"}, kBadName, "Nobody"},
+        {"configure without a name", kConfigure, "Drv", {"A=1"}, kBadName, ""},
+        {"remove nobody", kRemove, "Drv", {"DSN=Nobody"}, kBadName, "Nobody"},
+        {"no equals sign", kConfigure, "Drv", {"DSN=Sales", "Trash"}, kBadValue, ""},
+        {"no key", kConfigure, "Drv", {"DSN=Sales", "=1"}, kBadValue, ""},
+        {"a key that would be a comment", kConfigure, "Drv", {"DSN=Sales", "B=2", "#A=1"}, kBadValue, "#A"},
+        {"a key that would be a section", kConfigure, "Drv", {"DSN=Sales", "[A]=1"}, kBadValue, "[A]"},
+        {"line break", kConfigure, "Drv", {"DSN=Sales", "B=2", "A=1\nTrace=1"}, kBadValue, "\"A\""},
+        {"too long", kConfigure, "Drv", {"DSN=Sales", "Key=" + std::string(996, 'v')}, kBadValue, "\"Key\""}};
     for (const Case& test : kCases) {
         SCOPED_TRACE(test.about);
         files.write(OdbcFiles::kUser, kTwo);
@@ -257,14 +248,6 @@ TEST_F(ConfigDsnTest, WhatCanNotBeDoneHasItsReasonAndLeavesTheFileAlone) {
         EXPECT_NE(errorText.find(test.textPart), std::string::npos) << errorText;
         EXPECT_EQ(files.read(OdbcFiles::kUser), kTwo);
     }
-}
-
-TEST_F(ConfigDsnTest, TheLongestValueThatIsAcceptedIsStoredWhole) {
-    const std::string value(995, 'v');
-    EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", {"DSN=New", "Key=" + value, "Z=1"}), 0U);
-    EXPECT_EQ(summary(), "New{Driver=Drv|Key=" + value + "|Z=1} ODBC Data Sources{New=Drv}");
-    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=New", "Z=2"}), 0U);
-    EXPECT_EQ(summary(), "New{Driver=Drv|Key=" + value + "|Z=2} ODBC Data Sources{New=Drv}");
 }
 
 TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
@@ -275,7 +258,7 @@ TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
     files.write(OdbcFiles::kUser, text);
     struct stat before {};
     stat(files.path(OdbcFiles::kUser).c_str(), &before);
-    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=" + longName, "Driver=Drv", "a=1", "B="}), 0U) << errorText;
+    EXPECT_EQ(call(kConfigure, "Drv", {"DSN=" + longName, "Driver=Drv", "a=1", "B="}), 0U) << errorText;
     struct stat after {};
     stat(files.path(OdbcFiles::kUser).c_str(), &after);
     EXPECT_EQ(files.read(OdbcFiles::kUser), text);
@@ -285,9 +268,9 @@ TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
 
 TEST_F(ConfigDsnTest, OtherProgramsEditsAreSeen) {
     files.write(OdbcFiles::kUser, kTwo);
-    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
+    EXPECT_EQ(call(kConfigure, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nSales=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/edited.db\n");
-    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
+    EXPECT_EQ(call(kConfigure, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
     EXPECT_EQ(summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
 }
 
@@ -305,7 +288,7 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
         files.write(OdbcFiles::kUser, "");
         files.write(OdbcFiles::kSystem, "");
         SQLSetConfigMode(test.mode);
-        EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", {"DSN=New"}), 0U);
+        EXPECT_EQ(call(kAdd, "Drv", {"DSN=New"}), 0U);
         UWORD mode = 99;
         SQLGetConfigMode(&mode);
         EXPECT_EQ(mode, test.mode);
@@ -318,7 +301,7 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
 TEST_F(ConfigDsnTest, AFileThatCanNotBeWrittenIsAFailure) {
     files.write("plain", "");
     const ScopedEnvironment unwritable{{"ODBCINI", files.path("plain/odbc.ini")}};
-    EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", {"DSN=New"}), unsigned{ODBC_ERROR_REQUEST_FAILED});
+    EXPECT_EQ(call(kAdd, "Drv", {"DSN=New"}), unsigned{ODBC_ERROR_REQUEST_FAILED});
     EXPECT_NE(errorText.find("New"), std::string::npos) << errorText;
 }
 
