@@ -39,13 +39,19 @@ Widget createColumn(Widget table, Widget headers, const char* listName, const ch
     return list;
 }
 
+// When the advanced dialog is done Return is to lead on, not to open it again.
+void focusOnDrivers(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    XmProcessTraversal(LstDPName, XmTRAVERSE_CURRENT);
+}
+
 }  // namespace
 
 void createDriverScreen(Widget parent) {
     FormScr1 = createForm(parent, "FormScr1");
     Widget heading = createLabel(FormScr1, "LblDPHeading", Message::kChooserHeading);
     Attach(heading).topForm(kMargin).leftForm(kMargin);
-    BtnAdvanced = createPushButton(FormScr1, "BtnAdvanced", Message::kAdvanced, Show_AdvancedOptionDialog);
+    BtnAdvanced = createPushButton(FormScr1, "BtnAdvanced", Message::kAdvanced, focusOnDrivers);
+    XtAddCallback(BtnAdvanced, XmNactivateCallback, Show_AdvancedOptionDialog, nullptr);
     Attach(BtnAdvanced).rightForm(kMargin).bottomForm(kMargin);
     AdvancedHint = createLabel(FormScr1, "LblDPHint", Message::kChooserAdvancedHint);
     Attach(AdvancedHint).leftForm(kMargin).bottomForm(kMargin);

@@ -21,6 +21,9 @@
 
 namespace {
 
+// The key that people know for it; Motif would take the character that it stands for into the text.
+constexpr const char* kSelectAll = "Ctrl<Key>a: select-all()";
+
 Widget made(Widget widget) {
     if (widget == nullptr) {
         throw std::bad_alloc();
@@ -110,6 +113,7 @@ Widget createToggleButton(Widget parent, const char* name, Message::Number text)
 
 Widget createTextField(Widget parent, const char* name) {
     Widget field = made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
+    XtOverrideTranslations(field, XtParseTranslationTable(kSelectAll));
     hideIdleCursor(field);
     return field;
 }
@@ -139,6 +143,7 @@ Widget createScrolledText(Widget parent, const char* name, short rows, short col
     Widget text = made(XmCreateScrolledText(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
     XtOverrideTranslations(text,
                            XtParseTranslationTable("Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()"));
+    XtOverrideTranslations(text, XtParseTranslationTable(kSelectAll));
     hideIdleCursor(text);
     XtManageChild(text);
     return text;

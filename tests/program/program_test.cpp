@@ -59,6 +59,11 @@ protected:
     void start(const std::string& title = kTitle, bool dialog = false) {
         program = std::make_unique<Program>(std::vector<std::string>{stage("bin/odbcadmin")}, files.path("output"));
         window = waitFor(title, dialog);
+        if (dialog) {
+            // The window manager gives the keyboard to the main window for a moment, which comes up last.
+            usleep(200'000);
+            window = waitFor(title, dialog);
+        }
     }
     // Waits until the only window, or dialog, with this title has the keyboard.
     static Window waitFor(const std::string& title, bool dialog) {
@@ -91,9 +96,9 @@ protected:
                          [edge = rowBegin[-1].x + rowBegin[-1].width](const Place& part) {
                              return part.x + part.width == edge;
                          });
-            return button < kAdd || column.size() == 3;
+            return button < kAdd || column.size() == columnButtons;
         }));
-        ASSERT_TRUE(row.size() > 1 && (button < kAdd || column.size() == 3));
+        ASSERT_TRUE(row.size() > 1 && (button < kAdd || column.size() == columnButtons));
         person().click(button < kAdd ? row[button] : column[static_cast<std::size_t>(button - kAdd)]);
     }
     // Brings the page with this number, from 0, to the front by its tab; the tabs are the uppermost parts of the window.
@@ -103,6 +108,7 @@ protected:
         std::sort(tabs.begin(), tabs.end(), [](const Place& a, const Place& b) { return a.x < b.x; });
         ASSERT_GT(tabs.size(), page);
         person().click(tabs[page]);
+        columnButtons = page == 1 ? 4 : 3;
     }
     // What stands in a row, from 0, of the five parallel lists of the page in front, which have `count` rows.
     using Row = std::vector<std::string>;
@@ -142,6 +148,7 @@ protected:
                                   {"LC_MESSAGES", {}},   {"LANG", "C.UTF-8"}, {"XENVIRONMENT", {}}};
     std::unique_ptr<Program> program;
     Window window = None;
+    std::size_t columnButtons = 3;  // Those beside the list of the page in front.
 };
 
 TEST_F(ProgramTest, WithoutADisplayItSaysSo) {
@@ -331,6 +338,84 @@ TEST_F(ProgramTest, ADataSourceIsAddedConfiguredUsedAndRemoved) {
     EXPECT_EQ(ask("select title from book").find("Knots"), std::string::npos);
     window = waitFor(kTitle, false);
     press(kOk);
+    expectEnd(0);
+}
+
+TEST_F(ProgramTest, FileDataSourcesAreMadeInEveryWayAndConnect) {
+    const std::string wizardTitle = "Create a New Data Source";
+    const std::string setupTitle = "Varnholt SQLite Data Source";
+    const std::string database = files.path("books.db");
+    outputOf("sqlite3 '" + database + "' \"create table book (title text); insert into book values ('Knots')\"");
+    const auto expectBooks = [&](const std::string& name) {
+        const std::string answer =
+            outputOf("echo 'select title from book' | isql -v -b -k 'FILEDSN=" + files.path(name) + "'");
+        EXPECT_NE(answer.find("Knots"), std::string::npos) << name << ": " << answer << files.read(name);
+    };
+    enum class Attributes { kNone, kVerified, kNotVerified };
+    const auto goThroughWizard = [&](const std::string& name, Attributes attributes) {
+        window = waitFor(kTitle, false);
+        press(kAdd);
+        const Window wizard = waitFor(wizardTitle, true);
+        person().key(XK_space);
+        if (attributes != Attributes::kNone) {
+            const std::vector<Place> parts = person().parts(wizard);
+            const auto bottomRow =
+                std::find_if(parts.begin(), parts.end(), [&](const Place& part) { return part.y == parts.back().y; });
+            person().click(bottomRow[-1]);
+            waitFor("Advanced File DSN Settings", true);
+            person().key(XK_Return);
+            person().type("Database=" + database);
+            person().key(XK_Tab);
+            if (attributes == Attributes::kNotVerified) {
+                person().key(XK_space);
+            }
+            person().key(XK_Tab);
+            person().key(XK_space);
+            waitUntilGone("Advanced File DSN Settings", true);
+            waitFor(wizardTitle, true);
+        }
+        // On the second and the third screen the keyboard is where the person needs it.
+        person().key(XK_Return);
+        person().type(name);
+        person().key(XK_Return);
+        person().key(XK_Return);
+    };
+    const auto setUp = [&] {
+        waitFor(setupTitle, true);
+        person().type("Books");
+        person().key(XK_Tab);
+        person().key(XK_a, XK_Control_L);
+        person().type(database);
+        person().key(XK_Return);
+        waitUntilGone(setupTitle, true);
+    };
+    start();
+    openPage(1);
+    goThroughWizard("one", Attributes::kNone);
+    setUp();
+    expectBooks("one.dsn");
+
+    goThroughWizard(files.path("two.dsn"), Attributes::kVerified);
+    waitFor("Test Connection", true);
+    EXPECT_EQ(files.read("two.dsn"), "(missing)");
+    person().key(XK_Return);
+    setUp();
+    expectBooks("two.dsn");
+    EXPECT_EQ(files.read("two.dsn").find("FILEDSN"), std::string::npos);
+
+    goThroughWizard("three", Attributes::kNotVerified);
+    waitUntilGone(wizardTitle, true);
+    expectBooks("three.dsn");
+
+    files.write("one.dsn", "[ODBC]\nDriver=Nobody\n");
+    goThroughWizard("one", Attributes::kNotVerified);
+    waitFor(kTitle, true);
+    person().key(XK_Return);
+    setUp();
+    expectBooks("one.dsn");
+    EXPECT_EQ(files.read("one.dsn").find("Nobody"), std::string::npos);
+    window = waitFor(kTitle, false);
+    press(kCancel);
     expectEnd(0);
 }
 
