@@ -12,8 +12,10 @@
 #include <deque>
 
 #include "admin/driver_chooser.h"
+#include "admin/file_dsn_page.h"
 #include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
+#include "admin/main_window.h"
 #include "admin/user_dsn_page.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
@@ -375,6 +377,44 @@ TEST_F(SetupFormTest, APasswordIsStoredWhileThePersonWantsItAndNoLonger) {
         script.key(XK_Tab, 6).type(now.typed).key(XK_Tab).key(XK_space, now.ticks ? 1 : 0).key(XK_Return);
         click(BtnConfigure);
         EXPECT_EQ(section("A"), now.stored);
+    }
+}
+
+TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
+    const std::string before = "[ODBC]\nDRIVER={Talker}\nFILEDSN=/elsewhere.dsn\nUnknown=1\n";
+    const std::string path = files.write("a.dsn", before);
+    open();
+    click(TbFileDSN);
+    clickRow(child(FSelect, "*ItemsList"), 1);
+    struct Case {
+        bool saved;
+        const char* added;
+        mode_t mode;
+    };
+    for (const Case& now : {Case{false, "Description=Books\nDatabase=/b\n", 0644},
+                            Case{true, "Description=Books\nDatabase=/b\nPassword=geheim\n", 0600}}) {
+        Script script(person());
+        script.then([&path] { EXPECT_EQ(field("TxtFileName"), path); })
+            .type(now.saved ? "" : "Books")
+            .key(XK_Tab)
+            .type(now.saved ? "" : "/b")
+            .key(XK_Tab, 4)
+            .type("geheim")
+            .key(XK_Tab)
+            .key(XK_space, now.saved ? 1 : 0)
+            .then([] { clickButton("BtnTest"); })
+            .then([] {
+                EXPECT_EQ(message(),
+                          "The connection could not be made. 08001: No such server 01000: 0 "
+                          "DRIVER={Talker};Unknown=1;Database=/b;Password=geheim;");
+            })
+            .key(XK_Escape)
+            .then([] { clickButton("BtnOK"); });
+        click(BtnFDConfigure);
+        EXPECT_EQ(files.read("a.dsn"), before + now.added + "\n");
+        struct stat status {};
+        stat(path.c_str(), &status);
+        EXPECT_EQ(status.st_mode & 0777, now.mode);
     }
 }
 
