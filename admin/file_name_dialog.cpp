@@ -25,8 +25,12 @@ void createFileNameDialog(int mode) {
     const XmStringPtr mask = compoundString(directory + pattern);
     const XmStringPtr start = compoundString(directory);
     const XmStringPtr files = compoundString(pattern);
+    const XmStringPtr nothing = compoundString(catalogText(Message::kNoFileDsns));
     ArgumentList arguments;
-    arguments.set(XmNdirMask, mask.get()).set(XmNdirSpec, start.get()).set(XmNpattern, files.get());
+    arguments.set(XmNdirMask, mask.get())
+        .set(XmNdirSpec, start.get())
+        .set(XmNpattern, files.get())
+        .set(XmNnoMatchString, nothing.get());
     Fdialog = createFileDialog(mode == kChooseFileName ? DlgDriverPopup : ShODBCAdmin, "fdialog",
                                catalogText(Message::kChooseFileTitle), arguments);
     XtAddCallback(Fdialog, XmNokCallback, dsnFileSelected, reinterpret_cast<XtPointer>(XtArgVal{mode}));

@@ -8,6 +8,9 @@
 
 namespace {
 
+// Room for paths of a usual length, whatever the lists hold at first.
+constexpr short kTextColumns = 48;
+
 void closed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
     XtCallCallbacks(static_cast<Widget>(box), XmNcancelCallback, nullptr);
 }
@@ -22,7 +25,8 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
     const XmStringPtr cancel = compoundString(catalogText(Message::kCancel));
     const XmStringPtr filter = compoundString(catalogText(Message::kFilter));
     ArgumentList arguments = further;
-    arguments.set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
+    arguments.set(XmNtextColumns, kTextColumns)
+        .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
         .set(XmNtitle, title.c_str())
         .set(XmNselectionLabelString, selection.get())
         .set(XmNfileListLabelString, files.get())
@@ -36,6 +40,9 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
         throw std::bad_alloc();
     }
     XtUnmanageChild(XtNameToWidget(box, "Help"));
+    for (const char* field : {"Text", "FilterText"}) {
+        hideIdleCursor(XtNameToWidget(box, field));
+    }
     onWindowManagerClose(XtParent(box), closed, box);
     return box;
 }

@@ -119,9 +119,9 @@ std::string resolved(const std::string& path) {
     return real ? real.get() : path;
 }
 
-// Makes the section of the file hold exactly `wanted`. The library says nothing of a full disk: the result is read again.
-bool writeSection(const std::string& path, const Settings& wanted) {
-    const Settings present = readFileDataSource(path);
+// Makes the section of the file, which holds `present`, hold exactly `wanted`. The library says nothing of a full disk: the
+// result is read again.
+bool writeSection(const std::string& path, const Settings& present, const Settings& wanted) {
     for (const Attribute& old : present) {
         if (findValue(wanted, old.key) == nullptr && !installer::writeFileDsnValue(path, old.key, nullptr)) {
             return false;
@@ -200,7 +200,7 @@ std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change) {
         return isPasswordKey(setting.key) && !setting.value.empty();
     });
     Replacement replacement(target);
-    if (!replacement || !replacement.fill(text) || !writeSection(replacement.path(), wanted) ||
+    if (!replacement || !replacement.fill(text) || !writeSection(replacement.path(), present, wanted) ||
         !replacement.takePermission(before, holdsPassword) || !replacement.install()) {
         return wrong(SetupMessage::kFileNotWritten, change.name);
     }

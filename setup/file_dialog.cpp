@@ -13,7 +13,6 @@
 namespace {
 
 constexpr int kVisibleItems = 10;
-constexpr short kTextColumns = 54;
 
 void cancelled(Widget box, XtPointer /*clientData*/, XtPointer /*callData*/) {
     XtDestroyWidget(XtParent(box));
@@ -51,9 +50,7 @@ void showFileDialog(Widget field) {
     const XmStringPtr directory = compoundString(start);
     ArgumentList arguments;
     // Names without their directory, which has a field of its own then.
-    arguments.set(XmNpathMode, XmPATH_MODE_RELATIVE)
-        .set(XmNlistVisibleItemCount, kVisibleItems)
-        .set(XmNtextColumns, kTextColumns);
+    arguments.set(XmNpathMode, XmPATH_MODE_RELATIVE).set(XmNlistVisibleItemCount, kVisibleItems);
     if (!start.empty()) {
         arguments.set(XmNdirectory, directory.get());
     }

@@ -127,7 +127,9 @@ bool SetupForm::run() {
 void SetupForm::createFields() {
     if (content_.isFile) {
         name_ = createTextRow(form_, "TxtFileName", setupText(SetupMessage::kFileName), content_.name);
-        XtVaSetValues(name_->field(), XmNeditable, False, XmNtraversalOn, False, nullptr);
+        Pixel ground = 0;
+        XtVaGetValues(form_, XmNbackground, &ground, nullptr);
+        XtVaSetValues(name_->field(), XmNeditable, False, XmNtraversalOn, False, XmNbackground, ground, nullptr);
         // The file's own name is what the person wants to see of a long path.
         XmTextFieldSetInsertionPosition(name_->field(), XmTextFieldGetLastPosition(name_->field()));
     } else {
