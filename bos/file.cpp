@@ -74,12 +74,15 @@ int createFile(const char* path, std::uint32_t flags, int* descriptor) {
     if ((flags & OpenFlag::kExclusive) != 0) {
         mode |= O_EXCL;
     }
-    if ((flags & OpenFlag::kTruncate) != 0) {
-        mode |= O_TRUNC;
-    }
     const int opened = openAboveZero(path, mode);
     if (opened < 0) {
         return errno;
+    }
+    // Last of what can fail, so that a file is emptied only for a caller who gets its descriptor. Devices have no length.
+    if ((flags & OpenFlag::kTruncate) != 0 && ftruncate(opened, 0) != 0 && errno != EINVAL) {
+        const int truncateError = errno;
+        close(opened);
+        return truncateError;
     }
     // Whoever creates means to write now: another's lock is respected by asking, not by giving up.
     setLock(opened, F_RDLCK, kLockOffset, 1);
@@ -260,6 +263,10 @@ int bosFileTruncate(const char* name, std::uint64_t size) {
 
 int bosFileTruncate(const char16_t* name, std::uint64_t size) {
     return withName(name, 1, [=](const char* narrow) { return bosFileTruncate(narrow, size); });
+}
+
+int bosFileSync(int descriptor) {
+    return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS ? 0 : reported(errno, nullptr);
 }
 
 int bosFileSize(int descriptor, std::uint64_t* size) {

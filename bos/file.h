@@ -60,6 +60,9 @@ int bosFileTruncate(int descriptor, std::uint64_t size);
 int bosFileTruncate(const char* name, std::uint64_t size);
 int bosFileTruncate(const char16_t* name, std::uint64_t size);
 
+// Waits until the disk has what was written. A file system that can't tell counts as one that has it.
+int bosFileSync(int descriptor);
+
 int bosFileSize(int descriptor, std::uint64_t* size);
 
 int bosFileDelete(const char* name);

@@ -1,5 +1,7 @@
 #include "kvlib/ini_file_cache.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -13,6 +15,7 @@
 #include "bos/file_names.h"
 #include "catalogs/message_numbers.h"
 #include "kvlib/error_report.h"
+#include "kvlib/ini_backup.h"
 #include "kvlib/ini_grammar.h"
 #include "kvlib/ini_lock.h"
 #include "kvlib/ini_trace.h"
@@ -304,19 +307,16 @@ int KvIniFileCache::bosPutProfileString(const char* section, const char* entry, 
     }
     // Made before the file is emptied: what can fail without harm comes first.
     const IniUpdate update = updateIniText(text_, section, optionalView(entry), optionalView(value));
-    if (!openForRewriting()) {
-        return 0;
-    }
     const bool written = rewrite(update.text);
-    closeDescriptor();
     date_ = 0;
     size_ = 0;
-    if (written) {
-        traceIniChange(update.change, section, entry, value);
+    if (!written) {
+        return 0;
     }
+    traceIniChange(update.change, section, entry, value);
     sync();
     traceIniRewritten(text_);
-    return written ? 1 : 0;
+    return 1;
 } catch (const std::bad_alloc&) {
     ramAddMemoryError();
     return 0;
@@ -342,21 +342,41 @@ bool KvIniFileCache::openForRewriting() {
     }
 }
 
-// Writes `text` over the emptied file. When it can't be written whole, the old text is put back over the part that
-// was written, whose room on the disk is still ours.
+// Makes `text` the whole of the file. The copy of the old text goes only when the file is whole again, old or new.
 bool KvIniFileCache::rewrite(std::string_view text) {
-    if (bosFileWrite(descriptor_, 0, text.data(), text.size()) == 0) {
+    IniBackup backup;
+    if (!backup.make(path_, text_) || !openForRewriting()) {
+        return false;
+    }
+    const bool written = replaceText(text);
+    if (!written && !putBack()) {
+        backup.keep();
+    }
+    closeDescriptor();
+    return written;
+}
+
+bool KvIniFileCache::replaceText(std::string_view text) const {
+    return bosFileWrite(descriptor_, 0, text.data(), text.size()) == 0 &&
+           bosFileTruncate(descriptor_, text.size()) == 0 && bosFileSync(descriptor_) == 0;
+}
+
+// Writes the old text over the part that was written of the new one, whose room on the disk is still ours.
+bool KvIniFileCache::putBack() {
+    if (replaceText(text_)) {
         return true;
     }
-    if (bosFileWrite(descriptor_, 0, text_.data(), text_.size()) == 0) {
-        bosFileTruncate(descriptor_, text_.size());
-    }
-    return false;
+    // The descriptor may be what failed.
+    closeDescriptor();
+    char path[kPathSize];
+    copyCut(path_, path, sizeof path);
+    return openFile(path, OpenFlag::kReadWrite, &descriptor_) == 0 && replaceText(text_);
 }
 
 void KvIniFileCache::closeDescriptor() {
     if (descriptor_ != 0) {
-        bosFileClose(descriptor_);
+        // What close says changes nothing: the text was read, or is on the disk.
+        close(descriptor_);
         descriptor_ = 0;
     }
 }

@@ -218,6 +218,17 @@ TEST_F(FileTest, ADescriptorIsNeverZero) {
                   }),
                   0);
     }
+    EXPECT_EQ(runInChild([&] {
+                  close(0);
+                  const rlimit limit = {1, 1};
+                  setrlimit(RLIMIT_NOFILE, &limit);
+                  std::string name = path;
+                  name.resize(kPathSize);
+                  int descriptor = 0;
+                  return bosFileOpen(name.data(), OpenFlag::kCreate | OpenFlag::kTruncate, &descriptor);
+              }),
+              1);
+    EXPECT_EQ(folder_.read("file"), "text") << "a file is emptied only for who gets it";
 }
 
 TEST_F(FileTest, TemporaryFilesAndTheSearchPath) {

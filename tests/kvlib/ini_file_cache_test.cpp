@@ -2,14 +2,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,9 +16,12 @@
 #include "bos/debug_mask.h"
 #include "bos/file.h"
 #include "kvlib/ini_file_cache_list.h"
+#include "kvlib/profile.h"
 #include "tests/support/child_process.h"
 #include "tests/support/error_collector.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/scoped_environment.h"
+#include "tests/support/system_fault.h"
 #include "tests/support/temporary_folder.h"
 
 using namespace std::string_literals;
@@ -47,6 +49,19 @@ protected:
         folder_.write("file.ini", text);
         const timespec times[2] = {{1000, 0}, {++fakeTime_, 0}};
         utimensat(AT_FDCWD, path_.c_str(), times, 0);
+    }
+
+    // The names in the folder, sorted, with blanks between them.
+    std::string files() const {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
+            names.insert(entry.path().filename().string());
+        }
+        std::string result;
+        for (const std::string& name : names) {
+            result += (result.empty() ? "" : " ") + name;
+        }
+        return result;
     }
 
     TemporaryFolder folder_;
@@ -340,9 +355,7 @@ TEST_F(IniFileTest, AFullDiskLeavesTheOldText) {
     load(old);
     EXPECT_EQ(runInChild([&] {
                   ErrorCollector errors;
-                  const rlimit limit = {old.size() + 10, old.size() + 10};
-                  signal(SIGXFSZ, SIG_IGN);
-                  setrlimit(RLIMIT_FSIZE, &limit);
+                  const FullDisk disk(old.size() + 10);
                   const std::string value(6000, 'v');
                   const bool refused = cache_.bosPutProfileString("S", "A", value.c_str()) == 0;
                   const bool told = errors.numbers() == "30041";
@@ -353,6 +366,67 @@ TEST_F(IniFileTest, AFullDiskLeavesTheOldText) {
               }),
               0);
     EXPECT_EQ(folder_.read("file.ini"), "[S]\nA=2\n" + std::string(5000, ';') + "\n");
+    EXPECT_EQ(files(), "file.ini");
+}
+
+// Each step of an update in turn meets the fault, until the update has no more steps.
+TEST_F(IniFileTest, NoFaultInAnUpdateLosesTheOldText) {
+    const std::string old = "[S]\nA=a value of some length\n";
+    const std::string updated = "[S]\nA=another value, longer than the old one\n";
+    for (const Fault kind : {Fault::kFails, Fault::kDescriptorIsClosed, Fault::kKilled}) {
+        int refused = 0;
+        int lost = 0;
+        bool happened = true;
+        for (int step = 0; happened; ++step) {
+            SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(kind) << ", step " << step);
+            load(old);
+            chmod(path_.c_str(), 0640);
+            const int result = runInChild([&] {
+                ErrorCollector errors;
+                const SystemFault fault(kind, step);
+                const int written = cache_.bosPutProfileString("S", "A", "another value, longer than the old one");
+                // What is not written is told.
+                return (written == 1 || !errors.numbers().empty() ? written : 9) + (fault.happened() ? 0 : 4);
+            });
+            happened = result != 5;
+            const std::string text = folder_.read("file.ini");
+            if (result >= 0) {
+                EXPECT_TRUE(result == 0 || result == 1 || result == 5) << result;
+                EXPECT_EQ(text, result == 0 ? old : updated);
+                refused += result == 0 ? 1 : 0;
+            } else if (text != old && text != updated) {
+                ++lost;
+                EXPECT_EQ(folder_.read("file.ini~"), old);
+                EXPECT_EQ(std::filesystem::status(folder_.path("file.ini~")).permissions(),
+                          std::filesystem::perms(0640));
+            }
+            EXPECT_TRUE(files() == "file.ini" || result == 1 || kind == Fault::kKilled) << files();
+            std::filesystem::remove(folder_.path("file.ini~"));
+        }
+        // A kill is what the copy is for: between the emptying and the last byte the file holds neither text.
+        EXPECT_EQ(refused > 5, kind != Fault::kKilled);
+        EXPECT_EQ(lost > 3, kind == Fault::kKilled);
+    }
+}
+
+TEST_F(IniFileTest, TheCopyOfTheOldTextIsNobodyElsesFile) {
+    load("[S]\nA=1\n");
+    folder_.write("file.ini~", "an editor's");
+    std::filesystem::create_symlink(folder_.path("absent"), folder_.path("file.ini.~1~"));
+    EXPECT_EQ(cache_.bosPutProfileString("S", "A", "2"), 1);
+    EXPECT_EQ(files(), "file.ini file.ini.~1~ file.ini~");
+    EXPECT_EQ(folder_.read("file.ini~"), "an editor's");
+
+    std::filesystem::create_symlink(path_, folder_.path("link"));
+    const std::string longName(255, 'n');
+    const std::string longPath = folder_.write(longName, "[S]\nA=1\n");
+    ErrorCollector errors;
+    EXPECT_EQ(kvWritePrivateProfileString("S", "A", "3", folder_.path("link").c_str()), 1);
+    EXPECT_EQ(kvWritePrivateProfileString("S", "A", "3", longPath.c_str()), 0) << "there is no room for the ~";
+    EXPECT_EQ(errors.numbers(), "30041");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_.path("link")));
+    EXPECT_EQ(folder_.read("file.ini") + folder_.read(longName), "[S]\nA=3\n[S]\nA=1\n");
+    EXPECT_EQ(files(), "file.ini file.ini.~1~ file.ini~ link " + longName);
 }
 
 TEST_F(IniFileTest, AnUpdateWorksAgainstALockAndFailsWhereItMayNotWrite) {

@@ -2,15 +2,14 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <odbcinst.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "tests/support/full_disk.h"
 #include "tests/support/odbc_files.h"
 #include "tests/support/program.h"
 
@@ -35,27 +34,6 @@ const std::string kTrace = "ODBC{Trace=0}";
 
 struct LibraryCloser {
     void operator()(void* handle) const { dlclose(handle); }
-};
-
-// Lets no file grow beyond `size` bytes while it lives, as a disk does that is full.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t size) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        signal_ = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{size, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, signal_);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit before_{};
-    void (*signal_)(int) = nullptr;
 };
 
 class ConfigDsnTest : public testing::Test {

@@ -1,0 +1,76 @@
+#include "kvlib/ini_backup.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "bos/errno_mapping.h"
+#include "bos/file.h"
+
+namespace {
+
+constexpr int kNamesTried = 100;
+constexpr mode_t kPermissions = 0777;
+constexpr mode_t kGroupPermissions = 0070;
+
+// Gives the copy the owner and the permission of the file. Where the group can't be had, its rights go to nobody.
+bool becomeLike(int descriptor, const struct stat& file) {
+    mode_t mode = file.st_mode & kPermissions;
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    if (fchown(descriptor, file.st_uid, file.st_gid) != 0 && fchown(descriptor, kSameOwner, file.st_gid) != 0) {
+        mode &= ~kGroupPermissions;
+    }
+    return fchmod(descriptor, mode) == 0;
+}
+
+}  // namespace
+
+IniBackup::~IniBackup() {
+    if (!path_.empty()) {
+        unlink(path_.c_str());
+    }
+}
+
+bool IniBackup::make(const std::string& file, std::string_view text) {
+    struct stat status = {};
+    if (stat(file.c_str(), &status) != 0) {
+        bosMapError(errno, file.c_str());
+        return false;
+    }
+    const int descriptor = create(file);
+    if (descriptor < 0) {
+        return false;
+    }
+    bool whole = becomeLike(descriptor, status);
+    if (!whole) {
+        bosMapError(errno, path_.c_str());
+    }
+    whole = whole && bosFileWrite(descriptor, 0, text.data(), text.size()) == 0 && bosFileSync(descriptor) == 0;
+    close(descriptor);
+    if (!whole) {
+        unlink(path_.c_str());
+        keep();
+    }
+    return whole;
+}
+
+// Under the first name that nobody uses: "x~" may be an editor's backup, or the copy that an update left which was killed.
+int IniBackup::create(const std::string& file) {
+    path_ = file + "~";
+    int descriptor = -1;
+    for (int number = 1; number <= kNamesTried; ++number) {
+        descriptor = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+        if (descriptor >= 0) {
+            return descriptor;
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+        path_ = file + ".~" + std::to_string(number) + "~";
+    }
+    bosMapError(errno, path_.c_str());
+    keep();
+    return -1;
+}
