@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,10 +20,6 @@
 #include "motifutil/catalog_text.h"
 
 namespace {
-
-void freeList(Widget /*box*/, XtPointer list, XtPointer /*callData*/) {
-    std::free(list);
-}
 
 // The setup library of a driver, as its section in the driver file says now; empty, after a report, when it has none.
 std::string setupLibraryOf(const std::string& driver) {
@@ -108,8 +105,9 @@ void finishWithAttributes() {
     }
     char* list = nullptr;
     getAdvancedArgumentString(&list);
+    const std::unique_ptr<char, decltype(&std::free)> owned(list, &std::free);
     showResult(works ? catalogText(Message::kTestSucceeded) : test.getErrorMsgFromTestConnect(),
-               Message::kTestResultTitle, finish, list, freeList);
+               Message::kTestResultTitle, list != nullptr ? copyOf(list) : std::string(), finish);
     deleteFileDSN(FileDSNName);
     refreshFileDsnPage();
 }

@@ -1,6 +1,7 @@
 #include "admin/dialogs.h"
 
 #include <cstdlib>
+#include <cstring>
 
 #include "admin/flow.h"
 #include "admin/globals.h"
@@ -28,17 +29,27 @@ void showReport(unsigned long kind, Message::Number text) {
     show(createReport(kind, catalogText(text)));
 }
 
-// Shows the box in `Mdialog`, which carries on what was begun with `clientData`.
-void showWithAnswer(XtCallbackProc accepted, XtPointer clientData, XtCallbackProc discarded) {
+void freeSubject(Widget /*box*/, XtPointer subject, XtPointer /*callData*/) {
+    std::free(subject);
+}
+
+// Shows the box in `Mdialog` with its own copy of `subject`.
+void showWithSubject(const std::string& subject, XtCallbackProc accepted, XtCallbackProc declined) {
     if (Mdialog == nullptr) {
-        if (discarded != nullptr) {
-            discarded(nullptr, clientData, nullptr);
-        }
         return;
     }
-    XtAddCallback(Mdialog, XmNokCallback, accepted, clientData);
-    if (discarded != nullptr) {
-        XtAddCallback(Mdialog, XmNdestroyCallback, discarded, clientData);
+    char* copy = nullptr;
+    if (!subject.empty()) {
+        copy = static_cast<char*>(std::malloc(subject.size() + 1));
+        if (copy == nullptr) {
+            throw std::bad_alloc();
+        }
+        std::memcpy(copy, subject.c_str(), subject.size() + 1);
+        XtAddCallback(Mdialog, XmNdestroyCallback, freeSubject, copy);
+    }
+    XtAddCallback(Mdialog, XmNokCallback, accepted, copy);
+    if (declined != nullptr) {
+        XtAddCallback(Mdialog, XmNcancelCallback, declined, copy);
     }
     XtManageChild(Mdialog);
 }
@@ -66,21 +77,18 @@ void showError(Message::Number text, Message::Number okLabel, Message::Number ti
     show(createReport(kErrorDialog, catalogText(text), okLabel, title));
 }
 
-void showResult(const std::string& text, Message::Number title, XtCallbackProc acknowledged, XtPointer clientData,
-                XtCallbackProc discarded) {
-    createReport(kInformationDialog, text, Message::kOk, title);
-    showWithAnswer(acknowledged, clientData, discarded);
-}
-
-void askQuestion(const std::string& question, XtCallbackProc accepted, XtPointer clientData, XtCallbackProc discarded,
+void askQuestion(const std::string& question, const std::string& subject, XtCallbackProc accepted,
                  XtCallbackProc declined) {
     Mdialog =
         createMessageDialogAdmin(kQuestionDialog, question.c_str(), catalogText(Message::kAnswerYes).c_str(),
                                  catalogText(Message::kAnswerNo).c_str(), catalogText(Message::kDialogTitle).c_str());
-    if (Mdialog != nullptr && declined != nullptr) {
-        XtAddCallback(Mdialog, XmNcancelCallback, declined, nullptr);
-    }
-    showWithAnswer(accepted, clientData, discarded);
+    showWithSubject(subject, accepted, declined);
+}
+
+void showResult(const std::string& text, Message::Number title, const std::string& subject,
+                XtCallbackProc acknowledged) {
+    createReport(kInformationDialog, text, Message::kOk, title);
+    showWithSubject(subject, acknowledged, nullptr);
 }
 
 void showOutOfMemoryErrorAdmin() {

@@ -19,19 +19,18 @@ void showError(Message::Number text);
 // The same with another label of the button, or another title.
 void showError(Message::Number text, Message::Number okLabel, Message::Number title);
 
-// Shows a box with this text and title and the one button OK, and keeps it in `Mdialog`. `acknowledged` and `discarded` as in
-// askQuestion().
-void showResult(const std::string& text, Message::Number title, XtCallbackProc acknowledged, XtPointer clientData,
-                XtCallbackProc discarded);
+// The boxes that carry on what was begun, kept in `Mdialog`. Their callbacks get a copy of `subject` (a char*, terminated; null
+// when it is empty), which belongs to the box and goes with it, answered or replaced.
+//
+// A question, titled as the program; `accepted` is called when the person agrees, `declined`, when not null, otherwise.
+void askQuestion(const std::string& question, const std::string& subject, XtCallbackProc accepted,
+                 XtCallbackProc declined = nullptr);
+// Information with the one button OK, which calls `acknowledged`.
+void showResult(const std::string& text, Message::Number title, const std::string& subject,
+                XtCallbackProc acknowledged);
 
 // Shows the report that was raised last while the main window was being built; it waited for the window to be there.
 void showWaitingReport();
-
-// Shows a question, titled as the program, and keeps it in `Mdialog`. `accepted` is called with `clientData` when the
-// person agrees; `discarded`, when not null, is called with it once the question is gone, answered or replaced, so that it
-// can free `clientData`; `declined`, when not null, is called without it when the person does not agree.
-void askQuestion(const std::string& question, XtCallbackProc accepted, XtPointer clientData,
-                 XtCallbackProc discarded = nullptr, XtCallbackProc declined = nullptr);
 
 // Frees the globals and shows the out-of-memory box; the caller returns at once.
 void showOutOfMemoryErrorAdmin();

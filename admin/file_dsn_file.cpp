@@ -61,10 +61,6 @@ bool isFree(const char* path) {
            KvErrorKeeper::getLastErrorNumber() == LibraryMessage::kFileNotFound;
 }
 
-void freePath(Widget /*box*/, XtPointer path, XtPointer /*callData*/) {
-    std::free(path);
-}
-
 }  // namespace
 
 void getFileDSNDefaultDir(char* buffer) {
@@ -126,11 +122,7 @@ bool checkPerm(const char* name) {
         showError(Message::kDirectoryNotWritable);
         return false;
     }
-    char* path = strdup(FileDSNName);
-    if (path == nullptr) {
-        throw std::bad_alloc();
-    }
-    askQuestion(catalogText(Message::kOverwriteQuestion), overwriteFileDSN, path, freePath, openSaveAsControl);
+    askQuestion(catalogText(Message::kOverwriteQuestion), FileDSNName, overwriteFileDSN, openSaveAsControl);
     return false;
 }
 

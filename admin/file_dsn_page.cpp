@@ -4,8 +4,6 @@
 #include <Xm/List.h>
 #include <Xm/TextF.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <new>
 
 #include "admin/dialogs.h"
@@ -54,10 +52,6 @@ std::string selectionText() {
 // The part of a path that ends with its last "/"; empty when it has none.
 std::string directoryOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
-}
-
-void freePath(Widget /*box*/, XtPointer path, XtPointer /*callData*/) {
-    std::free(path);
 }
 
 void fileDoubleClicked(Widget list, XtPointer clientData, XtPointer callData) {
@@ -191,15 +185,11 @@ void btnFDRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer 
     }
     guarded([&row] {
         const std::string path = rowText(fileList(), *row);
-        char* owned = strdup(path.c_str());
-        if (owned == nullptr) {
-            throw std::bad_alloc();
-        }
         // The whole path without the slash that begins it: files of one name lie in many directories.
         const std::string shown = path.substr(path.find('/') + 1);
         askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + shown + "\"    " +
                         catalogText(Message::kRemoveQuestionEnd) + "?",
-                    RemoveFileDSN, owned, freePath);
+                    path, RemoveFileDSN);
     });
 }
 
@@ -216,7 +206,7 @@ void RemoveFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
 }
 
 void btnSetDirectory_Activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    guarded([] { askQuestion(catalogText(Message::kSetDirectoryQuestion), change_default_Directory, nullptr); });
+    guarded([] { askQuestion(catalogText(Message::kSetDirectoryQuestion), {}, change_default_Directory); });
 }
 
 void change_default_Directory(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {

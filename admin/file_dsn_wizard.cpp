@@ -55,7 +55,7 @@ void createSummaryScreen(Widget parent) {
 
 void createButtons(Widget form) {
     BtnDPCancel = createPushButton(form, "BtnDPCancel", Message::kCancel, CloseDriverPopup);
-    BtnFinish = createPushButton(form, "BtnFinish", Message::kFinish, Wizard_Next);
+    BtnFinish = createPushButton(form, "BtnFinish", Message::kNext, Wizard_Next);
     BtnNavigate = createPushButton(form, "BtnNavigate", Message::kBack, Wizard_Back);
     equalizeWidths({BtnNavigate, BtnFinish, BtnDPCancel});
     Attach(BtnDPCancel).rightForm(kMargin).bottomForm(kMargin);

@@ -4,8 +4,6 @@
 #include <Xm/ScrollBar.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <new>
 #include <string>
 
@@ -52,10 +50,6 @@ std::string driverOf(const std::string& dataSource, std::size_t size) {
 
 void fitToView() {
     fitColumns(columns(), ScrWinLists);
-}
-
-void freeName(Widget /*widget*/, XtPointer name, XtPointer /*callData*/) {
-    std::free(name);
 }
 
 // Reads names and drivers and fills the lists; false after the error that ends the program was shown.
@@ -194,14 +188,9 @@ void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*
     }
     guarded([&row] {
         const std::string name = rowText(LstUName, *row);
-        char* owned = strdup(name.c_str());
-        if (owned == nullptr) {
-            showOutOfMemoryErrorAdmin();
-            return;
-        }
         askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + name + "\" " +
                         catalogText(Message::kRemoveQuestionEnd) + "?",
-                    RemoveUserDsn, owned, freeName);
+                    name, RemoveUserDsn);
     });
 }
 
