@@ -5,21 +5,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <map>
 #include <memory>
+#include <sstream>
 #include <string>
-#include <vector>
 
 #include "tests/support/full_disk.h"
 #include "tests/support/odbc_files.h"
 #include "tests/support/program.h"
 
+using namespace std::string_literals;
+
 namespace {
 
-using Items = std::vector<std::string>;
-
-constexpr unsigned short kAdd = ODBC_ADD_DSN;
-constexpr unsigned short kConfigure = ODBC_CONFIG_DSN;
-constexpr unsigned short kRemove = ODBC_REMOVE_DSN;
 constexpr unsigned int kBadName = ODBC_ERROR_INVALID_DSN;
 constexpr unsigned int kBadValue = ODBC_ERROR_INVALID_KEYWORD_VALUE;
 
@@ -42,9 +40,9 @@ protected:
         files.write(OdbcFiles::kDrivers, "[Drv]\nDriver=/drv.so\n\n[Other]\nDriver=/other.so\n");
     }
 
-    // Calls ConfigDSN, or for a file ConfigFileDSN. The code of the installer error that it left, 0 for success.
-    unsigned int call(unsigned short request, const char* driver, const Items& attributes,
-                      const char* fileName = nullptr) {
+    // Calls ConfigDSN, or for a file ConfigFileDSN, as `command` says: "request|driver|attribute|attribute", "-" for no driver.
+    // The code of the installer error that it left, 0 for success.
+    unsigned int call(const std::string& command, const char* fileName = nullptr) {
         using ConfigDsn = BOOL (*)(HWND, WORD, LPCSTR, LPCSTR);
         using ConfigFileDsn = BOOL (*)(HWND, WORD, LPCSTR, LPCSTR, LPCSTR);
         void* function = dlsym(library_.get(), fileName == nullptr ? "ConfigDSN" : "ConfigFileDSN");
@@ -52,12 +50,22 @@ protected:
             ADD_FAILURE() << dlerror();
             return 0;
         }
+        std::istringstream words(command);
+        std::string verb;
+        std::string driverName;
+        std::getline(std::getline(words, verb, '|'), driverName, '|');
+        const std::map<std::string, int> verbs{
+            {"add", ODBC_ADD_DSN}, {"configure", ODBC_CONFIG_DSN}, {"remove", ODBC_REMOVE_DSN}};
+        const auto known = verbs.find(verb);
+        const auto request = static_cast<WORD>(known != verbs.end() ? known->second : std::stoi(verb));
+        const char* driver = driverName == "-" ? nullptr : driverName.c_str();
         std::string list;
-        for (const std::string& attribute : attributes) {
+        for (std::string attribute; std::getline(words, attribute, '|');) {
             list += attribute + '\0';
         }
+        const bool none = list.empty();
         list += '\0';
-        const char* given = attributes.empty() ? nullptr : list.c_str();
+        const char* given = none ? nullptr : list.c_str();
         if ((fileName == nullptr
                  ? reinterpret_cast<ConfigDsn>(function)(nullptr, request, driver, given)
                  : reinterpret_cast<ConfigFileDsn>(function)(nullptr, request, driver, given, fileName)) != 0) {
@@ -95,91 +103,43 @@ TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
     struct Case {
         const char* about;
         std::string before;
-        unsigned short request;
-        const char* driver;
-        Items attributes;
+        std::string command;
         std::string after;
     };
     const std::string longest(995, 'v');
     const Case kCases[] = {
-        {"the first of all",
-         "",
-         kAdd,
-         "Drv",
-         {"DSN=New", "Database=/n.db"},
+        {"the first of all", "", "add|Drv|DSN=New|Database=/n.db",
          "New{Driver=Drv|Database=/n.db} ODBC Data Sources{New=Drv}"},
-        {"one more",
-         kTwo,
-         kAdd,
-         "Other",
-         {"Server=h", "dsn= New "},
+        {"one more", kTwo, "add|Other|Server=h|dsn= New ",
          "ODBC Data Sources{Sales=Drv|Stock=Drv|New=Other} " + kSales + " " + kStock + " " + kTrace +
              " New{Driver=Other|Server=h}"},
-        {"a driver and empty values among the attributes",
-         "",
-         kAdd,
-         "Drv",
-         {"DRIVER=/evil.so", "DSN=New", "A=", "B= b "},
+        {"a driver and empty values among the attributes", "", "add|Drv|DRIVER=/evil.so|DSN=New|A=|B= b ",
          "New{Driver=Drv|B=b} ODBC Data Sources{New=Drv}"},
-        {"the same key twice: the later one counts",
-         "",
-         kAdd,
-         "Drv",
-         {"DSN=New", "a=1", "A=2"},
+        {"the same key twice: the later one counts", "", "add|Drv|DSN=New|a=1|A=2",
          "New{Driver=Drv|a=2} ODBC Data Sources{New=Drv}"},
-        {"an existing name is replaced",
-         kTwo,
-         kAdd,
-         "Other",
-         {"DSN=Sales", "Server=h", "Database=/s.db"},
+        {"an existing name is replaced", kTwo, "add|Other|DSN=Sales|Server=h|Database=/s.db",
          "ODBC Data Sources{Sales=Other|Stock=Drv} Sales{Driver=Other|Database=/s.db|Server=h} " + kStock + " " +
              kTrace},
-        {"configure keeps what is not named, whatever its spelling",
-         kTwo,
-         kConfigure,
-         "Drv",
-         {"DSN=Sales", "DATABASE=/new.db", "Extra=1"},
+        {"configure keeps what is not named, whatever its spelling", kTwo,
+         "configure|Drv|DSN=Sales|DATABASE=/new.db|Extra=1",
          kListed + " Sales{Driver=Drv|Database=/new.db|Odd Key=kept = so|Empty=|Extra=1} " + kStock + " " + kTrace},
-        {"an empty value deletes its key",
-         kTwo,
-         kConfigure,
-         "Drv",
-         {"DSN=Sales", "Database=", "Empty="},
+        {"an empty value deletes its key", kTwo, "configure|Drv|DSN=Sales|Database=|Empty=",
          kListed + " Sales{Driver=Drv|Odd Key=kept = so|Empty=} " + kStock + " " + kTrace},
-        {"another driver",
-         kTwo,
-         kConfigure,
-         "Other",
-         {"DSN=Stock"},
+        {"another driver", kTwo, "configure|Other|DSN=Stock",
          "ODBC Data Sources{Sales=Drv|Stock=Other} " + kSales + " Stock{Driver=Other|Database=/k.db} " + kTrace},
-        {"the same driver in another case is no other, and the driver's path stays",
-         kTwo,
-         kConfigure,
-         "dRV",
-         {"DSN=Stock", "X=1"},
-         kListed + " " + kSales + " Stock{Driver=/drv.so|Database=/k.db|X=1} " + kTrace},
-        {"the longest value",
-         "[L]\nDriver=Drv\nKey=" + longest + "\nZ=1\n",
-         kConfigure,
-         "Drv",
-         {"DSN=L", "Key2=" + longest.substr(1), "Z=2"},
+        {"the same driver in another case is no other, and the driver's path stays", kTwo,
+         "configure|dRV|DSN=Stock|X=1", kListed + " " + kSales + " Stock{Driver=/drv.so|Database=/k.db|X=1} " + kTrace},
+        {"the longest value", "[L]\nDriver=Drv\nKey=" + longest + "\nZ=1\n",
+         "configure|Drv|DSN=L|Key2=" + longest.substr(1) + "|Z=2",
          "L{Driver=Drv|Key=" + longest + "|Z=2|Key2=" + longest.substr(1) + "} ODBC Data Sources{L=Drv}"},
-        {"remove takes the section and the name",
-         kTwo,
-         kRemove,
-         nullptr,
-         {"DSN=Sales"},
+        {"remove takes the section and the name", kTwo, "remove|-|DSN=Sales",
          "ODBC Data Sources{Stock=Drv} " + kStock + " " + kTrace},
-        {"remove what is listed without settings",
-         "[ODBC Data Sources]\nGhost=Drv\nB=Drv\n\n[B]\nDriver=Drv\n",
-         kRemove,
-         "Drv",
-         {"DSN=Ghost"},
-         "ODBC Data Sources{B=Drv} B{Driver=Drv}"}};
+        {"remove what is listed without settings", "[ODBC Data Sources]\nGhost=Drv\nB=Drv\n\n[B]\nDriver=Drv\n",
+         "remove|Drv|DSN=Ghost", "ODBC Data Sources{B=Drv} B{Driver=Drv}"}};
     for (const Case& test : kCases) {
         SCOPED_TRACE(test.about);
         files.write(OdbcFiles::kUser, test.before);
-        EXPECT_EQ(call(test.request, test.driver, test.attributes), 0U) << errorText;
+        EXPECT_EQ(call(test.command), 0U) << errorText;
         EXPECT_EQ(summary(), test.after);
     }
 }
@@ -187,42 +147,35 @@ TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
 TEST_F(ConfigDsnTest, WhatCanNotBeDoneHasItsReasonAndLeavesTheFileAlone) {
     struct Case {
         const char* about;
-        unsigned short request;
-        const char* driver;
-        Items attributes;
+        std::string command;
         unsigned int code;
         const char* textPart;
     };
     const Case kCases[] = {
-        {"unknown request", 9, "Drv", {"DSN=Sales"}, ODBC_ERROR_INVALID_REQUEST_TYPE, "9"},
-        {"system request codes are not for drivers",
-         ODBC_ADD_SYS_DSN,
-         "Drv",
-         {"DSN=X"},
-         ODBC_ERROR_INVALID_REQUEST_TYPE,
-         "4"},
-        {"unknown driver", kAdd, "Nobody", {"DSN=X"}, ODBC_ERROR_INVALID_NAME, "Nobody"},
-        {"no driver", kAdd, nullptr, {"DSN=X"}, ODBC_ERROR_INVALID_NAME, ""},
-        {"no attributes", kAdd, "Drv", {}, kBadName, ""},
-        {"blank name", kAdd, "Drv", {"DSN=  "}, kBadName, ""},
-        {"forbidden character", kAdd, "Drv", {"DSN=a;b"}, kBadName, "a;b"},
-        {"33 characters", kAdd, "Drv", {"DSN=" + std::string(33, 'n')}, kBadName, "32"},
-        {"a name that would be a comment in the list", kAdd, "Drv", {"DSN=#1"}, kBadName, "#1"},
-        {"a section with a meaning", kAdd, "Drv", {"DSN=odbc"}, kBadName, "odbc"},
-        {"the list itself", kAdd, "Drv", {"DSN=ODBC Data Sources"}, kBadName, "section"},
-        {"configure nobody", kConfigure, "Drv", {"DSN=Nobody", "A=1"}, kBadName, "Nobody"},
-        {"configure without a name", kConfigure, "Drv", {"A=1"}, kBadName, ""},
-        {"remove nobody", kRemove, "Drv", {"DSN=Nobody"}, kBadName, "Nobody"},
-        {"no equals sign", kConfigure, "Drv", {"DSN=Sales", "Trash"}, kBadValue, ""},
-        {"no key", kConfigure, "Drv", {"DSN=Sales", "=1"}, kBadValue, ""},
-        {"a key that would be a comment", kConfigure, "Drv", {"DSN=Sales", "B=2", "#A=1"}, kBadValue, "#A"},
-        {"a key that would be a section", kConfigure, "Drv", {"DSN=Sales", "[A]=1"}, kBadValue, "[A]"},
-        {"line break", kConfigure, "Drv", {"DSN=Sales", "B=2", "A=1\nTrace=1"}, kBadValue, "\"A\""},
-        {"too long", kConfigure, "Drv", {"DSN=Sales", "Key=" + std::string(996, 'v')}, kBadValue, "\"Key\""}};
+        {"unknown request", "9|Drv|DSN=Sales", ODBC_ERROR_INVALID_REQUEST_TYPE, "9"},
+        {"system request codes are not for drivers", "4|Drv|DSN=X", ODBC_ERROR_INVALID_REQUEST_TYPE, "4"},
+        {"unknown driver", "add|Nobody|DSN=X", ODBC_ERROR_INVALID_NAME, "Nobody"},
+        {"no driver", "add|-|DSN=X", ODBC_ERROR_INVALID_NAME, ""},
+        {"no attributes", "add|Drv", kBadName, ""},
+        {"blank name", "add|Drv|DSN=  ", kBadName, ""},
+        {"forbidden character", "add|Drv|DSN=a;b", kBadName, "a;b"},
+        {"33 characters", "add|Drv|DSN=" + std::string(33, 'n'), kBadName, "32"},
+        {"a name that would be a comment in the list", "add|Drv|DSN=#1", kBadName, "#1"},
+        {"a section with a meaning", "add|Drv|DSN=odbc", kBadName, "odbc"},
+        {"the list itself", "add|Drv|DSN=ODBC Data Sources", kBadName, "section"},
+        {"configure nobody", "configure|Drv|DSN=Nobody|A=1", kBadName, "Nobody"},
+        {"configure without a name", "configure|Drv|A=1", kBadName, ""},
+        {"remove nobody", "remove|Drv|DSN=Nobody", kBadName, "Nobody"},
+        {"no equals sign", "configure|Drv|DSN=Sales|Trash", kBadValue, ""},
+        {"no key", "configure|Drv|DSN=Sales|=1", kBadValue, ""},
+        {"a key that would be a comment", "configure|Drv|DSN=Sales|B=2|#A=1", kBadValue, "#A"},
+        {"a key that would be a section", "configure|Drv|DSN=Sales|[A]=1", kBadValue, "[A]"},
+        {"line break", "configure|Drv|DSN=Sales|B=2|A=1\nTrace=1", kBadValue, "\"A\""},
+        {"too long", "configure|Drv|DSN=Sales|Key=" + std::string(996, 'v'), kBadValue, "\"Key\""}};
     for (const Case& test : kCases) {
         SCOPED_TRACE(test.about);
         files.write(OdbcFiles::kUser, kTwo);
-        EXPECT_EQ(call(test.request, test.driver, test.attributes), test.code);
+        EXPECT_EQ(call(test.command), test.code);
         EXPECT_NE(errorText.find(test.textPart), std::string::npos) << errorText;
         EXPECT_EQ(files.read(OdbcFiles::kUser), kTwo);
     }
@@ -236,7 +189,7 @@ TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
     files.write(OdbcFiles::kUser, text);
     struct stat before {};
     stat(files.path(OdbcFiles::kUser).c_str(), &before);
-    EXPECT_EQ(call(kConfigure, "Drv", {"DSN=" + longName, "Driver=Drv", "a=1", "B="}), 0U) << errorText;
+    EXPECT_EQ(call("configure|Drv|DSN=" + longName + "|Driver=Drv|a=1|B="), 0U) << errorText;
     struct stat after {};
     stat(files.path(OdbcFiles::kUser).c_str(), &after);
     EXPECT_EQ(files.read(OdbcFiles::kUser), text);
@@ -246,9 +199,9 @@ TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
 
 TEST_F(ConfigDsnTest, OtherProgramsEditsAreSeen) {
     files.write(OdbcFiles::kUser, kTwo);
-    EXPECT_EQ(call(kConfigure, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
+    EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nSales=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/edited.db\n");
-    EXPECT_EQ(call(kConfigure, "Drv", {"DSN=Sales", "Database=/s.db"}), 0U);
+    EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
     EXPECT_EQ(summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
 }
 
@@ -266,7 +219,7 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
         files.write(OdbcFiles::kUser, "");
         files.write(OdbcFiles::kSystem, "");
         SQLSetConfigMode(test.mode);
-        EXPECT_EQ(call(kAdd, "Drv", {"DSN=New"}), 0U);
+        EXPECT_EQ(call("add|Drv|DSN=New"), 0U);
         UWORD mode = 99;
         SQLGetConfigMode(&mode);
         EXPECT_EQ(mode, test.mode);
@@ -279,7 +232,7 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
 TEST_F(ConfigDsnTest, AFileThatCanNotBeWrittenIsAFailure) {
     files.write("plain", "");
     const ScopedEnvironment unwritable{{"ODBCINI", files.path("plain/odbc.ini")}};
-    EXPECT_EQ(call(kAdd, "Drv", {"DSN=New"}), unsigned{ODBC_ERROR_REQUEST_FAILED});
+    EXPECT_EQ(call("add|Drv|DSN=New"), unsigned{ODBC_ERROR_REQUEST_FAILED});
     EXPECT_NE(errorText.find("New"), std::string::npos) << errorText;
 }
 
@@ -287,48 +240,24 @@ TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAsk
     struct Case {
         const char* about;
         const char* before;
-        unsigned short request;
-        const char* driver;
-        Items attributes;
+        std::string command;
         std::string after;
         mode_t mode;
     };
     for (const Case& test : {
-             Case{"new, as the administrator asks for it",
-                  nullptr,
-                  ODBC_ADD_DSN,
-                  "Drv",
-                  {"FILEDSN=/else.dsn", "DRIVER=Evil", "Database= /n.db", "PWD=geheim"},
-                  "[ODBC]\nDriver=Drv\nDatabase=/n.db\n\n",
-                  0644},
-             Case{"what is there is replaced, and its permission stays",
-                  "[ODBC]\nUID=old\n",
-                  ODBC_ADD_DSN,
-                  "Drv",
-                  {},
-                  "[ODBC]\nDriver=Drv\n\n",
-                  0640},
+             Case{"new, as the administrator asks for it", nullptr,
+                  "add|Drv|FILEDSN=/else.dsn|DRIVER=Evil|Database= /n.db|PWD=geheim",
+                  "[ODBC]\nDriver=Drv\nDatabase=/n.db\n\n", 0644},
+             Case{"what is there is replaced, and its permission stays", "[ODBC]\nUID=old\n", "add|Drv",
+                  "[ODBC]\nDriver=Drv\n\n", 0640},
              Case{"configured: what is not named stays, in other sections too",
                   "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\n\n[More]\nA=1\n",
-                  ODBC_CONFIG_DSN,
-                  "Drv",
-                  {"DSN=/a.dsn", "uid=v", "Unknown=1", "PASSWORD=geheim"},
-                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\n\n[More]\nA=1\n\n",
-                  0640},
-             Case{"a password that is there stays, for its owner alone",
-                  "[ODBC]\nDriver=Drv\nPWD=geheim\n",
-                  ODBC_CONFIG_DSN,
-                  "Drv",
-                  {"UID=u", "PWD=geheim"},
-                  "[ODBC]\nDriver=Drv\nPWD=geheim\nUID=u\n\n",
-                  0600},
-             Case{"nothing new",
-                  "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n",
-                  ODBC_CONFIG_DSN,
-                  "Drv",
-                  {"DSN=a", "pwd=x"},
-                  "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n",
-                  0640},
+                  "configure|Drv|DSN=/a.dsn|uid=v|Unknown=1|PASSWORD=geheim",
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\n\n[More]\nA=1\n\n", 0640},
+             Case{"a password that is there stays, for its owner alone", "[ODBC]\nDriver=Drv\nPWD=geheim\n",
+                  "configure|Drv|UID=u|PWD=geheim", "[ODBC]\nDriver=Drv\nPWD=geheim\nUID=u\n\n", 0600},
+             Case{"nothing new", "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", "configure|Drv|DSN=a|pwd=x",
+                  "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", 0640},
          }) {
         SCOPED_TRACE(test.about);
         const std::string target = files.path("target.dsn");
@@ -340,7 +269,7 @@ TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAsk
             chmod(target.c_str(), 0640);
             ASSERT_EQ(symlink("target.dsn", files.path("a.dsn").c_str()), 0);
         }
-        EXPECT_EQ(call(test.request, test.driver, test.attributes, files.path("a").c_str()), 0U) << errorText;
+        EXPECT_EQ(call(test.command, files.path("a").c_str()), 0U) << errorText;
         EXPECT_EQ(files.read("a.dsn"), test.after);
         struct stat status {};
         stat(files.path("a.dsn").c_str(), &status);
@@ -360,22 +289,22 @@ TEST_F(ConfigDsnTest, AFileThatCanNotBeSavedStaysAsItIs) {
     files.write("full.dsn", keys);
     mkdir(files.path("folder.dsn").c_str(), 0777);
     struct Case {
-        unsigned short request;
+        const char* request;
         std::string file;
         unsigned int code;
     };
-    for (const Case& test : {Case{ODBC_REMOVE_DSN, files.path("full.dsn"), ODBC_ERROR_INVALID_REQUEST_TYPE},
-                             Case{ODBC_CONFIG_DSN, files.path("gone.dsn"), ODBC_ERROR_INVALID_DSN},
-                             Case{ODBC_ADD_DSN, "relative.dsn", ODBC_ERROR_INVALID_PATH},
-                             Case{ODBC_ADD_DSN, "/" + std::string(1100, 'n'), ODBC_ERROR_INVALID_PATH},
-                             Case{ODBC_ADD_DSN, files.path("none/a.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{ODBC_ADD_DSN, files.path("folder.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{ODBC_CONFIG_DSN, files.path("long.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{ODBC_CONFIG_DSN, files.path("full.dsn"), ODBC_ERROR_REQUEST_FAILED}}) {
+    for (const Case& test : {Case{"remove", files.path("full.dsn"), ODBC_ERROR_INVALID_REQUEST_TYPE},
+                             Case{"configure", files.path("gone.dsn"), ODBC_ERROR_INVALID_DSN},
+                             Case{"add", "relative.dsn", ODBC_ERROR_INVALID_PATH},
+                             Case{"add", "/" + std::string(1100, 'n'), ODBC_ERROR_INVALID_PATH},
+                             Case{"add", files.path("none/a.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{"add", files.path("folder.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{"configure", files.path("long.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{"configure", files.path("full.dsn"), ODBC_ERROR_REQUEST_FAILED}}) {
         SCOPED_TRACE(test.file.substr(0, 60));
         const FullDisk disk(2048);
-        EXPECT_EQ(call(test.request, "Drv", {"UID=u"}, test.file.c_str()), test.code);
-        EXPECT_NE(errorText.find(test.request == ODBC_REMOVE_DSN ? "3" : test.file.substr(0, 60)), std::string::npos)
+        EXPECT_EQ(call(test.request + "|Drv|UID=u"s, test.file.c_str()), test.code);
+        EXPECT_NE(errorText.find(test.request == "remove"s ? "3" : test.file.substr(0, 60)), std::string::npos)
             << errorText;
     }
     EXPECT_EQ(files.read("long.dsn"), longLine);
