@@ -160,14 +160,12 @@ void addDsn(short kind) {
 
 void Wizard_Next(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
     guarded([] {
-        if (DsnType != kFileDataSource) {
-            finish(nullptr, nullptr);
-        } else if (CurScreenAt == 1) {
+        if (DsnType == kFileDataSource && CurScreenAt == 1) {
             XtSetSensitive(BtnNavigate, True);
             changeScreen(FormScr1, FormScr2, 2, Text7);
-        } else if (CurScreenAt == 2) {
+        } else if (DsnType == kFileDataSource && CurScreenAt == 2) {
             showSummary();
-        } else if (IsEntriesmodified) {
+        } else if (DsnType == kFileDataSource && IsEntriesmodified) {
             finishWithAttributes();
         } else {
             finish(nullptr, nullptr);

@@ -34,9 +34,11 @@ int TestConnect::testConnect() {
         return 0;
     }
     SQLCHAR completed[1024];
-    const SQLRETURN result = SQLDriverConnect(connection_, window_, sqlText(connectionString_),
-                                              static_cast<SQLSMALLINT>(std::strlen(connectionString_)), completed,
-                                              static_cast<SQLSMALLINT>(sizeof completed), nullptr, SQL_DRIVER_COMPLETE);
+    char nothing[] = "";
+    char* text = connectionString_ != nullptr ? connectionString_ : nothing;
+    const SQLRETURN result =
+        SQLDriverConnect(connection_, window_, sqlText(text), static_cast<SQLSMALLINT>(std::strlen(text)), completed,
+                         static_cast<SQLSMALLINT>(sizeof completed), nullptr, SQL_DRIVER_COMPLETE);
     if (result == SQL_ERROR) {
         testError();
         testTerm();

@@ -14,6 +14,7 @@ struct DSNInfoStruct {
 // when it returns SQL_ERROR; all other codes, SQL_INVALID_HANDLE included, count as success.
 class TestConnect {
 public:
+    // Without a connection string: the attempt names no data source and fails.
     explicit TestConnect(DSNInfoStruct* info);
     // `window` is the parent of the driver's prompts. `connectionString` (ODBC SQLDriverConnect) is borrowed and must
     // outlive the test.

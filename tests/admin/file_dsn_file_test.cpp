@@ -134,6 +134,12 @@ TEST_F(FileDsnFileTest, AConnectionTestTellsEveryRecordAndKeepsTheLast) {
         EXPECT_TRUE(last.size() == 255 || test.connection.size() < 255) << last.size();
         EXPECT_EQ(attempt.isUnanswered(), test.unanswered);
     }
+    DSNInfoStruct info{ShODBCAdmin};
+    TestConnect nameless(&info);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(nameless.testConnect(), 0);
+    EXPECT_NE(testing::internal::GetCapturedStdout().find(nameless.getErrorMsgFromTestConnect()), std::string::npos);
+    EXPECT_STRNE(nameless.getErrorMsgFromTestConnect(), "");
 }
 
 }  // namespace
