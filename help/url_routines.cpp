@@ -1,6 +1,5 @@
 #include "help/url_routines.h"
 
-#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -47,10 +46,8 @@ std::string unescaped(std::string_view text) {
         if (text[i] != '%') {
             result += text[i];
         } else if (i + 2 < text.size()) {
-            // What spells no number leaves the byte at zero.
-            unsigned int value = 0;
-            std::from_chars(text.data() + i + 1, text.data() + i + 3, value, 16);
-            result += static_cast<char>(value);
+            // What spells no number is a byte of zero.
+            result += static_cast<char>(std::strtoul(std::string(text.substr(i + 1, 2)).c_str(), nullptr, 16));
             i += 2;
         }
     }

@@ -44,6 +44,9 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
         {"bytes above 127", WWHelp_URL_EscapeForJavaScript, "\xc3\xa4/x y", "\xc3\xa4/x y"},
         {"empty", WWHelp_URL_EscapeForJavaScript, "", "(-1)"},
         {"there and back", WWHelp_URL_Unescape, "a%3fb%26c", "a?b&c"},
+        {"a digit after a blank", WWHelp_URL_Unescape, "a% 4b",
+         "a\x04"
+         "b"},
         {"cut off", WWHelp_URL_Unescape, "ab%4", "ab4"},
         {"last byte", WWHelp_URL_Unescape, "ab%", "ab"},
         {"nothing left", WWHelp_URL_Unescape, "%", "(-1)"},
@@ -89,7 +92,9 @@ TEST_F(BrowserTest, DirectoriesGoBeforeNames) {
     EXPECT_EQ(info.browserPath, folder_.path("b/netscape6"));
     EXPECT_EQ(info.remoteCapable, 1);
     EXPECT_EQ(info.remoteProbePassed, 1);
-    EXPECT_EQ(std::string(info.processSignature).find("pid" + std::to_string(getpid()) + "@"), 0U);
+    char host[256] = "";
+    gethostname(host, sizeof host);
+    EXPECT_EQ(info.processSignature, "pid" + std::to_string(getpid()) + "@" + host);
 
     // What can't be run is found all the same, and its probe fails.
     folder_.write("a/iexplorer", "no program");
@@ -115,17 +120,36 @@ TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     folder_.write("arguments", "");
     ASSERT_EQ(WWHelp_Startup("File:///h"), 0);
     EXPECT_EQ(WWHelp_Startup("File:///h"), -1);
-    EXPECT_EQ(WWHelp_DisplayHelpWithIndex("ODBC", ""), -1);
     EXPECT_EQ(WWHelp_DisplayHelp("ODBC", nullptr), 0);
     EXPECT_EQ(folder_.read("arguments"), "");
-    EXPECT_EQ(WWHelp_DisplayHelpSearch(), 0);
-    EXPECT_EQ(arguments("search"), "-remote\nFile:///h/wwhelp/wwhimpl/api.htm?tab=search\n");
-    EXPECT_EQ(WWHelp_DisplayHelpWithFavorites("C", "t"), 0);
-    EXPECT_EQ(arguments("favorites"),
-              "-remote\nFile:///h/wwhelp/wwhimpl/api.htm?tab=search\n-remote\n"
-              "File:///h/wwhelp/wwhimpl/api.htm?context=C&topic=t&tab=favorites\n");
+    struct View {
+        int (*alone)();
+        int (*withTopic)(const char*, const char*);
+        std::string tab;
+    };
+    const View kViews[] = {
+        {WWHelp_DisplayHelpNavigation, WWHelp_DisplayHelpWithNavigation, ""},
+        {WWHelp_DisplayHelpContents, WWHelp_DisplayHelpWithContents, "tab=contents"},
+        {WWHelp_DisplayHelpIndex, WWHelp_DisplayHelpWithIndex, "tab=index"},
+        {WWHelp_DisplayHelpSearch, WWHelp_DisplayHelpWithSearch, "tab=search"},
+        {WWHelp_DisplayHelpFavorites, WWHelp_DisplayHelpWithFavorites, "tab=favorites"},
+    };
+    const std::string page = "-remote\nFile:///h/wwhelp/wwhimpl/api.htm";
+    std::string expected;
+    for (const View& view : kViews) {
+        EXPECT_EQ(view.withTopic("", "t"), -1);
+        EXPECT_EQ(view.alone(), 0);
+        expected += page + (view.tab.empty() ? "" : "?") + view.tab + "\n";
+        EXPECT_EQ(arguments(expected), expected);
+        EXPECT_EQ(view.withTopic("C", "t"), 0);
+        expected += page + "?context=C&topic=t" + (view.tab.empty() ? "" : "&") + view.tab + "\n";
+        EXPECT_EQ(arguments(expected), expected);
+    }
     EXPECT_EQ(WWHelp_Shutdown(), 0);
     EXPECT_EQ(WWHelp_Shutdown(), -1);
+    EXPECT_EQ(kvDisplayHelp2(text("h"), text("C"), text("t")), 0);
+    expected += page + "?context=C&topic=t&single=true\n";
+    EXPECT_EQ(arguments(expected), expected);
 
     unsigned char buffer[16];
     unsigned char* url = buffer;
