@@ -1,6 +1,7 @@
 #include "motifutil/component_version.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <csignal>
 #include <cstdint>
@@ -37,8 +38,12 @@ char* ask(void* handle, const char* function) {
 
 // A component without a version can't be supported: nobody could tell which one a report is about. That has always ended
 // the process here; whoever started it at least learns which library to mend.
-[[noreturn]] void endWithoutVersion(const char* libraryName) {
-    std::fprintf(stderr, "%s has no function %s, which every component must have.\n", libraryName, kVersionFunction);
+[[noreturn]] void endWithoutVersion(void* handle, const char* libraryName) {
+    // The name may be a bare one, which tells nobody where the library was found.
+    const link_map* map = nullptr;
+    const bool isLocated = dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && *map->l_name != '\0';
+    std::fprintf(stderr, "%s has no function %s, which every component must have.\n",
+                 isLocated ? map->l_name : libraryName, kVersionFunction);
     std::fflush(stderr);
     std::signal(SIGSEGV, SIG_DFL);
     std::raise(SIGSEGV);
@@ -50,7 +55,7 @@ void describe(void* handle, const char* libraryName, char* companyOut, char* ver
     strCopy(companyOut, kComponentTextSize, company == nullptr ? "" : company);
     const char* version = getVersion(handle);
     if (version == nullptr) {
-        endWithoutVersion(libraryName);
+        endWithoutVersion(handle, libraryName);
     }
     strCopy(versionOut, kComponentTextSize, version);
 }
