@@ -97,4 +97,7 @@ void setSizePosAboutTabWidgets() {
 
 void AboutTabItemSelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
     selectSameRow(list, {LstAbtDesc, LstAbtVersion, LstAbtFile});
+    if (const std::optional<int> row = selectedRow(list)) {
+        revealRow(list, *row, AboutLists);
+    }
 }

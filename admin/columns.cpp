@@ -39,6 +39,15 @@ Dimension widestRow(Widget list) {
     return count > 0 ? preferredWidth(list) : Dimension{0};
 }
 
+// Large letters need all of the height that a header has; its text stays in line with the rows.
+void useWholeHeight(Widget header) {
+    Dimension highlight = 0;
+    Dimension shadow = 0;
+    XtVaGetValues(header, XmNhighlightThickness, &highlight, XmNshadowThickness, &shadow, nullptr);
+    XtVaSetValues(header, XmNhighlightThickness, 0, XmNshadowThickness, 0, XmNmarginHeight, 0, XmNmarginLeft,
+                  highlight + shadow, nullptr);
+}
+
 // How far the window around a list is scrolled to the right.
 int scrolledSideways(Widget list) {
     Widget window = XtParent(list);
@@ -175,6 +184,7 @@ void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtC
     XtAddEventHandler(scrolledWindow, StructureNotifyMask, False, resized, reinterpret_cast<XtPointer>(fit));
     for (const Column& column : columns) {
         scrollWithWheel(scrolledWindow, column.list);
+        useWholeHeight(column.header);
     }
 }
 
