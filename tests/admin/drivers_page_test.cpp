@@ -207,6 +207,8 @@ TEST_F(ComponentPagesTest, AboutAlwaysHasItsFourRows) {
               (Rows{catalogText(Message::kAboutAdministrator), catalogText(Message::kAboutCursorLibrary),
                     catalogText(Message::kAboutDriverManager), catalogText(Message::kAboutConversionLibrary)}));
     EXPECT_EQ(rows(LstAbtVersion)[0], "05.30.0002 (B0023, U0021)");
+    EXPECT_EQ(std::u16string(getFileVersionStringW()), u"05.30.0002 (B0023, U0021)");
+    EXPECT_STREQ(getCompanyNameString(), "Varnholt Technologies");
     EXPECT_EQ(rows(LstAbtVersion)[1].find("2."), 0U) << rows(LstAbtVersion)[1];
     EXPECT_EQ(rows(LstAbtVersion)[2].find("03."), 0U) << rows(LstAbtVersion)[2];
     EXPECT_EQ(rows(LstAbtVersion)[3], icu);

@@ -82,6 +82,22 @@ TEST_F(MainWindowTest, WidgetsHaveTheirNamesParentsAndTexts) {
         {"*FormDrivers.scrolledWin2*FrmTable.LstVersion", 0},
         {"*FormDrivers.scrolledWin2*FrmTable.LstCompany", 0},
         {"*FormDrivers.scrolledWin2*FrmTable.LstDate", 0},
+        {"*FrmTrace.TgEnableTracing", 9028},
+        {"*FrmTrace.FramConfigTracing.FrmConfigTrace.LblTraceFile", 9032},
+        {"*FrmConfigTrace.TxtTraceFile", 0},
+        {"*FrmConfigTrace.BtnTFileBrowse", 9017},
+        {"*FrmConfigTrace.LblTraceLib", 9033},
+        {"*FrmConfigTrace.TxtTraceLib", 0},
+        {"*FrmConfigTrace.BtnTLibBrowse", 9017},
+        {"*FrmTrace.TxtTraceDesc", 0},
+        {"*FrmAbout.LblAboutText", 9069},
+        {"*FrmAbout.ScrAboutLabels*FormAboutLabels.LblAbtDesc", 9070},
+        {"*FormAboutLabels.LblAbtVersion", 9046},
+        {"*FormAboutLabels.LblSAbtFile", 9066},
+        {"*FrmAbout.ScrAboutLists*FormAboutLists.LstAbtDesc", 0},
+        {"*FormAboutLists.LstAbtVersion", 0},
+        {"*FormAboutLists.LstAbtFile", 0},
+        {"*FrmAbout.TxtAboutDesc", 0},
     };
     open();
     for (const Row& row : kRows) {

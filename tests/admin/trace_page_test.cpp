@@ -1,6 +1,7 @@
 #include "tests/support/window_test.h"
 
 #include <X11/keysym.h>
+#include <Xm/FileSB.h>
 #include <Xm/Text.h>
 #include <Xm/ToggleB.h>
 
@@ -91,11 +92,31 @@ TEST_F(TracePageTest, BrowsingFillsTheFieldOrLeavesIt) {
     const std::string log = files.write("one.log", "");
     openWith("TRACE=1\nTraceFile=/old\n");
     const auto box = [] { return XtNameToWidget(ShODBCAdmin, "*traceFileDialog"); };
-    click(BtnTFileBrowse);
-    ASSERT_TRUE(waitFor([&box] { return box() != nullptr && isVisible(box()); }));
-    key(XK_Escape);
-    ASSERT_TRUE(waitFor([&box] { return box() == nullptr; }));
-    EXPECT_EQ(text(TxtTraceFile), "/old");
+    const struct {
+        Widget button;
+        const char* pattern;
+        Message::Number title;
+    } kBoxes[] = {{BtnTFileBrowse, "*.log", Message::kChooseTraceFileTitle},
+                  {BtnTLibBrowse, "*.so", Message::kChooseTraceLibraryTitle}};
+    for (const auto& row : kBoxes) {
+        click(row.button);
+        ASSERT_TRUE(waitFor([&box] { return box() != nullptr && isVisible(box()); }));
+        XmString pattern = nullptr;
+        XtVaGetValues(box(), XmNpattern, &pattern, nullptr);
+        EXPECT_EQ(plainText(XmStringPtr(pattern).get()), row.pattern);
+        EXPECT_EQ(person().windows(catalogText(row.title), true).size(), 1U);
+        for (const auto& [part, label] : {std::pair{"Selection", Message::kFileSelection},
+                                          {"Items", Message::kFileList},
+                                          {"Dir", Message::kDirectoryList},
+                                          {"FilterLabel", Message::kFilter},
+                                          {"Apply", Message::kFilter}}) {
+            EXPECT_EQ(labelOf(child(box(), part)), catalogText(label)) << part;
+        }
+        key(XK_Escape);
+        ASSERT_TRUE(waitFor([&box] { return box() == nullptr; }));
+    }
+    EXPECT_EQ(text(TxtTraceFile) + text(TxtTraceLib), "/old");
+    EXPECT_FALSE(XtIsSensitive(BtnApply));
 
     click(BtnTFileBrowse);
     ASSERT_TRUE(waitFor([&box] { return box() != nullptr && isVisible(box()); }));
