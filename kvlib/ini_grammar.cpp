@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
-
 bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }

@@ -5,13 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <filesystem>
 #include <optional>
 #include <set>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "bos/debug_mask.h"
 #include "bos/file.h"
@@ -499,40 +496,6 @@ TEST_F(IniFileTest, AFileThatComesLaterOrComesBackIsLoaded) {
     folder_.write("drivers", "[D]\nN=2\n");
     EXPECT_EQ(list.open(path.c_str(), 0), early);
     EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 2U);
-}
-
-TEST_F(IniFileTest, ThreadsShareOneFile) {
-    const std::string path = folder_.write("file.ini", "[Counts]\nA=1\n");
-    KvIniFileCacheList list;
-    constexpr int kThreads = 4;
-    constexpr int kRounds = 25;
-    std::atomic<int> wrong = 0;
-    std::vector<std::thread> threads;
-    threads.reserve(kThreads);
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([&, t] {
-            ErrorCollector errors;
-            const std::string key = "Key" + std::to_string(t);
-            for (int i = 1; i <= kRounds; ++i) {
-                KvIniFileCache* cache = list.open(path.c_str(), 0);
-                const bool good = cache != nullptr &&
-                                  cache->bosPutProfileString("Counts", key.c_str(), std::to_string(i).c_str()) == 1 &&
-                                  cache->bosGetProfileInt("Counts", key.c_str(), 0) == static_cast<std::uint32_t>(i) &&
-                                  cache->bosGetProfileInt("Counts", "A", 0) == 1 && cache->proFileSync() == 0;
-                wrong += good ? 0 : 1;
-                list.close(cache);
-            }
-            wrong += errors.numbers().empty() ? 0 : 1;
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(wrong, 0);
-    KvIniFileCache* cache = list.open(path.c_str(), 0);
-    for (int t = 0; t < kThreads; ++t) {
-        EXPECT_EQ(cache->bosGetProfileInt("Counts", ("Key" + std::to_string(t)).c_str(), 0), kRounds + 0U);
-    }
 }
 
 TEST_F(IniFileTest, TheTraceTellsEachStep) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -124,14 +126,57 @@ TEST_F(ProfileTest, KvIniHoldsAFile) {
     EXPECT_FALSE(ini.validState());
 }
 
+TEST_F(ProfileTest, ThreadsThatComeAndGoReadAndWriteOneFile) {
+    constexpr int kWorkers = 8;
+    constexpr int kRounds = 20;
+    const std::string shared = folder_.write("shared.ini", "[Counts]\nA=1\n");
+    std::atomic<int> wrong = 0;
+    // All of a thread's life. Every second one has nobody to tell its errors.
+    const auto visit = [&](const std::string& key, std::uint32_t round) {
+        std::optional<ErrorCollector> errors;
+        if (round % 2 == 0) {
+            errors.emplace();
+        }
+        const std::string own = folder_.path(key + ".ini");
+        const std::string value = std::to_string(round);
+        char text[256];
+        KvIni ini;
+        bool good = kvWritePrivateProfileString("Counts", key.c_str(), value.c_str(), shared.c_str()) == 1 &&
+                    kvGetProfileInt("Counts", key.c_str(), 0, shared.c_str()) == round &&
+                    kvGetPrivateProfileInt("Counts", "A", 0, shared.c_str()) == 1 &&
+                    kvGetPrivateProfileSection("Counts", text, sizeof text, shared.c_str()) > 4 &&
+                    kvWriteProfileString("S", key.c_str(), value.c_str(), own.c_str()) == 1 &&
+                    ini.open(own.c_str()) == 0 &&
+                    ini.getEntryWithLen("S", key.c_str(), text, sizeof text, "") == value.size() && text == value;
+        good = good && kvGetPrivateProfileString("S", "A", "d", text, sizeof text, absent_.c_str()) == 1;
+        wrong += good && (!errors || errors->numbers() == "1509w") ? 0 : 1;
+    };
+    std::vector<std::thread> workers;
+    workers.reserve(kWorkers);
+    for (int worker = 0; worker < kWorkers; ++worker) {
+        workers.emplace_back([&visit, key = "Key" + std::to_string(worker)] {
+            for (std::uint32_t round = 1; round <= kRounds; ++round) {
+                std::thread(visit, key, round).join();
+            }
+        });
+    }
+    for (std::thread& worker : workers) {
+        worker.join();
+    }
+    EXPECT_EQ(wrong, 0);
+    for (int worker = 0; worker < kWorkers; ++worker) {
+        EXPECT_EQ(kvGetProfileInt("Counts", ("Key" + std::to_string(worker)).c_str(), 0, shared.c_str()), kRounds + 0U);
+    }
+}
+
 TEST_F(ProfileTest, ThreadsCreateOneList) {
     const std::string file = folder_.write("a.ini", "[S]\nA=1\n");
     // A list of before this test goes on to exist beside the one that the threads make.
     void* const before = mdsGetPerTaskData(kTaskSlotIniFiles);
     mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
-    std::vector<KvIniFileCache*> caches(4);
+    std::vector<KvIniFileCache*> caches(8);
     std::vector<std::thread> threads;
-    threads.reserve(4);
+    threads.reserve(caches.size());
     for (KvIniFileCache*& cache : caches) {
         threads.emplace_back([&] { cache = kvProfileInit(file.c_str()); });
     }

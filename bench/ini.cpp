@@ -1,0 +1,111 @@
+// INI files of many data sources: our cache, the installer library, and a bare search for "[" in the same text.
+#include <benchmark/benchmark.h>
+#include <odbcinst.h>
+
+#include <cstring>
+#include <string>
+
+#include "bos/install_dir.h"
+#include "kvlib/profile.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+constexpr unsigned long kBufferSize = 256;
+
+// range(0) data sources of five keys each, as the administrator writes them; the last one is asked for.
+class IniBench : public benchmark::Fixture {
+public:
+    using benchmark::Fixture::SetUp;
+    void SetUp(benchmark::State& state) override {
+        std::string list = "[ODBC Data Sources]\n";
+        std::string sections;
+        for (int i = 1; i <= state.range(0); ++i) {
+            last = "data source " + std::to_string(i);
+            list += last + "=Driver 0\n";
+            sections += "\n[" + last + "]\nDriver=Driver 0\nDescription=d\nDatabase=/tmp/" + last +
+                        ".db\nTimeout=100\nJournalMode=WAL\n";
+        }
+        text = list + sections;
+        // Without a catalog every operation looks for it.
+        bosSetInstallDir(VH_BENCH_STAGE);
+        file = folder.write("odbc.ini", text);
+    }
+
+    std::string last;
+    std::string text;
+    std::string file;
+
+private:
+    TemporaryFolder folder;
+};
+
+BENCHMARK_DEFINE_F(IniBench, lookUp)(benchmark::State& state) {
+    char buffer[kBufferSize];
+    for (auto step : state) {
+        if (kvGetProfileString(last.c_str(), "JournalMode", "", buffer, sizeof buffer, file.c_str()) != 3) {
+            state.SkipWithError("The value was not found.");
+            return;
+        }
+    }
+}
+
+BENCHMARK_DEFINE_F(IniBench, floor)(benchmark::State& state) {
+    for (auto step : state) {
+        int brackets = 0;
+        const char* at = text.data();
+        const char* const end = at + text.size();
+        while ((at = static_cast<const char*>(std::memchr(at, '[', static_cast<std::size_t>(end - at)))) != nullptr) {
+            ++brackets;
+            ++at;
+        }
+        benchmark::DoNotOptimize(brackets);
+    }
+}
+
+// Keys that are not there, each another, since the library keeps the answers to the last questions.
+BENCHMARK_DEFINE_F(IniBench, installerLibrary)(benchmark::State& state) {
+    char buffer[kBufferSize];
+    int number = 0;
+    for (auto step : state) {
+        const std::string key = "key " + std::to_string(++number);
+        if (SQLGetPrivateProfileString(last.c_str(), key.c_str(), "none", buffer, sizeof buffer, file.c_str()) != 4) {
+            state.SkipWithError("The file was not read.");
+            return;
+        }
+    }
+}
+
+// All data sources: the keys of the section that lists them.
+BENCHMARK_DEFINE_F(IniBench, listKeys)(benchmark::State& state) {
+    std::string buffer(text.size(), '\0');
+    for (auto step : state) {
+        benchmark::DoNotOptimize(
+            kvGetPrivateProfileSection("ODBC Data Sources", buffer.data(), buffer.size(), file.c_str()));
+    }
+}
+
+BENCHMARK_DEFINE_F(IniBench, update)(benchmark::State& state) {
+    int number = 0;
+    for (auto step : state) {
+        if (kvWriteProfileString(last.c_str(), "Timeout", std::to_string(++number).c_str(), file.c_str()) != 1) {
+            state.SkipWithError("The value was not written.");
+            return;
+        }
+    }
+}
+
+void sizes(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgName("sources")->Arg(10)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK_REGISTER_F(IniBench, lookUp)->Apply(sizes);
+BENCHMARK_REGISTER_F(IniBench, floor)->Apply(sizes);
+BENCHMARK_REGISTER_F(IniBench, installerLibrary)->Apply(sizes);
+BENCHMARK_REGISTER_F(IniBench, listKeys)->Apply(sizes);
+// The disk takes its part of the time.
+BENCHMARK_REGISTER_F(IniBench, update)->Apply(sizes)->UseRealTime();
+
+}  // namespace
+
+BENCHMARK_MAIN();
