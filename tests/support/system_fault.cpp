@@ -17,14 +17,19 @@ bool active = false;
 int stepsLeft = 0;
 Fault fault = Fault::kFails;
 
-// Runs `call`, or makes it fail; `descriptor` is -1 for calls with a name.
+// Stands for the descriptor of calls with a name.
+constexpr int kNamed = -1;
+constexpr int kRemoval = -2;
+
+// Runs `call`, or makes it fail.
 template <typename Call>
 auto meet(int descriptor, Call call) -> decltype(call()) {
-    if (active && stepsLeft-- == 0) {
+    const bool isNow = active && stepsLeft-- == 0;
+    if (isNow || (active && fault == Fault::kDiskIsGone && stepsLeft < 0 && descriptor != kRemoval)) {
         if (fault == Fault::kKilled) {
             raise(SIGKILL);
         }
-        if (fault == Fault::kFails || descriptor < 0) {
+        if (fault != Fault::kDescriptorIsClosed || descriptor < 0) {
             errno = EIO;
             return -1;
         }
@@ -66,7 +71,7 @@ WRAP(off_t, lseek, descriptor, (int descriptor, off_t offset, int whence), (desc
 WRAP(ssize_t, read, descriptor, (int descriptor, void* buffer, size_t size), (descriptor, buffer, size))
 WRAP(ssize_t, write, descriptor, (int descriptor, const void* buffer, size_t size),
      (descriptor, buffer, active ? std::min(size, kLongestWrite) : size))
-WRAP(int, open, -1, (const char* path, int flags, mode_t mode), (path, flags, mode))
-WRAP(int, stat, -1, (const char* path, struct stat* status), (path, status))
-WRAP(int, unlink, -1, (const char* path), (path))
+WRAP(int, open, kNamed, (const char* path, int flags, mode_t mode), (path, flags, mode))
+WRAP(int, stat, kNamed, (const char* path, struct stat* status), (path, status))
+WRAP(int, unlink, kRemoval, (const char* path), (path))
 }
