@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "bos/catalog.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -205,27 +202,26 @@ struct Made {
 // A catalog of the library's own name in an install directory of its own.
 class LibraryTextTest : public ErrorListTest {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/error_list_test.XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        root_ = name;
-        auto folder = root_ / "locale" / "en_US" / "LC_MESSAGES";
-        std::filesystem::create_directories(folder);
-        std::ofstream(root_ / "texts.msg") << "$ codeset=UTF-8\n$set 1\n1 08S01\n2 01S01\n3 HY001x\n4 IM002\n5 42000\n"
-                                              "6 HZ010\n7 01004\n8 file %1 is missing\n9 9\n10 x\n";
-        std::string command =
-            "gencat " + (folder / "vhutl23.mo").string() + ' ' + (root_ / "texts.msg").string() + " 2>&1";
-        ASSERT_EQ(std::system(command.c_str()), 0);
+    LibraryTextTest() {
+        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo", {{1, "08S01"},
+                                                                    {2, "01S01"},
+                                                                    {3, "HY001x"},
+                                                                    {4, "IM002"},
+                                                                    {5, "42000"},
+                                                                    {6, "HZ010"},
+                                                                    {7, "01004"},
+                                                                    {8, "file %1 is missing"},
+                                                                    {9, "9"},
+                                                                    {10, "x"}});
         bosFreeResourceDLL(nullptr, nullptr);
-        strCopy(InstallDirLocation, sizeof InstallDirLocation, root_.c_str());
+        strCopy(InstallDirLocation, sizeof InstallDirLocation, folder_.path().c_str());
     }
-    void TearDown() override {
+    ~LibraryTextTest() override {
         bosFreeResourceDLL(nullptr, nullptr);
         InstallDirLocation[0] = '\0';
-        std::filesystem::remove_all(root_);
     }
 
-    std::filesystem::path root_;
+    TemporaryFolder folder_;
 };
 
 TEST_F(LibraryTextTest, TextsByNumberAreOpenedWhenFirstNeeded) {

@@ -254,6 +254,8 @@ TEST_F(IniFileTest, Updates) {
         {"which continues an open line", "[S]\nA=1", "T", "N", "x", "[S]\nA=1[T]\nN=x\n"},
         {"first section of an empty file", "", "T", "N", "x", "[T]\nN=x\n"},
         {"delete an entry", "[S]\nA=1\nB=2\n", "S", "a", nullptr, "[S]\nB=2\n"},
+        {"blanks before it stay, and a header behind them is none", "[S]\n A=1\n[T]\nB=2\n", "S", "A", nullptr,
+         "[S]\n [T]\nB=2\n"},
         {"delete a missing entry", "[S]\nA=1\n", "S", "X", nullptr, "[S]\nA=1\n"},
         {"delete an entry of a missing section", "[S]\nA=1\n", "T", "A", nullptr, "[S]\nA=1\n"},
         {"delete a section", ";x\n[S]\nA=1\n\n[T]\nB=2\n", "s", nullptr, nullptr, ";x\n[T]\nB=2\n"},
