@@ -78,7 +78,8 @@ int createFile(const char* path, std::uint32_t flags, int* descriptor) {
     if (opened < 0) {
         return errno;
     }
-    // Last of what can fail, so that a file is emptied only for a caller who gets its descriptor. Devices have no length.
+    // Last of what can fail, so that a file is emptied only for a caller who gets its descriptor. Devices have no
+    // length.
     if ((flags & OpenFlag::kTruncate) != 0 && ftruncate(opened, 0) != 0 && errno != EINVAL) {
         const int truncateError = errno;
         close(opened);

@@ -56,7 +56,7 @@ bool IniBackup::make(const std::string& file, std::string_view text) {
     return whole;
 }
 
-// Under the first name that nobody uses: "x~" may be an editor's backup, or the copy that an update left which was killed.
+// Under the first name that nobody uses: "x~" may be an editor's backup, or the copy of an update that was killed.
 int IniBackup::create(const std::string& file) {
     path_ = file + "~";
     int descriptor = -1;

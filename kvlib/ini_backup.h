@@ -1,5 +1,5 @@
-// The copy of an INI file's text that stands beside the file while the file is rewritten, for the person whose program or
-// machine ends in the middle. docs/ini-format.md tells its name and what can be lost.
+// The copy of an INI file's text that stands beside the file while the file is rewritten, for the person whose program
+// or machine ends in the middle. docs/ini-format.md tells its name and what can be lost.
 #pragma once
 
 #include <string>

@@ -3,8 +3,9 @@
 
 enum class Fault { kFails, kDescriptorIsClosed, kDiskIsGone, kKilled };
 
-// While it lives, the file call number `step` (from 0) meets the fault: it fails with EIO; or finds its descriptor closed;
-// or it and all after it but unlink fail; or the process is killed before it. Every write ends after a few bytes. For one thread at a time.
+// While it lives, the file call number `step` (from 0) meets the fault: it fails with EIO; or finds its descriptor
+// closed; or it and all after it but unlink fail; or the process is killed before it. Every write ends after a few
+// bytes. For one thread at a time.
 class SystemFault {
 public:
     SystemFault(Fault kind, int step);
