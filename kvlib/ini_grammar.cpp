@@ -74,11 +74,8 @@ public:
         : buffer_(buffer), size_(size), limit_(size < reserved ? 0 : size - reserved) {}
 
     bool isFull() const { return used_ >= limit_; }
-    void put(char c) {
-        if (!isFull()) {
-            buffer_[used_++] = c;
-        }
-    }
+    void put(std::string_view part) { used_ += part.copy(buffer_ + used_, limit_ - used_); }
+    void endName() { put(std::string_view("", 1)); }
     void finish(std::size_t zeros) {
         for (; zeros > 0 && used_ < size_; --zeros) {
             buffer_[used_++] = '\0';
@@ -167,10 +164,8 @@ std::size_t listIniSections(std::string_view text, char* buffer, std::size_t siz
     ListWriter list(buffer, size, 2);
     HeaderScan scan(text);
     while (!list.isFull() && scan.next()) {
-        for (const char c : scan.name()) {
-            list.put(c);
-        }
-        list.put('\0');
+        list.put(scan.name());
+        list.endName();
     }
     list.finish(list.endsName() ? 1 : 2);
     return list.used();
@@ -192,15 +187,19 @@ std::optional<std::size_t> listIniKeys(std::string_view text, const IniSection& 
             ++at;
         } else if (c == '=' || (lineBegins && isCommentMark(c))) {
             if (c == '=') {
-                list.put('\0');
+                list.endName();
             }
             at = find(text, '\n', at, section.end);
             lineBegins = false;
         } else {
             // Blanks before the "=" are kept, although a lookup ignores them.
-            list.put(c);
+            std::size_t end = at + 1;
+            while (end < section.end && text[end] != '\n' && text[end] != '=') {
+                ++end;
+            }
+            list.put(text.substr(at, end - at));
             lineBegins = false;
-            ++at;
+            at = end;
         }
     }
     list.finish(1);
