@@ -75,7 +75,7 @@ public:
 
     bool isFull() const { return used_ >= limit_; }
     void put(std::string_view part) { used_ += part.copy(buffer_ + used_, limit_ - used_); }
-    void endName() { put(std::string_view("", 1)); }
+    void endName() { put({"\0", 1}); }
     void finish(std::size_t zeros) {
         for (; zeros > 0 && used_ < size_; --zeros) {
             buffer_[used_++] = '\0';
