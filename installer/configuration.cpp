@@ -5,6 +5,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 
@@ -125,7 +126,8 @@ bool removeDataSource(const std::string& name) {
 }
 
 bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file) {
-    return SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
+    const bool fits = value == nullptr || key.size() + 1 + std::strlen(value) <= kLongestLine;
+    return fits && SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
 }
 
 std::vector<Attribute> readSection(const std::string& section, const std::string& file, const NameList& keys) {

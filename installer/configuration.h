@@ -72,7 +72,8 @@ NameList listDrivers();
 // then stands in SQLInstallerError.
 bool removeDataSource(const std::string& name);
 
-// Writes the value of one key; a null `value` deletes the key. False when the library refuses.
+// Writes the value of one key; a null `value` deletes the key. False when the library refuses, or when the line would be
+// longer than kLongestLine: what stood there stays.
 bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file);
 
 // Key and value of each line of `section`, in file order.

@@ -133,6 +133,10 @@ TEST_F(ConfigurationTest, WritingKeepsOneLineForAKeyWhateverItsCase) {
     EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"S", {"DRIVER={X}", "b=1"}}}));
     EXPECT_TRUE(installer::writeValue("S", "driver", nullptr, installer::kDataSourceFile));
     EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"S", {"b=1"}}}));
+    // Of a longer line the library would make two.
+    EXPECT_TRUE(installer::writeValue("S", "b", std::string(997, 'v').c_str(), installer::kDataSourceFile));
+    EXPECT_FALSE(installer::writeValue("S", "b", std::string(998, 'w').c_str(), installer::kDataSourceFile));
+    EXPECT_EQ(value("S", "b"), std::string(997, 'v'));
     EXPECT_TRUE(installer::sameName("PoRt", "port"));
     EXPECT_FALSE(installer::sameName("port", "ports"));
 }
