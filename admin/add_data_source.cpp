@@ -60,6 +60,9 @@ void finishFileDataSource(const char* attributes) {
     if (!setup.empty()) {
         callDynamic(setup.c_str(), kAddDataSource, driver.c_str(), attributes, kFileDataSource, path.c_str());
         showFileDsnDirectory(directory);
+    } else {
+        // A file that was to be overwritten is gone.
+        refreshFileDsnPage();
     }
 }
 
@@ -88,6 +91,12 @@ void finish(Widget /*widget*/, XtPointer attributes, XtPointer /*callData*/) {
 }
 
 void finishWithAttributes() {
+    if (CurrentDriver == nullptr) {
+        // A file without a driver is of no use, and nobody could make another in the place of one that is there.
+        XtUnmanageChild(DlgDriverPopup);
+        showError(Message::kDriverHasNoSetup);
+        return;
+    }
     if (!createArray(CurrentDriver, DsnInfo)) {
         return;
     }

@@ -5,4 +5,5 @@
 // to be verified, leaves it so. Otherwise the file serves a connection test and is deleted again; the driver makes it when
 // the person has seen the result, with the attributes. A file of that name that was there before is deleted then as well,
 // whatever the answer to the overwrite question would have been: the test is told to leave nothing behind under the name.
+// Without a driver nothing is written or deleted, and a report says so.
 void finishWithAttributes();

@@ -59,6 +59,9 @@ void Show_AdvancedOptionDialog(Widget /*widget*/, XtPointer /*clientData*/, XtPo
     guarded([] {
         if (AdvFDDialog != nullptr) {
             XtDestroyWidget(XtParent(AdvFDDialog));
+            // Its text goes with it, so there is none to use should the new dialog fail.
+            AdvFDDialog = nullptr;
+            TxtFDAdv = nullptr;
         }
         createAdvancedDialog();
         std::string text = "Driver={" + std::string(CurrentDriver != nullptr ? CurrentDriver : "") + "}";

@@ -103,7 +103,7 @@ void showSummary() {
     replaceText(FileDSNName, name.get());
     std::string summary = catalogText(Message::kSummaryFileName) + FileDSNName + "\n" +
                           catalogText(Message::kDriversTab) + ":" + (CurrentDriver != nullptr ? CurrentDriver : "");
-    if (IsAdvOptSet) {
+    if (IsAdvOptSet && TxtFDAdv != nullptr) {
         summary += takeAttributes();
     }
     XmTextSetString(TxtDSNInfo, summary.data());

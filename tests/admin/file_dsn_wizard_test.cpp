@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <sstream>
+#include <utility>
 
 #include "admin/advanced_dialog.h"
 #include "admin/driver_chooser.h"
@@ -196,6 +197,14 @@ TEST_F(FileDsnWizardTest, EachWayToFinish) {
         EXPECT_EQ(files.read("a.dsn"), test.file.empty() ? kMissing : test.file);
     }
     EXPECT_EQ(listed(), Rows{"a.dsn"});
+
+    // As after a report that memory ran out.
+    goToSummary(kTalker, "b", (driver + "\nUID=u").c_str(), "BtnAdvFDOK", false);
+    std::free(std::exchange(CurrentDriver, nullptr));
+    key(XK_Return);
+    expectReport(Message::kDriverHasNoSetup);
+    EXPECT_TRUE(wizardIsGone());
+    EXPECT_EQ(files.read("b.dsn"), kMissing);
 }
 
 TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
@@ -220,6 +229,13 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     answer("OK");
     EXPECT_EQ(calls(), call(1, "Talker", path_));
     EXPECT_EQ(files.read("a.dsn"), kMissing);
+    EXPECT_NE(listed(), Rows{"a.dsn"});
+    files.write("a.dsn", before);
+    refreshFileDsnPage();
+    goToSummary(kPlain, "a");
+    key(XK_Return);
+    answer("OK");
+    expectReport(Message::kDriverHasNoSetup);
     EXPECT_NE(listed(), Rows{"a.dsn"});
 
     // With verification the file that was there is gone before the person answers.
