@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <new>
 #include <string>
 #include <string_view>
@@ -54,16 +55,40 @@ void append(KvString& string, const std::string& text) {
     }
 }
 
-// True only when nothing is there: what can't be looked at may be a file that somebody needs.
+// True only when nothing is there: what can't be looked at may be a file that somebody needs. A link that leads nowhere is
+// there too: writing would make the file that it names, and deleting would leave that behind.
 bool isFree(const char* path) {
     const PrivateErrorList errors;
+    std::error_code ignored;
     return bosFileDateSize(path, nullptr, nullptr) != 0 &&
-           KvErrorKeeper::getLastErrorNumber() == LibraryMessage::kFileNotFound;
+           KvErrorKeeper::getLastErrorNumber() == LibraryMessage::kFileNotFound &&
+           !std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
+}
+
+// The installer library would look for a relative path in the system's folder of file data sources, and write there.
+std::string absolutePath(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
+    return failure ? path : absolute.lexically_normal().string();
+}
+
+// The library reads keys and values so; but a key with a blank that is there already it would write a second time.
+std::string withoutBlanks(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(" \t\r");
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r") + 1 - first);
+}
+
+// Whether the file holds the attribute, cut at most where the line is full.
+bool isStored(const std::string& path, const installer::Attribute& attribute) {
+    const std::string stored = installer::readValue(installer::kFileDsnSection, attribute.key, path);
+    return stored == attribute.value ||
+           (attribute.value.starts_with(stored) && attribute.key.size() + 1 + stored.size() >= installer::kLongestLine);
 }
 
 }  // namespace
 
 void getFileDSNDefaultDir(char* buffer) {
+    installer::forgetCachedValues();
     // One byte is left for the slash.
     constexpr std::size_t kSize = kFileDsnNameSize - 1;
     std::string directory = installer::readValue("ODBC FILE DSN", "DefaultDSNDir", installer::kDataSourceFile, kSize);
@@ -92,6 +117,9 @@ bool setFullPath() {
         char directory[kFileDsnNameSize];
         getFileDSNDefaultDir(directory);
         path = directory + path;
+        if (!path.starts_with('/')) {
+            path = absolutePath(path);
+        }
     }
     path = installer::withFileDsnExtension(path);
     if (path.size() >= kFileDsnNameSize) {
@@ -154,7 +182,7 @@ bool createArray(const char* driver, const char* attributeText) {
     append(TempStr, ";DRIVER={");
     append(TempStr, driver != nullptr ? driver : "");
     append(TempStr, "};");
-    const std::vector<std::string> lines = split(attributeText, '\n');
+    const std::vector<std::string> lines = split(attributeText != nullptr ? attributeText : "", '\n');
     // A first line that names the driver again belongs to a text that was not cut from its own first line, and none of it is
     // used then, whatever the other lines say.
     if (lines.empty() || containsText(lines.front(), "Driver")) {
@@ -197,7 +225,13 @@ void writeDsnToFile(const char* connectionString) {
         return;
     }
     const std::string path = FileDSNName;
-    installer::writeFileDsnValue(path, "Driver", CurrentDriver != nullptr ? CurrentDriver : "");
+    std::vector<installer::Attribute> written;
+    const auto write = [&](const std::string& key, const std::string& value) {
+        installer::writeFileDsnValue(path, key, value.c_str());
+        std::erase_if(written, [&key](const installer::Attribute& old) { return installer::sameName(old.key, key); });
+        written.push_back({key, value});
+    };
+    write("Driver", CurrentDriver != nullptr ? CurrentDriver : "");
     for (const std::string& item : split(connectionString, ';')) {
         // No item is both. So the path and the braced name of the driver are written too, as files that the administrator
         // made always had them, and the driver's key takes the spelling and the braces of the second writing.
@@ -206,9 +240,13 @@ void writeDsnToFile(const char* connectionString) {
         }
         const std::size_t equals = item.find('=');
         if (equals != std::string::npos && equals == item.rfind('=')) {
-            installer::writeFileDsnValue(path, item.substr(0, equals).substr(0, kKeySize - 1),
-                                         item.substr(equals + 1).substr(0, kValueSize - 1).c_str());
+            write(withoutBlanks(item.substr(0, equals).substr(0, kKeySize - 1)),
+                  withoutBlanks(item.substr(equals + 1).substr(0, kValueSize - 1)));
         }
+    }
+    if (!std::all_of(written.begin(), written.end(),
+                     [&path](const auto& attribute) { return isStored(path, attribute); })) {
+        showError(Message::kFileIncomplete);
     }
 }
 

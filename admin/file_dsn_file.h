@@ -6,7 +6,7 @@
 #include <Xm/Xm.h>
 
 // Fills `buffer`, of kFileDsnNameSize bytes, with the directory of file data sources, "/" at its end: as it was set by the user,
-// else the install directory, else the home directory, else "./".
+// else the install directory, else the home directory, else "./", where the program was started.
 void getFileDSNDefaultDir(char* buffer);
 
 // Completes FileDSNName to a full path ending in ".dsn". False, with FileDSNName unchanged, when there is none or the path
@@ -24,14 +24,15 @@ void overwriteFileDSN(Widget widget, XtPointer path, XtPointer callData);
 void openSaveAsControl(Widget widget, XtPointer clientData, XtPointer callData);
 
 // Builds the connection string in TempStr from the file data source's full path, the driver's name (null means "") and the
-// typed attributes, one key=value on a line. False, after an error dialog, when there is no full path.
+// typed attributes, one key=value on a line (null means ""). False, after an error dialog, when there is no full path.
 bool createArray(const char* driver, const char* attributeText);
 
 // Makes `*list`, from malloc, an attribute list of the items in TempStr; null when there are none.
 void getAdvancedArgumentString(char** list);
 
 // Writes the driver and the items of the connection string to the file FileDSNName; nothing unless checkPerm() allows it.
-// What the installer library says of each key is not looked at: the connection test tells whether the file works.
+// What the installer library says of each key is not looked at, since it does not notice a full disk: the file is read
+// again, and an error dialog tells when something is missing.
 void writeDsnToFile(const char* connectionString);
 
 // Deletes the file. False when it could not be deleted.

@@ -3,6 +3,7 @@
 #include <Xm/FileSB.h>
 #include <Xm/List.h>
 #include <Xm/TextF.h>
+#include <unistd.h>
 
 #include <new>
 
@@ -12,7 +13,6 @@
 #include "admin/flow.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
-#include "bos/file.h"
 #include "installer/configuration.h"
 #include "installer/file_dsn.h"
 #include "motifutil/widgets.h"
@@ -103,7 +103,7 @@ Widget createFileSelection(Widget parent) {
 void configure(const std::string& path) {
     installer::forgetCachedValues();
     // A name without a directory would mean a file of the installer library's own folder.
-    if (!path.starts_with('/') || bosexist(path.c_str()) == 0) {
+    if (!path.starts_with('/') || access(path.c_str(), R_OK) != 0) {
         refreshFileDsnPage();
         showError(Message::kFileDsnUnreadable);
         return;

@@ -75,6 +75,7 @@ enum Number : std::uint32_t {
     kFileNameTooLong = 9085,
     kFileDsnUnreadable = 9055,
     kNoFileDsns = 9056,
+    kFileIncomplete = 9037,
 
     // Driver chooser and File DSN wizard.
     kChooserTitle = 9025,

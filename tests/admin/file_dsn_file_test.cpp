@@ -1,9 +1,14 @@
 #include "tests/support/window_test.h"
 // Before this line nothing of X11.
+#include <unistd.h>
+
+#include <filesystem>
+
 #include "admin/file_dsn_file.h"
 #include "admin/globals.h"
 #include "admin/test_connect.h"
 #include "installer/configuration.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/scoped_environment.h"
 
 using namespace std::string_literals;
@@ -37,7 +42,6 @@ TEST_F(FileDsnFileTest, TheDefaultDirectoryComesFromTheFirstSourceThatKnowsIt) {
                              Case{"", longHome.c_str(), longHome.substr(0, 1022) + "/"}}) {
         files.write(OdbcFiles::kUser, test.file);
         home_.set("HOME", test.home);
-        installer::forgetCachedValues();
         char buffer[kFileDsnNameSize];
         getFileDSNDefaultDir(buffer);
         EXPECT_EQ(buffer, test.directory);
@@ -49,6 +53,8 @@ TEST_F(FileDsnFileTest, NamesBecomeFullPathsThatFit) {
     EXPECT_EQ(fullPath("/tmp/a.dsn"), "/tmp/a.dsn");
     EXPECT_EQ(fullPath("/tmp/a.txt"), "/tmp/a.txt.dsn");
     EXPECT_EQ(fullPath("/tmp/a.DSN"), "/tmp/a.DSN.dsn");
+    home_.set("HOME", "");
+    EXPECT_EQ(fullPath("a"), std::filesystem::current_path() / "a.dsn");
     EXPECT_EQ(fullPath("/" + std::string(1018, 'n')).size(), 1023U);
     EXPECT_EQ(fullPath("/" + std::string(1019, 'n')), "(none)");
     const std::string tooLong = FileDSNName;
@@ -71,6 +77,7 @@ TEST_F(FileDsnFileTest, TypedAttributesBecomeAConnectionStringAndAList) {
     // One line that names the driver first, and nothing counts.
     EXPECT_EQ(connectionString("\nmydriveroption=1\nUID=u"), begin);
     EXPECT_EQ(connectionString(""), begin);
+    EXPECT_TRUE(createArray("X", nullptr));
 
     TempStr.unInitialize();
     EXPECT_EQ(TempStr.initialize("A="), 0);
@@ -87,7 +94,8 @@ TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
     replaceText(FileDSNName, files.path("a").c_str());
     const std::string path = files.path("a.dsn");
     const std::string longKey(200, 'k');
-    EXPECT_TRUE(createArray("X", ("UID=t\nUID=u\nA=b=c\n" + longKey + "=1\nLong=" + std::string(2000, 'v')).c_str()));
+    EXPECT_TRUE(
+        createArray("X", ("UID=t\nUID = u \nA=b=c\n" + longKey + "=1\nLong=" + std::string(2000, 'v')).c_str()));
     writeDsnToFile(std::string(TempStr.view()).c_str());
     EXPECT_EQ(files.read("a.dsn"), "[ODBC]\nDRIVER={X}\nFILEDSN=" + path + "\nUID=u\n" + longKey.substr(0, 127) +
                                        "=1\nLong=" + std::string(994, 'v') + "\n\n");
@@ -95,6 +103,13 @@ TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
     EXPECT_EQ(installer::readValue("ODBC", "UID", path), "u");
     EXPECT_TRUE(deleteFileDSN(path.c_str()));
     EXPECT_FALSE(deleteFileDSN(path.c_str()));
+    EXPECT_EQ(dialog, nullptr);
+    {
+        const FullDisk disk(path.size() + 30);
+        writeDsnToFile(("FILEDSN=" + path + ";DRIVER={X};UID=user").c_str());
+    }
+    expectReport(Message::kFileIncomplete);
+    remove(path.c_str());
 
     // Nothing is written over what is there, be it a directory, or where nothing can be written.
     replaceText(FileDSNName, "/proc/none/a");
@@ -105,6 +120,13 @@ TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
     EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
     answer("OK");
     expectReport(Message::kOverwriteFailed);
+
+    // Nor where a link leads that has nothing at its end.
+    ASSERT_EQ(symlink("nothing", path.c_str()), 0);
+    replaceText(FileDSNName, path.c_str());
+    writeDsnToFile("UID=u");
+    EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
+    EXPECT_FALSE(std::filesystem::exists(files.path("nothing")));
 }
 
 TEST_F(FileDsnFileTest, AConnectionTestTellsEveryRecordAndKeepsTheLast) {
