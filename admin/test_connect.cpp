@@ -33,7 +33,8 @@ int TestConnect::testConnect() {
     if (testInit() == 0) {
         return 0;
     }
-    SQLCHAR completed[1024];
+    // The driver manager reads it, also when the driver has left it alone.
+    SQLCHAR completed[1024] = {};
     char nothing[] = "";
     char* text = connectionString_ != nullptr ? connectionString_ : nothing;
     const SQLRETURN result =
