@@ -197,10 +197,12 @@ TEST_F(ProgramTest, TraceSettingsThatWereAppliedStayAndTheNextProgramReadsThem) 
         return waitUntil([&] { return files.userSections() == stored; });
     };
     start();
+    const std::size_t partsAtFirst = person().parts(window).size();
     // From OK to the tabs, along them to the fourth, and to the first control below them.
     for (const KeySym symbol : {XK_Tab, XK_Tab, XK_Tab, XK_Right, XK_Right, XK_Right, XK_space}) {
         person().key(symbol);
     }
+    EXPECT_TRUE(waitUntil([&] { return person().parts(window).size() != partsAtFirst; }));
     const std::vector<Place> parts = person().parts(window);
     const Place toggle = *std::find_if(parts.begin(), parts.end(), [&parts](const Place& part) {
         return part.y > parts.front().y + parts.front().height;
