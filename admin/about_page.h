@@ -14,8 +14,8 @@ extern Widget LstAbtFile;
 // Builds the page, unmanaged; its tab belongs to the main window.
 Widget createAboutForm(Widget notebook);
 
-// Fills the four rows: this program, and what each of the three libraries says of itself. A library that is not found has
-// an empty version.
+// Fills the four rows: this program, and what each of the three libraries says of itself. A library that is not found
+// has an empty version.
 void populateAboutTab();
 
 // Places the lists and headers of the page, which are always the same, side by side by the lists' widths.

@@ -61,8 +61,8 @@ int scrolledSideways(Widget list) {
     return value;
 }
 
-// Places the lists side by side and gives the forms around lists and headers the size of what is in them. Left alone, a form
-// in a scrolled window grows with its children but does not shrink with them.
+// Places the lists side by side and gives the forms around lists and headers the size of what is in them. Left alone, a
+// form in a scrolled window grows with its children but does not shrink with them.
 void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) {
     int start = 0;
     Dimension height = 0;

@@ -20,8 +20,8 @@ Widget createHeaderWindow(Widget parent, const char* name);
 void setEmptySize(Widget list, Dimension width, Dimension height);
 
 // Makes each column as wide as its header and its rows ask for, and the last one wide enough to fill what the scrolled
-// window around the lists shows, then places lists and headers side by side. Call it when rows changed or when the window
-// was resized.
+// window around the lists shows, then places lists and headers side by side. Call it when rows changed or when the
+// window was resized.
 void fitColumns(const std::vector<Column>& columns, Widget scrolledWindow);
 
 // Places lists and headers side by side by the lists' present widths.
@@ -30,16 +30,16 @@ void placeColumns(const std::vector<Column>& columns);
 // Moves the headers left by `scrolled` pixels, so that they stand above the columns of lists scrolled by as much.
 void scrollHeaders(const std::vector<Column>& columns, int scrolled);
 
-// Scrolls the window around a list as far as it takes to show the row at `position`, from 1. The lists are as long as they
-// have rows, so they can't do it themselves when the selection is moved by the keyboard.
+// Scrolls the window around a list as far as it takes to show the row at `position`, from 1. The lists are as long as
+// they have rows, so they can't do it themselves when the selection is moved by the keyboard.
 void revealRow(Widget list, int position, Widget scrolledWindow);
 
-// Calls `scrolled` for every way in which the horizontal scroll bar of the window around the lists moves, and `fit` whenever
-// that window got another size; lets the mouse wheel scroll it.
+// Calls `scrolled` for every way in which the horizontal scroll bar of the window around the lists moves, and `fit`
+// whenever that window got another size; lets the mouse wheel scroll it.
 void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtCallbackProc scrolled, void (*fit)());
 
-// The parts of a page that shows a table, from top to bottom. `heading` may be null, and there may be no `buttons`; they
-// stand in a column on the right.
+// The parts of a page that shows a table, from top to bottom. `heading` may be null, and there may be no `buttons`;
+// they stand in a column on the right.
 struct TablePage {
     Widget form;
     Widget heading;

@@ -8,8 +8,8 @@
 
 #include "catalogs/message_numbers.h"
 
-// A message box on the main window, unmanaged; kinds as in motifutil/message_dialog.h. `cancelLabel` is "" for a box with
-// one button. Callers store it in `Mdialog`.
+// A message box on the main window, unmanaged; kinds as in motifutil/message_dialog.h. `cancelLabel` is "" for a box
+// with one button. Callers store it in `Mdialog`.
 Widget createMessageDialogAdmin(short kind, const char* message, const char* okLabel, const char* cancelLabel,
                                 const char* title);
 
@@ -19,8 +19,8 @@ void showError(Message::Number text);
 // The same with another label of the button, or another title.
 void showError(Message::Number text, Message::Number okLabel, Message::Number title);
 
-// The boxes that carry on what was begun, kept in `Mdialog`. Their callbacks get a copy of `subject` (a char*, terminated; null
-// when it is empty), which belongs to the box and goes with it, answered or replaced.
+// The boxes that carry on what was begun, kept in `Mdialog`. Their callbacks get a copy of `subject` (a char*,
+// terminated; null when it is empty), which belongs to the box and goes with it, answered or replaced.
 //
 // A question, titled as the program; `accepted` is called when the person agrees, `declined`, when not null, otherwise.
 void askQuestion(const std::string& question, const std::string& subject, XtCallbackProc accepted,
@@ -49,8 +49,8 @@ void guarded(Work work) {
 void showODBCINSTError();
 
 // Reports that the data source file could not be read; the program ends when the person has seen it. Unlike the driver
-// file it is what the program is there to edit: going on with half of it read could lose the other half. Of several reports
-// that are raised while the window is being built the last one alone is seen, so there this one can be missed.
+// file it is what the program is there to edit: going on with half of it read could lose the other half. Of several
+// reports that are raised while the window is being built the last one alone is seen, so there this one can be missed.
 void showODBCINIError();
 
 // The buttons of the main window that end the program or keep its settings.

@@ -55,8 +55,8 @@ void append(KvString& string, const std::string& text) {
     }
 }
 
-// True only when nothing is there: what can't be looked at may be a file that somebody needs. A link that leads nowhere is
-// there too: writing would make the file that it names, and deleting would leave that behind.
+// True only when nothing is there: what can't be looked at may be a file that somebody needs. A link that leads nowhere
+// is there too: writing would make the file that it names, and deleting would leave that behind.
 bool isFree(const char* path) {
     const PrivateErrorList errors;
     std::error_code ignored;
@@ -183,8 +183,8 @@ bool createArray(const char* driver, const char* attributeText) {
     append(TempStr, driver != nullptr ? driver : "");
     append(TempStr, "};");
     const std::vector<std::string> lines = split(attributeText != nullptr ? attributeText : "", '\n');
-    // A first line that names the driver again belongs to a text that was not cut from its own first line, and none of it is
-    // used then, whatever the other lines say.
+    // A first line that names the driver again belongs to a text that was not cut from its own first line, and none of
+    // it is used then, whatever the other lines say.
     if (lines.empty() || containsText(lines.front(), "Driver")) {
         return true;
     }
@@ -233,8 +233,9 @@ void writeDsnToFile(const char* connectionString) {
     };
     write("Driver", CurrentDriver != nullptr ? CurrentDriver : "");
     for (const std::string& item : split(connectionString, ';')) {
-        // No item is both. So the path and the braced name of the driver are written too, as files that the administrator
-        // made always had them, and the driver's key takes the spelling and the braces of the second writing.
+        // No item is both. So the path and the braced name of the driver are written too, as files that the
+        // administrator made always had them, and the driver's key takes the spelling and the braces of the second
+        // writing.
         if (containsText(item, "FILEDSN") && strncasecmp(item.c_str(), "Driver", 6) == 0) {
             continue;
         }

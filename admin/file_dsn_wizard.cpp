@@ -88,8 +88,8 @@ std::string takeAttributes() {
         DsnInfo = firstEnd + 1;
         IsEntriesmodified = true;
     }
-    // A text that names no driver is shown and not used: without the line that the dialog begins with it is not known to be
-    // meant for this driver.
+    // A text that names no driver is shown and not used: without the line that the dialog begins with it is not known
+    // to be meant for this driver.
     return catalogText(Message::kSummaryAttributes) + DsnInfo;
 }
 

@@ -1,5 +1,5 @@
-// The File DSN wizard: the dialog for a new data source. For a file data source it leads through three screens: the driver,
-// the file name, a summary; for a user data source it shows the first alone. GUI thread only.
+// The File DSN wizard: the dialog for a new data source. For a file data source it leads through three screens: the
+// driver, the file name, a summary; for a user data source it shows the first alone. GUI thread only.
 #pragma once
 
 #include <Xm/Xm.h>

@@ -10,9 +10,9 @@ void addDsn(short kind);
 // The wizard's button that leads on: to the next screen, or to finish().
 void Wizard_Next(Widget widget, XtPointer clientData, XtPointer callData);
 
-// Completes the adding of a data source with the driver chosen: calls the driver's setup library and refreshes the page.
-// `attributes` is null or, for a file data source, an attribute list (const char*). A callback too: the OK of the box that
-// tells the result of a connection test.
+// Completes the adding of a data source with the driver chosen: calls the driver's setup library and refreshes the
+// page. `attributes` is null or, for a file data source, an attribute list (const char*). A callback too: the OK of the
+// box that tells the result of a connection test.
 void finish(Widget widget, XtPointer attributes, XtPointer callData = nullptr);
 
 // What a name chosen in the file dialog is for: the wizard's field, or the file that is being made.

@@ -21,8 +21,8 @@ extern unsigned char CurrentSelectedTab;
 // The file selection dialog of the File DSN page.
 extern Widget Fdialog;
 
-// The driver chosen in the driver chooser, and the file name of the file data source being made or handled: as it was typed,
-// later a full path. Null until there is one; from malloc, freed by freeGlobals().
+// The driver chosen in the driver chooser, and the file name of the file data source being made or handled: as it was
+// typed, later a full path. Null until there is one; from malloc, freed by freeGlobals().
 extern char* CurrentDriver;
 extern char* FileDSNName;
 // The size of the buffer of a full path.

@@ -8,16 +8,16 @@
 #include <string>
 #include <vector>
 
-// Fills a list with `count` rows; an empty or null row is shown as one blank, so that it can be selected. As many rows are
-// visible as there are: the scrolled window around the list scrolls, not the list.
+// Fills a list with `count` rows; an empty or null row is shown as one blank, so that it can be selected. As many rows
+// are visible as there are: the scrolled window around the list scrolls, not the list.
 void populateList(Widget list, char** strings, int count);
 
 // The same for rows in fixed buffers; an empty row stays an empty item.
 using FixedRow = std::array<char, 1024>;
 void populateList(Widget list, const FixedRow* rows, int count);
 
-// Frees every non-null element (from malloc), then the array itself. A null array is ignored; with a count of zero or less
-// only the array is freed.
+// Frees every non-null element (from malloc), then the array itself. A null array is ignored; with a count of zero or
+// less only the array is freed.
 void FreeListMemory(char** strings, int count);
 
 // Sorts in place, ascending, without regard to case, by exchanging: each position is compared with every later one. The
@@ -45,8 +45,8 @@ std::optional<int> selectedRow(Widget list);
 // The text of the row at `position`, from 1; empty when there is no such row.
 std::string rowText(Widget list, int position);
 
-// Whether a default action callback tells of a double click. Return in a list calls it too, and then presses the default
-// button of the window: that alone is what the key is for.
+// Whether a default action callback tells of a double click. Return in a list calls it too, and then presses the
+// default button of the window: that alone is what the key is for.
 bool isDoubleClick(XtPointer callData);
 
 // Deletes the row at `position`, from 1, and shows one row less.

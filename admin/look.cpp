@@ -2,8 +2,8 @@
 
 namespace {
 
-// All begin with "*": the display is opened without an application class. Selected rows are light, because Xft text in a
-// list keeps its ink when it is selected.
+// All begin with "*": the display is opened without an application class. Selected rows are light, because Xft text in
+// a list keeps its ink when it is selected.
 const char* const kFallbackResources[] = {
     "*renderTable: uif",
     "*uif.fontType: FONT_IS_XFT",

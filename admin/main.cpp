@@ -15,8 +15,8 @@
 
 namespace {
 
-// Says that no texts were found. Its own text is built in, since it reports that there is no catalog; the program ends when
-// it is acknowledged.
+// Says that no texts were found. Its own text is built in, since it reports that there is no catalog; the program ends
+// when it is acknowledged.
 void showMissingCatalog() {
     Mdialog = createMessageDialogAdmin(kErrorDialog,
                                        "Unable to find the ODBC Administrator Message Files.  Please verify the "

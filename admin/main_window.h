@@ -13,8 +13,8 @@ extern Widget TbFileDSN;
 extern Widget TbDrivers;
 extern Widget TbAbout;
 
-// Builds the window, unrealised, and fills its pages. `appName`, `argc` and `argv` are those of the program; the X Toolkit
-// takes its options out of the arguments.
+// Builds the window, unrealised, and fills its pages. `appName`, `argc` and `argv` are those of the program; the X
+// Toolkit takes its options out of the arguments.
 void create_shODBCAdmin(Display* connection, char* appName, int argc, char** argv);
 
 // Remembers the page in front; `tabCode` is its tab's code.

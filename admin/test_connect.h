@@ -24,8 +24,8 @@ public:
     TestConnect(const TestConnect&) = delete;
     TestConnect& operator=(const TestConnect&) = delete;
 
-    // 1 when a connection was made and closed. Otherwise 0: the driver's diagnostics have gone to the console, record by
-    // record, or isUnanswered() when the person left the driver's prompt.
+    // 1 when a connection was made and closed. Otherwise 0: the driver's diagnostics have gone to the console, record
+    // by record, or isUnanswered() when the person left the driver's prompt.
     int testConnect();
 
     // The steps of testConnect(): handles made, handles freed (1, or 0 after SQL_ERROR), diagnostics reported.

@@ -150,8 +150,8 @@ void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) 
             ShODBCAdmin, "traceFileDialog",
             catalogText(isLibrary(kind) ? Message::kChooseTraceLibraryTitle : Message::kChooseTraceFileTitle),
             arguments);
-        // Only an empty field presets the box, which then begins without a name; over a name that stands in the field the
-        // dialog begins where it was started, as it always has.
+        // Only an empty field presets the box, which then begins without a name; over a name that stands in the field
+        // the dialog begins where it was started, as it always has.
         if (textOf(fieldOf(kind)).empty()) {
             const XmStringPtr nothing = compoundString("");
             XtVaSetValues(box, XmNdirSpec, nothing.get(), nullptr);

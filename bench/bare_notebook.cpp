@@ -1,4 +1,5 @@
-// A window with a notebook of five empty pages: what any Motif program of this kind has to do before it does anything else.
+// A window with a notebook of five empty pages: what any Motif program of this kind has to do before it does anything
+// else.
 #include <Xm/Form.h>
 #include <Xm/Notebook.h>
 #include <Xm/PushB.h>

@@ -1,5 +1,5 @@
-// The time from the start of the program to its mapped, filled window, on an X server of its own. Its pages are filled before
-// the window is mapped, so the mapped window is the filled one.
+// The time from the start of the program to its mapped, filled window, on an X server of its own. Its pages are filled
+// before the window is mapped, so the mapped window is the filled one.
 #include <benchmark/benchmark.h>
 
 #include "tests/support/x_display.h"

@@ -1,5 +1,5 @@
-// Identifies unixODBC's cursor library, which tells no version at run time: it is the one that was installed when this was
-// built.
+// Identifies unixODBC's cursor library, which tells no version at run time: it is the one that was installed when this
+// was built.
 #include "components/identification.h"
 
 std::string componentVersion() {

@@ -1,5 +1,5 @@
-// The product's PostgreSQL driver: a thin library that depends on Debian's (psqlodbcw.so), adds the identification functions,
-// and describes the driver's settings, which that driver can't do itself.
+// The product's PostgreSQL driver: a thin library that depends on Debian's (psqlodbcw.so), adds the identification
+// functions, and describes the driver's settings, which that driver can't do itself.
 #include <odbcinstext.h>
 
 #include <cstdlib>
@@ -62,8 +62,8 @@ constexpr Setting kSettings[] = {
     {"CommLog", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 writes a log of what the server is sent."},
 };
 
-// Copies the choices into one block that the installer library frees with free(). The texts stay ours: it frees the array
-// alone.
+// Copies the choices into one block that the installer library frees with free(). The texts stay ours: it frees the
+// array alone.
 char** copyChoices(const char* const* choices) {
     std::size_t count = 1;
     while (choices[count - 1] != nullptr) {
@@ -99,8 +99,8 @@ std::string componentVersion() {
     return kProductVersion;
 }
 
-// Appends the driver's settings to the list that ends with `lastProperty` (odbcinstext.h). Returns 1, or 0 when memory ran
-// out; the list is whole as far as it goes.
+// Appends the driver's settings to the list that ends with `lastProperty` (odbcinstext.h). Returns 1, or 0 when memory
+// ran out; the list is whole as far as it goes.
 extern "C" __attribute__((visibility("default"))) int ODBCINSTGetProperties(HODBCINSTPROPERTY lastProperty) {
     for (const Setting& setting : kSettings) {
         lastProperty = append(lastProperty, setting);

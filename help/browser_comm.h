@@ -1,5 +1,5 @@
-// From a URL to a browser that shows it: a running one is asked, and otherwise one is started. All functions return 0, or -1
-// on failure, before the layer is started and for null arguments; nothing is reported. GUI thread only.
+// From a URL to a browser that shows it: a running one is asked, and otherwise one is started. All functions return 0,
+// or -1 on failure, before the layer is started and for null arguments; nothing is reported. GUI thread only.
 #pragma once
 
 #include <cstddef>

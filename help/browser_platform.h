@@ -1,6 +1,6 @@
 // Browsers on this platform: finding one on the disk, starting it, and asking a running one by window properties
-// (docs/browser-remote-control.md). All functions return 0, or -1 on failure, and report nothing. GUI thread only: while a
-// browser is asked, the caller waits for its answer without a time-out.
+// (docs/browser-remote-control.md). All functions return 0, or -1 on failure, and report nothing. GUI thread only:
+// while a browser is asked, the caller waits for its answer without a time-out.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,8 @@
 int WWHelp_Platform_Startup();
 int WWHelp_Platform_Shutdown();
 
-// Finds the browser: the directories of PATH in their order, in each the known names in theirs, then known places. Runs it
-// once with the argument "-remote" and waits for it. -1 when there is none.
+// Finds the browser: the directories of PATH in their order, in each the known names in theirs, then known places. Runs
+// it once with the argument "-remote" and waits for it. -1 when there is none.
 int WWHelp_Platform_SetDefaultBrowserInfo(WWHelp_BrowserInfo* info);
 
 // 0 when the browser can be asked and one of its windows is on the display.
@@ -26,7 +26,7 @@ int WWHelp_Platform_LaunchWithURL(WWHelp_BrowserInfo* info, const char* url, std
 // 0 when something is at `path`. The execute permission is not looked at: what can't be run fails when it is started.
 int private_WWHelp_Platform_FileIsExecutable(const char* path);
 
-// Runs `file` with the arguments that follow, up to a null, its standard output on /dev/null. With `wait` non-zero waits for
-// it and returns 0 only when it ended with status 0 and wrote nothing to standard error; otherwise returns 0 once the process
-// was made. The temporary file for standard error stays behind when nobody waits.
+// Runs `file` with the arguments that follow, up to a null, its standard output on /dev/null. With `wait` non-zero
+// waits for it and returns 0 only when it ended with status 0 and wrote nothing to standard error; otherwise returns 0
+// once the process was made. The temporary file for standard error stays behind when nobody waits.
 int private_WWHelp_Platform_Command(int wait, const char* file, ...);

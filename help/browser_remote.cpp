@@ -1,4 +1,5 @@
-// The remote control of a running browser by properties of its window. docs/browser-remote-control.md tells the protocol.
+// The remote control of a running browser by properties of its window. docs/browser-remote-control.md tells the
+// protocol.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xmu/WinUtil.h>
@@ -21,9 +22,9 @@ struct XDeleter {
     void operator()(unsigned char* data) const { XFree(data); }
 };
 
-// A connection of its own to the display of the environment. While it lives, X errors are passed over: the browser's window
-// can go away between any two requests, and Xlib's own handler would end the process. A failed request then shows as a
-// missing property.
+// A connection of its own to the display of the environment. While it lives, X errors are passed over: the browser's
+// window can go away between any two requests, and Xlib's own handler would end the process. A failed request then
+// shows as a missing property.
 class BrowserDisplay {
 public:
     BrowserDisplay() : display_(XOpenDisplay("")), handlerBefore_(XSetErrorHandler(passOver)) {}
@@ -153,8 +154,8 @@ void unlockWindow(Display* display, Window window, Atom lock, std::string_view s
     XSync(display, False);
 }
 
-// Writes the command and waits for the browser's verdict: "1.." says that it is at work, "200" that it is done, anything else
-// that it is not willing.
+// Writes the command and waits for the browser's verdict: "1.." says that it is at work, "200" that it is done,
+// anything else that it is not willing.
 bool sendCommand(Display* display, Window window, const Atoms& atoms, const std::string& command) {
     XEvent event;
     // Answers from before our lock were for other controllers.

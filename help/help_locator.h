@@ -3,12 +3,13 @@
 
 #include <cstddef>
 
-// Shows a topic of the book whose root directory stands under "HelpRootDirectory" in the book's section of "ODBCINST.INI".
-// Without a root a line on standard output says so; a browser that can't be found or started is passed over in silence.
+// Shows a topic of the book whose root directory stands under "HelpRootDirectory" in the book's section of
+// "ODBCINST.INI". Without a root a line on standard output says so; a browser that can't be found or started is passed
+// over in silence.
 void kvDisplayHelp(const unsigned char* book, const unsigned char* topic);
 
-// Copies the root URL of a book, "File:///" and the directory as it is configured, into `*rootUrl`, a buffer of `size` bytes,
-// cut where it does not fit. Returns 0, or 1 when the book has no root.
+// Copies the root URL of a book, "File:///" and the directory as it is configured, into `*rootUrl`, a buffer of `size`
+// bytes, cut where it does not fit. Returns 0, or 1 when the book has no root.
 int kvFindHelpRoot(const unsigned char* book, unsigned char** rootUrl, std::size_t size);
 
 // Shows a topic of the help tree in `directory`. Returns what WWHelp_Shutdown() does.

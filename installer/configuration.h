@@ -1,6 +1,6 @@
 // The one place that calls the ODBC installer library to read and change the configuration of data sources and drivers.
-// It knows what the library leaves to its callers: lists that are cut without a word, negative lengths, values cached for
-// seconds, names left behind by a removal. GUI thread only: the installer library keeps process-wide state.
+// It knows what the library leaves to its callers: lists that are cut without a word, negative lengths, values cached
+// for seconds, names left behind by a removal. GUI thread only: the installer library keeps process-wide state.
 #pragma once
 
 #include <cstddef>
@@ -48,9 +48,9 @@ private:
     unsigned short modeBefore_;
 };
 
-// Keeps the memory that one read took for the next. The library builds the whole file in memory for each value that it is
-// asked for, some 13 MB for 1,000 data sources; given back to the system after each value, that is most of the time that a
-// long list takes to fill. For the whole process, so only for programs: call it once at start-up (mallopt(3)).
+// Keeps the memory that one read took for the next. The library builds the whole file in memory for each value that it
+// is asked for, some 13 MB for 1,000 data sources; given back to the system after each value, that is most of the time
+// that a long list takes to fill. For the whole process, so only for programs: call it once at start-up (mallopt(3)).
 void keepMemoryBetweenReads();
 
 // Makes the next reads look into the files again: the library answers from a cache that outlives other programs' edits
@@ -72,8 +72,8 @@ NameList listDrivers();
 // then stands in SQLInstallerError.
 bool removeDataSource(const std::string& name);
 
-// Writes the value of one key; a null `value` deletes the key. False when the library refuses, or when the line would be
-// longer than kLongestLine: what stood there stays.
+// Writes the value of one key; a null `value` deletes the key. False when the library refuses, or when the line would
+// be longer than kLongestLine: what stood there stays.
 bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file);
 
 // Key and value of each line of `section`, in file order.
@@ -93,8 +93,9 @@ std::vector<Attribute> parseAttributeList(const char* list);
 // Whether a data source may have this name (SQLValidDSN): its length and characters.
 bool isValidDataSourceName(const std::string& name);
 
-// Leaves an error for the installer library's caller to find in SQLInstallerError (SQLPostInstallerError). `code` is one of
-// the ODBC_ERROR codes. An empty text would be dropped with its code. Most calls of this header empty the list again.
+// Leaves an error for the installer library's caller to find in SQLInstallerError (SQLPostInstallerError). `code` is
+// one of the ODBC_ERROR codes. An empty text would be dropped with its code. Most calls of this header empty the list
+// again.
 void postError(unsigned int code, const std::string& text);
 
 // Whether two section or key names mean the same to the installer library: ASCII case does not count.

@@ -36,7 +36,8 @@ bool writeFileDsnValue(const std::string& path, const std::string& key, const ch
         bounded.resize(kLongestLine - std::min(kLongestLine, key.size() + 1));
     }
     forgetCachedValues();
-    // A key that is there already must go first: the library would write its new value over the first key of the section.
+    // A key that is there already must go first: the library would write its new value over the first key of the
+    // section.
     return (!isLaterKey(path, key) || write(nullptr)) && write(bounded.c_str());
 }
 

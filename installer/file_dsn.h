@@ -11,9 +11,10 @@ namespace installer {
 inline constexpr const char* kFileDsnSection = "ODBC";
 inline constexpr std::string_view kFileDsnExtension = ".dsn";
 
-// Writes one key of the file data source `path` (absolute, ending in ".dsn"), which is made when it is not there; a null
-// `value` deletes the key (SQLWriteFileDSN). A key that is there already moves to the end, unless it is the first. Values that would make the line longer than kLongestLine are cut there, since
-// the rest would become a line of its own. False when the library refuses; a full disk it does not notice.
+// Writes one key of the file data source `path` (absolute, ending in ".dsn"), which is made when it is not there; a
+// null `value` deletes the key (SQLWriteFileDSN). A key that is there already moves to the end, unless it is the first.
+// Values that would make the line longer than kLongestLine are cut there, since the rest would become a line of its
+// own. False when the library refuses; a full disk it does not notice.
 bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value);
 
 // The driver's name in the value of "Driver", without the one pair of braces that may quote it.

@@ -1,5 +1,5 @@
-// The debug traces of the INI caches, on standard output (bos/debug_mask.h). Each function prints nothing unless its bit
-// of the mask is set. Texts that may be null are printed as "NULL".
+// The debug traces of the INI caches, on standard output (bos/debug_mask.h). Each function prints nothing unless its
+// bit of the mask is set. Texts that may be null are printed as "NULL".
 #pragma once
 
 #include <cstdint>

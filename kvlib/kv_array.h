@@ -49,7 +49,8 @@ public:
     void deleteContents();
 
     // Adds `by` slots, or doubles their number when `by` is 0. Without `preserve` all slots are empty afterwards, those
-    // in use as well. `ignored` has no effect. Returns 0, or 1 after recording a memory error; then nothing has changed.
+    // in use as well. `ignored` has no effect. Returns 0, or 1 after recording a memory error; then nothing has
+    // changed.
     int increaseSize(std::uint64_t by, bool preserve, int ignored = 0);
 
     // Makes both capacity and count `n`, at most the present capacity; elements beyond are dropped, not destroyed, and

@@ -3,8 +3,8 @@
 
 #include "kvlib/error_list.h"
 
-// Collects what is recorded on this thread while it lives, so that it neither reaches the caller's list nor is shown. It is
-// given up even when an exception passes.
+// Collects what is recorded on this thread while it lives, so that it neither reaches the caller's list nor is shown.
+// It is given up even when an exception passes.
 class PrivateErrorList {
 public:
     PrivateErrorList() : list_(nullptr, 0) { KvErrorKeeper::setErrorList(&list_); }

@@ -36,8 +36,8 @@ char* ask(void* handle, const char* function) {
     return answer == nullptr ? nullptr : answer();
 }
 
-// A component without a version can't be supported: nobody could tell which one a report is about. That has always ended
-// the process here; whoever started it at least learns which library to mend.
+// A component without a version can't be supported: nobody could tell which one a report is about. That has always
+// ended the process here; whoever started it at least learns which library to mend.
 [[noreturn]] void endWithoutVersion(void* handle, const char* libraryName) {
     // The name may be a bare one, which tells nobody where the library was found.
     const link_map* map = nullptr;

@@ -1,5 +1,5 @@
-// What a component says of itself: every library of the product exports a version and a company text. GUI thread only: the
-// About information is shared.
+// What a component says of itself: every library of the product exports a version and a company text. GUI thread only:
+// the About information is shared.
 //
 // The exports are plain functions without arguments that return a static, zero-terminated text of the component's own:
 // getFileVersionString and getCompanyNameString in 8-bit characters, getFileVersionStringW in 16-bit units.
@@ -22,17 +22,17 @@ extern char compAddr2[kShortTextSize];
 // The version text of a loaded library; null when it has none. The text belongs to the library.
 char* getVersion(void* handle);
 
-// Loads a library, copies its company and version into buffers of kComponentTextSize bytes, and unloads it. `flag` non-zero
-// appends the product's library suffix to the name. A library that can't be loaded gives two empty texts and no report; one
-// without a company gives an empty company. The version is mandatory: a library that is loaded and has none ends the
-// process (SIGSEGV) after a line on standard error has named it. With both buffers null the library stays loaded, and a
-// fresh error list stays installed as the current one; it belongs to the thread from then on.
+// Loads a library, copies its company and version into buffers of kComponentTextSize bytes, and unloads it. `flag`
+// non-zero appends the product's library suffix to the name. A library that can't be loaded gives two empty texts and
+// no report; one without a company gives an empty company. The version is mandatory: a library that is loaded and has
+// none ends the process (SIGSEGV) after a line on standard error has named it. With both buffers null the library stays
+// loaded, and a fresh error list stays installed as the current one; it belongs to the thread from then on.
 void getCompNameAndVersion(const char* libraryName, char* companyOut, char* versionOut, int flag);
 
 // Fills the About information for the component at `path`. Returns 0, or 1 when the file can't be examined: its date is
 // then empty, and its size stays what it was.
 int setAboutInfo(const unsigned char* path);
 
-// The modification date of a file as people of this locale write it (strftime "%x", at most 50 bytes with the terminator);
-// empty for a date that can't be written.
+// The modification date of a file as people of this locale write it (strftime "%x", at most 50 bytes with the
+// terminator); empty for a date that can't be written.
 void formatFileDate(std::size_t date, char (&text)[kShortTextSize]);

@@ -153,7 +153,8 @@ Widget createMessageDialog(Widget parent, unsigned long type, const char* messag
     XtUnmanageChild(XtNameToWidget(dialog, "Help"));
     if (type != kQuestionDialog) {
         XtUnmanageChild(XtNameToWidget(dialog, "Cancel"));
-        // Escape leaves a box that only informs. Motif takes no other button than "Cancel" as a message box's cancel button.
+        // Escape leaves a box that only informs. Motif takes no other button than "Cancel" as a message box's cancel
+        // button.
         XtOverrideTranslations(dialog, XtParseTranslationTable("<Key>osfCancel: BulletinBoardReturn()"));
     }
     XtAddCallback(dialog, XmNdestroyCallback, forgetDestroyed, nullptr);

@@ -1,5 +1,5 @@
-// The icons of message boxes, 32 by 32 pixels: drawn for this program, on the ground colour of its windows. The colour named
-// "ground" is replaced by the background that a window really has.
+// The icons of message boxes, 32 by 32 pixels: drawn for this program, on the ground colour of its windows. The colour
+// named "ground" is replaced by the background that a window really has.
 #pragma once
 
 // clang-format off

@@ -12,6 +12,6 @@ extern unsigned char loop_done;
 // second call returns at once.
 void dialog_main_loop(Widget shell);
 
-// Asks the running loop, if any, to end once the present callback has returned. Outside of a callback, in a timer say, the
-// loop notices it with the next X event only.
+// Asks the running loop, if any, to end once the present callback has returned. Outside of a callback, in a timer say,
+// the loop notices it with the next X event only.
 void exit_dialog_loop();

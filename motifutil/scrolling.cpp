@@ -20,8 +20,8 @@ Box boxOf(Widget widget) {
     return box;
 }
 
-// Shadow and frame of the clip window at both ends. Motif's clip window itself is of no use here: its size lags behind while
-// scroll bars come and go.
+// Shadow and frame of the clip window at both ends. Motif's clip window itself is of no use here: its size lags behind
+// while scroll bars come and go.
 int frameOf(Widget scrolledWindow) {
     Dimension shadow = 0;
     XtVaGetValues(scrolledWindow, XmNshadowThickness, &shadow, nullptr);

@@ -1,5 +1,5 @@
-// What Motif's scrolled windows leave to the program: fitting what is in them to the window, and the mouse wheel. For windows
-// made by createScrolledWindow. GUI thread only.
+// What Motif's scrolled windows leave to the program: fitting what is in them to the window, and the mouse wheel. For
+// windows made by createScrolledWindow. GUI thread only.
 #pragma once
 
 #include <Xm/Xm.h>
@@ -11,6 +11,6 @@ int viewHeight(Widget scrolledWindow);
 // Lets the mouse wheel scroll the window while the pointer is over `child`, which the wheel would not pass through.
 void scrollWithWheel(Widget scrolledWindow, Widget child);
 
-// Scrolls the window vertically as far as it takes to show the part of its work area between two heights, in pixels; the
-// lower end wins when both do not fit.
+// Scrolls the window vertically as far as it takes to show the part of its work area between two heights, in pixels;
+// the lower end wins when both do not fit.
 void revealRange(Widget scrolledWindow, int top, int bottom);

@@ -43,8 +43,8 @@ private:
     std::vector<Arg> arguments_;
 };
 
-// A page of a notebook and the tab that brings it to the front, both unmanaged and without a page number: whoever puts the
-// pages in order numbers them and manages them together.
+// A page of a notebook and the tab that brings it to the front, both unmanaged and without a page number: whoever puts
+// the pages in order numbers them and manages them together.
 Widget createPage(Widget notebook, const char* name);
 Widget createTab(Widget notebook, const char* name, Message::Number text);
 
@@ -67,8 +67,8 @@ Widget createReadOnlyText(Widget parent, const char* name, Message::Number text,
 // An editable text of several lines in a scrolled window of its own, its parent. It wraps long lines, and Tab leads on
 // to the next widget as everywhere else.
 Widget createScrolledText(Widget parent, const char* name, short rows, short columns);
-// A full application modal dialog that keeps its size and holds nothing yet, unmanaged; `closed` is called when the window
-// manager closes it. Its shell is its parent.
+// A full application modal dialog that keeps its size and holds nothing yet, unmanaged; `closed` is called when the
+// window manager closes it. Its shell is its parent.
 Widget createTemplateDialog(Widget parent, const char* name, Message::Number title, XtCallbackProc closed);
 // A scrolled window that clips its work area and shows scroll bars as they are needed.
 Widget createScrolledWindow(Widget parent, const char* name);
@@ -110,8 +110,8 @@ private:
     Widget child_;
 };
 
-// Makes closing a shell by the window manager call `closed` and nothing else. By default Motif would destroy a main shell
-// and unmap a dialog, and whoever waits for the dialog would wait for ever (ICCCM, WM_DELETE_WINDOW).
+// Makes closing a shell by the window manager call `closed` and nothing else. By default Motif would destroy a main
+// shell and unmap a dialog, and whoever waits for the dialog would wait for ever (ICCCM, WM_DELETE_WINDOW).
 void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientData);
 
 // Presses a push button as a click does: it flashes, and its callbacks run.

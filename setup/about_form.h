@@ -5,8 +5,8 @@
 
 #include <string>
 
-// Fills the About information (motifutil/component_version.h) for the library at `path`, or for this library when that one
-// can't be loaded or has no version to tell: asking it would end the process.
+// Fills the About information (motifutil/component_version.h) for the library at `path`, or for this library when that
+// one can't be loaded or has no version to tell: asking it would end the process.
 void describeForAbout(const std::string& path);
 
 // Makes the form that shows the About information, unmanaged, as a dialog over `parent`, and keeps it in `frmabout`

@@ -59,8 +59,8 @@ Settings readStored(const Request& request) {
     return request.isFile ? readFileDataSource(request.name) : readDataSource(request.name);
 }
 
-// Passwords that came with a connection string are not to end up in a file that many may read, unless they are there already
-// or the person asks for it, which takes a row of the form.
+// Passwords that came with a connection string are not to end up in a file that many may read, unless they are there
+// already or the person asks for it, which takes a row of the form.
 Settings withoutUnaskedPasswords(Settings attributes, const Settings& stored, const std::vector<DriverProperty>& rows) {
     std::erase_if(attributes, [&](const installer::Attribute& attribute) {
         const bool hasRow = std::any_of(rows.begin(), rows.end(), [&attribute](const DriverProperty& property) {
@@ -71,8 +71,8 @@ Settings withoutUnaskedPasswords(Settings attributes, const Settings& stored, co
     return attributes;
 }
 
-// What the form shows and proposes: for a new data source what the driver proposes, else what is stored, and over both what
-// the caller gave.
+// What the form shows and proposes: for a new data source what the driver proposes, else what is stored, and over both
+// what the caller gave.
 SetupFormContent formContent(const Request& request, const std::string& storedName, const std::string& library) {
     SetupFormContent content;
     content.driver = request.driver;
@@ -124,8 +124,8 @@ std::optional<SetupFailure> setUp(const Request& request, const std::string& sto
         return saveFileDataSource(
             {storedName, request.name, request.driver, withoutUnaskedPasswords(request.attributes, stored, {})});
     }
-    // Adding a name that exists replaces the data source: nobody can be asked, and that is what ODBC tells callers to expect
-    // of ConfigDSN without a window.
+    // Adding a name that exists replaces the data source: nobody can be asked, and that is what ODBC tells callers to
+    // expect of ConfigDSN without a window.
     return saveDataSource({storedName, request.name, request.driver, request.attributes});
 }
 

@@ -36,7 +36,8 @@ private:
     bool isMade_;
 };
 
-// The text of one record, asked for again when it was longer than there was room for; empty when there is no such record.
+// The text of one record, asked for again when it was longer than there was room for; empty when there is no such
+// record.
 std::string diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record) {
     std::array<SQLCHAR, SQL_SQLSTATE_SIZE + 1> state{};
     SQLINTEGER native = 0;
@@ -80,8 +81,8 @@ std::string braced(const std::string& value) {
     return result + "}";
 }
 
-// In braces only where the string could not be read otherwise. Other punctuation is harmless inside of a value, and there are
-// drivers, that of SQLite is one, which take braces for a part of it.
+// In braces only where the string could not be read otherwise. Other punctuation is harmless inside of a value, and
+// there are drivers, that of SQLite is one, which take braces for a part of it.
 std::string quoted(const std::string& value) {
     const bool isPlain = value.find(';') == std::string::npos && value.front() != '{' && value == trimmed(value);
     return isPlain ? value : braced(value);

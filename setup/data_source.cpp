@@ -27,8 +27,8 @@ std::string listedDriver(const std::string& name) {
     return installer::readValue(installer::kDataSourceList, name, installer::kDataSourceFile);
 }
 
-// Makes the section `name` hold exactly `wanted`, and lists it. The list comes last: a data source that is listed without
-// settings can't be read. SQLWriteDSNToIni is of no use, it empties the section and leaves the list as it is.
+// Makes the section `name` hold exactly `wanted`, and lists it. The list comes last: a data source that is listed
+// without settings can't be read. SQLWriteDSNToIni is of no use, it empties the section and leaves the list as it is.
 bool writeSection(const std::string& name, const std::string& driver, const Settings& wanted) {
     const Settings present = readDataSource(name);
     for (const Attribute& old : present) {
@@ -48,8 +48,8 @@ bool writeSection(const std::string& name, const std::string& driver, const Sett
            installer::writeValue(installer::kDataSourceList, name, driver.c_str(), installer::kDataSourceFile);
 }
 
-// Gives a data source a name that differs in case alone. To the files that is the same section, so the old one has to go
-// first; should the new one fail, the old one is written again.
+// Gives a data source a name that differs in case alone. To the files that is the same section, so the old one has to
+// go first; should the new one fail, the old one is written again.
 bool respell(const std::string& oldName, const std::string& newName, const std::string& driver, const Settings& before,
              const Settings& wanted) {
     const std::string oldDriver = listedDriver(oldName);

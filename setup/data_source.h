@@ -62,8 +62,8 @@ struct DataSourceChange {
     Settings values;  // What changes; an empty value deletes its key. "DSN" and "Driver" are passed over.
 };
 
-// Stores a change, after checking it: writes and deletes what differs from the file and nothing else. A data source that gets
-// a new name keeps its other keys. Returns what went wrong.
+// Stores a change, after checking it: writes and deletes what differs from the file and nothing else. A data source
+// that gets a new name keeps its other keys. Returns what went wrong.
 std::optional<SetupFailure> saveDataSource(const DataSourceChange& change);
 
 std::optional<SetupFailure> removeDataSource(const std::string& name);

@@ -24,8 +24,8 @@ constexpr std::size_t kMostChoices = 1000;
 constexpr const char* kUserKey = "UID";
 constexpr const char* kPasswordKey = "PWD";
 
-// The driver allocates the nodes, their arrays of choices and their help texts with malloc, and its caller frees them, as the
-// installer library does; the choices themselves stay the driver's.
+// The driver allocates the nodes, their arrays of choices and their help texts with malloc, and its caller frees them,
+// as the installer library does; the choices themselves stay the driver's.
 void freeProperties(ODBCINSTPROPERTY* first) {
     std::set<ODBCINSTPROPERTY*> freed;
     while (first != nullptr && freed.insert(first).second) {
@@ -104,8 +104,8 @@ bool hasPart(const std::vector<DriverProperty>& properties, std::initializer_lis
     });
 }
 
-// A driver of a server takes user and password, by the keywords that ODBC gives them (SQLDriverConnect), even if it does not
-// describe them: FreeTDS is one. A driver of files knows no login.
+// A driver of a server takes user and password, by the keywords that ODBC gives them (SQLDriverConnect), even if it
+// does not describe them: FreeTDS is one. A driver of files knows no login.
 void addLogin(std::vector<DriverProperty>& properties) {
     const bool hasPassword = std::any_of(properties.begin(), properties.end(), [](const DriverProperty& property) {
         return property.kind == PropertyKind::kPassword;

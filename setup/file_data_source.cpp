@@ -119,8 +119,8 @@ std::string resolved(const std::string& path) {
     return real ? real.get() : path;
 }
 
-// Makes the section of the file, which holds `present`, hold exactly `wanted`. The library says nothing of a full disk: the
-// result is read again.
+// Makes the section of the file, which holds `present`, hold exactly `wanted`. The library says nothing of a full disk:
+// the result is read again.
 bool writeSection(const std::string& path, const Settings& present, const Settings& wanted) {
     for (const Attribute& old : present) {
         if (findValue(wanted, old.key) == nullptr && !installer::writeFileDsnValue(path, old.key, nullptr)) {

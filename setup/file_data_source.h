@@ -1,5 +1,5 @@
-// A file data source as it is stored: the one section of a file of its own (docs/file-dsn.md). GUI thread only: it works
-// through the installer library.
+// A file data source as it is stored: the one section of a file of its own (docs/file-dsn.md). GUI thread only: it
+// works through the installer library.
 #pragma once
 
 #include <optional>
@@ -15,7 +15,8 @@ bool fileExists(const std::string& path);
 // All keys of the file's section, "Driver" included; none when there is no such file.
 Settings readFileDataSource(const std::string& path);
 
-// Stores a change, after checking it; `change.name` is the path, and `change.storedName` the same when the file is to keep
-// what the change does not name. The file is complete at every moment: what is new is made beside it and takes its place.
-// It keeps its permission, or becomes readable for its owner alone when it holds a password. Returns what went wrong.
+// Stores a change, after checking it; `change.name` is the path, and `change.storedName` the same when the file is to
+// keep what the change does not name. The file is complete at every moment: what is new is made beside it and takes its
+// place. It keeps its permission, or becomes readable for its owner alone when it holds a password. Returns what went
+// wrong.
 std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change);

@@ -23,8 +23,8 @@ public:
     // The widget that takes the keyboard.
     Widget focus() const { return text_; }
 
-    // What differs from the settings that were shown first; a line that was deleted has an empty value. Or what is wrong
-    // with a line, keys included for which `isTaken` is true.
+    // What differs from the settings that were shown first; a line that was deleted has an empty value. Or what is
+    // wrong with a line, keys included for which `isTaken` is true.
     std::optional<SetupFailure> changes(const std::function<bool(const std::string&)>& isTaken,
                                         Settings& changed) const;
 

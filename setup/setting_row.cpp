@@ -122,8 +122,9 @@ private:
     std::string value_;
 };
 
-// A field with a list of choices that drops down from it. Both kinds of choice rows are made of it: an option menu would do
-// for one, but Motif 2.3.8 ends the process at the first arrow key in one that the keyboard opened over this dialog.
+// A field with a list of choices that drops down from it. Both kinds of choice rows are made of it: an option menu
+// would do for one, but Motif 2.3.8 ends the process at the first arrow key in one that the keyboard opened over this
+// dialog.
 class ChoiceRow : public SettingRow {
 public:
     bool isStretched() const override { return false; }
@@ -197,8 +198,8 @@ public:
     std::string value() const override { return trimmed(fieldText(text_)); }
 };
 
-// One of the choices. The first leaves the setting to the driver, and a stored value that the driver does not offer is one
-// more, so that it is not lost.
+// One of the choices. The first leaves the setting to the driver, and a stored value that the driver does not offer is
+// one more, so that it is not lost.
 class MenuRow : public ChoiceRow {
 public:
     MenuRow(Widget parent, const DriverProperty& property, const std::string& value)

@@ -56,11 +56,13 @@ private:
     std::string initial_;
 };
 
-// What stands before the field of a setting: drivers name their settings for files, the common ones read better in words.
+// What stands before the field of a setting: drivers name their settings for files, the common ones read better in
+// words.
 std::string settingLabel(const std::string& key);
 
-// Makes label and field as children of the form `parent`, named "Lbl", "Txt" or "Opt" and the key. The row must live as long
-// as its widgets. `isInFile` tells whether the data source has a value of the setting already. Null for a hidden property.
+// Makes label and field as children of the form `parent`, named "Lbl", "Txt" or "Opt" and the key. The row must live as
+// long as its widgets. `isInFile` tells whether the data source has a value of the setting already. Null for a hidden
+// property.
 std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty& property, const std::string& value,
                                              bool isInFile);
 

@@ -39,8 +39,8 @@ void placeField(Widget label, Widget field, Widget above, int margin, bool stret
     keepLevel(label, field);
 }
 
-// Puts a widget between a field and the end of its row. The field's width depends on it, so nothing of it may depend on the
-// field: for a form that is a circle, even if one is about widths and the other about heights.
+// Puts a widget between a field and the end of its row. The field's width depends on it, so nothing of it may depend on
+// the field: for a form that is a circle, even if one is about widths and the other about heights.
 void placeAtEnd(Widget aside, Widget field, Widget above, int margin) {
     placeBelow(aside, above, margin);
     Attach(aside).rightForm(margin);

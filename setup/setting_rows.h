@@ -75,6 +75,6 @@ private:
     int height_ = 0;
 };
 
-// Places a row in its form, `above` being the field that it stands below, null for the top, and `margin` its distance from the
-// form's edges in pixels. Returns the lowest field of the row.
+// Places a row in its form, `above` being the field that it stands below, null for the top, and `margin` its distance
+// from the form's edges in pixels. Returns the lowest field of the row.
 Widget placeRow(const SettingRow& row, Widget above, int margin);

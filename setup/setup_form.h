@@ -19,6 +19,7 @@ struct SetupFormContent {
     Settings pending;  // Those of the values shown that are to be stored when the user accepts them as they are.
 };
 
-// Shows the dialog over `parent`, stores what the user accepts, and returns when it is closed. Cancel stores nothing and is
-// no failure. What can be mended is reported to the user, and the dialog stays; what is returned could not be shown.
+// Shows the dialog over `parent`, stores what the user accepts, and returns when it is closed. Cancel stores nothing
+// and is no failure. What can be mended is reported to the user, and the dialog stays; what is returned could not be
+// shown.
 std::optional<SetupFailure> runSetupForm(Widget parent, const SetupFormContent& content);

@@ -7,8 +7,8 @@
 
 #include "catalogs/message_numbers.h"
 
-// Opens the catalogs of this library and of the shared dialogs while it lives, those that lie in the install directory of
-// the program that loaded us. Texts of a catalog that is missing are their numbers.
+// Opens the catalogs of this library and of the shared dialogs while it lives, those that lie in the install directory
+// of the program that loaded us. Texts of a catalog that is missing are their numbers.
 class SetupCatalogs {
 public:
     SetupCatalogs();

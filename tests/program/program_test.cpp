@@ -77,8 +77,8 @@ protected:
     static void waitUntilGone(const std::string& title, bool dialog) {
         EXPECT_TRUE(waitUntil([&] { return person().windows(title, dialog).empty(); })) << title;
     }
-    // The buttons of the window stand in a row at its bottom; those of the page in front in a column that ends where the
-    // text above that row ends.
+    // The buttons of the window stand in a row at its bottom; those of the page in front in a column that ends where
+    // the text above that row ends.
     enum Button { kOk, kCancel, kApply, kAdd = 10, kRemove, kConfigure };
     void press(Button button) {
         std::vector<Place> row;
@@ -101,7 +101,8 @@ protected:
         ASSERT_TRUE(row.size() > 1 && (button < kAdd || column.size() == columnButtons));
         person().click(button < kAdd ? row[button] : column[static_cast<std::size_t>(button - kAdd)]);
     }
-    // Brings the page with this number, from 0, to the front by its tab; the tabs are the uppermost parts of the window.
+    // Brings the page with this number, from 0, to the front by its tab; the tabs are the uppermost parts of the
+    // window.
     void openPage(std::size_t page) {
         std::vector<Place> tabs = person().parts(window);
         std::erase_if(tabs, [top = tabs.front().y](const Place& part) { return part.y > top + 4; });

@@ -40,8 +40,8 @@ protected:
         files.write(OdbcFiles::kDrivers, "[Drv]\nDriver=/drv.so\n\n[Other]\nDriver=/other.so\n");
     }
 
-    // Calls ConfigDSN, or for a file ConfigFileDSN, as `command` says: "request|driver|attribute|attribute", "-" for no driver.
-    // The code of the installer error that it left, 0 for success.
+    // Calls ConfigDSN, or for a file ConfigFileDSN, as `command` says: "request|driver|attribute|attribute", "-" for no
+    // driver. The code of the installer error that it left, 0 for success.
     unsigned int call(const std::string& command, const char* fileName = nullptr) {
         using ConfigDsn = BOOL (*)(HWND, WORD, LPCSTR, LPCSTR);
         using ConfigFileDsn = BOOL (*)(HWND, WORD, LPCSTR, LPCSTR, LPCSTR);

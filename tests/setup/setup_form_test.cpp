@@ -27,8 +27,8 @@ namespace {
 constexpr std::size_t kLongRecord = 400;
 constexpr const char* kForm = "vhsetup23.FormSetup";
 
-// What the person does while a dialog is up that runs an event loop of its own, inside of the click that opened it: timers
-// run in that loop too. Each step waits until nothing moved for a moment.
+// What the person does while a dialog is up that runs an event loop of its own, inside of the click that opened it:
+// timers run in that loop too. Each step waits until nothing moved for a moment.
 class Script {
 public:
     explicit Script(XPerson& person) : person_(person) { wait(); }

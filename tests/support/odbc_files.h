@@ -9,8 +9,8 @@
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
-// An empty home with configuration files, named by the environment. The installer library remembers the first folder of the
-// driver file that it meets, so all tests of a process have the same folder, emptied before and after each.
+// An empty home with configuration files, named by the environment. The installer library remembers the first folder of
+// the driver file that it meets, so all tests of a process have the same folder, emptied before and after each.
 class OdbcFiles {
 public:
     OdbcFiles();

@@ -24,8 +24,8 @@ public:
 private:
     TemporaryFolder folder_;
     ScopedEnvironment environment_{};
-    // Asked politely, the server removes its lock file; the window manager spins for ever once its server has gone, so it
-    // is killed, and first.
+    // Asked politely, the server removes its lock file; the window manager spins for ever once its server has gone, so
+    // it is killed, and first.
     Program server_;
     std::unique_ptr<Program> manager_;
 };
@@ -36,8 +36,8 @@ struct Place {
     int x, y, width, height;
 };
 
-// The person at the display, on a connection of their own. X errors of this connection are ignored, since windows go while
-// one looks at them; those of any other fail the test.
+// The person at the display, on a connection of their own. X errors of this connection are ignored, since windows go
+// while one looks at them; those of any other fail the test.
 class XPerson {
 public:
     XPerson();
@@ -59,8 +59,8 @@ public:
     bool isVisible(Window window);
     bool hasFocus(Window window);
     unsigned long pixel(Window window, int x, int y);
-    // Copies what is selected where the keyboard is (Control and Insert), and returns it as it comes by the clipboard; "" when
-    // nothing comes.
+    // Copies what is selected where the keyboard is (Control and Insert), and returns it as it comes by the clipboard;
+    // "" when nothing comes.
     std::string copied();
 
 private:
