@@ -5,6 +5,7 @@
 #include <array>
 
 #include "admin/columns.h"
+#include "admin/dialogs.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "bos/catalog.h"
@@ -96,8 +97,5 @@ void setSizePosAboutTabWidgets() {
 }
 
 void AboutTabItemSelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    selectSameRow(list, {LstAbtDesc, LstAbtVersion, LstAbtFile});
-    if (const std::optional<int> row = selectedRow(list)) {
-        revealRow(list, *row, AboutLists);
-    }
+    guarded([list] { followRow(list, columns(), AboutLists); });
 }

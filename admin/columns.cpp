@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <numeric>
 
+#include "admin/dialogs.h"
+#include "admin/lists.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/widgets.h"
 
@@ -28,7 +30,7 @@ int widthOf(Widget widget) {
 void resized(Widget /*widget*/, XtPointer fit, XEvent* event, Boolean* /*continueToDispatch*/) {
     // A window that is first mapped may have had its size before it existed.
     if (event->type == ConfigureNotify || event->type == MapNotify) {
-        reinterpret_cast<void (*)()>(fit)();
+        guarded(reinterpret_cast<void (*)()>(fit));
     }
 }
 
@@ -171,6 +173,17 @@ void revealRow(Widget list, int position, Widget scrolledWindow) {
     Dimension height = 0;
     XtVaGetValues(list, XmNheight, &height, nullptr);
     revealRange(scrolledWindow, (position - 1) * height / rows, position * height / rows);
+}
+
+void followRow(Widget clicked, const std::vector<Column>& columns, Widget scrolledWindow) {
+    std::vector<Widget> lists;
+    for (const Column& column : columns) {
+        lists.push_back(column.list);
+    }
+    selectSameRow(clicked, lists);
+    if (const std::optional<int> row = selectedRow(clicked)) {
+        revealRow(clicked, *row, scrolledWindow);
+    }
 }
 
 void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtCallbackProc scrolled, void (*fit)()) {

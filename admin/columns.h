@@ -34,6 +34,9 @@ void scrollHeaders(const std::vector<Column>& columns, int scrolled);
 // they have rows, so they can't do it themselves when the selection is moved by the keyboard.
 void revealRow(Widget list, int position, Widget scrolledWindow);
 
+// Selects the row that is selected in `clicked` in all lists, without notification, and brings it into sight.
+void followRow(Widget clicked, const std::vector<Column>& columns, Widget scrolledWindow);
+
 // Calls `scrolled` for every way in which the horizontal scroll bar of the window around the lists moves, and `fit`
 // whenever that window got another size; lets the mouse wheel scroll it.
 void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtCallbackProc scrolled, void (*fit)());

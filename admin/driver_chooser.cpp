@@ -95,13 +95,8 @@ void CloseDriverPopup(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*c
 
 void DriversPopupEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
     guarded([list] {
-        std::vector<Widget> lists;
-        for (const Column& column : Columns) {
-            lists.push_back(column.list);
-        }
-        selectSameRow(list, lists);
+        followRow(list, Columns, DriverLists);
         if (const std::optional<int> row = selectedRow(list)) {
-            revealRow(list, *row, DriverLists);
             replaceText(CurrentDriver, rowText(LstDPName, *row).c_str());
         }
     });

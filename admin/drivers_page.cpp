@@ -156,12 +156,9 @@ void setSizePosForDriversWidgets(Widget nameList, Widget versionList, Widget com
 }
 
 void DriversTabEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    selectSameRow(list, {LstName, LstVersion, LstCompany, LstFile, LstDate});
-    if (const std::optional<int> row = selectedRow(list)) {
-        revealRow(list, *row, DriverLists);
-    }
+    guarded([list] { followRow(list, columns(), DriverLists); });
 }
 
 void synchonizeScrollDT(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
-    scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value);
+    guarded([callData] { scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value); });
 }

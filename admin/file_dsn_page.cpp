@@ -170,20 +170,22 @@ void AddFDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*ca
 
 void btnFDConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
     DsnType = kFileDataSource;
-    if (!selectedFile()) {
-        showInformation(Message::kFileConfigureSelectOne);
-        return;
-    }
-    guarded([] { configure(selectionText()); });
+    guarded([] {
+        if (selectedFile()) {
+            configure(selectionText());
+        } else {
+            showInformation(Message::kFileConfigureSelectOne);
+        }
+    });
 }
 
 void btnFDRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    const std::optional<int> row = selectedFile();
-    if (!row) {
-        showInformation(Message::kRemoveSelectOne);
-        return;
-    }
-    guarded([&row] {
+    guarded([] {
+        const std::optional<int> row = selectedFile();
+        if (!row) {
+            showInformation(Message::kRemoveSelectOne);
+            return;
+        }
         const std::string path = rowText(fileList(), *row);
         // The whole path without the slash that begins it: files of one name lie in many directories.
         const std::string shown = path.substr(path.find('/') + 1);

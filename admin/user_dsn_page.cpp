@@ -82,13 +82,6 @@ void selectRow(Widget nameList, Widget driverList, int row) {
     XmListSelectPos(nameList, row, True);
 }
 
-void followSelection(Widget clicked, Widget other) {
-    selectSameRow(clicked, {other});
-    if (const std::optional<int> row = selectedRow(clicked)) {
-        revealRow(clicked, *row, ScrWinLists);
-    }
-}
-
 // Configures the data source `name`: hands every key that it has to its driver.
 void configure(const std::string& name) {
     installer::forgetCachedValues();
@@ -227,13 +220,13 @@ void UDSN_doubleClick(Widget widget, XtPointer clientData, XtPointer callData) {
 }
 
 void lstUName_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    followSelection(widget, LstUDesc);
+    guarded([widget] { followRow(widget, columns(), ScrWinLists); });
 }
 
 void lstUDesc_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    followSelection(widget, LstUName);
+    guarded([widget] { followRow(widget, columns(), ScrWinLists); });
 }
 
 void synchonizeScrollUD(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
-    scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value);
+    guarded([callData] { scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value); });
 }

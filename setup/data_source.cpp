@@ -30,19 +30,11 @@ std::string listedDriver(const std::string& name) {
 // Makes the section `name` hold exactly `wanted`, and lists it. The list comes last: a data source that is listed
 // without settings can't be read. SQLWriteDSNToIni is of no use, it empties the section and leaves the list as it is.
 bool writeSection(const std::string& name, const std::string& driver, const Settings& wanted) {
-    const Settings present = readDataSource(name);
-    for (const Attribute& old : present) {
-        if (findValue(wanted, old.key) == nullptr &&
-            !installer::writeValue(name, old.key, nullptr, installer::kDataSourceFile)) {
-            return false;
-        }
-    }
-    for (const Attribute& setting : wanted) {
-        const std::string* old = findValue(present, setting.key);
-        if ((old == nullptr || *old != setting.value) &&
-            !installer::writeValue(name, setting.key, setting.value.c_str(), installer::kDataSourceFile)) {
-            return false;
-        }
+    const auto write = [&name](const std::string& key, const char* value) {
+        return installer::writeValue(name, key, value, installer::kDataSourceFile);
+    };
+    if (!writeChanges(readDataSource(name), wanted, write)) {
+        return false;
     }
     return sameName(listedDriver(name), driver) ||
            installer::writeValue(installer::kDataSourceList, name, driver.c_str(), installer::kDataSourceFile);
@@ -184,6 +176,18 @@ void applyChanges(const Settings& changes, Settings& settings) {
             std::erase_if(settings, [&change](const Attribute& setting) { return sameName(setting.key, change.key); });
         }
     }
+}
+
+bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write) {
+    for (const Attribute& old : present) {
+        if (findValue(wanted, old.key) == nullptr && !write(old.key, nullptr)) {
+            return false;
+        }
+    }
+    return std::all_of(wanted.begin(), wanted.end(), [&](const Attribute& setting) {
+        const std::string* old = findValue(present, setting.key);
+        return (old != nullptr && *old == setting.value) || write(setting.key, setting.value.c_str());
+    });
 }
 
 std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {

@@ -2,6 +2,7 @@
 // installer library.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,6 +54,11 @@ std::optional<SetupFailure> checkSettings(const Settings& settings);
 
 // Makes the changes in `settings`: an empty value deletes its key, keys that name are passed over.
 void applyChanges(const Settings& changes, Settings& settings);
+
+// Writes the value of a key, or deletes it when the value is null. False when that failed.
+using SettingWriter = std::function<bool(const std::string& key, const char* value)>;
+// Deletes and writes what differs between the two, and nothing else. False at the first failure.
+bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write);
 
 // What is to become of a data source.
 struct DataSourceChange {

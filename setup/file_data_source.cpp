@@ -122,19 +122,10 @@ std::string resolved(const std::string& path) {
 // Makes the section of the file, which holds `present`, hold exactly `wanted`. The library says nothing of a full disk:
 // the result is read again.
 bool writeSection(const std::string& path, const Settings& present, const Settings& wanted) {
-    for (const Attribute& old : present) {
-        if (findValue(wanted, old.key) == nullptr && !installer::writeFileDsnValue(path, old.key, nullptr)) {
-            return false;
-        }
-    }
-    for (const Attribute& setting : wanted) {
-        const std::string* old = findValue(present, setting.key);
-        if ((old == nullptr || *old != setting.value) &&
-            !installer::writeFileDsnValue(path, setting.key, setting.value.c_str())) {
-            return false;
-        }
-    }
-    return areSame(readFileDataSource(path), wanted);
+    const auto write = [&path](const std::string& key, const char* value) {
+        return installer::writeFileDsnValue(path, key, value);
+    };
+    return writeChanges(present, wanted, write) && areSame(readFileDataSource(path), wanted);
 }
 
 }  // namespace
