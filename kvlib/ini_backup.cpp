@@ -5,9 +5,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
+#include <utility>
 
 #include "bos/errno_mapping.h"
 #include "bos/file.h"
+#include "kvlib/error_report.h"
 
 namespace {
 
@@ -27,12 +30,6 @@ bool becomeLike(int descriptor, const struct stat& file) {
 
 }  // namespace
 
-IniBackup::~IniBackup() {
-    if (!path_.empty()) {
-        unlink(path_.c_str());
-    }
-}
-
 bool IniBackup::make(const std::string& file, std::string_view text) {
     struct stat status = {};
     if (stat(file.c_str(), &status) != 0) {
@@ -43,34 +40,44 @@ bool IniBackup::make(const std::string& file, std::string_view text) {
     if (descriptor < 0) {
         return false;
     }
-    bool whole = becomeLike(descriptor, status);
-    if (!whole) {
-        bosMapError(errno, path_.c_str());
-    }
-    whole = whole && bosFileWrite(descriptor, 0, text.data(), text.size()) == 0 && bosFileSync(descriptor) == 0;
+    const bool whole = fill(descriptor, status, text);
     close(descriptor);
     if (!whole) {
-        unlink(path_.c_str());
-        keep();
+        remove();
     }
     return whole;
 }
 
+void IniBackup::remove() {
+    unlink(path_.c_str());
+}
+
+bool IniBackup::fill(int descriptor, const struct stat& file, std::string_view text) const try {
+    if (!becomeLike(descriptor, file)) {
+        bosMapError(errno, path_.c_str());
+        return false;
+    }
+    return bosFileWrite(descriptor, 0, text.data(), text.size()) == 0 && bosFileSync(descriptor) == 0;
+} catch (const std::bad_alloc&) {
+    ramAddMemoryError();
+    return false;
+}
+
 // Under the first name that nobody uses: "x~" may be an editor's backup, or the copy of an update that was killed.
 int IniBackup::create(const std::string& file) {
-    path_ = file + "~";
-    int descriptor = -1;
+    std::string path = file + "~";
     for (int number = 1; number <= kNamesTried; ++number) {
-        descriptor = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+        const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
         if (descriptor >= 0) {
+            // Not before: whatever has the name of path_ may be removed.
+            path_ = std::move(path);
             return descriptor;
         }
-        if (errno != EEXIST) {
+        if (errno != EEXIST || number == kNamesTried) {
             break;
         }
-        path_ = file + ".~" + std::to_string(number) + "~";
+        path = file + ".~" + std::to_string(number) + "~";
     }
-    bosMapError(errno, path_.c_str());
-    keep();
+    bosMapError(errno, path.c_str());
     return -1;
 }

@@ -5,23 +5,22 @@
 #include <string>
 #include <string_view>
 
+struct stat;
+
+// Stays unless it is removed, so that nothing that goes wrong between takes the last copy away.
 class IniBackup {
 public:
-    IniBackup() = default;
-    // Removes the copy unless it was kept.
-    ~IniBackup();
-    IniBackup(const IniBackup&) = delete;
-    IniBackup& operator=(const IniBackup&) = delete;
-
     // Writes `text` to a new file beside `file`, with the permission of `file`, and waits until the disk has it. A file
     // that is there already is never touched. False with the reason recorded when there is no whole copy; nothing
-    // is left then. May throw std::bad_alloc.
+    // is left then. May throw std::bad_alloc, before there is a copy.
     bool make(const std::string& file, std::string_view text);
 
-    void keep() { path_.clear(); }
+    // For a copy that was made.
+    void remove();
 
 private:
     int create(const std::string& file);
+    bool fill(int descriptor, const struct stat& file, std::string_view text) const;
 
-    std::string path_;  // empty without a copy
+    std::string path_;
 };

@@ -164,6 +164,11 @@ std::uint32_t KvIniFileCache::readText() {
         return 1;
     }
     text_.resize(got);
+    if (got != size_) {
+        // Another program rewrites the file right now, perhaps to the same size in the same second: read it again.
+        date_ = 0;
+        size_ = 0;
+    }
     return 0;
 }
 
@@ -345,20 +350,26 @@ bool KvIniFileCache::openForRewriting() {
 // Makes `text` the whole of the file. The copy of the old text goes only when the file is whole again, old or new.
 bool KvIniFileCache::rewrite(std::string_view text) {
     IniBackup backup;
-    if (!backup.make(path_, text_) || !openForRewriting()) {
+    if (!backup.make(path_, text_)) {
         return false;
     }
-    const bool written = replaceText(text);
-    if (!written && !putBack()) {
-        backup.keep();
-    }
+    const bool opened = openForRewriting();
+    const bool written = opened && replaceText(text);
+    const bool whole = written || !opened || putBack();
     closeDescriptor();
+    if (whole) {
+        backup.remove();
+    }
     return written;
 }
 
-bool KvIniFileCache::replaceText(std::string_view text) const {
+bool KvIniFileCache::replaceText(std::string_view text) const try {
     return bosFileWrite(descriptor_, 0, text.data(), text.size()) == 0 &&
            bosFileTruncate(descriptor_, text.size()) == 0 && bosFileSync(descriptor_) == 0;
+} catch (const std::bad_alloc&) {
+    // In telling what failed; the file is to be whole again all the same.
+    ramAddMemoryError();
+    return false;
 }
 
 // Writes the old text over the part that was written of the new one, whose room on the disk is still ours.
