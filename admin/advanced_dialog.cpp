@@ -1,10 +1,8 @@
 #include "admin/advanced_dialog.h"
 
-#include <Xm/MessageB.h>
 #include <Xm/Text.h>
 #include <Xm/ToggleB.h>
 
-#include <new>
 #include <string>
 
 #include "admin/dialogs.h"

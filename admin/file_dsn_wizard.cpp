@@ -1,11 +1,9 @@
 #include "admin/file_dsn_wizard.h"
 
 #include <Xm/Frame.h>
-#include <Xm/MessageB.h>
 #include <Xm/Text.h>
 #include <Xm/TextF.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
