@@ -4,11 +4,13 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <string>
 #include <string_view>
 
 #include "catalogs/message_numbers.h"
 #include "kvlib/error_list.h"
+#include "kvlib/error_report.h"
 
 namespace {
 
@@ -71,7 +73,7 @@ std::string detailText(int systemError, const char* name) {
     return fillFormat(winGetString(format, LibraryMessage::kSystemErrorFormat) == 0 ? "%s: %s" : format, reason, name);
 }
 
-std::uint16_t record(int systemError, const char* name, bool asWarning) {
+std::uint16_t record(int systemError, const char* name, bool asWarning) try {
     const std::uint16_t number = libraryErrorNumber(systemError);
     if (mdsGetPerThreadData(kThreadSlotErrorList) == nullptr) {
         return number;
@@ -83,6 +85,9 @@ std::uint16_t record(int systemError, const char* name, bool asWarning) {
         error->appendText(detail.c_str());
     }
     return number;
+} catch (const std::bad_alloc&) {
+    ramAddMemoryError();
+    return libraryErrorNumber(systemError);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -18,14 +19,39 @@ constexpr int kNamesTried = 100;
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kGroupPermissions = 0070;
 
-// Gives the copy the owner and the permission of the file. Where the group can't be had, its rights go to nobody.
-bool becomeLike(int descriptor, const struct stat& file) {
-    mode_t mode = file.st_mode & kPermissions;
+// Whether a copy can't be made for what the folder is, and not for what the disk or the process lacks.
+bool isRefusedByFolder(int systemError) {
+    return systemError == EACCES || systemError == EPERM || systemError == EROFS || systemError == ENAMETOOLONG ||
+           systemError == EEXIST;
+}
+
+// With an access control list the group's bits of the mode are not what the group may do, but a mask (acl(5)).
+bool hasAccessList(const std::string& file, int copy) {
+    constexpr char kAttribute[] = "system.posix_acl_access";
+    return getxattr(file.c_str(), kAttribute, nullptr, 0) > 0 || fgetxattr(copy, kAttribute, nullptr, 0) > 0;
+}
+
+// Gives the copy the owner and the permission of the file, or less: what can't be given as it is goes to nobody.
+void becomeLike(int copy, const std::string& file, const struct stat& status) {
+    mode_t mode = status.st_mode & kPermissions;
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
-    if (fchown(descriptor, file.st_uid, file.st_gid) != 0 && fchown(descriptor, kSameOwner, file.st_gid) != 0) {
+    const bool hasGroup =
+        fchown(copy, status.st_uid, status.st_gid) == 0 || fchown(copy, kSameOwner, status.st_gid) == 0;
+    if (!hasGroup || hasAccessList(file, copy)) {
         mode &= ~kGroupPermissions;
     }
-    return fchmod(descriptor, mode) == 0;
+    fchmod(copy, mode);
+}
+
+// Brings the names in the folder of `file` to the disk, as far as its user may.
+void syncFolder(const std::string& file) {
+    const std::size_t slash = file.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : file.substr(0, slash + 1);
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        fsync(descriptor);
+        close(descriptor);
+    }
 }
 
 }  // namespace
@@ -38,9 +64,14 @@ bool IniBackup::make(const std::string& file, std::string_view text) {
     }
     const int descriptor = create(file);
     if (descriptor < 0) {
-        return false;
+        const bool goesOn = isRefusedByFolder(-descriptor);
+        if (!goesOn) {
+            bosMapError(-descriptor, file.c_str());
+        }
+        return goesOn;
     }
-    const bool whole = fill(descriptor, status, text);
+    becomeLike(descriptor, file, status);
+    const bool whole = fill(descriptor, text);
     close(descriptor);
     if (!whole) {
         remove();
@@ -49,21 +80,24 @@ bool IniBackup::make(const std::string& file, std::string_view text) {
 }
 
 void IniBackup::remove() {
-    unlink(path_.c_str());
+    if (!path_.empty()) {
+        unlink(path_.c_str());
+    }
 }
 
-bool IniBackup::fill(int descriptor, const struct stat& file, std::string_view text) const try {
-    if (!becomeLike(descriptor, file)) {
-        bosMapError(errno, path_.c_str());
+bool IniBackup::fill(int descriptor, std::string_view text) const try {
+    if (bosFileWrite(descriptor, 0, text.data(), text.size()) != 0 || bosFileSync(descriptor) != 0) {
         return false;
     }
-    return bosFileWrite(descriptor, 0, text.data(), text.size()) == 0 && bosFileSync(descriptor) == 0;
+    syncFolder(path_);
+    return true;
 } catch (const std::bad_alloc&) {
     ramAddMemoryError();
     return false;
 }
 
 // Under the first name that nobody uses: "x~" may be an editor's backup, or the copy of an update that was killed.
+// Returns the descriptor, or the error of open(2), negated.
 int IniBackup::create(const std::string& file) {
     std::string path = file + "~";
     for (int number = 1; number <= kNamesTried; ++number) {
@@ -73,11 +107,10 @@ int IniBackup::create(const std::string& file) {
             path_ = std::move(path);
             return descriptor;
         }
-        if (errno != EEXIST || number == kNamesTried) {
-            break;
+        if (errno != EEXIST) {
+            return -errno;
         }
         path = file + ".~" + std::to_string(number) + "~";
     }
-    bosMapError(errno, path.c_str());
-    return -1;
+    return -EEXIST;
 }

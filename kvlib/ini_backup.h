@@ -5,22 +5,21 @@
 #include <string>
 #include <string_view>
 
-struct stat;
-
 // Stays unless it is removed, so that nothing that goes wrong between takes the last copy away.
 class IniBackup {
 public:
     // Writes `text` to a new file beside `file`, with the permission of `file`, and waits until the disk has it. A file
-    // that is there already is never touched. False with the reason recorded when there is no whole copy; nothing
-    // is left then. May throw std::bad_alloc, before there is a copy.
+    // that is there already is never touched. True without a copy where the folder takes none: that must not keep users
+    // from saving. False with the reason recorded when the disk or the memory does not suffice; nothing is left then.
+    // May throw std::bad_alloc, before there is a copy.
     bool make(const std::string& file, std::string_view text);
 
-    // For a copy that was made.
+    // Removes the copy, if there is one.
     void remove();
 
 private:
     int create(const std::string& file);
-    bool fill(int descriptor, const struct stat& file, std::string_view text) const;
+    bool fill(int descriptor, std::string_view text) const;
 
-    std::string path_;
+    std::string path_;  // empty without a copy
 };

@@ -178,7 +178,7 @@ std::uint32_t KvIniFileCache::proFileSync() {
     return sync();
 }
 
-std::uint32_t KvIniFileCache::sync() {
+std::uint32_t KvIniFileCache::sync() try {
     std::uint32_t date = 0;
     std::uint64_t size = 0;
     if (bosFileDateSize(path_.c_str(), &date, &size) != 0) {
@@ -194,6 +194,9 @@ std::uint32_t KvIniFileCache::sync() {
         path_ = std::move(path);
     }
     return result;
+} catch (const std::bad_alloc&) {
+    ramAddMemoryError();
+    return 1;
 }
 
 bool KvIniFileCache::isCurrent() {
@@ -363,13 +366,9 @@ bool KvIniFileCache::rewrite(std::string_view text) {
     return written;
 }
 
-bool KvIniFileCache::replaceText(std::string_view text) const try {
+bool KvIniFileCache::replaceText(std::string_view text) const {
     return bosFileWrite(descriptor_, 0, text.data(), text.size()) == 0 &&
            bosFileTruncate(descriptor_, text.size()) == 0 && bosFileSync(descriptor_) == 0;
-} catch (const std::bad_alloc&) {
-    // In telling what failed; the file is to be whole again all the same.
-    ramAddMemoryError();
-    return false;
 }
 
 // Writes the old text over the part that was written of the new one, whose room on the disk is still ours.

@@ -52,9 +52,9 @@ public:
 
     // Stores `value` under `entry` in `section`; a null value removes the entry, a null entry the section. A new entry
     // becomes the first of its section, a new section the last of the file. The file is rewritten even when nothing
-    // changes, and a copy of the old text stands beside it meanwhile (kvlib/ini_backup.h). Without a copy nothing is
-    // written. When the new text can't be written whole, the old one is put back and the result is 0; where even that
-    // fails, the copy stays.
+    // changes, and a copy of the old text stands beside it meanwhile, where the folder takes one (kvlib/ini_backup.h).
+    // When the new text can't be written whole, the old one is put back and the result is 0; where even that fails, the
+    // copy stays.
     int bosPutProfileString(const char* section, const char* entry, const char* value);
 
     // Forgets path and text. Takes no lock, as bosKvIniOpen.

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <new>
 
 namespace {
 
@@ -21,16 +23,21 @@ Fault fault = Fault::kFails;
 constexpr int kNamed = -1;
 constexpr int kRemoval = -2;
 
+bool isNow(bool counts) {
+    return active && counts && stepsLeft-- == 0;
+}
+
 // Runs `call`, or makes it fail.
 template <typename Call>
 auto meet(int descriptor, Call call) -> decltype(call()) {
-    const bool isNow = active && stepsLeft-- == 0;
-    if (isNow || (active && fault == Fault::kDiskIsGone && stepsLeft < 0 && descriptor != kRemoval)) {
+    const bool counts = fault != Fault::kFileEnds && fault != Fault::kMemoryEnds;
+    if (isNow(counts) || (active && fault == Fault::kDiskIsGone && stepsLeft < 0 && descriptor != kRemoval)) {
         if (fault == Fault::kKilled) {
             raise(SIGKILL);
         }
         if (fault != Fault::kDescriptorIsClosed || descriptor < 0) {
-            errno = EIO;
+            // Its text is too long for a string without an allocation.
+            errno = EDQUOT;
             return -1;
         }
         syscall(SYS_close, descriptor);
@@ -68,10 +75,33 @@ WRAP(int, fchmod, descriptor, (int descriptor, mode_t mode), (descriptor, mode))
 WRAP(int, fchown, descriptor, (int descriptor, uid_t user, gid_t group), (descriptor, user, group))
 WRAP(int, ftruncate, descriptor, (int descriptor, off_t size), (descriptor, size))
 WRAP(off_t, lseek, descriptor, (int descriptor, off_t offset, int whence), (descriptor, offset, whence))
-WRAP(ssize_t, read, descriptor, (int descriptor, void* buffer, size_t size), (descriptor, buffer, size))
+WRAP(ssize_t, read, descriptor, (int descriptor, void* buffer, size_t size),
+     (descriptor, buffer, isNow(fault == Fault::kFileEnds) ? 0 : size))
 WRAP(ssize_t, write, descriptor, (int descriptor, const void* buffer, size_t size),
      (descriptor, buffer, active ? std::min(size, kLongestWrite) : size))
 WRAP(int, open, kNamed, (const char* path, int flags, mode_t mode), (path, flags, mode))
 WRAP(int, stat, kNamed, (const char* path, struct stat* status), (path, status))
 WRAP(int, unlink, kRemoval, (const char* path), (path))
+}
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    const bool isGone =
+        isNow(fault == Fault::kMemoryEnds) || (active && fault == Fault::kFailsWithoutMemory && stepsLeft < 0);
+    return isGone ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
+}
+
+void* operator new(std::size_t size) {
+    void* memory = operator new(size, std::nothrow);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
 }
