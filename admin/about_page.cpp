@@ -1,13 +1,10 @@
 #include "admin/about_page.h"
 
-#include <Xm/ScrollBar.h>
-
 #include <array>
 
-#include "admin/columns.h"
-#include "admin/dialogs.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
+#include "admin/table.h"
 #include "bos/catalog.h"
 #include "kvlib/text.h"
 #include "motifutil/component_version.h"
@@ -23,19 +20,11 @@ Widget LstAbtFile = nullptr;
 
 namespace {
 
-Widget AboutLists = nullptr;
-
-std::vector<Column> columns() {
-    return {{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}};
-}
-
-void fitToView() {
-    fitColumns(columns(), AboutLists);
-}
+Table Components;
 
 // Keeps the headers above the columns while the lists scroll sideways.
 void scrolled(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
-    scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value);
+    Components.scrollHeaders(callData);
 }
 
 }  // namespace
@@ -50,15 +39,16 @@ Widget createAboutForm(Widget notebook) {
     LblAbtVersion = createLabel(headerForm, "LblAbtVersion", Message::kColumnVersion);
     LblSAbtFile = createLabel(headerForm, "LblSAbtFile", Message::kColumnFile);
 
-    AboutLists = createScrolledWindow(FrmAbout, "ScrAboutLists");
-    Widget table = createForm(AboutLists, "FormAboutLists");
+    Widget lists = createScrolledWindow(FrmAbout, "ScrAboutLists");
+    Widget table = createForm(lists, "FormAboutLists");
     LstAbtDesc = createList(table, "LstAbtDesc", AboutTabItemSelected, nullptr);
     LstAbtVersion = createList(table, "LstAbtVersion", AboutTabItemSelected, nullptr);
     LstAbtFile = createList(table, "LstAbtFile", AboutTabItemSelected, nullptr);
 
     Widget explanation = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
-    placeTable({FrmAbout, heading, headers, AboutLists, explanation, {}});
-    watchColumns(columns(), AboutLists, scrolled, fitToView);
+    placeTable({FrmAbout, heading, headers, lists, explanation, {}});
+    Components.adopt({{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}}, lists,
+                     scrolled);
     populateAboutTab();
     setSizePosAboutTabWidgets();
     return FrmAbout;
@@ -93,9 +83,9 @@ void populateAboutTab() {
 }
 
 void setSizePosAboutTabWidgets() {
-    placeColumns(columns());
+    Components.place();
 }
 
 void AboutTabItemSelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    guarded([list] { followRow(list, columns(), AboutLists); });
+    Components.followRow(list);
 }

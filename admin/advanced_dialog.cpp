@@ -7,6 +7,7 @@
 
 #include "admin/dialogs.h"
 #include "admin/globals.h"
+#include "admin/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget AdvFDDialog = nullptr;
@@ -14,8 +15,6 @@ Widget TxtFDAdv = nullptr;
 
 namespace {
 
-constexpr int kMargin = 12;
-constexpr int kGap = 8;
 constexpr short kRows = 9;
 // Of the widest letter; of an ordinary text some two and a half times as many.
 constexpr short kColumns = 18;

@@ -1,14 +1,15 @@
 #include "admin/driver_chooser.h"
 
-#include <Xm/ScrollBar.h>
+#include <utility>
 
 #include "admin/advanced_dialog.h"
-#include "admin/columns.h"
 #include "admin/dialogs.h"
 #include "admin/drivers_page.h"
 #include "admin/flow.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
+#include "admin/spacing.h"
+#include "admin/table.h"
 #include "motifutil/widgets.h"
 
 Widget DlgDriverPopup = nullptr;
@@ -22,22 +23,9 @@ Widget LstDPDate = nullptr;
 
 namespace {
 
-constexpr int kMargin = 12;
-constexpr int kGap = 8;
-
+Table Drivers;
 Widget DriverLists = nullptr;
 Widget AdvancedHint = nullptr;
-std::vector<Column> Columns;
-
-void fitToView() {
-    fitColumns(Columns, DriverLists);
-}
-
-Widget createColumn(Widget table, Widget headers, const char* listName, const char* headerName, Message::Number title) {
-    Widget list = createList(table, listName, DriversPopupEntrySelected, DPDriver_doubleClick);
-    Columns.push_back({list, createLabel(headers, headerName, title)});
-    return list;
-}
 
 // When the advanced dialog is done Return is to lead on, not to open it again.
 void focusOnDrivers(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -56,22 +44,27 @@ void createDriverScreen(Widget parent) {
     AdvancedHint = createLabel(FormScr1, "LblDPHint", Message::kChooserAdvancedHint);
     Attach(AdvancedHint).leftForm(kMargin).bottomForm(kMargin);
 
-    Columns.clear();  // those of a chooser that was destroyed with its window
     Widget headers = createHeaderWindow(FormScr1, "scrWinDPLabel");
     Widget headerForm = createForm(headers, "frmLabel");
     DriverLists = createScrolledWindow(FormScr1, "scrWinDPLists");
     Widget table = createForm(DriverLists, "frmLists");
-    LstDPName = createColumn(table, headerForm, "LstDPName", "LblDPName", Message::kColumnName);
-    LstDPVersion = createColumn(table, headerForm, "LstDPVersion", "LblDPVersion", Message::kColumnVersion);
-    LstDPCompany = createColumn(table, headerForm, "LstDPCompany", "LblDPCompany", Message::kColumnCompany);
-    LstDPFile = createColumn(table, headerForm, "LstDPFile", "LblDPFile", Message::kColumnFile);
-    LstDPDate = createColumn(table, headerForm, "LstDPDate", "LblDPDate", Message::kColumnDate);
+    std::vector<Table::Column> columns;
+    const auto createColumn = [&](const char* list, const char* header, Message::Number title) {
+        columns.push_back({createList(table, list, DriversPopupEntrySelected, DPDriver_doubleClick),
+                           createLabel(headerForm, header, title)});
+        return columns.back().list;
+    };
+    LstDPName = createColumn("LstDPName", "LblDPName", Message::kColumnName);
+    LstDPVersion = createColumn("LstDPVersion", "LblDPVersion", Message::kColumnVersion);
+    LstDPCompany = createColumn("LstDPCompany", "LblDPCompany", Message::kColumnCompany);
+    LstDPFile = createColumn("LstDPFile", "LblDPFile", Message::kColumnFile);
+    LstDPDate = createColumn("LstDPDate", "LblDPDate", Message::kColumnDate);
     Attach(headers).below(heading, kGap).leftForm(kMargin).rightForm(kMargin);
     Attach(DriverLists).below(headers, 0).leftForm(kMargin).rightForm(kMargin);
-    watchColumns(Columns, DriverLists, synchonizeScrollDP, fitToView);
+    Drivers.adopt(std::move(columns), DriverLists, synchonizeScrollDP);
 
     populateDriverInfo(LstDPName, LstDPFile, LstDPVersion, LstDPCompany, LstDPDate);
-    placeColumns(Columns);
+    Drivers.place();
 }
 
 void offerAdvancedAttributes(bool offered) {
@@ -95,7 +88,7 @@ void CloseDriverPopup(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*c
 
 void DriversPopupEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
     guarded([list] {
-        followRow(list, Columns, DriverLists);
+        Drivers.followRow(list);
         if (const std::optional<int> row = selectedRow(list)) {
             replaceText(CurrentDriver, rowText(LstDPName, *row).c_str());
         }
@@ -114,5 +107,5 @@ void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData)
 }
 
 void synchonizeScrollDP(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
-    scrollHeaders(Columns, static_cast<XmScrollBarCallbackStruct*>(callData)->value);
+    Drivers.scrollHeaders(callData);
 }

@@ -1,13 +1,12 @@
 #include "admin/drivers_page.h"
 
-#include <Xm/ScrollBar.h>
-
 #include <new>
 #include <string>
 
-#include "admin/columns.h"
 #include "admin/dialogs.h"
 #include "admin/lists.h"
+#include "admin/spacing.h"
+#include "admin/table.h"
 #include "bos/file.h"
 #include "installer/configuration.h"
 #include "motifutil/component_version.h"
@@ -28,15 +27,7 @@ Widget LstDate = nullptr;
 
 namespace {
 
-Widget DriverLists = nullptr;
-
-std::vector<Column> columns() {
-    return {{LstName, LbColName},
-            {LstVersion, LbColVersion},
-            {LstCompany, LbColCompany},
-            {LstFile, LbColFile},
-            {LstDate, LbColDate}};
-}
+Table Drivers;
 
 // What is known of the drivers besides their names, one row for each.
 struct DriverColumns {
@@ -81,16 +72,12 @@ void fillList(Widget list, const std::vector<std::string>& rows) {
     populateList(list, strings.strings(), strings.count());
 }
 
-void fitToView() {
-    fitColumns(columns(), DriverLists);
-}
-
 }  // namespace
 
 Widget createDriversPage(Widget notebook) {
     FrmDrivers = createPage(notebook, "FrmDrivers");
     Widget heading = createLabel(FrmDrivers, "LbDDesc", Message::kDriversHeading);
-    Attach(heading).topForm(12).leftForm(12);
+    Attach(heading).topForm(kMargin).leftForm(kMargin);
 
     FormDrivers = createForm(FrmDrivers, "FormDrivers");
     Attach(FormDrivers).below(heading, 0).leftForm().rightForm().bottomForm();
@@ -104,18 +91,23 @@ Widget createDriversPage(Widget notebook) {
     LbColFile = createLabel(headerForm, "LbColFile", Message::kColumnFile);
     LbColDate = createLabel(headerForm, "LbColDate", Message::kColumnDate);
 
-    DriverLists = createScrolledWindow(FormDrivers, "scrolledWin2");
-    Widget table = createForm(DriverLists, "FrmTable");
+    Widget lists = createScrolledWindow(FormDrivers, "scrolledWin2");
+    Widget table = createForm(lists, "FrmTable");
     LstName = createList(table, "LstName", DriversTabEntrySelected, nullptr);
     LstVersion = createList(table, "LstVersion", DriversTabEntrySelected, nullptr);
     LstCompany = createList(table, "LstCompany", DriversTabEntrySelected, nullptr);
     LstFile = createList(table, "LstFile", DriversTabEntrySelected, nullptr);
     LstDate = createList(table, "LstDate", DriversTabEntrySelected, nullptr);
 
-    placeTable({FormDrivers, nullptr, headers, DriverLists, explanation, {}});
+    placeTable({FormDrivers, nullptr, headers, lists, explanation, {}});
     setSizePosForDriversWidgets(LstName, LstVersion, LstCompany, LstFile, LstDate, LbColName, LbColVersion,
                                 LbColCompany, LbColFile, LbColDate);
-    watchColumns(columns(), DriverLists, synchonizeScrollDT, fitToView);
+    Drivers.adopt({{LstName, LbColName},
+                   {LstVersion, LbColVersion},
+                   {LstCompany, LbColCompany},
+                   {LstFile, LbColFile},
+                   {LstDate, LbColDate}},
+                  lists, synchonizeScrollDT);
     return FrmDrivers;
 }
 
@@ -156,9 +148,9 @@ void setSizePosForDriversWidgets(Widget nameList, Widget versionList, Widget com
 }
 
 void DriversTabEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    guarded([list] { followRow(list, columns(), DriverLists); });
+    Drivers.followRow(list);
 }
 
 void synchonizeScrollDT(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
-    guarded([callData] { scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value); });
+    Drivers.scrollHeaders(callData);
 }

@@ -13,6 +13,7 @@
 #include "admin/flow.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
+#include "admin/spacing.h"
 #include "installer/configuration.h"
 #include "installer/file_dsn.h"
 #include "motifutil/widgets.h"
@@ -27,9 +28,6 @@ Widget BtnFDConfigure = nullptr;
 Widget BtnSetDirectory = nullptr;
 
 namespace {
-
-constexpr int kMargin = 12;
-constexpr int kGap = 8;
 
 constexpr const char* kPattern = "*.dsn";
 
@@ -108,12 +106,10 @@ void configure(const std::string& path) {
         showError(Message::kFileDsnUnreadable);
         return;
     }
-    const installer::NameList keys =
-        installer::listKeys(installer::kFileDsnSection, path, installer::Growth::kByDoubling);
     std::vector<installer::Attribute> attributes{{"DSN", path}};
     std::string driver;
     std::string setup;
-    for (installer::Attribute& setting : installer::readSection(installer::kFileDsnSection, path, keys)) {
+    for (installer::Attribute& setting : installer::readSection(installer::kFileDsnSection, path)) {
         if (installer::sameName(setting.key, "Driver")) {
             driver = installer::driverName(setting.value);
             setup = installer::readValue(driver, "Setup", installer::kDriverFile);

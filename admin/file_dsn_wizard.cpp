@@ -14,6 +14,7 @@
 #include "admin/driver_chooser.h"
 #include "admin/forms.h"
 #include "admin/globals.h"
+#include "admin/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget BtnFinish = nullptr;
@@ -27,8 +28,6 @@ short CurScreenAt = 1;
 
 namespace {
 
-constexpr int kMargin = 12;
-constexpr int kGap = 8;
 constexpr short kSummaryRows = 10;
 constexpr short kSummaryColumns = 10;
 

@@ -91,18 +91,6 @@ std::string rowText(Widget list, int position) {
     return position >= 1 && position <= count ? plainText(items[position - 1]) : std::string();
 }
 
-void selectSameRow(Widget source, const std::vector<Widget>& lists) {
-    const std::optional<int> row = selectedRow(source);
-    for (Widget list : lists) {
-        if (list != source) {
-            XmListDeselectAllItems(list);
-            if (row) {
-                XmListSelectPos(list, *row, False);
-            }
-        }
-    }
-}
-
 bool isDoubleClick(XtPointer callData) {
     const auto* action = static_cast<const XmListCallbackStruct*>(callData);
     return action == nullptr || action->event == nullptr || action->event->type != KeyPress;

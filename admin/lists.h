@@ -51,6 +51,3 @@ bool isDoubleClick(XtPointer callData);
 
 // Deletes the row at `position`, from 1, and shows one row less.
 void deleteRow(Widget list, int position);
-
-// Selects the selected row of `source` in every list, without notification.
-void selectSameRow(Widget source, const std::vector<Widget>& lists);

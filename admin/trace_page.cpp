@@ -11,6 +11,7 @@
 #include "admin/dialogs.h"
 #include "admin/flow.h"
 #include "admin/globals.h"
+#include "admin/spacing.h"
 #include "installer/configuration.h"
 #include "motifutil/file_dialog.h"
 #include "motifutil/widgets.h"
@@ -27,9 +28,6 @@ Widget BtnTLibBrowse = nullptr;
 Widget TxtTraceDesc = nullptr;
 
 namespace {
-
-constexpr int kMargin = 12;
-constexpr int kGap = 8;
 
 constexpr const char* kSection = "ODBC";
 constexpr const char* kTraceKey = "TRACE";

@@ -1,18 +1,17 @@
 #include "admin/user_dsn_page.h"
 
 #include <Xm/List.h>
-#include <Xm/ScrollBar.h>
 
 #include <algorithm>
 #include <new>
 #include <string>
 
-#include "admin/columns.h"
 #include "admin/dialogs.h"
 #include "admin/driver_setup.h"
 #include "admin/flow.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
+#include "admin/table.h"
 #include "installer/configuration.h"
 #include "motifutil/widgets.h"
 
@@ -40,16 +39,10 @@ constexpr std::size_t kDriverRowSize = 128;
 // letter is not listed until there is another.
 constexpr int kLongestEmptyList = 2;
 
-std::vector<Column> columns() {
-    return {{LstUName, LblName}, {LstUDesc, LblDriver}};
-}
+Table DataSources;
 
 std::string driverOf(const std::string& dataSource, std::size_t size) {
     return installer::readValue(installer::kDataSourceList, dataSource, installer::kDataSourceFile, size);
-}
-
-void fitToView() {
-    fitColumns(columns(), ScrWinLists);
 }
 
 // Reads names and drivers and fills the lists; false after the error that ends the program was shown.
@@ -85,14 +78,12 @@ void selectRow(Widget nameList, Widget driverList, int row) {
 // Configures the data source `name`: hands every key that it has to its driver.
 void configure(const std::string& name) {
     installer::forgetCachedValues();
-    const installer::NameList keys =
-        installer::listKeys(name, installer::kDataSourceFile, installer::Growth::kByDoubling);
-    if (keys.length < 1) {
+    const std::vector<installer::Attribute> settings = installer::readSection(name, installer::kDataSourceFile);
+    if (settings.empty()) {
         showODBCINIError();
         return;
     }
     std::vector<installer::Attribute> attributes{{"DSN", name}};
-    const std::vector<installer::Attribute> settings = installer::readSection(name, installer::kDataSourceFile, keys);
     attributes.insert(attributes.end(), settings.begin(), settings.end());
 
     const std::string driver = driverOf(name, 1024);
@@ -143,7 +134,7 @@ Widget createUserDsnPage(Widget notebook) {
     TxtODBCDesc = createReadOnlyText(FormUserDSN, "TxtODBCDesc", Message::kUserDsnExplanation, 2);
 
     placeTable({FormUserDSN, heading, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
-    watchColumns(columns(), ScrWinLists, synchonizeScrollUD, fitToView);
+    DataSources.adopt({{LstUName, LblName}, {LstUDesc, LblDriver}}, ScrWinLists, synchonizeScrollUD);
     return FormUserDSN;
 }
 
@@ -154,7 +145,7 @@ void populateUserDSN(Widget nameList, Widget driverList) {
         if (!fillLists(nameList, driverList)) {
             return;
         }
-        fitToView();
+        DataSources.fit();
         int count = 0;
         XtVaGetValues(nameList, XmNitemCount, &count, nullptr);
         if (count > 0) {
@@ -166,7 +157,7 @@ void populateUserDSN(Widget nameList, Widget driverList) {
 }
 
 void setSizePosForUserDSNWidgets() {
-    placeColumns(columns());
+    DataSources.place();
 }
 
 void AddUserDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -220,13 +211,13 @@ void UDSN_doubleClick(Widget widget, XtPointer clientData, XtPointer callData) {
 }
 
 void lstUName_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    guarded([widget] { followRow(widget, columns(), ScrWinLists); });
+    DataSources.followRow(widget);
 }
 
 void lstUDesc_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    guarded([widget] { followRow(widget, columns(), ScrWinLists); });
+    DataSources.followRow(widget);
 }
 
 void synchonizeScrollUD(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
-    guarded([callData] { scrollHeaders(columns(), static_cast<XmScrollBarCallbackStruct*>(callData)->value); });
+    DataSources.scrollHeaders(callData);
 }

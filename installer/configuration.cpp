@@ -130,7 +130,8 @@ bool writeValue(const std::string& section, const std::string& key, const char* 
     return fits && SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
 }
 
-std::vector<Attribute> readSection(const std::string& section, const std::string& file, const NameList& keys) {
+std::vector<Attribute> readSection(const std::string& section, const std::string& file) {
+    const NameList keys = listKeys(section, file, Growth::kByDoubling);
     std::vector<Attribute> attributes;
     attributes.reserve(keys.names.size());
     for (const std::string& key : keys.names) {

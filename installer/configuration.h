@@ -76,12 +76,12 @@ bool removeDataSource(const std::string& name);
 // be longer than kLongestLine: what stood there stays.
 bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file);
 
-// Key and value of each line of `section`, in file order.
+// Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.
 struct Attribute {
     std::string key;
     std::string value;
 };
-std::vector<Attribute> readSection(const std::string& section, const std::string& file, const NameList& keys);
+std::vector<Attribute> readSection(const std::string& section, const std::string& file);
 
 // The form in which attributes pass to a driver's setup library: "key=value" strings, each with a terminator, and one
 // more terminator at the end (ODBC ConfigDSN, lpszAttributes).

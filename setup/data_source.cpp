@@ -118,9 +118,7 @@ bool dataSourceExists(const std::string& name) {
 }
 
 Settings readDataSource(const std::string& name) {
-    const installer::NameList keys =
-        installer::listKeys(name, installer::kDataSourceFile, installer::Growth::kByDoubling);
-    return installer::readSection(name, installer::kDataSourceFile, keys);
+    return installer::readSection(name, installer::kDataSourceFile);
 }
 
 std::optional<SetupFailure> checkName(const std::string& name) {

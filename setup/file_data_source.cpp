@@ -143,9 +143,7 @@ bool fileExists(const std::string& path) {
 }
 
 Settings readFileDataSource(const std::string& path) {
-    const installer::NameList keys =
-        installer::listKeys(installer::kFileDsnSection, path, installer::Growth::kByDoubling);
-    return installer::readSection(installer::kFileDsnSection, path, keys);
+    return installer::readSection(installer::kFileDsnSection, path);
 }
 
 std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change) {

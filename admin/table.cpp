@@ -1,6 +1,7 @@
-#include "admin/columns.h"
+#include "admin/table.h"
 
 #include <Xm/Form.h>
+#include <Xm/List.h>
 #include <Xm/ScrollBar.h>
 #include <Xm/ScrolledW.h>
 
@@ -8,16 +9,18 @@
 #include <bit>
 #include <cstdint>
 #include <numeric>
+#include <utility>
 
 #include "admin/dialogs.h"
 #include "admin/lists.h"
+#include "admin/spacing.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/widgets.h"
 
 namespace {
 
-constexpr int kMargin = 12;
-constexpr int kGap = 8;
+using Column = Table::Column;
+
 // The room that a column keeps free on the right of its widest text.
 constexpr int kColumnRoom = 8;
 
@@ -27,10 +30,10 @@ int widthOf(Widget widget) {
     return width;
 }
 
-void resized(Widget /*widget*/, XtPointer fit, XEvent* event, Boolean* /*continueToDispatch*/) {
+void resized(Widget /*widget*/, XtPointer table, XEvent* event, Boolean* /*continueToDispatch*/) {
     // A window that is first mapped may have had its size before it existed.
     if (event->type == ConfigureNotify || event->type == MapNotify) {
-        guarded(reinterpret_cast<void (*)()>(fit));
+        guarded([table] { static_cast<const Table*>(table)->fit(); });
     }
 }
 
@@ -63,6 +66,17 @@ int scrolledSideways(Widget list) {
     return value;
 }
 
+// Moves the headers left by `scrolled` pixels, so that they stand above the columns of lists scrolled by as much.
+void placeHeaders(const std::vector<Column>& columns, int scrolled) {
+    int start = -scrolled;
+    for (const Column& column : columns) {
+        const int width = widthOf(column.list);
+        Attach(column.header).strip(kHeaderHeight).span(start, width);
+        XtVaSetValues(column.header, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
+        start += width;
+    }
+}
+
 // Places the lists side by side and gives the forms around lists and headers the size of what is in them. Left alone, a
 // form in a scrolled window grows with its children but does not shrink with them.
 void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) {
@@ -77,7 +91,7 @@ void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) 
     XtVaSetValues(XtParent(columns.front().list), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, XmNheight, height,
                   nullptr);
     XtVaSetValues(XtParent(columns.front().header), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, nullptr);
-    scrollHeaders(columns, scrolledSideways(columns.front().list));
+    placeHeaders(columns, scrolledSideways(columns.front().list));
 }
 
 // The size of a list without rows goes with the list, as its user data.
@@ -113,36 +127,76 @@ void layOutEmpty(const std::vector<Column>& columns) {
     }
 }
 
+// Scrolls the window around a list as far as it takes to show the row at `position`, from 1.
+void revealRow(Widget list, int position, Widget scrolledWindow) {
+    int rows = 0;
+    Dimension height = 0;
+    XtVaGetValues(list, XmNitemCount, &rows, XmNheight, &height, nullptr);
+    revealRange(scrolledWindow, (position - 1) * height / rows, position * height / rows);
+}
+
 }  // namespace
 
-Widget createHeaderWindow(Widget parent, const char* name) {
-    return XtVaCreateManagedWidget(name, xmScrolledWindowWidgetClass, parent, XmNscrollingPolicy, XmAPPLICATION_DEFINED,
-                                   XmNvisualPolicy, XmVARIABLE, nullptr);
+void Table::adopt(std::vector<Column> columns, Widget scrolledWindow, XtCallbackProc scrolled) {
+    columns_ = std::move(columns);
+    window_ = scrolledWindow;
+    Widget scrollBar = nullptr;
+    XtVaGetValues(window_, XmNhorizontalScrollBar, &scrollBar, nullptr);
+    for (const char* reason :
+         {XmNvalueChangedCallback, XmNincrementCallback, XmNdecrementCallback, XmNpageIncrementCallback,
+          XmNpageDecrementCallback, XmNtoTopCallback, XmNtoBottomCallback, XmNdragCallback}) {
+        XtAddCallback(scrollBar, reason, scrolled, nullptr);
+    }
+    XtAddEventHandler(window_, StructureNotifyMask, False, resized, this);
+    for (const Column& column : columns_) {
+        scrollWithWheel(window_, column.list);
+        useWholeHeight(column.header);
+    }
 }
 
-void setEmptySize(Widget list, Dimension width, Dimension height) {
-    XtVaSetValues(list, XmNwidth, width, XmNheight, height, XmNuserData, packed({width, height}), nullptr);
-}
-
-void fitColumns(const std::vector<Column>& columns, Widget scrolledWindow) {
-    if (std::all_of(columns.begin(), columns.end(), hasEmptySize)) {
-        layOutEmpty(columns);
+void Table::fit() const {
+    if (std::all_of(columns_.begin(), columns_.end(), hasEmptySize)) {
+        layOutEmpty(columns_);
         return;
     }
     std::vector<int> widths;
-    for (const Column& column : columns) {
+    for (const Column& column : columns_) {
         widths.push_back(std::max(widestRow(column.list), preferredWidth(column.header)) + kColumnRoom);
     }
     const int total = std::accumulate(widths.begin(), widths.end(), 0);
     const int lastWidth = widths.back();
-    const int view = viewWidth(scrolledWindow);
+    const int view = viewWidth(window_);
     widths.back() = lastWidth + std::max(view - total, 0);
-    layOut(columns, widths);
+    layOut(columns_, widths);
     // The rows may have brought up the vertical scroll bar, or let it go.
-    const int viewAfter = viewWidth(scrolledWindow);
+    const int viewAfter = viewWidth(window_);
     if (viewAfter != view) {
         widths.back() = lastWidth + std::max(viewAfter - total, 0);
-        layOut(columns, widths);
+        layOut(columns_, widths);
+    }
+}
+
+void Table::place() const {
+    placeColumns(columns_);
+}
+
+void Table::scrollHeaders(XtPointer callData) const {
+    placeHeaders(columns_, static_cast<const XmScrollBarCallbackStruct*>(callData)->value);
+}
+
+void Table::followRow(Widget clicked) const {
+    const std::optional<int> row = selectedRow(clicked);
+    for (const Column& column : columns_) {
+        if (column.list == clicked) {
+            continue;
+        }
+        XmListDeselectAllItems(column.list);
+        if (row) {
+            XmListSelectPos(column.list, *row, False);
+        }
+    }
+    if (row) {
+        revealRow(clicked, *row, window_);
     }
 }
 
@@ -154,51 +208,13 @@ void placeColumns(const std::vector<Column>& columns) {
     layOut(columns, widths);
 }
 
-void scrollHeaders(const std::vector<Column>& columns, int scrolled) {
-    int start = -scrolled;
-    for (const Column& column : columns) {
-        const int width = widthOf(column.list);
-        Attach(column.header).strip(kHeaderHeight).span(start, width);
-        XtVaSetValues(column.header, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
-        start += width;
-    }
+Widget createHeaderWindow(Widget parent, const char* name) {
+    return XtVaCreateManagedWidget(name, xmScrolledWindowWidgetClass, parent, XmNscrollingPolicy, XmAPPLICATION_DEFINED,
+                                   XmNvisualPolicy, XmVARIABLE, nullptr);
 }
 
-void revealRow(Widget list, int position, Widget scrolledWindow) {
-    int rows = 0;
-    XtVaGetValues(list, XmNitemCount, &rows, nullptr);
-    if (rows == 0) {
-        return;
-    }
-    Dimension height = 0;
-    XtVaGetValues(list, XmNheight, &height, nullptr);
-    revealRange(scrolledWindow, (position - 1) * height / rows, position * height / rows);
-}
-
-void followRow(Widget clicked, const std::vector<Column>& columns, Widget scrolledWindow) {
-    std::vector<Widget> lists;
-    for (const Column& column : columns) {
-        lists.push_back(column.list);
-    }
-    selectSameRow(clicked, lists);
-    if (const std::optional<int> row = selectedRow(clicked)) {
-        revealRow(clicked, *row, scrolledWindow);
-    }
-}
-
-void watchColumns(const std::vector<Column>& columns, Widget scrolledWindow, XtCallbackProc scrolled, void (*fit)()) {
-    Widget scrollBar = nullptr;
-    XtVaGetValues(scrolledWindow, XmNhorizontalScrollBar, &scrollBar, nullptr);
-    for (const char* reason :
-         {XmNvalueChangedCallback, XmNincrementCallback, XmNdecrementCallback, XmNpageIncrementCallback,
-          XmNpageDecrementCallback, XmNtoTopCallback, XmNtoBottomCallback, XmNdragCallback}) {
-        XtAddCallback(scrollBar, reason, scrolled, nullptr);
-    }
-    XtAddEventHandler(scrolledWindow, StructureNotifyMask, False, resized, reinterpret_cast<XtPointer>(fit));
-    for (const Column& column : columns) {
-        scrollWithWheel(scrolledWindow, column.list);
-        useWholeHeight(column.header);
-    }
+void setEmptySize(Widget list, Dimension width, Dimension height) {
+    XtVaSetValues(list, XmNwidth, width, XmNheight, height, XmNuserData, packed({width, height}), nullptr);
 }
 
 void placeTable(const TablePage& page) {

@@ -1,0 +1,65 @@
+// Tables made of parallel lists: headers above the columns, and the layout of a page around them. GUI thread only.
+#pragma once
+
+#include <Xm/Xm.h>
+
+#include <vector>
+
+inline constexpr int kHeaderHeight = 25;
+
+// Parallel lists in one scrolled window, with headers above them in another. It lives as long as the program; the
+// widgets are those of its page, and of its next one when that was destroyed and made again.
+class Table {
+public:
+    // One column: a list and the header above it.
+    struct Column {
+        Widget list;
+        Widget header;
+    };
+
+    // Takes the columns, from left to right, and the scrolled window around the lists. From now on the columns fill
+    // that window whatever its size, and the mouse wheel scrolls it. `scrolled` is called for every way in which its
+    // horizontal scroll bar moves, and is to call scrollHeaders().
+    void adopt(std::vector<Column> columns, Widget scrolledWindow, XtCallbackProc scrolled);
+
+    // Makes each column as wide as its header and its rows ask for, and the last one wide enough to fill what the
+    // window shows, then places lists and headers side by side. Call it when rows changed.
+    void fit() const;
+
+    // Places lists and headers side by side by the lists' present widths.
+    void place() const;
+
+    // Moves the headers with the lists, from a callback of the horizontal scroll bar with this `callData`.
+    void scrollHeaders(XtPointer callData) const;
+
+    // Selects the row that is selected in `clicked` in all lists, without notification, and brings it into sight. The
+    // lists are as long as they have rows, so they can't scroll to it themselves when the keyboard moves the selection.
+    void followRow(Widget clicked) const;
+
+private:
+    std::vector<Column> columns_;
+    Widget window_ = nullptr;
+};
+
+// Places lists and headers side by side by the lists' present widths.
+void placeColumns(const std::vector<Table::Column>& columns);
+
+// A scrolled window for headers: it clips them and never shows scroll bars of its own.
+Widget createHeaderWindow(Widget parent, const char* name);
+
+// The size that a list has as long as it has no rows, in pixels: a table of such lists is neither fitted nor stretched.
+void setEmptySize(Widget list, Dimension width, Dimension height);
+
+// The parts of a page that shows a table, from top to bottom. `heading` may be null, and there may be no `buttons`;
+// they stand in a column on the right.
+struct TablePage {
+    Widget form;
+    Widget heading;
+    Widget headers;
+    Widget lists;
+    Widget explanation;
+    std::vector<Widget> buttons;
+};
+
+// Attaches the parts so that the table takes all room that the window gains.
+void placeTable(const TablePage& page);
