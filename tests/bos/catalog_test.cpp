@@ -3,11 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cstdio>
-#include <memory>
 #include <string>
 
-#include "bos/debug_mask.h"
+#include "kvlib/text.h"
+#include "tests/support/program.h"
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
@@ -25,14 +24,12 @@ protected:
             folder_.makeCatalog(inLocale(locale, "test.m"), {{1, locale}, {2, "Configure"}, {3, "x %s %n"}});
         }
         folder_.makeCatalog(inLocale("en_US", "test23.mo"), {{1, "library"}});
-        folder_.path().copy(InstallDirLocation, kInstallDirSize);
-        InstallDirLocation[folder_.path().size()] = '\0';
+        strCopy(InstallDirLocation, kInstallDirSize, folder_.path().c_str());
     }
     ~MessageCatalogTest() override {
         bosFreeResourceDLL(nullptr, nullptr);
         *InstallDirLocation = '\0';
         std::setlocale(LC_ALL, "C");
-        BOS_RUNTIME_DEBUG = 0;
     }
 
     static std::string lookUp(nl_catd handle, std::uint32_t id, std::int32_t size = 64) {
@@ -155,22 +152,14 @@ TEST_F(MessageCatalogTest, TheLibrarysCatalogWaitsForIniLocks) {
 }
 
 TEST(StaticStart, MaskAndLocksAreReadyBeforeMain) {
-    const struct {
-        const char* debugging;  // assignments before the command
-        const char* expected;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"KV_DEBUGGING=1f", "1f 4711\n"},
         {"KV_DEBUGGING=0xFFFFFFFFFFFFFFFF", "ffffffffffffffff 4711\n"},
         {"KV_DEBUGGING=yes", "0 4711\n"},
         {"-u KV_DEBUGGING", "0 4711\n"},
     };
-    for (const auto& row : rows) {
-        const std::string command = std::string("env ") + row.debugging + " " + BOS_STATIC_START;
-        const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"),
-                                                         [](FILE* f) { return pclose(f); });
-        char line[64] = "";
-        EXPECT_NE(std::fgets(line, sizeof line, pipe.get()), nullptr);
-        EXPECT_STREQ(line, row.expected) << row.debugging;
+    for (const auto& [debugging, expected] : rows) {
+        EXPECT_EQ(outputOf(std::string("env ") + debugging + " " BOS_STATIC_START), expected) << debugging;
     }
 }
 

@@ -6,10 +6,8 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <memory>
 #include <string>
 
-#include "bos/debug_mask.h"
 #include "tests/support/child_process.h"
 #include "tests/support/error_collector.h"
 #include "tests/support/scoped_environment.h"
@@ -19,8 +17,6 @@ namespace {
 
 class LibraryTest : public testing::Test {
 protected:
-    ~LibraryTest() override { BOS_RUNTIME_DEBUG = 0; }
-
     std::string inFolder(std::string_view list) const {
         std::string result;
         for (const char c : list) {
@@ -42,9 +38,7 @@ TEST_F(LibraryTest, FilesAreLookedForAlongTheFlaggedDirectories) {
     constexpr std::uint32_t kLibraries = LocateFlag::kProduct | LocateFlag::kLibraries;
     const std::string longName(2000, 'x');
     const struct {
-        const char* label;
-        const char* variable;
-        const char* value;
+        const char *label, *variable, *value;
         std::uint32_t flags;
         std::string name;
         const char* expected;
@@ -73,19 +67,15 @@ TEST_F(LibraryTest, FilesAreLookedForAlongTheFlaggedDirectories) {
 }
 
 TEST_F(LibraryTest, TheOrderOfDirectoriesIsFixed) {
-    for (const char* directory : {"home", "kv", "kvlib", "ld", "run", "path"}) {
-        folder_.write(std::string(directory) + "/file", "");
+    constexpr const char* kVariables[] = {"HOME", "KV", "KVLIB", "LD_LIBRARY_PATH", "LD_RUN_PATH", "PATH"};
+    for (const char* variable : kVariables) {
+        folder_.write(std::string(variable) + "/file", "");
+        environment_.set(variable, folder_.path(variable));
     }
-    environment_.set("HOME", folder_.path("home"));
-    environment_.set("KV", folder_.path("kv"));
-    environment_.set("KVLIB", folder_.path("kvlib"));
-    environment_.set("LD_LIBRARY_PATH", folder_.path("ld"));
-    environment_.set("LD_RUN_PATH", folder_.path("run"));
-    environment_.set("PATH", folder_.path("path"));
-    for (const char* directory : {"home", "kv", "kvlib", "ld", "run", "path"}) {
+    for (const char* variable : kVariables) {
         char result[kPathSize];
         EXPECT_EQ(bosLocateFile(result, "file", 0x0F), 0U);
-        EXPECT_EQ(std::string(result), folder_.path(directory) + "/file");
+        EXPECT_EQ(std::string(result), folder_.path(variable) + "/file");
         std::filesystem::remove(result);
     }
 }

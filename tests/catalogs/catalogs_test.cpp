@@ -42,9 +42,7 @@ std::map<std::string, std::set<int>> declaredNumbers() {
 
 TEST(CatalogsTest, EveryNumberHasATextAndEveryTextANumber) {
     struct Case {
-        const char* space;
-        const char* name;
-        const char* compiled;
+        const char *space, *name, *compiled;
     };
     constexpr Case kCases[] = {{"Message", "odbc", "odbc.m"},
                                {"LibraryMessage", "vhutl23", "vhutl23.mo"},

@@ -18,13 +18,10 @@
 
 namespace {
 
-struct LibraryCloser {
-    void operator()(void* handle) const { dlclose(handle); }
-};
-using Library = std::unique_ptr<void, LibraryCloser>;
+using Library = std::unique_ptr<void, int (*)(void*)>;
 
 Library load(const char* path) {
-    Library library(dlopen(path, RTLD_NOW | RTLD_LOCAL));
+    Library library(dlopen(path, RTLD_NOW | RTLD_LOCAL), dlclose);
     EXPECT_NE(library, nullptr) << dlerror();
     return library;
 }
@@ -79,10 +76,10 @@ TEST(Components, ThePostgresqlDriverIsDescribedInItsOwnWords) {
     Dl_info real{};
     ASSERT_TRUE(describe != nullptr && dladdr(dlsym(driver.get(), "SQLDriverConnect"), &real) != 0);
     const std::string words = "\n" + outputOf("strings -a '" + std::string(real.dli_fname) + "' | tr A-Z a-z");
-    ODBCINSTPROPERTY first{};
-    ASSERT_EQ(describe(&first), 1);
+    auto* first = static_cast<HODBCINSTPROPERTY>(std::calloc(1, sizeof(ODBCINSTPROPERTY)));
+    ASSERT_EQ(describe(first), 1);
     std::set<std::string> seen;
-    for (const ODBCINSTPROPERTY* property = first.pNext; property != nullptr; property = property->pNext) {
+    for (const ODBCINSTPROPERTY* property = first->pNext; property != nullptr; property = property->pNext) {
         std::string key = property->szName;
         SCOPED_TRACE(key);
         const bool isPassword = key == "Password";
@@ -102,12 +99,7 @@ TEST(Components, ThePostgresqlDriverIsDescribedInItsOwnWords) {
     for (const char* key : {"servername", "port", "database", "username", "password", "sslmode"}) {
         EXPECT_EQ(seen.count(key), 1U) << key;
     }
-    while (first.pNext != nullptr) {
-        const std::unique_ptr<ODBCINSTPROPERTY, decltype(&std::free)> property(first.pNext, std::free);
-        first.pNext = property->pNext;
-        std::free(static_cast<void*>(property->aPromptData));
-        std::free(property->pszHelp);
-    }
+    ODBCINSTDestructProperties(&first);
 }
 
 TEST(Components, NothingElseIsExported) {

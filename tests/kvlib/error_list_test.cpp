@@ -2,70 +2,42 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "bos/catalog.h"
+#include "tests/support/error_collector.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
 
-// Records errors before main and before other static objects of this program are constructed.
-struct EarlyReporter {
-    EarlyReporter() {
-        KvErrorList list;
-        KvErrorKeeper::setErrorList(&list);
-        ramAddMemoryError();
-        text = KvErrorKeeper::getLastError() == nullptr ? "" : KvErrorKeeper::getLastError()->getErrorText();
-        *addError(1) << "ignored";
-        KvErrorKeeper::giveUpErrorList();
+std::vector<int> numbers(const KvErrorList& list) {
+    std::vector<int> result;
+    for (std::uint64_t i = 0; i < list.count(); i++) {
+        result.push_back(list.getNodeAtPos(i)->number());
     }
-    std::string text;
-};
-__attribute__((init_priority(102))) EarlyReporter Early;
+    return result;
+}
 
 class ErrorListTest : public testing::Test {
 protected:
     ErrorListTest() { KvErrorKeeper::setErrorList(&list_); }
     ~ErrorListTest() override { KvErrorKeeper::giveUpErrorList(); }
 
-    std::vector<int> numbers(const KvErrorList& list) {
-        std::vector<int> result;
-        for (std::uint64_t i = 0; i < list.count(); i++) {
-            result.push_back(list.getNodeAtPos(i)->number());
-        }
-        return result;
-    }
-
     int owner_ = 0;
     KvErrorList list_{&owner_};
 };
 
-class KeepAllTest : public ErrorListTest {
-protected:
-    KeepAllTest() { KvErrorKeeper::setErrorList(&all_); }
-    ~KeepAllTest() override { KvErrorKeeper::giveUpErrorList(); }
-
-    KvErrorList all_{nullptr, kErrorListKeepAll};
-};
-
-TEST(SpecialErrors, WorkBeforeMain) {
-    EXPECT_EQ(Early.text, "Out Of Memory");
-    EXPECT_EQ(MemoryError.number(), 30190);
-    EXPECT_FALSE(MemoryError.isWarning());
-    EXPECT_EQ(std::u16string(MemoryError.getErrorTextW()), u"Out Of Memory");
-}
-
 TEST(SpecialErrors, AreNeverChanged) {
-    for (KvError* error : {&MemoryError, &DummyError}) {
-        std::string text = error->getErrorText();
+    for (const auto& [error, text] : {std::pair{&MemoryError, "Out Of Memory"}, {&DummyError, ""}}) {
         *error << "a" << 1L << 2UL << u"b" << KvSubString("c", 1) << KvSubStringW(u"d", 1);
         error->appendText("more");
         error->setErrorType(kErrorTypeWarning);
         error->setState(u"01000");
         error->setPositions(1, 1);
-        EXPECT_EQ(error->getErrorText(), text);
+        EXPECT_STREQ(error->getErrorText(), text);
+        EXPECT_EQ(std::u16string(error->getErrorTextW()), toUtf16(text, kCPUtf8));
         EXPECT_FALSE(error->isWarning());
         EXPECT_EQ(error->getInterfaceCode()[0], u'\0');
         EXPECT_EQ(error->recordPosition(), -1);
@@ -78,7 +50,6 @@ TEST(ErrorKeeper, IsHarmlessWithoutAList) {
     EXPECT_EQ(result, &DummyError);
     *result << "a" << 1L;
     EXPECT_EQ(KvErrorKeeper::addError(new KvError(1, u"x", 0, 0, 0)), &DummyError);
-    EXPECT_EQ(addWarning(1), &DummyError);
     ramAddMemoryError();
     KvErrorKeeper::clearLastError();
     KvErrorKeeper::setLastErrorType(1);
@@ -87,12 +58,10 @@ TEST(ErrorKeeper, IsHarmlessWithoutAList) {
     EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), 0);
     EXPECT_EQ(KvErrorKeeper::getLastNativeError(), 0);
     EXPECT_EQ(KvErrorKeeper::getOwnerOfList(), nullptr);
-}
 
-TEST(ErrorKeeper, GivingUpNothingStillCountsAUseDown) {
     ASSERT_EQ(mdsPerThreadInit(), 1);
     EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), nullptr);
-    EXPECT_EQ(mdsGetPerThreadDataAddress(0), nullptr);
+    EXPECT_EQ(mdsGetPerThreadDataAddress(0), nullptr) << "giving up nothing still counts a use down";
 }
 
 TEST_F(ErrorListTest, ListsFormAStack) {
@@ -145,31 +114,27 @@ TEST_F(ErrorListTest, MemoryErrorsComeLastAndOnce) {
     EXPECT_EQ(numbers(list_), std::vector{2});
 }
 
-TEST_F(KeepAllTest, OperationsByPosition) {
+TEST(KeepAll, OperationsByPosition) {
+    ErrorCollector collector;
+    KvErrorList& all = *KvErrorKeeper::currentList();
     for (std::uint16_t number = 1; number <= 3; number++) {
         addError(number, "t");
     }
-    all_.moveLastErrorToPos(0);
-    EXPECT_EQ(numbers(all_), (std::vector{3, 1, 2}));
-    all_.moveLastErrorToPos(3);
-    all_.setWarningAfterPos(1);
-    EXPECT_EQ(all_.getErrorsMix(), 1);
-    EXPECT_FALSE(all_.getNodeAtPos(1)->isWarning());
-    EXPECT_TRUE(all_.getNodeAtPos(2)->isWarning());
-    all_.setWarningAfterPos(-1);
-    EXPECT_EQ(all_.isWarningOnly(), 1);
-    all_.appendTextStartingAtPos("!", 1);
-    all_.appendTextStartingAtPos(u"?", 2);
+    all.moveLastErrorToPos(0);
+    EXPECT_EQ(numbers(all), (std::vector{3, 1, 2}));
+    all.moveLastErrorToPos(3);
+    all.setWarningAfterPos(1);
+    EXPECT_EQ(all.getErrorsMix(), 1);
+    EXPECT_EQ(collector.numbers(), "3 1 2w");
+    all.setWarningAfterPos(-1);
+    EXPECT_EQ(all.isWarningOnly(), 1);
+    all.appendTextStartingAtPos("!", 1);
+    all.appendTextStartingAtPos(u"?", 2);
     KvString text;
     ASSERT_EQ(text.initialize(">"), 0);
-    EXPECT_EQ(all_.concatErrors(text, '|'), 0);
+    EXPECT_EQ(all.concatErrors(text, '|'), 0);
     EXPECT_EQ(text.view(), ">t|t!|t!?");
-    std::vector<int> walked;
-    for (KvError* error = all_.getFirstNode(); error != nullptr; error = all_.getNextNode()) {
-        walked.push_back(error->number());
-    }
-    EXPECT_EQ(walked, numbers(all_));
-    EXPECT_EQ(all_.getNodeAtPos(3), nullptr);
+    EXPECT_EQ(all.getNodeAtPos(3), nullptr);
 }
 
 TEST_F(ErrorListTest, PlacesAreFilledWithEveryKindOfValue) {
@@ -185,34 +150,14 @@ TEST_F(ErrorListTest, PlacesAreFilledWithEveryKindOfValue) {
     EXPECT_EQ(list_.getLastError()->getInterfaceCode()[0], u'\0') << "appending clears the state";
 }
 
-// What one error of the ordering tests is made of; a null state means none.
-struct Made {
-    const char16_t* state;
-    std::int64_t position;
-    std::uint16_t stateNumber;
-
-    std::unique_ptr<KvError> make() const {
-        auto error = std::make_unique<KvError>(std::uint16_t{1}, u"", kErrorTypeError, stateNumber, std::int64_t{0});
-        error->setState(state);
-        error->setPositions(position, -1);
-        return error;
-    }
-};
-
 // A catalog of the library's own name in an install directory of its own.
 class LibraryTextTest : public ErrorListTest {
 protected:
     LibraryTextTest() {
-        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo", {{1, "08S01"},
-                                                                    {2, "01S01"},
-                                                                    {3, "HY001x"},
-                                                                    {4, "IM002"},
-                                                                    {5, "42000"},
-                                                                    {6, "HZ010"},
-                                                                    {7, "01004"},
-                                                                    {8, "file %1 is missing"},
-                                                                    {9, "9"},
-                                                                    {10, "x"}});
+        const std::map<int, std::string> texts{{1, "08S01"}, {2, "01S01"}, {3, "HY001x"}, {4, "IM002"},
+                                               {5, "42000"}, {6, "HZ010"}, {7, "01004"},  {8, "file %1 is missing"},
+                                               {10, "x"}};
+        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo", texts);
         bosFreeResourceDLL(nullptr, nullptr);
         strCopy(InstallDirLocation, sizeof InstallDirLocation, folder_.path().c_str());
     }
@@ -236,20 +181,22 @@ TEST_F(LibraryTextTest, TextsByNumberAreOpenedWhenFirstNeeded) {
     EXPECT_EQ(winGetString(narrow, 4000000000U), 0U);
     EXPECT_STREQ(narrow, "");
     *addError(8) << "/etc/odbc.ini";
-    EXPECT_STREQ(list_.getLastError()->getErrorText(), "file /etc/odbc.ini is missing");
     appendTextToLastError(10);
     appendTextToErrorAtPos(8, 0);
     EXPECT_STREQ(list_.getLastError()->getErrorText(), "file /etc/odbc.ini is missingxfile %1 is missing");
-    addWarning(77);
 }
 
 TEST_F(LibraryTextTest, ErrorsAreOrderedByPositionAndState) {
-    struct Row {
-        Made a;
-        Made b;
-        int expected;
+    // A null state means none.
+    struct Made {
+        const char16_t* state;
+        std::int64_t position;
+        std::uint16_t stateNumber;
     };
-    const Row rows[] = {
+    const struct {
+        Made a, b;
+        int expected;
+    } rows[] = {
         {{u"08S01", 1, 0}, {nullptr, 1, 0}, -1},
         {{nullptr, 2, 0}, {nullptr, 1, 0}, 1},
         {{nullptr, 1, 0}, {nullptr, 2, 1}, -1},  // the position counts before the state
@@ -266,12 +213,16 @@ TEST_F(LibraryTextTest, ErrorsAreOrderedByPositionAndState) {
         {{nullptr, 1, 0}, {u"08S01", 1, 0}, -1},  // and an empty one stands in for it
         {{u"01000", 1, 1}, {nullptr, 1, 0}, 1},   // an explicit state hides the one by number
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(row.a.make()->compare(row.b.make().get()), row.expected) << "row " << (&row - rows);
+    for (const auto& row : rows) {
+        KvError a(1, u"", kErrorTypeError, row.a.stateNumber, 0);
+        KvError b(1, u"", kErrorTypeError, row.b.stateNumber, 0);
+        a.setState(row.a.state);
+        b.setState(row.b.state);
+        a.setPositions(row.a.position, -1);
+        b.setPositions(row.b.position, -1);
+        EXPECT_EQ(a.compare(&b), row.expected) << "row " << (&row - rows);
     }
-}
 
-TEST_F(LibraryTextTest, AListSortsItsErrorsAndKeepsEqualOnesInOrder) {
     KvErrorList all(nullptr, kErrorListKeepAll);
     KvErrorKeeper::setErrorList(&all);
     for (int row : {7, 5, 3, 1, 4}) {
@@ -279,7 +230,7 @@ TEST_F(LibraryTextTest, AListSortsItsErrorsAndKeepsEqualOnesInOrder) {
         KvErrorKeeper::addError(all.allocError(static_cast<std::uint16_t>(100 + stateNumber), u"", 0, stateNumber, 0));
     }
     KvErrorKeeper::giveUpErrorList();
-    EXPECT_EQ(numbers(all), (std::vector{101, 105, 103, 104, 107}));
+    EXPECT_EQ(numbers(all), (std::vector{101, 105, 103, 104, 107})) << "equal ones stay in order";
 }
 
 }  // namespace

@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
-#include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "kvlib/critical_section.h"
@@ -22,40 +21,16 @@ std::vector<KvThreadInfo*> records() {
     return result;
 }
 
-// A thread that takes a record when it is made and keeps it until it is told to leave. The record is `record()`.
-class Visitor {
-public:
-    Visitor() : thread_([this] { stay(); }) { slot_ = arrived_.get_future().get(); }
-    ~Visitor() { leave(); }
-
-    KvThreadInfo* record() const {
-        for (KvThreadInfo* candidate : records()) {
-            if (candidate->slots == slot_) {
-                return candidate;
-            }
-        }
-        return nullptr;
-    }
-    void leave() {
-        if (thread_.joinable()) {
-            leave_.set_value();
-            thread_.join();
-        }
-    }
-
-private:
-    void stay() {
+// The slots that a new thread is given; it leaves again.
+void** visit() {
+    void** slots = nullptr;
+    std::thread([&slots] {
         mdsPerThreadInit();
-        arrived_.set_value(mdsGetPerThreadDataAddress(0));
-        leave_.get_future().wait();
+        slots = mdsGetPerThreadDataAddress(0);
         mdsPerThreadTerm();
-    }
-
-    std::promise<void**> arrived_;
-    std::promise<void> leave_;
-    void** slot_ = nullptr;
-    std::thread thread_;
-};
+    }).join();
+    return slots;
+}
 
 TEST(PerThreadData, CountsUsesAndClearsSlots) {
     std::thread([] {
@@ -69,7 +44,6 @@ TEST(PerThreadData, CountsUsesAndClearsSlots) {
         mdsSetPerThreadData(1, &value);
         mdsPerThreadTerm();
         EXPECT_EQ(mdsGetPerThreadData(1), &value) << "one use is left";
-        EXPECT_EQ(*mdsGetPerThreadDataAddress(1), &value);
         mdsPerThreadTerm();
         EXPECT_EQ(mdsGetPerThreadData(1), nullptr);
         ASSERT_EQ(mdsPerThreadInit(), 1);
@@ -82,30 +56,36 @@ TEST(PerThreadData, CountsUsesAndClearsSlots) {
 }
 
 TEST(PerThreadData, ReusesFreeRecordsExceptTheLast) {
-    // Whatever other tests left: three visitors more than there are records make sure that the last one is free later.
-    Visitor first;
-    std::vector<std::unique_ptr<Visitor>> crowd;
-    for (std::size_t wanted = records().size() + 3; records().size() < wanted;) {
-        crowd.push_back(std::make_unique<Visitor>());
+    std::vector<KvThreadInfo*> occupied;
+    const auto occupyAll = [&occupied] {
+        for (KvThreadInfo* record : records()) {
+            if (record->useCount == 0) {
+                record->useCount = 1;
+                record->threadId = 0;
+                occupied.push_back(record);
+            }
+        }
+    };
+    for (int i = 0; i < 3; i++) {
+        visit();
+        occupyAll();
     }
-    const std::vector<KvThreadInfo*> before = records();
-    ASSERT_EQ(crowd.back()->record(), before.back());
-
-    // Only the last record is free: a newcomer gets a new one.
-    crowd.back()->leave();
-    auto newcomer = std::make_unique<Visitor>();
-    EXPECT_EQ(records().size(), before.size() + 1);
-    EXPECT_EQ(newcomer->record(), records().back());
-    newcomer->leave();
-
-    // What was the last one is in the middle now and is taken; so is one that becomes free before it.
-    Visitor middle;
-    EXPECT_EQ(middle.record(), before.back());
-    KvThreadInfo* freed = crowd[crowd.size() - 2]->record();
-    crowd[crowd.size() - 2]->leave();
-    Visitor other;
-    EXPECT_EQ(other.record(), freed);
-    EXPECT_EQ(records().size(), before.size() + 1);
+    const std::size_t count = records().size();
+    // A new record is hung on, and another while only the last one is free; then the first is in the middle.
+    void** const first = visit();
+    EXPECT_EQ(first, records().back()->slots);
+    EXPECT_NE(visit(), first);
+    EXPECT_EQ(records().size(), count + 2);
+    EXPECT_EQ(visit(), first);
+    // Of several the first one is taken, the head as well.
+    for (KvThreadInfo* freed : {records()[count - 1], records()[1], records()[0]}) {
+        freed->useCount = 0;
+        EXPECT_EQ(visit(), freed->slots);
+    }
+    EXPECT_EQ(records().size(), count + 2);
+    for (KvThreadInfo* record : occupied) {
+        record->useCount = 0;
+    }
 }
 
 TEST(PerThreadData, ThreadsComeAndGoWithListsOfTheirOwn) {

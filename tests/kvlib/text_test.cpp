@@ -39,8 +39,7 @@ TEST(Text, CopiesReturnTheTerminatorAndMoveOverlappingRanges) {
 TEST(Text, BoundedCopyAlwaysTerminates) {
     struct Row {
         std::size_t size;
-        const char* source;
-        const char* expected;
+        const char *source, *expected;
     };
     for (const Row& row :
          {Row{4, "abcdef", "abc"}, Row{4, "abcd", "abc"}, Row{4, "abc", "abc"}, Row{4, "a", "a"}, Row{1, "abc", ""}}) {
@@ -81,11 +80,9 @@ TEST(Text, StepsByWholeCharactersAndNeverOverTheEnd) {
 
 TEST(Text, Finding) {
     struct Row {
-        const char* text;
-        const char* sub;
+        const char *text, *sub;
         kvCPType cp;
-        long first;
-        long last;  // of the single byte, when sub is one
+        long first, last;  // the last of the single byte, when sub is one
     };
     const Row rows[] = {{"a=b=c", "=", kCPLocale, 1, 3},     {"abc", "x", kCPLocale, -1, -1},
                         {"", "x", kCPLocale, -1, -1},        {"\x83\x5C", "\\", kCPShiftJis, -1, -1},
@@ -123,8 +120,7 @@ TEST(Text, RightTrim) {
 
 TEST(Text, CaseInsensitiveComparison) {
     struct Row {
-        const char* a;
-        const char* b;
+        const char *a, *b;
         kvCPType cp;
         int expected;
     };

@@ -19,27 +19,25 @@ const unsigned char* bytes(const std::string& text) {
 }
 
 TEST(ComponentVersionTest, ComponentsSayWhoTheyAreOrNothing) {
-    struct Case {
-        const char* about;
-        std::string library;
-        std::string company;
-        std::string version;
-    };
-    const Case kCases[] = {
+    const TemporaryFolder folder;
+    const std::string broken = folder.write("broken.so", "no library");
+    const struct {
+        const char *about, *library, *company, *version;
+    } kCases[] = {
         {"all functions", VH_TEST_SETUP_COMPONENT, "Varnholt Technologies", "05.30.0002"},
         {"no company", VH_TEST_NO_COMPANY, "", "7.1"},
         {"a company and a version of nothing", VH_TEST_EMPTY_COMPONENT, "", ""},
         {"not there", "/no/such/library.so", "", ""},
-        {"not a library", __FILE__ ".so", "", ""},
+        {"not a library", broken.c_str(), "", ""},
     };
     KvErrorList mine(nullptr, 0);
     KvErrorKeeper::setErrorList(&mine);
-    for (const Case& test : kCases) {
+    for (const auto& test : kCases) {
         char company[kComponentTextSize] = "before";
         char version[kComponentTextSize] = "before";
-        getCompNameAndVersion(test.library.c_str(), company, version, 0);
-        EXPECT_EQ(company, test.company) << test.about;
-        EXPECT_EQ(version, test.version) << test.about;
+        getCompNameAndVersion(test.library, company, version, 0);
+        EXPECT_STREQ(company, test.company) << test.about;
+        EXPECT_STREQ(version, test.version) << test.about;
         EXPECT_EQ(KvErrorKeeper::currentList(), &mine) << test.about;
     }
     EXPECT_EQ(mine.getErrorsMix(), 0);
