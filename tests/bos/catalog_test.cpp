@@ -47,8 +47,7 @@ TEST_F(MessageCatalogTest, TheLocaleIsTheProcessesOrElseTheEnvironments) {
     const struct {
         const char* label;
         Value lcAll, lcMessages, lang;
-        const char* setTo;  // what the process passes to setlocale
-        const char* expected;
+        const char *setTo, *expected;  // what the process passes to setlocale, and the catalog's locale
     } rows[] = {
         {"nothing set", {}, {}, {}, "C", "en_US"},
         {"LANG", {}, {}, "de_DE", "C", "de_DE"},

@@ -25,8 +25,7 @@ std::string expand(const std::string& text, const TemporaryFolder& folder) {
 
 TEST(ConfigurationFileNames, LeadToTheirFiles) {
     const struct {
-        const char* label;
-        const char* name;
+        const char *label, *name;
         std::vector<ScopedEnvironment::Setting> variables;  // beside HOME, which is @/home unless given
         std::vector<std::string> files;
         const char* expected;  // path, or the error's number

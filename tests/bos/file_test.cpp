@@ -61,8 +61,7 @@ TEST_F(FileTest, OpenFlagsCreateAndEmpty) {
         const char* label;
         bool exists;
         std::uint32_t flags;
-        const char* errors;
-        const char* textAfter;
+        const char *errors, *textAfter;
     } rows[] = {
         {"read", true, 0, "", "old"},
         {"read a missing file", false, 0, "1509", "(missing)"},
@@ -91,8 +90,7 @@ TEST_F(FileTest, LocksOfAnotherProcess) {
     const struct {
         const char* label;
         std::uint32_t held, flags;
-        const char* errors;
-        const char* textAfter;
+        const char *errors, *textAfter;
     } rows[] = {
         {"writer against writer", 0x1002, 0x1002, "1512", "text"},
         {"reader against writer", 0x1002, 0x0800, "1512", "text"},

@@ -29,24 +29,21 @@ protected:
 };
 
 TEST_F(ConfigurationTest, NoListIsCutShort) {
-    struct Case {
-        int count;
-        std::size_t length;  // of each name
-    };
+    using Case = std::pair<int, std::size_t>;  // how many, and how long each
     // Around the size of the first buffer, far beyond it, and with the longest names that the library keeps.
-    for (const Case& test : {Case{1, 20}, Case{93, 21}, Case{97, 20}, Case{98, 20}, Case{500, 21}, Case{2, 990},
-                             Case{3, 990}, Case{40, 990}, Case{3000, 6}}) {
+    for (const auto& [count, length] :
+         {Case{1, 20}, {93, 21}, {97, 20}, {98, 20}, {500, 21}, {2, 990}, {3, 990}, {40, 990}, {3000, 6}}) {
         Names names;
         std::string file = "[S]\n";
-        for (int i = 0; i < test.count; ++i) {
+        for (int i = 0; i < count; ++i) {
             const std::string number = std::to_string(i);
-            names.push_back("n" + std::string(test.length - number.size() - 1, '0') + number);
+            names.push_back("n" + std::string(length - number.size() - 1, '0') + number);
             file += names.back() + "=x\n";
         }
         files.write(OdbcFiles::kUser, file);
         for (const auto growth : {installer::Growth::kByKilobyte, installer::Growth::kByDoubling}) {
             installer::forgetCachedValues();
-            EXPECT_EQ(keys("S", growth).names, names) << test.count << " names of " << test.length;
+            EXPECT_EQ(keys("S", growth).names, names) << count << " names of " << length;
         }
     }
 }

@@ -72,8 +72,7 @@ TEST_F(IniFileTest, Lookups) {
     const struct {
         const char* label;
         std::string text;
-        const char* section;
-        const char* entry;
+        const char *section, *entry;
         std::string expected;
     } rows[] = {
         {"names without case, trailing blanks kept", "[ODBC]\ninstalldir = /opt/x  \n", "odbc", "InstallDir",

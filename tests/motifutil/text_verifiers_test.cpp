@@ -71,15 +71,12 @@ TEST_F(TextVerifiersTest, APasswordIsTypedAndEditedBehindAsterisks) {
 }
 
 TEST_F(TextVerifiersTest, OnlyALoneNewlineIsRefused) {
-    struct Case {
-        const char* inserted;
-        const char* left;
-    };
+    using Case = std::pair<const char*, const char*>;
     XtAddCallback(field_, XmNmodifyVerifyCallback, discardNewLine, nullptr);
-    for (const Case& test : {Case{"a", "a"}, Case{"\n", ""}, Case{"a\n", "a\n"}, Case{"\n\n", "\n\n"}, Case{"", ""}}) {
+    for (const auto& [inserted, left] : {Case{"a", "a"}, {"\n", ""}, {"a\n", "a\n"}, {"\n\n", "\n\n"}, {"", ""}}) {
         XmTextFieldSetString(field_, const_cast<char*>(""));
-        XmTextFieldInsert(field_, 0, const_cast<char*>(test.inserted));
-        EXPECT_EQ(textOf(field_), test.left) << test.inserted;
+        XmTextFieldInsert(field_, 0, const_cast<char*>(inserted));
+        EXPECT_EQ(textOf(field_), left) << inserted;
     }
 }
 
