@@ -3,11 +3,8 @@
 #include <X11/keysym.h>
 #include <Xm/List.h>
 #include <Xm/Text.h>
-#include <Xm/TextF.h>
 #include <sys/stat.h>
 
-#include <functional>
-#include <sstream>
 #include <utility>
 
 #include "admin/advanced_dialog.h"
@@ -33,53 +30,38 @@ protected:
         files.write(OdbcFiles::kDrivers,
                     "[Plain]\nDriver=/p.so\n[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP
                     "\n[UserOnly]\nDriver=/u.so\nSetup=" VH_TEST_USER_SETUP "\n");
-        files.write("record", "");
     }
     void openPage() {
         open();
         click(TbFileDSN);
     }
+    static void openWizard() {
+        click(BtnFDAdd);
+        ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+    }
     enum Driver { kPlain = 1, kTalker, kUserOnly };
     // Goes to the third screen; `typed` replaces the text of the advanced dialog, left by `button`, when it is given.
     static void goToSummary(Driver driver, const std::string& name, const char* typed = nullptr,
                             const char* button = "BtnAdvFDOK", bool verified = true) {
-        click(BtnFDAdd);
-        ASSERT_TRUE(waitFor(wizardIsUp));
+        openWizard();
         clickRow(LstDPName, driver);
         if (typed != nullptr) {
             click(BtnAdvanced);
-            ASSERT_TRUE(waitFor([] { return person().hasFocus(XtWindow(XtParent(AdvFDDialog))); }));
+            ASSERT_TRUE(waitUntilUp(AdvFDDialog));
             XmTextSetString(TxtFDAdv, std::string(typed).data());
             if (!verified) {
                 click(child(AdvFDDialog, "*TglVerifyConnection"));
             }
             click(child(AdvFDDialog, "*"s + button));
-            ASSERT_TRUE(waitFor(wizardIsUp));
+            ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
         }
         click(BtnFinish);
         type(name);
         key(XK_Return);
         EXPECT_EQ(CurScreenAt, 3);
     }
-    static bool wizardIsUp() { return person().hasFocus(XtWindow(XtParent(DlgDriverPopup))); }
     static bool wizardIsGone() {
         return waitFor([] { return !isVisible(XtParent(DlgDriverPopup)); });
-    }
-    std::string calls() {
-        const std::string text = files.read("record");
-        files.write("record", "");
-        return text;
-    }
-    static std::string call(int request, const std::string& driver, const std::string& path,
-                            const std::string& attributes = "null") {
-        std::ostringstream text;
-        text << request << ' ' << static_cast<void*>(ShODBCAdmin) << ' ' << driver << ' ' << path << '\n'
-             << attributes << '\n';
-        return text.str();
-    }
-    static std::string textOf(Widget text) {
-        const XtTextPtr value(XmTextGetString(text));
-        return value.get();
     }
     // The files in the list, without their directory.
     static Rows listed() {
@@ -90,14 +72,12 @@ protected:
         return files;
     }
 
-    ScopedEnvironment record_{{"VH_TEST_RECORD", files.path("record")}, {"VH_TEST_RESULT", {}}};
     const std::string path_ = files.path("a.dsn");
 };
 
 TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
     openPage();
-    click(BtnFDAdd);
-    ASSERT_TRUE(waitFor(wizardIsUp));
+    openWizard();
     const auto expectScreen = [](short number, Message::Number next, bool canGoBack, Widget focus) {
         EXPECT_EQ(CurScreenAt, number);
         const Widget screens[] = {FormScr1, FormScr2, FormScr3};
@@ -105,7 +85,7 @@ TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
             EXPECT_EQ(placeOf(screens[i - 1]).width, i == number ? 440 : 5) << i;
             EXPECT_EQ(placeOf(screens[i - 1]).height, i == number ? 300 : 5) << i;
         }
-        EXPECT_EQ(labelOf(BtnFinish), catalogText(next));
+        EXPECT_EQ(textOf(BtnFinish), catalogText(next));
         EXPECT_EQ(XtIsSensitive(BtnNavigate) != 0, canGoBack);
         EXPECT_EQ(XmGetFocusWidget(FormScr1), focus);
     };
@@ -117,8 +97,20 @@ TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
     click(BtnFinish);
     EXPECT_EQ(dialogText(), catalogText(Message::kFileNameMissing));
     answer("OK");
-    ASSERT_TRUE(waitFor(wizardIsUp));
-    type("nobody");
+    ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+    click(child(FormScr2, "BtnBrowse"));
+    ASSERT_TRUE(waitUntilUp(Fdialog));
+    key(XK_Escape);
+    ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+    EXPECT_EQ(textOf(Text7), "");
+    click(child(FormScr2, "BtnBrowse"));
+    ASSERT_TRUE(waitUntilUp(Fdialog));
+    XmTextSetString(child(Fdialog, "Text"), files.path("x").data());
+    click(child(Fdialog, "OK"));
+    ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+    EXPECT_EQ(textOf(Text7), files.path("x.dsn"));
+    XmTextSetString(Text7, std::string("nobody").data());
+    XmProcessTraversal(Text7, XmTRAVERSE_CURRENT);
     key(XK_Return);
     expectScreen(3, Message::kFinish, true, BtnFinish);
     EXPECT_EQ(textOf(TxtDSNInfo), "File data source: nobody\nDrivers:");
@@ -137,8 +129,7 @@ TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
     goToSummary(kUserOnly, "nobody");
     key(XK_Return);
     expectReport(Message::kNoConfigFileDsn);
-    click(BtnFDAdd);
-    ASSERT_TRUE(waitFor(wizardIsUp));
+    openWizard();
     expectScreen(1, Message::kNext, false, LstDPName);
     key(XK_Escape);
     EXPECT_TRUE(wizardIsGone());
@@ -159,18 +150,18 @@ TEST_F(FileDsnWizardTest, EachWayToFinish) {
         std::string call;
         std::string file;
     };
-    const std::string justCalled = call(1, "Talker", path_);
+    const std::string justCalled = call(1, "Talker", "null", path_);
     for (const Case& test : {
              Case{"nothing typed", "", nullptr, true, "", "", justCalled, ""},
              Case{"the first line alone", driver, "BtnAdvFDOK", true, "", "", justCalled, ""},
              Case{"no driver in it", "UID=u\nHost=h", "BtnAdvFDOK", true, "UID=u\nHost=h", "", justCalled, ""},
              Case{"cancelled", driver + "\nUID=u", "BtnAdvFDCancel", true, "", "", justCalled, ""},
              Case{"it connects", driver + "\nConnect=1", "BtnAdvFDOK", true, "Connect=1",
-                  catalogText(Message::kTestSucceeded), call(1, "Talker", path_, begin + "Connect=1\0\0"s), ""},
+                  catalogText(Message::kTestSucceeded), call(1, "Talker", begin + "Connect=1\0\0"s, path_), ""},
              Case{"it fails", driver + "\nUID=u", "BtnAdvFDOK", true, "UID=u", "(record)",
-                  call(1, "Talker", path_, begin + "UID=u\0\0"s), ""},
+                  call(1, "Talker", begin + "UID=u\0\0"s, path_), ""},
              Case{"its prompt is left", driver + "\nLeave=1", "BtnAdvFDOK", true, "Leave=1", "",
-                  call(1, "Talker", path_, begin + "Leave=1\0\0"s), ""},
+                  call(1, "Talker", begin + "Leave=1\0\0"s, path_), ""},
              Case{"not verified", driver + "\nUID=u", "BtnAdvFDOK", false, "UID=u", "(none)", "",
                   "[ODBC]\nDRIVER={Talker}\nFILEDSN=" + path_ + "\nUID=u\n\n"},
          }) {
@@ -227,15 +218,8 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
     EXPECT_EQ(files.read("a.dsn"), before);
     answer("OK");
-    EXPECT_EQ(calls(), call(1, "Talker", path_));
+    EXPECT_EQ(calls(), call(1, "Talker", "null", path_));
     EXPECT_EQ(files.read("a.dsn"), kMissing);
-    EXPECT_NE(listed(), Rows{"a.dsn"});
-    files.write("a.dsn", before);
-    refreshFileDsnPage();
-    goToSummary(kPlain, "a");
-    key(XK_Return);
-    answer("OK");
-    expectReport(Message::kDriverHasNoSetup);
     EXPECT_NE(listed(), Rows{"a.dsn"});
 
     // With verification the file that was there is gone before the person answers.
@@ -252,35 +236,17 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     goToSummary(kTalker, "a");
     key(XK_Return);
     answer("Cancel");
-    ASSERT_TRUE(waitFor([] { return Fdialog != nullptr && person().hasFocus(XtWindow(XtParent(Fdialog))); }));
+    ASSERT_TRUE(waitUntilUp(Fdialog));
     const auto choose = [this](const std::string& chosen) {
-        XmTextFieldSetString(child(Fdialog, "Text"), (files.path("") + chosen).data());
+        XmTextSetString(child(Fdialog, "Text"), (files.path("") + chosen).data());
         click(child(Fdialog, "OK"));
     };
     choose("");
     EXPECT_TRUE(isVisible(XtParent(Fdialog)));
     choose("b.txt");
-    EXPECT_EQ(calls(), call(1, "Talker", files.path("b.txt.dsn")));
+    EXPECT_EQ(calls(), call(1, "Talker", "null", files.path("b.txt.dsn")));
     EXPECT_FALSE(isVisible(XtParent(Fdialog)));
     EXPECT_EQ(files.read("a.dsn"), before);
-}
-
-TEST_F(FileDsnWizardTest, ANameIsBrowsedFor) {
-    openPage();
-    click(BtnFDAdd);
-    ASSERT_TRUE(waitFor(wizardIsUp));
-    click(BtnFinish);
-    const std::pair<const char*, const char*> kNames[] = {{"x", "x.dsn"}, {"x.txt", "x.txt.dsn"}, {"x.dsn", "x.dsn"}};
-    for (const auto& [chosen, taken] : kNames) {
-        click(child(FormScr2, "BtnBrowse"));
-        ASSERT_TRUE(waitFor([] { return Fdialog != nullptr && person().hasFocus(XtWindow(XtParent(Fdialog))); }));
-        XmTextFieldSetString(child(Fdialog, "Text"), files.path(chosen).data());
-        click(child(Fdialog, "OK"));
-        EXPECT_EQ(textOf(Text7), files.path(taken));
-    }
-    click(child(FormScr2, "BtnBrowse"));
-    key(XK_Escape);
-    EXPECT_TRUE(waitFor([] { return !isVisible(XtParent(Fdialog)) && wizardIsUp(); }));
 }
 
 TEST_F(FileDsnWizardTest, EachOpeningOfTheAdvancedDialogStartsAnew) {
@@ -289,7 +255,7 @@ TEST_F(FileDsnWizardTest, EachOpeningOfTheAdvancedDialogStartsAnew) {
     click(BtnNavigate);
     click(BtnNavigate);
     click(BtnAdvanced);
-    ASSERT_TRUE(waitFor([] { return person().hasFocus(XtWindow(XtParent(AdvFDDialog))); }));
+    ASSERT_TRUE(waitUntilUp(AdvFDDialog));
     EXPECT_EQ(textOf(TxtFDAdv), "Driver={Talker}");
     key(XK_Return);
     type("Key=1");
@@ -301,20 +267,13 @@ TEST_F(FileDsnWizardTest, EachOpeningOfTheAdvancedDialogStartsAnew) {
     key(XK_space);
     EXPECT_TRUE(IsVerificationNeeded);
     key(XK_Escape);
-    EXPECT_TRUE(waitFor(wizardIsUp));
+    EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
     EXPECT_FALSE(IsAdvOptSet);
 }
 
 TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
-    std::string file = "[Other]\nA=1\n[ODBC]\nDRIVER={Talker}\nUID=u\nEmpty=\nLong=" + std::string(100000, 'l') + "\n";
-    std::string attributes = "DRIVER={Talker}\0UID=u\0Empty=\0Long="s + std::string(995, 'l') + '\0';
-    for (int i = 0; i < 300; ++i) {
-        const std::string number = std::to_string(i);
-        file += "Key" + number + "=" + number + "\n";
-        attributes += "Key" + number + "=" + number + '\0';
-    }
     const std::string other = files.write("b.dsn", "[ODBC]\nUID=u\n");
-    files.write("a.dsn", file);
+    files.write("a.dsn", "[Other]\nA=1\n[ODBC]\nDRIVER={Talker}\nUID=u\nEmpty=\n");
     files.write(OdbcFiles::kUser, "[ODBC FILE DSN]\nDefaultDSNDir=" + files.path("") + "\n");
     openPage();
     Widget list = child(FSelect, "*ItemsList");
@@ -326,11 +285,7 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     expectReport(Message::kRemoveSelectOne);
 
     clickRow(list, 1, 2);
-    const std::string record = calls();
-    EXPECT_EQ(record.substr(0, record.find('\n') + 1), call(2, "Talker", path_, "").substr(0, record.find('\n') + 1));
-    EXPECT_NE(record.find("\nDSN=" + path_ + '\0' + attributes.substr(0, 60)), std::string::npos)
-        << record.substr(0, 300);
-    EXPECT_NE(record.find("Key299=299\0\0"s), std::string::npos);
+    EXPECT_EQ(calls(), call(2, "Talker", "DSN=" + path_ + "\0DRIVER={Talker}\0UID=u\0Empty=\0\0"s, path_));
     EXPECT_EQ(DsnType, kFileDataSource);
 
     clickRow(list, 2);

@@ -2,9 +2,8 @@
 
 #include <X11/keysym.h>
 #include <Xm/Notebook.h>
-#include <Xm/TextF.h>
 
-#include <array>
+#include <sstream>
 
 #include "admin/about_page.h"
 #include "admin/drivers_page.h"
@@ -20,90 +19,54 @@ namespace {
 
 class MainWindowTest : public WindowTest {
 protected:
-    static std::string pageInFront();
+    // The page that is to be seen: the others lie under it.
+    static Window pageInFront() {
+        const Place book = placeOf(TabManager);
+        int x = 0;
+        int y = 0;
+        Window front = 0;
+        XTranslateCoordinates(display, DefaultRootWindow(display), book.window, book.x + book.width / 2,
+                              book.y + book.height / 2, &x, &y, &front);
+        return front;
+    }
 };
-
-struct Page {
-    Widget* form;
-    Widget* tab;
-    unsigned char code;
-};
-constexpr std::array<Page, 5> kPages{{{&FormUserDSN, &TbUserDSN, 'U'},
-                                      {&frmFileDSN, &TbFileDSN, 'F'},
-                                      {&FrmDrivers, &TbDrivers, 'D'},
-                                      {&FrmTrace, &BtnTrace, 'T'},
-                                      {&FrmAbout, &TbAbout, 'A'}}};
 
 // Scripts and people's resource files find widgets by these paths and read these labels.
 TEST_F(MainWindowTest, WidgetsHaveTheirNamesParentsAndTexts) {
-    struct Row {
+    struct Parent {
         const char* path;
-        int label;  // 0: it shows no label
+        const char* children;  // with the numbers of their texts, where they show one
     };
-    constexpr Row kRows[] = {
-        {"FrmMain.Separator", 0},
-        {"FrmMain.BtnOK", 9060},
-        {"FrmMain.BtnCancel", 9061},
-        {"FrmMain.BtnApply", 9058},
-        {"FrmMain.BtnHelp", 9059},
-        {"FrmMain.TabManager.TbUserDSN", 9023},
-        {"FrmMain.TabManager.TbFileDSN", 9039},
-        {"FrmMain.TabManager.TbDrivers", 9003},
-        {"FrmMain.TabManager.BtnTrace", 9004},
-        {"FrmMain.TabManager.TbAbout", 9005},
-        {"*FormUserDSN.LbDesc", 9000},
-        {"*FormUserDSN.BtnAdd", 9006},
-        {"*FormUserDSN.BtnRemove", 9022},
-        {"*FormUserDSN.BtnConfigure", 9031},
-        {"*FormUserDSN.TxtODBCDesc", 0},
-        {"*FormUserDSN.ScrWinLabels*FormLabels.LblName", 9063},
-        {"*FormUserDSN.ScrWinLabels*FormLabels.LblDriver", 9064},
-        {"*FormUserDSN.ScrWinLists*FormLists.lstUName", 0},
-        {"*FormUserDSN.ScrWinLists*FormLists.lstUDesc", 0},
-        {"*frmFileDSN.TxtFDDesc", 0},
-        {"*frmFileDSN.FSelect", 0},
-        {"*frmFileDSN.FSelect.Selection", 9008},
-        {"*frmFileDSN.FSelect.Items", 9034},
-        {"*frmFileDSN.FSelect.Dir", 9094},
-        {"*frmFileDSN.BtnFDAdd", 9009},
-        {"*frmFileDSN.BtnFDRemove", 9010},
-        {"*frmFileDSN.BtnFDConfigure", 9040},
-        {"*frmFileDSN.BtnSetDirectory", 9038},
-        {"*frmFileDSN.separator3", 0},
-        {"*FrmDrivers.LbDDesc", 9011},
-        {"*FrmDrivers.FormDrivers.TxtDriversDesc", 0},
-        {"*FormDrivers.scrolledWin1*frmLabel.LbColName", 9063},
-        {"*FormDrivers.scrolledWin1*frmLabel.LbColVersion", 9046},
-        {"*FormDrivers.scrolledWin1*frmLabel.LbColCompany", 9065},
-        {"*FormDrivers.scrolledWin1*frmLabel.LbColFile", 9066},
-        {"*FormDrivers.scrolledWin1*frmLabel.LbColDate", 9067},
-        {"*FormDrivers.scrolledWin2*FrmTable.LstName", 0},
-        {"*FormDrivers.scrolledWin2*FrmTable.LstFile", 0},
-        {"*FormDrivers.scrolledWin2*FrmTable.LstVersion", 0},
-        {"*FormDrivers.scrolledWin2*FrmTable.LstCompany", 0},
-        {"*FormDrivers.scrolledWin2*FrmTable.LstDate", 0},
-        {"*FrmTrace.TgEnableTracing", 9028},
-        {"*FrmTrace.FramConfigTracing.FrmConfigTrace.LblTraceFile", 9032},
-        {"*FrmConfigTrace.TxtTraceFile", 0},
-        {"*FrmConfigTrace.BtnTFileBrowse", 9017},
-        {"*FrmConfigTrace.LblTraceLib", 9033},
-        {"*FrmConfigTrace.TxtTraceLib", 0},
-        {"*FrmConfigTrace.BtnTLibBrowse", 9017},
-        {"*FrmTrace.TxtTraceDesc", 0},
-        {"*FrmAbout.LblAboutText", 9069},
-        {"*FrmAbout.ScrAboutLabels*FormAboutLabels.LblAbtDesc", 9070},
-        {"*FormAboutLabels.LblAbtVersion", 9046},
-        {"*FormAboutLabels.LblSAbtFile", 9066},
-        {"*FrmAbout.ScrAboutLists*FormAboutLists.LstAbtDesc", 0},
-        {"*FormAboutLists.LstAbtVersion", 0},
-        {"*FormAboutLists.LstAbtFile", 0},
-        {"*FrmAbout.TxtAboutDesc", 0},
+    constexpr Parent kParents[] = {
+        {"FrmMain", "Separator BtnOK=9060 BtnCancel=9061 BtnApply=9058 BtnHelp=9059"},
+        {"FrmMain.TabManager", "TbUserDSN=9023 TbFileDSN=9039 TbDrivers=9003 BtnTrace=9004 TbAbout=9005"},
+        {"*FormUserDSN", "LbDesc=9000 BtnAdd=9006 BtnRemove=9022 BtnConfigure=9031 TxtODBCDesc"},
+        {"*FormUserDSN.ScrWinLabels*FormLabels", "LblName=9063 LblDriver=9064"},
+        {"*FormUserDSN.ScrWinLists*FormLists", "lstUName lstUDesc"},
+        {"*frmFileDSN", "TxtFDDesc BtnFDAdd=9009 BtnFDRemove=9010 BtnFDConfigure=9040 BtnSetDirectory=9038 separator3"},
+        {"*frmFileDSN.FSelect", "Selection=9008 Items=9034 Dir=9094"},
+        {"*FrmDrivers", "LbDDesc=9011"},
+        {"*FrmDrivers.FormDrivers", "TxtDriversDesc"},
+        {"*FormDrivers.scrolledWin1*frmLabel",
+         "LbColName=9063 LbColVersion=9046 LbColCompany=9065 LbColFile=9066 LbColDate=9067"},
+        {"*FormDrivers.scrolledWin2*FrmTable", "LstName LstFile LstVersion LstCompany LstDate"},
+        {"*FrmTrace", "TgEnableTracing=9028 TxtTraceDesc"},
+        {"*FrmTrace.FramConfigTracing.FrmConfigTrace",
+         "LblTraceFile=9032 TxtTraceFile BtnTFileBrowse=9017 LblTraceLib=9033 TxtTraceLib BtnTLibBrowse=9017"},
+        {"*FrmAbout", "LblAboutText=9069 TxtAboutDesc"},
+        {"*FrmAbout.ScrAboutLabels*FormAboutLabels", "LblAbtDesc=9070 LblAbtVersion=9046 LblSAbtFile=9066"},
+        {"*FrmAbout.ScrAboutLists*FormAboutLists", "LstAbtDesc LstAbtVersion LstAbtFile"},
     };
     open();
-    for (const Row& row : kRows) {
-        Widget widget = child(ShODBCAdmin, row.path);
-        if (widget != nullptr && row.label != 0) {
-            EXPECT_EQ(labelOf(widget), catalogText(static_cast<Message::Number>(row.label))) << row.path;
+    for (const Parent& parent : kParents) {
+        std::istringstream children(parent.children);
+        for (std::string name; children >> name;) {
+            const std::size_t equals = name.find('=');
+            Widget widget = child(ShODBCAdmin, std::string(parent.path) + "." + name.substr(0, equals));
+            if (widget != nullptr && equals != std::string::npos) {
+                const auto number = static_cast<Message::Number>(std::stoi(name.substr(equals + 1)));
+                EXPECT_EQ(textOf(widget), catalogText(number)) << name;
+            }
         }
     }
     EXPECT_EQ(person().windows(catalogText(Message::kWindowTitle), false).size(), 1U);
@@ -116,83 +79,58 @@ TEST_F(MainWindowTest, WidgetsHaveTheirNamesParentsAndTexts) {
     EXPECT_EQ(cancelButton, BtnCancel);
 }
 
-// The code of the page that is to be seen: the others lie under it.
-std::string MainWindowTest::pageInFront() {
-    const Place book = placeOf(TabManager);
-    int x = 0;
-    int y = 0;
-    Window front = 0;
-    XTranslateCoordinates(display, DefaultRootWindow(display), book.window, book.x + book.width / 2,
-                          book.y + book.height / 2, &x, &y, &front);
-    for (const Page& page : kPages) {
-        if (XtWindow(*page.form) == front) {
-            return {static_cast<char>(page.code)};
-        }
-    }
-    return "none";
-}
-
-TEST_F(MainWindowTest, TheSelectedTabIsKnownHoweverThePageWasTurned) {
-    open();
-    EXPECT_EQ(CurrentSelectedTab, 85);
-    EXPECT_EQ(pageInFront(), "U");
-    int before = -1;
-    for (const Page& page : kPages) {
-        const int x = placeOf(*page.tab).x;
-        EXPECT_GT(x, before) << page.code;
-        before = x;
-    }
-    for (const int index : {4, 2, 0, 1, 3}) {
-        const Page& page = kPages.at(static_cast<std::size_t>(index));
-        click(*page.tab);
-        EXPECT_EQ(CurrentSelectedTab, page.code);
-        EXPECT_EQ(pageInFront(), std::string(1, static_cast<char>(page.code)));
-    }
-    XtVaSetValues(TabManager, XmNcurrentPageNumber, 3, nullptr);
-    settle();
-    EXPECT_EQ(CurrentSelectedTab, 'D');
-    // From tab to tab by the arrow keys.
-    click(TbUserDSN);
-    for (const char* code : {"F", "D", "T", "A"}) {
-        key(XK_Right);
-        key(XK_space);
-        EXPECT_EQ(std::string(1, static_cast<char>(CurrentSelectedTab)), code);
-        EXPECT_EQ(pageInFront(), code);
-    }
-}
-
-TEST_F(MainWindowTest, HelpAndF1AnywhereOpenTheTopicOfThePageInFront) {
+TEST_F(MainWindowTest, TabsTurnPagesAndHelpAndF1AnywhereOpenTheTopicOfThePageInFront) {
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nabc=Recorder\n[abc]\nA=b\n[ODBC]\nTRACE=1\n");
     const RecordingBrowser browser;
     open();
     const struct {
+        Widget form;
         Widget tab;
+        unsigned char code;
         Widget field;  // One that takes the keyboard; null when the page has none.
-        const char* topic;
-    } kTopics[] = {{TbUserDSN, LstUName, "userdsn"},
-                   {TbFileDSN, child(frmFileDSN, "FSelect.Text"), "filedsn"},
-                   {TbDrivers, LstName, "drivers"},
-                   {BtnTrace, TxtTraceFile, "trace"},
-                   {TbAbout, nullptr, "about"}};
+        std::string topic;
+    } kPages[] = {{FormUserDSN, TbUserDSN, 'U', LstUName, "userdsn"},
+                  {frmFileDSN, TbFileDSN, 'F', child(frmFileDSN, "FSelect.Text"), "filedsn"},
+                  {FrmDrivers, TbDrivers, 'D', LstName, "drivers"},
+                  {FrmTrace, BtnTrace, 'T', TxtTraceFile, "trace"},
+                  {FrmAbout, TbAbout, 'A', nullptr, "about"}};
     std::string expected;
     long count = 0;
-    const auto expectTopic = [&](const char* topic) {
-        expected += topic + std::string("\n");
+    const auto expectTopic = [&](const std::string& topic) {
+        expected += topic + "\n";
         EXPECT_EQ(browser.topics(++count), expected);
     };
+    EXPECT_EQ(CurrentSelectedTab, 85);
+    EXPECT_EQ(pageInFront(), XtWindow(FormUserDSN));
     key(XK_F1);
     expectTopic("userdsn");
-    for (const auto& row : kTopics) {
-        click(row.tab);
+    int before = -1;
+    for (const auto& page : kPages) {
+        EXPECT_GT(placeOf(page.tab).x, before) << page.topic;
+        before = placeOf(page.tab).x;
+        click(page.tab);
+        EXPECT_EQ(CurrentSelectedTab, page.code);
+        EXPECT_EQ(pageInFront(), XtWindow(page.form)) << page.topic;
         key(XK_F1);
-        expectTopic(row.topic);
+        expectTopic(page.topic);
         click(BtnHelp);
-        expectTopic(row.topic);
-        if (row.field != nullptr) {
-            click(row.field);
+        expectTopic(page.topic);
+        if (page.field != nullptr) {
+            click(page.field);
             key(XK_F1);
-            expectTopic(row.topic);
+            expectTopic(page.topic);
         }
+    }
+    XtVaSetValues(TabManager, XmNcurrentPageNumber, 3, nullptr);
+    settle();
+    EXPECT_EQ(CurrentSelectedTab, 'D');
+    // Back from the fourth tab by the arrow keys.
+    click(BtnTrace);
+    for (const std::size_t page : {2, 1, 0}) {
+        key(XK_Left);
+        key(XK_space);
+        EXPECT_EQ(CurrentSelectedTab, kPages[page].code);
+        EXPECT_EQ(pageInFront(), XtWindow(kPages[page].form));
     }
     CurrentSelectedTab = 'X';
     click(BtnHelp);

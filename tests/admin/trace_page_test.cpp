@@ -1,13 +1,11 @@
 #include "tests/support/window_test.h"
 
 #include <X11/keysym.h>
-#include <Xm/FileSB.h>
 #include <Xm/Text.h>
 #include <Xm/ToggleB.h>
 
 #include "admin/globals.h"
 #include "admin/trace_page.h"
-#include "bos/catalog.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/widgets.h"
 
@@ -15,21 +13,17 @@ namespace {
 
 class TracePageTest : public WindowTest {
 protected:
-    void openWith(const std::string& section) {
-        files.write(OdbcFiles::kUser, "[ODBC]\n" + section);
-        open();
+    void openPage(const std::string& section) {
+        openWith("[ODBC]\n" + section);
         click(BtnTrace);
     }
-    static std::string text(Widget field) { return XtTextPtr(XmTextGetString(field)).get(); }
-    static bool isOn() { return XmToggleButtonGetState(TgEnableTracing) != 0; }
-    std::vector<std::string> saved() const {
-        for (const auto& [name, lines] : files.userSections()) {
-            if (name == "ODBC") {
-                return lines;
-            }
+    static void expectOn(bool on) {
+        EXPECT_EQ(XmToggleButtonGetState(TgEnableTracing) != 0, on);
+        for (Widget control : {LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
+            EXPECT_EQ(XtIsSensitive(control) != 0, on) << XtName(control);
         }
-        return {};
     }
+    static Widget box() { return XtNameToWidget(ShODBCAdmin, "*traceFileDialog"); }
 };
 
 TEST_F(TracePageTest, StoredSettingsAreShownAndWakeNothing) {
@@ -47,51 +41,35 @@ TEST_F(TracePageTest, StoredSettingsAreShownAndWakeNothing) {
         {"trace=10\n", true, "", ""},
         {"TRACE=yes\n", false, "", ""},
     };
+    openPage("TRACE=1\nTraceFile=/at/first\n");
+    EXPECT_FALSE(XtIsSensitive(BtnApply));
+    expectOn(true);
     for (const Case& test : kCases) {
         SCOPED_TRACE(test.section);
-        openWith(test.section);
-        EXPECT_EQ(isOn(), test.on);
-        EXPECT_EQ(text(TxtTraceFile), test.file);
-        EXPECT_EQ(text(TxtTraceLib), test.library);
-        EXPECT_FALSE(XtIsSensitive(BtnApply));
-        for (Widget control : {LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
-            EXPECT_EQ(XtIsSensitive(control) != 0, test.on) << XtName(control);
-        }
-        freeGlobals();
-        Rfile = invalidCatalog();
-        XtDestroyWidget(ShODBCAdmin);
-        settle();
+        files.write(OdbcFiles::kUser, std::string("[ODBC]\n") + test.section);
+        Load_Trace();
+        expectOn(test.on);
+        EXPECT_EQ(textOf(TxtTraceFile), test.file);
+        EXPECT_EQ(textOf(TxtTraceLib), test.library);
     }
-    ShODBCAdmin = nullptr;
 }
 
-TEST_F(TracePageTest, ApplySavesWhetherTracingIsOnOrOff) {
-    openWith("InstallDir=/x\nTRACE=0\n");
+TEST_F(TracePageTest, ApplyWaitsForAChangeAndReportsAWriteThatFails) {
+    openPage("TRACE=1\n");
     click(TgEnableTracing);
+    expectOn(false);
     EXPECT_TRUE(XtIsSensitive(BtnApply));
-    click(TxtTraceFile);
-    type("/tmp/t.log");
-    click(BtnApply);
-    EXPECT_FALSE(XtIsSensitive(BtnApply));
-    EXPECT_EQ(saved(), (std::vector<std::string>{"InstallDir=/x", "TRACE=1", "TraceFile=/tmp/t.log", "TraceDll="}));
-    click(TgEnableTracing);
-    EXPECT_FALSE(XtIsSensitive(TxtTraceFile));
-    click(BtnApply);
-    EXPECT_EQ(saved(), (std::vector<std::string>{"InstallDir=/x", "TRACE=0", "TraceFile=/tmp/t.log", "TraceDll="}));
-}
-
-TEST_F(TracePageTest, AWriteThatFailsIsReported) {
-    openWith("TRACE=0\n");
-    click(TgEnableTracing);
     const ScopedEnvironment through{{"ODBCINI", files.path("odbcinst.ini/below-a-file")}};
     click(BtnApply);
     expectReport(Message::kTraceNotSaved);
+    EXPECT_FALSE(XtIsSensitive(BtnApply));
+    click(TgEnableTracing);
+    expectOn(true);
 }
 
 TEST_F(TracePageTest, BrowsingFillsTheFieldOrLeavesIt) {
     const std::string log = files.write("one.log", "");
-    openWith("TRACE=1\nTraceFile=/old\n");
-    const auto box = [] { return XtNameToWidget(ShODBCAdmin, "*traceFileDialog"); };
+    openPage("TRACE=1\nTraceFile=/old\n");
     const struct {
         Widget button;
         const char* pattern;
@@ -100,7 +78,7 @@ TEST_F(TracePageTest, BrowsingFillsTheFieldOrLeavesIt) {
                   {BtnTLibBrowse, "*.so", Message::kChooseTraceLibraryTitle}};
     for (const auto& row : kBoxes) {
         click(row.button);
-        ASSERT_TRUE(waitFor([&box] { return box() != nullptr && isVisible(box()); }));
+        ASSERT_TRUE(waitFor([] { return isUp(box()); }));
         XmString pattern = nullptr;
         XtVaGetValues(box(), XmNpattern, &pattern, nullptr);
         EXPECT_EQ(plainText(XmStringPtr(pattern).get()), row.pattern);
@@ -110,21 +88,21 @@ TEST_F(TracePageTest, BrowsingFillsTheFieldOrLeavesIt) {
                                           {"Dir", Message::kDirectoryList},
                                           {"FilterLabel", Message::kFilter},
                                           {"Apply", Message::kFilter}}) {
-            EXPECT_EQ(labelOf(child(box(), part)), catalogText(label)) << part;
+            EXPECT_EQ(textOf(child(box(), part)), catalogText(label)) << part;
         }
         key(XK_Escape);
-        ASSERT_TRUE(waitFor([&box] { return box() == nullptr; }));
+        ASSERT_TRUE(waitFor([] { return box() == nullptr; }));
     }
-    EXPECT_EQ(text(TxtTraceFile) + text(TxtTraceLib), "/old");
+    EXPECT_EQ(textOf(TxtTraceFile) + textOf(TxtTraceLib), "/old");
     EXPECT_FALSE(XtIsSensitive(BtnApply));
 
     click(BtnTFileBrowse);
-    ASSERT_TRUE(waitFor([&box] { return box() != nullptr && isVisible(box()); }));
+    ASSERT_TRUE(waitFor([] { return isUp(box()); }));
     Widget name = child(box(), "Text");
     XmTextSetString(name, const_cast<char*>(log.c_str()));
     click(child(box(), "OK"));
-    ASSERT_TRUE(waitFor([&box] { return box() == nullptr; }));
-    EXPECT_EQ(text(TxtTraceFile), log);
+    ASSERT_TRUE(waitFor([] { return box() == nullptr; }));
+    EXPECT_EQ(textOf(TxtTraceFile), log);
     EXPECT_TRUE(XtIsSensitive(BtnApply));
 }
 

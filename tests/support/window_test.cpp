@@ -1,13 +1,16 @@
 #include "tests/support/window_test.h"
 
+#include <Xm/Label.h>
+#include <Xm/LabelG.h>
 #include <Xm/List.h>
-#include <poll.h>
+#include <Xm/Text.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 #include "admin/dialogs.h"
@@ -68,11 +71,6 @@ std::string onOneLine(std::string text) {
     return text;
 }
 
-bool isShown(Widget box) {
-    return box != nullptr && XtIsManaged(box) && WindowEnvironment::person->isVisible(XtWindow(XtParent(box))) &&
-           WindowEnvironment::person->hasFocus(XtWindow(XtParent(box)));
-}
-
 }  // namespace
 
 WindowTest::WindowTest() {
@@ -102,6 +100,11 @@ void WindowTest::open() {
     showWaitingReport();
     ASSERT_TRUE(waitFor([] { return isVisible(ShODBCAdmin); }));
     settle();
+}
+
+void WindowTest::openWith(const std::string& dataSources) {
+    files.write(OdbcFiles::kUser, dataSources);
+    open();
 }
 
 XPerson& WindowTest::person() {
@@ -155,10 +158,21 @@ Place WindowTest::placeOf(Widget widget) {
     return place;
 }
 
-std::string WindowTest::labelOf(Widget widget) {
-    XmString label = nullptr;
-    XtVaGetValues(widget, XmNlabelString, &label, nullptr);
-    return plainText(XmStringPtr(label).get());
+std::string WindowTest::textOf(Widget widget) {
+    if (XmIsLabel(widget) || XmIsLabelGadget(widget)) {
+        XmString label = nullptr;
+        XtVaGetValues(widget, XmNlabelString, &label, nullptr);
+        return plainText(XmStringPtr(label).get());
+    }
+    return XtTextPtr(XmTextGetString(widget)).get();
+}
+
+bool WindowTest::isUp(Widget box) {
+    return box != nullptr && XtIsManaged(box) && isVisible(XtParent(box)) && person().hasFocus(XtWindow(XtParent(box)));
+}
+
+bool WindowTest::waitUntilUp(const Widget& box) {
+    return waitFor([&box] { return isUp(box); });
 }
 
 void WindowTest::click(Widget widget) {
@@ -198,7 +212,7 @@ std::vector<std::string> WindowTest::rows(Widget list) {
 }
 
 std::string WindowTest::dialogText() {
-    if (!waitFor([] { return isShown(dialog); })) {
+    if (!waitUntilUp(dialog)) {
         return "(no dialog)";
     }
     XmString text = nullptr;
@@ -207,7 +221,7 @@ std::string WindowTest::dialogText() {
 }
 
 void WindowTest::answer(const char* button) {
-    ASSERT_TRUE(waitFor([] { return isShown(dialog); }));
+    ASSERT_TRUE(waitUntilUp(dialog));
     Widget box = dialog;
     const Window window = XtWindow(XtParent(box));
     click(child(box, button));
@@ -218,4 +232,19 @@ void WindowTest::answer(const char* button) {
 void WindowTest::expectReport(Message::Number text) {
     EXPECT_EQ(dialogText(), onOneLine(catalogText(text)));
     answer("OK");
+}
+
+std::string WindowTest::calls() const {
+    const std::string text = files.read("record");
+    files.write("record", "");
+    return text == "(missing)" ? "" : text;
+}
+
+std::string WindowTest::call(int request, const std::string& driver, const std::string& attributes,
+                             const std::string& path) {
+    std::ostringstream text;
+    text << request << ' ' << static_cast<void*>(ShODBCAdmin) << ' ' << driver << (path.empty() ? "" : " ") << path
+         << '\n'
+         << attributes << '\n';
+    return text.str();
 }

@@ -12,7 +12,8 @@
 #include "catalogs/message_numbers.h"
 #include "tests/support/odbc_files.h"
 
-// Each test has a configuration of its own, with the one driver "Recorder", and after open() a main window of its own.
+// Each test has a configuration of its own, with the one driver "Recorder", whose setup library writes down its calls,
+// and after open() a main window of its own.
 class WindowTest : public testing::Test {
 protected:
     WindowTest();
@@ -20,6 +21,8 @@ protected:
 
     // Builds and shows the main window as the program does at its start.
     void open();
+    // The same with this text in the user's file.
+    void openWith(const std::string& dataSources);
 
     static XPerson& person();
     // Lets the windows work until `condition` holds; false when it never does.
@@ -32,7 +35,11 @@ protected:
     static bool isVisible(Widget widget);
     // The place of a widget or gadget on the screen.
     static Place placeOf(Widget widget);
-    static std::string labelOf(Widget widget);
+    // What a label, a button, a text or a text field shows.
+    static std::string textOf(Widget widget);
+    // Whether this box, if there is one, has the keyboard; waitUntilUp() waits until it has.
+    static bool isUp(Widget box);
+    static bool waitUntilUp(const Widget& box);
 
     // All of these wait until the windows have done what there is to do.
     static void click(Widget widget);
@@ -49,5 +56,14 @@ protected:
     // Checks that the box with this text comes up, and presses OK.
     static void expectReport(Message::Number text);
 
+    // What the recording setup library was called with since the last time.
+    std::string calls() const;
+    // One call as it is recorded.
+    static std::string call(int request, const std::string& driver, const std::string& attributes = "null",
+                            const std::string& path = "");
+
     OdbcFiles files;
+
+private:
+    ScopedEnvironment record_{{"VH_TEST_RECORD", files.path("record")}, {"VH_TEST_RESULT", {}}};
 };
