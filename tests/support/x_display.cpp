@@ -67,7 +67,6 @@ XPerson::XPerson() : display_(XOpenDisplay(nullptr)) {
         throw std::runtime_error("no display");
     }
     Ignored = display_;
-    requestor_ = XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 1, 1, 0, 0, 0);
     XChangeProperty(display_, DefaultRootWindow(display_), XA_RESOURCE_MANAGER, XA_STRING, 8, PropModeReplace,
                     reinterpret_cast<const unsigned char*>(kResources.data()), static_cast<int>(kResources.size()));
     XSync(display_, False);
@@ -214,37 +213,4 @@ unsigned long XPerson::pixel(Window window, int x, int y) {
     const unsigned long value = XGetPixel(image, 0, 0) & 0xffffff;
     XDestroyImage(image);
     return value;
-}
-
-std::string XPerson::selection(Atom name) {
-    const Atom property = XInternAtom(display_, "VH_TEST_SELECTION", False);
-    XConvertSelection(display_, name, XA_STRING, property, requestor_, CurrentTime);
-    XEvent event{};
-    if (!waitUntil([&] { return XCheckTypedWindowEvent(display_, requestor_, SelectionNotify, &event) != 0; }) ||
-        event.xselection.property == None) {
-        return {};
-    }
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long left = 0;
-    unsigned char* data = nullptr;
-    XGetWindowProperty(display_, requestor_, property, 0, 100000, True, AnyPropertyType, &type, &format, &count, &left,
-                       &data);
-    std::string text(reinterpret_cast<const char*>(data), count);
-    XFree(data);
-    return text;
-}
-
-std::string XPerson::copied() {
-    const Atom clipboard = XInternAtom(display_, "CLIPBOARD", False);
-    // Lest what was copied before be taken for this.
-    XSetSelectionOwner(display_, clipboard, None, CurrentTime);
-    key(XK_Insert, XK_Control_L);
-    std::string text;
-    waitUntil([&] {
-        text = selection(clipboard);
-        return !text.empty();
-    });
-    return text;
 }

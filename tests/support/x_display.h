@@ -59,17 +59,12 @@ public:
     bool isVisible(Window window);
     bool hasFocus(Window window);
     unsigned long pixel(Window window, int x, int y);
-    // Copies what is selected where the keyboard is (Control and Insert), and returns it as it comes by the clipboard;
-    // "" when nothing comes.
-    std::string copied();
 
 private:
     void press(unsigned int code, bool down);
     std::vector<Window> children(Window window);
     Window windowAt(int x, int y);
-    std::string selection(Atom name);
 
     Display* display_;
-    Window requestor_;
     std::chrono::steady_clock::time_point lastClick_{};
 };
