@@ -221,6 +221,13 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     EXPECT_EQ(calls(), call(1, "Talker", "null", path_));
     EXPECT_EQ(files.read("a.dsn"), kMissing);
     EXPECT_NE(listed(), Rows{"a.dsn"});
+    files.write("a.dsn", before);
+    refreshFileDsnPage();
+    goToSummary(kPlain, "a");
+    key(XK_Return);
+    answer("OK");
+    expectReport(Message::kDriverHasNoSetup);
+    EXPECT_NE(listed(), Rows{"a.dsn"});
 
     // With verification the file that was there is gone before the person answers.
     files.write("a.dsn", before);

@@ -77,21 +77,9 @@ protected:
     static void waitUntilGone(const std::string& title, bool dialog) {
         EXPECT_TRUE(waitUntil([&] { return person().windows(title, dialog).empty(); })) << title;
     }
-    static void keys(std::initializer_list<KeySym> symbols) {
-        for (const KeySym symbol : symbols) {
-            person().key(symbol);
-        }
-    }
-    // Types the texts into fields that follow one another.
-    static void typeIn(const std::vector<std::string>& texts) {
-        for (const std::string& text : texts) {
-            person().type(text);
-            person().key(XK_Tab);
-        }
-    }
-    // Ends the dialog with this title by a key.
-    static void leave(const std::string& title, KeySym symbol = XK_Return) {
-        person().key(symbol);
+    // Ends the dialog with this title by what is entered.
+    static void leave(const std::string& title, Inputs inputs = {XK_Return}) {
+        person().enter(inputs);
         waitUntilGone(title, true);
     }
     // Where the row of buttons at the bottom of a window begins.
@@ -200,15 +188,14 @@ TEST_F(ProgramTest, TraceSettingsThatWereAppliedStayAndTheNextProgramReadsThem) 
     start();
     const std::size_t partsAtFirst = person().parts(window).size();
     // From OK to the tabs, along them to the fourth, and to the first control below them.
-    keys({XK_Tab, XK_Tab, XK_Tab, XK_Right, XK_Right, XK_Right, XK_space});
+    person().enter({XK_Tab, XK_Tab, XK_Tab, XK_Right, XK_Right, XK_Right, XK_space});
     EXPECT_TRUE(waitUntil([&] { return person().parts(window).size() != partsAtFirst; }));
     const Parts parts = person().parts(window);
     const Place toggle = *std::find_if(parts.begin(), parts.end(), [&parts](const Place& part) {
         return part.y > parts.front().y + parts.front().height;
     });
     person().click(toggle);
-    person().key(XK_Tab);
-    person().type(file);
+    person().enter({XK_Tab, file});
     press(kApply);
     EXPECT_TRUE(isStored("1")) << files.read(OdbcFiles::kUser);
     person().click(toggle);
@@ -286,11 +273,9 @@ TEST_F(ProgramTest, ADataSourceIsAddedConfiguredUsedAndRemoved) {
 
     press(kAdd);
     waitFor("Create a New Data Source", true);
-    keys({XK_space, XK_Return});
+    person().enter({XK_space, XK_Return});
     waitFor(setupTitle, true);
-    typeIn({"books", "My books"});
-    person().type(database);
-    leave(setupTitle);
+    leave(setupTitle, {"books", XK_Tab, "My books", XK_Tab, database, XK_Return});
     const OdbcFiles::Sections added = files.userSections();
     OdbcFiles::Sections expected = before;
     expected.front().second.push_back("books=Varnholt SQLite");
@@ -307,16 +292,14 @@ TEST_F(ProgramTest, ADataSourceIsAddedConfiguredUsedAndRemoved) {
     // The new one is the first in the list, where the selection was.
     press(kConfigure);
     waitFor(setupTitle, true);
-    keys({XK_Tab, XK_End});
-    person().type(" at home");
-    leave(setupTitle);
+    leave(setupTitle, {XK_Tab, XK_End, " at home", XK_Return});
     std::replace(expected.back().second.begin(), expected.back().second.end(), "Description=My books"s,
                  "Description=My books at home"s);
     EXPECT_EQ(files.userSections(), expected);
 
     press(kConfigure);
     waitFor(setupTitle, true);
-    leave(setupTitle, XK_Escape);
+    leave(setupTitle, {XK_Escape});
     EXPECT_EQ(files.userSections(), expected);
 
     press(kRemove);
@@ -347,26 +330,19 @@ TEST_F(ProgramTest, FileDataSourcesAreMadeInEveryWayAndConnect) {
             const Parts parts = person().parts(wizard);
             person().click(bottomRow(parts)[-1]);
             waitFor("Advanced File DSN Settings", true);
-            person().key(XK_Return);
-            typeIn({"Database=" + database});
-            if (attributes == Attributes::kNotVerified) {
-                person().key(XK_space);
-            }
-            person().key(XK_Tab);
-            leave("Advanced File DSN Settings", XK_space);
+            person().enter({XK_Return, "Database=" + database, XK_Tab});
+            person().enter({{XK_space, attributes == Attributes::kNotVerified ? 1 : 0}});
+            leave("Advanced File DSN Settings", {XK_Tab, XK_space});
             waitFor(wizardTitle, true);
         }
         // On the second and the third screen the keyboard is where the person needs it.
-        person().key(XK_Return);
-        person().type(name);
-        keys({XK_Return, XK_Return});
+        person().enter({XK_Return, name, XK_Return, XK_Return});
     };
     const auto setUp = [&] {
         waitFor(setupTitle, true);
-        typeIn({"Books"});
+        person().enter({"Books", XK_Tab});
         person().key(XK_a, XK_Control_L);
-        person().type(database);
-        leave(setupTitle);
+        leave(setupTitle, {database, XK_Return});
     };
     start();
     openPage(1);
@@ -449,7 +425,7 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredAndConnect) {
     const PostgresServer server(folder);
     press(kAdd);
     waitFor("Create a New Data Source", true);
-    keys({XK_space, XK_Down, XK_Return});
+    person().enter({XK_space, XK_Down, XK_Return});
     const std::string setupTitle = "Varnholt PostgreSQL Data Source";
     const Window form = waitFor(setupTitle, true);
     ASSERT_NE(form, None);
@@ -458,18 +434,17 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredAndConnect) {
         return bottomRow(parts)[number];
     };
     // The driver proposes this machine and another port.
-    typeIn({"pg", "", "", "1", "postgres", "postgres"});
+    person().enter({"pg", {XK_Tab, 3}, "1", XK_Tab, "postgres", XK_Tab, "postgres"});
     person().click(bottomButton(0));
     const Window failed = waitFor("Connection Test", true);
     EXPECT_TRUE(waitUntil([&] { return shows(failed, kErrorRed); }));
-    leave("Connection Test", XK_Escape);
+    leave("Connection Test", {XK_Escape});
 
     waitFor(setupTitle, true);
     std::vector<Place> fields = person().parts(form);
     std::erase_if(fields, [x = fields[1].x](const Place& part) { return part.x < x || part.x > x + 4; });
     person().click(fields[3]);
-    keys({XK_Home, XK_Delete, XK_Delete, XK_Delete, XK_Delete, XK_Delete});
-    person().type(server.port());
+    person().enter({XK_Home, {XK_Delete, 5}, server.port()});
     person().click(bottomButton(0));
     const Window succeeded = waitFor("Connection Test", true);
     EXPECT_TRUE(waitUntil([&] { return shows(succeeded, kInformationBlue); }));

@@ -25,84 +25,92 @@ namespace {
 constexpr std::size_t kLongRecord = 400;
 constexpr const char* kForm = "vhsetup23.FormSetup";
 
-// What the person does while a dialog is up that runs an event loop of its own, inside of the click that opened it:
-// timers run in that loop too. Each step waits until nothing moved for a moment.
-class Script {
-public:
-    explicit Script(XPerson& person) : person_(person) { wait(); }
-    ~Script() {
-        EXPECT_TRUE(steps_.empty()) << steps_.size() << " steps were not taken";
-        if (!steps_.empty()) {
-            XtRemoveTimeOut(timer_);
-        }
-    }
-    Script(const Script&) = delete;
-    Script& operator=(const Script&) = delete;
-
-    Script& then(const std::function<void()>& step) {
-        steps_.push_back(step);
-        return *this;
-    }
-    Script& key(KeySym symbol, int times = 1, KeySym modifier = NoSymbol) {
-        for (int i = 0; i < times; ++i) {
-            then([this, symbol, modifier] { person_.key(symbol, modifier); });
-        }
-        return *this;
-    }
-    Script& type(const std::string& text) {
-        return then([this, text] { person_.type(text); });
-    }
-
-private:
-    void wait() { timer_ = XtAppAddTimeOut(app_context, 20, tick, this); }
-    static void tick(XtPointer self, XtIntervalId* /*timer*/) {
-        auto* script = static_cast<Script*>(self);
-        XSync(display, False);
-        script->quietTicks_ = (XtAppPending(app_context) & XtIMXEvent) != 0 ? 0 : script->quietTicks_ + 1;
-        if (script->quietTicks_ > 3 && script->isReady()) {
-            const std::function<void()> step = script->steps_.front();
-            script->steps_.pop_front();
-            script->quietTicks_ = 0;
-            script->ticks_ = 0;
-            step();
-        } else if (++script->ticks_ > kPatienceSeconds * 50) {
-            script->giveUp();
-        }
-        if (!script->steps_.empty()) {
-            script->wait();
-        }
-    }
-    // Ends the dialog, lest the test hang.
-    void giveUp() {
-        ADD_FAILURE() << "stuck with " << steps_.size() << " steps to take";
-        steps_.clear();
-        if (Widget cancel = XtNameToWidget(ShODBCAdmin, "vhsetup23.FormSetup.BtnCancel")) {
-            pressButton(cancel);
-        }
-    }
-    // Whether the dialog, or a box over it, has the keyboard.
-    bool isReady() const {
-        Widget form = XtNameToWidget(ShODBCAdmin, kForm);
-        if (form == nullptr || !XtIsManaged(form)) {
-            return false;
-        }
-        Widget top = form;
-        for (const char* name : {"*dialog", "*fileDialog", "*FormAbout"}) {
-            Widget box = XtNameToWidget(form, name);
-            top = box != nullptr && XtIsManaged(box) ? box : top;
-        }
-        return person_.hasFocus(XtWindow(XtParent(top)));
-    }
-
-    XPerson& person_;
-    std::deque<std::function<void()>> steps_;
-    XtIntervalId timer_ = 0;
-    int quietTicks_ = 0;
-    int ticks_ = 0;
-};
-
 class SetupFormTest : public WindowTest {
 protected:
+    // What the person does while a dialog is up that runs an event loop of its own, inside of the click that opened it:
+    // timers run in that loop too. Each step waits until nothing moved for a moment.
+    class Script {
+    public:
+        Script() { wait(); }
+        ~Script() {
+            EXPECT_TRUE(steps_.empty()) << steps_.size() << " steps were not taken";
+            if (!steps_.empty()) {
+                XtRemoveTimeOut(timer_);
+            }
+        }
+        Script(const Script&) = delete;
+        Script& operator=(const Script&) = delete;
+
+        Script& then(const std::function<void()>& step) {
+            steps_.push_back(step);
+            return *this;
+        }
+        Script& key(KeySym symbol, KeySym modifier) {
+            return then([symbol, modifier] { person().key(symbol, modifier); });
+        }
+        // Each key, and each text, is a step.
+        Script& enter(Inputs inputs) {
+            for (const Input& input : inputs) {
+                for (int i = 0; i < input.times; ++i) {
+                    then([input] { person().key(input.key); });
+                }
+                if (!input.text.empty()) {
+                    then([input] { person().type(input.text); });
+                }
+            }
+            return *this;
+        }
+        Script& press(const std::string& button) {
+            return then([button] { person().click(placeOf(child(ShODBCAdmin, std::string(kForm) + "." + button))); });
+        }
+
+    private:
+        void wait() { timer_ = XtAppAddTimeOut(app_context, 20, tick, this); }
+        static void tick(XtPointer self, XtIntervalId* /*timer*/) {
+            auto* script = static_cast<Script*>(self);
+            XSync(display, False);
+            script->quietTicks_ = (XtAppPending(app_context) & XtIMXEvent) != 0 ? 0 : script->quietTicks_ + 1;
+            if (script->quietTicks_ > 3 && script->isReady()) {
+                const std::function<void()> step = script->steps_.front();
+                script->steps_.pop_front();
+                script->quietTicks_ = 0;
+                script->ticks_ = 0;
+                step();
+            } else if (++script->ticks_ > kPatienceSeconds * 50) {
+                script->giveUp();
+            }
+            if (!script->steps_.empty()) {
+                script->wait();
+            }
+        }
+        // Ends the dialog, lest the test hang.
+        void giveUp() {
+            ADD_FAILURE() << "stuck with " << steps_.size() << " steps to take";
+            steps_.clear();
+            if (Widget cancel = XtNameToWidget(ShODBCAdmin, "vhsetup23.FormSetup.BtnCancel")) {
+                pressButton(cancel);
+            }
+        }
+        // Whether the dialog, or a box over it, has the keyboard.
+        static bool isReady() {
+            Widget form = XtNameToWidget(ShODBCAdmin, kForm);
+            if (form == nullptr || !XtIsManaged(form)) {
+                return false;
+            }
+            Widget top = form;
+            for (const char* name : {"*dialog", "*fileDialog", "*FormAbout"}) {
+                Widget box = XtNameToWidget(form, name);
+                top = box != nullptr && XtIsManaged(box) ? box : top;
+            }
+            return isUp(top);
+        }
+
+        std::deque<std::function<void()>> steps_;
+        XtIntervalId timer_ = 0;
+        int quietTicks_ = 0;
+        int ticks_ = 0;
+    };
+
     SetupFormTest() {
         files.write(OdbcFiles::kDrivers,
                     "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
@@ -120,9 +128,6 @@ protected:
     }
     static void moveTo(const std::string& name) {
         XmProcessTraversal(child(ShODBCAdmin, std::string(kForm) + "*" + name), XmTRAVERSE_CURRENT);
-    }
-    static void clickButton(const std::string& name) {
-        person().click(placeOf(child(ShODBCAdmin, std::string(kForm) + "." + name)));
     }
     // The message over the dialog.
     static std::string message() {
@@ -163,43 +168,31 @@ constexpr const char* kTalker =
 TEST_F(SetupFormTest, OkWithoutAChangeAndEscapeAfterOneLeaveTheFileAlone) {
     openOnFirst(kTalker);
     {
-        Script script(person());
+        Script script;
         script
             .then([] {
                 EXPECT_EQ(field("TxtDataSourceName"), "A");
                 EXPECT_EQ(field("TxtDatabase"), "/a");
                 EXPECT_EQ(field("TxtPassword"), "******");
             })
-            .key(XK_Return);
+            .enter({XK_Return});
         click(BtnConfigure);
     }
-    {
-        Script script(person());
-        script.key(XK_End).type("bc").key(XK_Tab).type("text").key(XK_Escape);
-        click(BtnConfigure);
-    }
+    Script script;
+    script.enter({XK_End, "bc", XK_Tab, "text", XK_Escape});
+    click(BtnConfigure);
     EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker);
 }
 
 TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
     openOnFirst(kTalker);
-    Script script(person());
-    script.key(XK_Tab)
-        .type("My text")
-        .key(XK_Tab)
-        .key(XK_End)
-        .type("bc ")
-        .key(XK_Tab)  // The browse button.
-        .key(XK_Tab)  // The list of choices: the first leaves the setting to the driver.
-        .key(XK_Up, 4)
-        .key(XK_Tab)  // The one that can be typed into.
-        .type("own")
-        .key(XK_Tab)
-        .key(XK_Home)
-        .type("xy")
-        .key(XK_Delete)
+    Script script;
+    script
+        .enter({XK_Tab, "My text", XK_Tab, XK_End, "bc ", XK_Tab})
+        // The list of choices, the first of which leaves the setting to the driver, and the one that can be typed into.
+        .enter({XK_Tab, {XK_Up, 4}, XK_Tab, "own", XK_Tab, XK_Home, "xy", XK_Delete})
         .then([] { EXPECT_EQ(field("TxtPassword"), "*******"); })
-        .key(XK_Return);
+        .enter({XK_Return});
     click(BtnConfigure);
     EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Password=xyeheim Unknown=1 Description=My text Level=own");
     EXPECT_EQ(section("B"), "Driver=Talker X=1");
@@ -208,22 +201,16 @@ TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
 TEST_F(SetupFormTest, ARenamedDataSourceKeepsItsKeysAndReplacesAnotherOnlyWhenAllowed) {
     openOnFirst(kTalker);
     const std::string question = "A data source named \"B\" is already there. Replace it and all its settings?";
-    Script script(person());
-    script.key(XK_BackSpace)
-        .key(XK_Delete)
-        .type("a;b")
-        .key(XK_Return)
+    Script script;
+    script.enter({XK_BackSpace, XK_Delete, "a;b", XK_Return})
         .then([] { EXPECT_NE(message().find("\"a;b\" cannot be the name"), std::string::npos) << message(); })
-        .key(XK_Return)
-        .key(XK_BackSpace, 3)
-        .type("B")
-        .key(XK_Return)
+        .enter({XK_Return, {XK_BackSpace, 3}, "B", XK_Return})
         .then([question] { EXPECT_EQ(message(), question); })
-        .key(XK_Escape)
+        .enter({XK_Escape})
         .then([this] { EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker); })
-        .key(XK_Return)
+        .enter({XK_Return})
         .then([question] { EXPECT_EQ(message(), question); })
-        .key(XK_Return);
+        .enter({XK_Return});
     click(BtnConfigure);
     EXPECT_EQ(section("ODBC Data Sources"), "B=Talker");
     EXPECT_EQ(section("A"), "(none)");
@@ -232,8 +219,8 @@ TEST_F(SetupFormTest, ARenamedDataSourceKeepsItsKeysAndReplacesAnotherOnlyWhenAl
 
 TEST_F(SetupFormTest, ANameMayChangeItsCase) {
     openOnFirst(kTalker);
-    Script script(person());
-    script.key(XK_Delete).type("a").key(XK_Return);
+    Script script;
+    script.enter({XK_Delete, "a", XK_Return});
     click(BtnConfigure);
     EXPECT_EQ(section("ODBC Data Sources"), "B=Talker a=Talker");
     EXPECT_EQ(section("a"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1");
@@ -243,12 +230,10 @@ TEST_F(SetupFormTest, ANewDataSourceStoresWhatTheDriverProposes) {
     openOnFirst(kTalker);
     click(BtnAdd);
     clickRow(LstDPName, 2);
-    Script script(person());
-    script.key(XK_Return)
+    Script script;
+    script.enter({XK_Return})
         .then([] { EXPECT_EQ(message(), "Type a name for the data source."); })
-        .key(XK_Return)
-        .type("New")
-        .key(XK_Return);
+        .enter({XK_Return, "New", XK_Return});
     click(BtnFinish);
     EXPECT_EQ(section("New"), "Driver=Talker Mode=write Token=h1");
     EXPECT_EQ(section("ODBC Data Sources"), "A=Talker B=Talker New=Talker");
@@ -258,7 +243,7 @@ TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
     openOnFirst(
         "[ODBC Data Sources]\nS=Silent\nT=Silent\n\n[S]\nDriver=Silent\nServer=h\nPWD=p\nSSLPassword=q\nKeep=k = "
         "v\nEdit=1\nGone=2\n");
-    Script script(person());
+    Script script;
     script
         .then([] {
             EXPECT_EQ(field("TxtServer"), "h");
@@ -266,22 +251,9 @@ TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
             EXPECT_EQ(field("TxtSSLPassword"), "*");
             EXPECT_EQ(field("TxtFurtherSettings"), "Keep=k = v\nEdit=1\nGone=2\n");
         })
-        .key(XK_Tab, 10)
-        .key(XK_Down)
-        .key(XK_End)
-        .type("23")
-        .key(XK_Down)
-        .key(XK_BackSpace, 6)
-        .type("uid=x")
-        .key(XK_Tab, 3)  // Past Test and About to OK.
-        .key(XK_Return)
+        .enter({{XK_Tab, 10}, XK_Down, XK_End, "23", XK_Down, {XK_BackSpace, 6}, "uid=x", {XK_Tab, 3}, XK_Return})
         .then([] { EXPECT_NE(message().find("\"uid\" has a field of its own"), std::string::npos) << message(); })
-        .key(XK_Return)
-        .key(XK_Home)
-        .key(XK_Delete, 3)
-        .type("New")
-        .key(XK_Tab, 3)
-        .key(XK_Return);
+        .enter({XK_Return, XK_Home, {XK_Delete, 3}, "New", {XK_Tab, 3}, XK_Return});
     click(BtnConfigure);
     EXPECT_EQ(section("S"), "Driver=Silent Server=h PWD=p SSLPassword=q Keep=k = v Edit=123 New=x");
 }
@@ -289,7 +261,7 @@ TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
 TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
     openOnFirst("[ODBC Data Sources]\nA=Tds\nB=Working\n\n[A]\nDriver=Tds\nPWD=p\n\n[B]\nDriver=Working\n");
     {
-        Script script(person());
+        Script script;
         script
             .then([] {
                 EXPECT_EQ(field("LblServername") + field("LblServer"), "ServernameServer");
@@ -297,14 +269,13 @@ TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
                 EXPECT_EQ(field("TxtPWD"), "*");
                 moveTo("TxtUID");
             })
-            .type("me")
-            .key(XK_Return);
+            .enter({"me", XK_Return});
         click(BtnConfigure);
     }
     EXPECT_EQ(section("A"), "Driver=Tds PWD=p UID=me");
     clickRow(LstUName, 2);
-    Script script(person());
-    script.then([] { EXPECT_EQ(XtNameToWidget(ShODBCAdmin, "*TxtUID"), nullptr); }).key(XK_Escape);
+    Script script;
+    script.then([] { EXPECT_EQ(XtNameToWidget(ShODBCAdmin, "*TxtUID"), nullptr); }).enter({XK_Escape});
     click(BtnConfigure);
 }
 
@@ -315,39 +286,32 @@ TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
         const Place window = placeOf(child(ShODBCAdmin, std::string(kForm) + ".scrWinSettings"));
         return row.y >= window.y && row.y + row.height <= window.y + window.height;
     };
-    Script script(person());
+    Script script;
     script
         .then([isInSight] {
             EXPECT_LE(placeOf(child(ShODBCAdmin, kForm)).height, 768 * 3 / 4);
             EXPECT_TRUE(isInSight("TxtDatabase"));
             EXPECT_FALSE(isInSight("TxtMany30"));
         })
-        .key(XK_Tab, 8)
-        .key(XK_Tab, 29)
+        .enter({{XK_Tab, 37}})
         .then([isInSight] {
             EXPECT_TRUE(isInSight("TxtMany30"));
             EXPECT_FALSE(isInSight("TxtDatabase"));
         })
-        .type("last")
-        .key(XK_Tab)  // Past what is only shown.
-        .type("12")
+        .enter({"last", XK_Tab, "12"})
         .then([] {
             EXPECT_EQ(field("TxtRelease"), "r5");
             EXPECT_EQ(field("TxtPin"), "**");
         })
-        .key(XK_Tab)
-        .key(XK_space)
-        .key(XK_Tab, 6)  // The buttons, and the name again.
-        .type("C")
-        .key(XK_Return);
+        .enter({XK_Tab, XK_space, {XK_Tab, 6}, "C", XK_Return});
     click(BtnConfigure);
     EXPECT_EQ(section("CA"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1 Many30=last Pin=12");
 }
 
 TEST_F(SetupFormTest, AStoredPasswordGoesWhenItIsNoLongerWanted) {
     openOnFirst("[ODBC Data Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nPassword=geheim\n");
-    Script script(person());
-    script.key(XK_Tab, 7).key(XK_space).key(XK_Return);
+    Script script;
+    script.enter({{XK_Tab, 7}, XK_space, XK_Return});
     click(BtnConfigure);
     EXPECT_EQ(section("A"), "Driver=Talker");
 }
@@ -365,23 +329,18 @@ TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
     };
     for (const Case& now : {Case{false, "Description=Books\nDatabase=/b\n", 0644},
                             Case{true, "Description=Books\nDatabase=/b\nPassword=geheim\n", 0600}}) {
-        Script script(person());
+        Script script;
         script.then([&path] { EXPECT_EQ(field("TxtFileName"), path); })
-            .type(now.saved ? "" : "Books")
-            .key(XK_Tab)
-            .type(now.saved ? "" : "/b")
-            .key(XK_Tab, 4)
-            .type("geheim")
-            .key(XK_Tab)
-            .key(XK_space, now.saved ? 1 : 0)
-            .then([] { clickButton("BtnTest"); })
+            .enter({now.saved ? "" : "Books", XK_Tab, now.saved ? "" : "/b", {XK_Tab, 4}, "geheim"})
+            .enter({XK_Tab, {XK_space, now.saved ? 1 : 0}})
+            .press("BtnTest")
             .then([] {
                 EXPECT_EQ(message(),
                           "The connection could not be made. 08001: No such server 01000: 0 "
                           "DRIVER={Talker};Unknown=1;Database=/b;Password=geheim;");
             })
-            .key(XK_Escape)
-            .then([] { clickButton("BtnOK"); });
+            .enter({XK_Escape})
+            .press("BtnOK");
         click(BtnFDConfigure);
         EXPECT_EQ(files.read("a.dsn"), before + now.added + "\n");
         struct stat status {};
@@ -394,26 +353,22 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
     const std::string before =
         "[ODBC Data Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nUnknown=1\nDescription=x\nSAVEFILE=/y\n";
     openOnFirst(before);
-    Script script(person());
-    script.key(XK_Tab, 2)
-        .type("/a;(b)}")
-        .key(XK_Tab, 4)
-        .type("p ")
-        .key(XK_Tab)
-        .key(XK_space)  // To be saved, which such a password can't be; but it can be tried.
-        .then([] { clickButton("BtnTest"); })
+    Script script;
+    // The password is to be saved, which such a one can't be; but it can be tried.
+    script.enter({{XK_Tab, 2}, "/a;(b)}", {XK_Tab, 4}, "p ", XK_Tab, XK_space})
+        .press("BtnTest")
         .then([] {
             EXPECT_EQ(message(),
                       "The connection could not be made. 08001: No such server 01000: 0 "
                       "DRIVER={Talker};Unknown=1;Database={/a;(b)}}};Password={p };");
         })
-        .key(XK_Escape)
-        .then([] { clickButton("BtnOK"); })
+        .enter({XK_Escape})
+        .press("BtnOK")
         .then([] { EXPECT_NE(message().find("cannot begin or end with a blank"), std::string::npos) << message(); })
-        .key(XK_Return)
-        .key(XK_Tab, 4, XK_Shift_L)
-        .type("many")
-        .then([] { clickButton("BtnTest"); })
+        .enter({XK_Return})
+        .then([] { moveTo("TxtDatabase"); })
+        .enter({XK_End, "many"})
+        .press("BtnTest")
         .then([] {
             const std::string all = message();
             std::string last;
@@ -425,36 +380,30 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
             EXPECT_TRUE(box.y >= 0 && box.y + box.height <= 768) << box.y << " " << box.height;
         })
         // From the button to what the driver says, all of which can be selected, to be copied.
-        .key(XK_Tab)
-        .key(XK_slash, 1, XK_Control_L)
+        .enter({XK_Tab})
+        .key(XK_slash, XK_Control_L)
         .then([] {
             Widget records = child(ShODBCAdmin, std::string(kForm) + "*dialog*TxtDiagnostics");
             const XtTextPtr selected(XmTextGetSelection(records));
             EXPECT_EQ(selected == nullptr ? "" : selected.get(), textOf(records));
         })
-        .key(XK_Escape)
-        .key(XK_Escape);
+        .enter({XK_Escape, XK_Escape});
     click(BtnConfigure);
     EXPECT_EQ(files.read(OdbcFiles::kUser), before);
 }
 
 TEST_F(SetupFormTest, AFileIsChosenInADialogThatMayBeLeft) {
     openOnFirst(kTalker);
-    Script script(person());
+    Script script;
     script.then([] { EXPECT_EQ(field("LblHint"), " "); })
-        .key(XK_Tab, 3)
+        .enter({{XK_Tab, 3}})
         .then([] { EXPECT_EQ(field("LblHint"), "help"); })
-        .key(XK_space)
-        .type("bc")
-        .key(XK_Return)
+        .enter({XK_space, "bc", XK_Return})
         .then([] { EXPECT_EQ(field("TxtDatabase"), "/abc"); })
-        .key(XK_Tab)
-        .key(XK_space)
-        .type("x")
-        .key(XK_Escape)
+        .enter({XK_Tab, XK_space, "x", XK_Escape})
         .then([] { EXPECT_EQ(field("TxtDatabase"), "/abc"); })
-        .key(XK_Tab, 1, XK_Shift_L)
-        .key(XK_Return);
+        .key(XK_Tab, XK_Shift_L)
+        .enter({XK_Return});
     click(BtnConfigure);
     EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Mode=odd Password=geheim Unknown=1");
 }
@@ -472,10 +421,10 @@ TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDu
         const std::string title = "About " + now.path.substr(now.path.rfind('/') + 1);
         const std::string facts =
             outputOf("date -r '" + now.path + "' +%x; echo $(($(stat -c %s '" + now.path + "') / 1024)) kb");
-        Script script(person());
-        script.then([] { clickButton("BtnHelp"); })
-            .key(XK_F1)
-            .then([] { clickButton("BtnAbout"); })
+        Script script;
+        script.press("BtnHelp")
+            .enter({XK_F1})
+            .press("BtnAbout")
             .then([now, title, facts] {
                 std::string path = field("TxtFile");
                 std::erase(path, '\n');  // Long ones are broken.
@@ -487,9 +436,9 @@ TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDu
                 EXPECT_EQ(field("LblAddress2"), catalogText(Message::kCompanyAddressLine2));
                 EXPECT_EQ(person().windows(title, true).size(), 1U);
             })
-            .key(XK_Escape)
+            .enter({XK_Escape})
             .then([title] { EXPECT_TRUE(person().windows(title, true).empty()); })
-            .key(XK_Escape);
+            .enter({XK_Escape});
         click(BtnConfigure);
     }
     EXPECT_EQ(browser.topics(4), "setup\nsetup\nsetup\nsetup\n");

@@ -112,6 +112,15 @@ void XPerson::type(std::string_view text) {
     }
 }
 
+void XPerson::enter(Inputs inputs) {
+    for (const Input& input : inputs) {
+        for (int i = 0; i < input.times; ++i) {
+            key(input.key);
+        }
+        type(input.text);
+    }
+}
+
 void XPerson::click(int x, int y, int times) {
     std::this_thread::sleep_until(lastClick_ + kDoubleClickTime);
     XTestFakeMotionEvent(display_, -1, x, y, CurrentTime);

@@ -7,9 +7,11 @@
 #include <X11/Xlib.h>
 
 #include <chrono>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/support/program.h"
@@ -36,6 +38,17 @@ struct Place {
     int x, y, width, height;
 };
 
+// A key that is pressed, several times perhaps, or a text that is typed.
+struct Input {
+    Input(KeySym pressed, int count = 1) : key(pressed), times(count) {}
+    Input(std::string typed) : text(std::move(typed)) {}
+    Input(const char* typed) : text(typed) {}
+    KeySym key = NoSymbol;
+    int times = 0;
+    std::string text;
+};
+using Inputs = std::initializer_list<Input>;
+
 // The person at the display, on a connection of their own. X errors of this connection are ignored, since windows go
 // while one looks at them; those of any other fail the test.
 class XPerson {
@@ -48,6 +61,7 @@ public:
     // Presses and releases a key, with a modifier held down. Keys that the keyboard lacks are put on it.
     void key(KeySym symbol, KeySym modifier = NoSymbol);
     void type(std::string_view text);
+    void enter(Inputs inputs);
     // Clicks at a place on the screen. Clicks of two calls never make a double click.
     void click(int x, int y, int times = 1);
     void click(const Place& place) { click(place.x + place.width / 2, place.y + place.height / 2); }
