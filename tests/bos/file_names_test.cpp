@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "bos/file.h"
+#include "bos/host.h"
 #include "kvlib/text.h"
 #include "tests/support/error_collector.h"
 #include "tests/support/scoped_environment.h"
@@ -101,6 +103,59 @@ TEST(Paths, GoToTheHomeDirectory) {
         EXPECT_EQ(boshpath(name), 0);
         EXPECT_EQ(std::string(name), row.expected);
     }
+}
+
+TEST(Paths, AreJoinedAndSplit) {
+    const std::string longest(kPathSize - 1, 'n');
+    const struct {
+        const char* directory;
+        std::string name;
+        const char* extension;
+        std::string path;
+        int result = 0;
+    } rows[] = {
+        {"/d", "n", "ini", "/d/n.ini"},    {"/d/", "n", ".ini", "/d/n.ini"},  {nullptr, "n", nullptr, "n"},
+        {"", "n.d/n", "ini", "n.d/n.ini"}, {"/d", "/n.old", "ini", "/n.old"}, {"d", ".n", "ini", "d/.n.ini"},
+        {"", longest, "", longest},        {"", longest, "i", "", 1},
+    };
+    char path[kPathSize];
+    for (const auto& row : rows) {
+        EXPECT_EQ(bospath(path, row.directory, row.name.c_str(), row.extension), row.result) << row.path;
+        EXPECT_EQ(std::string(path), row.path);
+    }
+    EXPECT_EQ(bosfpath(path, "d", longest.c_str()), 1);
+    EXPECT_STREQ(path, "");
+
+    for (const auto& [whole, directoryPart, namePart] :
+         {std::array{"/a/b", "/a", "b"}, {"/b", "/", "b"}, {"b", "", "b"}}) {
+        char directory[kPathSize];
+        char name[kPathSize];
+        EXPECT_EQ(bosParseName(whole, directory, name), 0);
+        EXPECT_STREQ(directory, directoryPart);
+        EXPECT_STREQ(name, namePart);
+    }
+    EXPECT_EQ(bosParseName((longest + "n/n").c_str(), path, nullptr), 1);
+    EXPECT_STREQ(path, "");
+}
+
+TEST(FoundFiles, AreNamedByAPatternAndNothingElse) {
+    const TemporaryFolder folder;
+    folder.write("a.dsn", "");
+    folder.write("b.dsn", "");
+    folder.write("c", "");
+    std::vector<std::string> found;
+    EXPECT_EQ(bosFindFiles(folder.path("*.dsn").c_str(), found), 0);
+    EXPECT_EQ(found, (std::vector{folder.path("a.dsn"), folder.path("b.dsn")}));
+    for (const std::string& pattern : {folder.path("*.x"), "; touch " + folder.path("new"),
+                                       "$(touch " + folder.path("new") + ")", "c\nEOT\ntouch " + folder.path("new")}) {
+        EXPECT_EQ(bosFindFiles(pattern.c_str(), found), 1) << pattern;
+        EXPECT_TRUE(found.empty());
+    }
+    EXPECT_EQ(folder.read("new"), "(missing)");
+
+    char command[6];
+    EXPECT_EQ(bosGetCommand(getpid(), command, sizeof command), 0);
+    EXPECT_STREQ(command, "unit_");
 }
 
 }  // namespace
