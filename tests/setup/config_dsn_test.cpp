@@ -106,15 +106,11 @@ TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
     };
     const std::string longest(995, 'v');
     const Case kCases[] = {
-        {"the first of all", "", "add|Drv|DSN=New|Database=/n.db",
-         "New{Driver=Drv|Database=/n.db} ODBC Data Sources{New=Drv}"},
         {"one more", kTwo, "add|Other|Server=h|dsn= New ",
          "ODBC Data Sources{Sales=Drv|Stock=Drv|New=Other} " + kSales + " " + kStock + " " + kTrace +
              " New{Driver=Other|Server=h}"},
-        {"a driver and empty values among the attributes", "", "add|Drv|DRIVER=/evil.so|DSN=New|A=|B= b ",
-         "New{Driver=Drv|B=b} ODBC Data Sources{New=Drv}"},
-        {"the same key twice: the later one counts", "", "add|Drv|DSN=New|a=1|A=2",
-         "New{Driver=Drv|a=2} ODBC Data Sources{New=Drv}"},
+        {"the first of all; another driver and empty values do not count, of one key twice the later one does", "",
+         "add|Drv|DRIVER=/evil.so|DSN=New|A=|B= b |c=1|C=2", "New{Driver=Drv|B=b|c=2} ODBC Data Sources{New=Drv}"},
         {"an existing name is replaced", kTwo, "add|Other|DSN=Sales|Server=h|Database=/s.db",
          "ODBC Data Sources{Sales=Other|Stock=Drv} Sales{Driver=Other|Database=/s.db|Server=h} " + kStock + " " +
              kTrace},
@@ -187,6 +183,14 @@ TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
     files.write(OdbcFiles::kUser, text);
     EXPECT_EQ(call("configure|Drv|DSN=" + longName + "|Driver=Drv|a=1|B="), 0U) << errorText;
     EXPECT_EQ(files.read(OdbcFiles::kUser), text);
+}
+
+TEST_F(ConfigDsnTest, OtherProgramsEditsAreSeen) {
+    files.write(OdbcFiles::kUser, kTwo);
+    EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nSales=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/edited.db\n");
+    EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
+    EXPECT_EQ(summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
 }
 
 TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
