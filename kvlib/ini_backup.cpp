@@ -17,7 +17,6 @@ namespace {
 
 constexpr int kNamesTried = 100;
 constexpr mode_t kPermissions = 0777;
-constexpr mode_t kGroupPermissions = 0070;
 
 // Whether a copy can't be made for what the folder is, and not for what the disk or the process lacks.
 bool isRefusedByFolder(int systemError) {
@@ -25,22 +24,20 @@ bool isRefusedByFolder(int systemError) {
            systemError == EEXIST;
 }
 
-// With an access control list the group's bits of the mode are not what the group may do, but a mask (acl(5)).
+// With an access control list the mode does not tell who may do what (acl(5)).
 bool hasAccessList(const std::string& file, int copy) {
     constexpr char kAttribute[] = "system.posix_acl_access";
     return getxattr(file.c_str(), kAttribute, nullptr, 0) > 0 || fgetxattr(copy, kAttribute, nullptr, 0) > 0;
 }
 
-// Gives the copy the owner and the permission of the file, or less: what can't be given as it is goes to nobody.
+// Gives the copy the owner and the permission of the file. Where that would not keep out whom the file keeps out, the
+// copy is its owner's alone.
 void becomeLike(int copy, const std::string& file, const struct stat& status) {
-    mode_t mode = status.st_mode & kPermissions;
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
     const bool hasGroup =
         fchown(copy, status.st_uid, status.st_gid) == 0 || fchown(copy, kSameOwner, status.st_gid) == 0;
-    if (!hasGroup || hasAccessList(file, copy)) {
-        mode &= ~kGroupPermissions;
-    }
-    fchmod(copy, mode);
+    const bool mayBeAsOpen = hasGroup && !hasAccessList(file, copy);
+    fchmod(copy, status.st_mode & (mayBeAsOpen ? kPermissions : mode_t{S_IRWXU}));
 }
 
 // Brings the names in the folder of `file` to the disk, as far as its user may.

@@ -1,13 +1,16 @@
 #include "kvlib/ini_file_cache.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cstring>
 #include <new>
 #include <optional>
+#include <thread>
 
 #include "bos/catalog.h"
 #include "bos/errno_mapping.h"
@@ -31,6 +34,10 @@ constexpr std::uint32_t kRewriteFlags =
 constexpr std::size_t kLongestValue = 2047;
 constexpr unsigned long kNumberBufferSize = 20;
 constexpr unsigned long kLongestWideList = 0x100000;
+
+// How often, and after which pause, an update reads a file again that another program is rewriting.
+constexpr int kReadings = 10;
+constexpr std::chrono::milliseconds kReadingPause(10);
 
 std::optional<std::string_view> optionalView(const char* text) {
     return text == nullptr ? std::nullopt : std::optional<std::string_view>(text);
@@ -164,7 +171,8 @@ std::uint32_t KvIniFileCache::readText() {
         return 1;
     }
     text_.resize(got);
-    if (got != size_) {
+    isPart_ = got != size_;
+    if (isPart_) {
         // Another program rewrites the file right now, perhaps to the same size in the same second: read it again.
         date_ = 0;
         size_ = 0;
@@ -190,8 +198,9 @@ std::uint32_t KvIniFileCache::sync() try {
     std::string path = path_;
     const std::uint32_t result = bosKvIniOpen(path.c_str(), 0);
     if (result != 0) {
-        // Still the cache of this path, so that its next user finds it and loads it again.
+        // Still the cache of this file, which the next call tries to read again.
         path_ = std::move(path);
+        state_ = kLoaded;
     }
     return result;
 } catch (const std::bad_alloc&) {
@@ -201,6 +210,21 @@ std::uint32_t KvIniFileCache::sync() try {
 
 bool KvIniFileCache::isCurrent() {
     return state_ == kLoaded && sync() == 0 && state_ == kLoaded;
+}
+
+// Before an update: what was not seen would be lost, and the copy would not have it either.
+bool KvIniFileCache::waitForWholeText() {
+    for (int reading = 0; isPart_; ++reading) {
+        if (reading == kReadings) {
+            bosMapError(EAGAIN, path_.c_str());
+            return false;
+        }
+        std::this_thread::sleep_for(kReadingPause);
+        if (!isCurrent()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 unsigned long KvIniFileCache::bosGetProfileString(const char* section, const char* entry, const char* defaultText,
@@ -310,7 +334,7 @@ int KvIniFileCache::bosPutProfileString(const char* section, const char* entry, 
         return 0;
     }
     traceIniPut(path_.c_str(), section, entry, value);
-    if (!isCurrent()) {
+    if (!isCurrent() || !waitForWholeText()) {
         return 0;
     }
     // Made before the file is emptied: what can fail without harm comes first.
@@ -358,7 +382,7 @@ bool KvIniFileCache::rewrite(std::string_view text) {
     }
     const bool opened = openForRewriting();
     const bool written = opened && replaceText(text);
-    const bool whole = written || !opened || putBack();
+    const bool whole = written || (!opened && !wasEmptied()) || putBack();
     closeDescriptor();
     if (whole) {
         backup.remove();
@@ -371,9 +395,15 @@ bool KvIniFileCache::replaceText(std::string_view text) const {
            bosFileTruncate(descriptor_, text.size()) == 0 && bosFileSync(descriptor_) == 0;
 }
 
+// Whether an emptying that was reported as failed happened all the same, as it may where the disk is another machine's.
+bool KvIniFileCache::wasEmptied() const {
+    struct stat status = {};
+    return !text_.empty() && stat(path_.c_str(), &status) == 0 && status.st_size == 0;
+}
+
 // Writes the old text over the part that was written of the new one, whose room on the disk is still ours.
 bool KvIniFileCache::putBack() {
-    if (replaceText(text_)) {
+    if (descriptor_ != 0 && replaceText(text_)) {
         return true;
     }
     // The descriptor may be what failed.
@@ -396,6 +426,7 @@ void KvIniFileCache::Close() {
     text_.clear();
     date_ = 0;
     size_ = 0;
+    isPart_ = false;
     state_ = kNotLoaded;
 }
 

@@ -80,12 +80,14 @@ private:
     std::uint32_t readText();
     std::uint32_t sync();
     bool isCurrent();
+    bool waitForWholeText();
     unsigned long read(const ReadCall& call);
     bool copyValue(const ReadCall& call, unsigned long& length) const;
     bool copyKeys(const ReadCall& call, unsigned long& length) const;
     bool openForRewriting();
     bool rewrite(std::string_view text);
     bool replaceText(std::string_view text) const;
+    bool wasEmptied() const;
     bool putBack();
     void closeDescriptor();
 
@@ -96,6 +98,7 @@ private:
     std::uint32_t date_ = 0;
     std::uint32_t useCount_ = 1;
     std::string text_;
+    bool isPart_ = false;  // the file had become shorter while it was read
     std::int32_t state_ = kNotLoaded;
     KvSemaphore lock_;
 };

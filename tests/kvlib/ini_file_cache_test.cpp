@@ -3,12 +3,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "bos/debug_mask.h"
 #include "bos/file.h"
@@ -365,8 +367,8 @@ TEST_F(IniFileTest, AFullDiskLeavesTheOldText) {
 TEST_F(IniFileTest, NoFaultInAnUpdateLosesTheOldText) {
     const std::string old = "[S]\nA=a value of some length\n";
     const std::string updated = "[S]\nA=another value, longer than the old one\n";
-    for (const Fault kind : {Fault::kFails, Fault::kFailsWithoutMemory, Fault::kMemoryEnds, Fault::kDescriptorIsClosed,
-                             Fault::kDiskIsGone, Fault::kKilled}) {
+    for (const Fault kind : {Fault::kFails, Fault::kFailsWithoutMemory, Fault::kActsAndFails, Fault::kMemoryEnds,
+                             Fault::kDescriptorIsClosed, Fault::kDiskIsGone, Fault::kKilled}) {
         const bool isOneFailure = kind != Fault::kDiskIsGone && kind != Fault::kKilled;
         int refused = 0;
         int lost = 0;
@@ -374,15 +376,18 @@ TEST_F(IniFileTest, NoFaultInAnUpdateLosesTheOldText) {
         for (int step = 0; happened; ++step) {
             SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(kind) << ", step " << step);
             load(old);
-            chmod(path_.c_str(), 0640);
-            const bool isGiven = chown(path_.c_str(), 65534, 65533) == 0;
             const int result = runInChild([&] {
                 ErrorCollector errors;
-                const SystemFault fault(kind, step);
-                const int written = cache_.bosPutProfileString("S", "A", "another value, longer than the old one");
-                // What is not written is told.
-                return (written == 1 || KvErrorKeeper::getLastErrorNumber() != 0 ? written : 9) +
-                       (fault.happened() ? 0 : 4);
+                int told = 0;
+                {
+                    const SystemFault fault(kind, step);
+                    const int written = cache_.bosPutProfileString("S", "A", "another value, longer than the old one");
+                    // What is not written is told.
+                    told = (written == 1 || KvErrorKeeper::getLastErrorNumber() != 0 ? written : 9) +
+                           (fault.happened() ? 0 : 4);
+                }
+                // And the cache still knows the file.
+                return told + (isOneFailure && this->value("S", "A") == "(default)" ? 16 : 0);
             });
             happened = result != 5;
             EXPECT_TRUE(result == 0 || result == 1 || result == 5 || kind == Fault::kKilled) << result;
@@ -392,10 +397,6 @@ TEST_F(IniFileTest, NoFaultInAnUpdateLosesTheOldText) {
             if (text != old && (result == 0 || (result < 0 && text != updated))) {
                 ++lost;
                 EXPECT_EQ(folder_.read("file.ini~"), old);
-                struct stat copy = {};
-                ASSERT_EQ(stat(folder_.path("file.ini~").c_str(), &copy), 0);
-                EXPECT_EQ(copy.st_mode & 0777, 0640U);
-                EXPECT_TRUE(!isGiven || (copy.st_uid == 65534 && copy.st_gid == 65533));
             }
             EXPECT_TRUE(files() == "file.ini" || result == 1 || !isOneFailure) << files();
             std::filesystem::remove(folder_.path("file.ini~"));
@@ -406,17 +407,104 @@ TEST_F(IniFileTest, NoFaultInAnUpdateLosesTheOldText) {
         EXPECT_EQ(lost > 3, !isOneFailure);
         EXPECT_EQ(lost == 0, isOneFailure);
     }
+    const SystemFault none(Fault::kFails, 1000);
+    EXPECT_EQ(cache_.bosPutProfileString("S", "A", "1"), 1);
+    EXPECT_EQ(none.syncs(), 3) << "the copy, its name and the file";
 }
 
 TEST_F(IniFileTest, AFileReadInTheMiddleOfARewriteIsReadAgain) {
+    ErrorCollector errors;
     {
         // The rewrite ends in the same second, with the same size.
         const SystemFault fault(Fault::kFileEnds, 0);
         load("[S]\nA=1\n");
-        ASSERT_TRUE(fault.happened());
+        EXPECT_EQ(cache_.bosPutProfileString("S", "A", "2"), 0) << "it has not ended yet";
+        EXPECT_EQ(errors.numbers(), "1512");
     }
+    EXPECT_EQ(folder_.read("file.ini"), "[S]\nA=1\n");
     EXPECT_EQ(cache_.bosPutProfileString("S", "B", "2"), 1);
     EXPECT_EQ(folder_.read("file.ini"), "[S]\nB=2\nA=1\n");
+}
+
+TEST_F(IniFileTest, OnlyWhatTheFolderRefusesGoesWithoutACopy) {
+    constexpr int kOpeningOfTheCopy = 2;  // after two looks at the file
+    const struct {
+        int systemError;
+        int result;
+    } rows[] = {{EROFS, 1}, {EPERM, 1}, {EMFILE, 0}, {EDQUOT, 0}, {ENOSPC, 0}};
+    for (const auto& row : rows) {
+        load("[S]\nA=1\n");
+        ErrorCollector errors;
+        const SystemFault fault(Fault::kFails, kOpeningOfTheCopy, row.systemError);
+        EXPECT_EQ(cache_.bosPutProfileString("S", "A", "2"), row.result) << row.systemError;
+        EXPECT_EQ(errors.numbers().empty(), row.result == 1) << row.systemError;
+    }
+    load("[S]\nA=1\n");
+    std::vector<std::string> taken{"file.ini~"};
+    for (int number = 1; number < 100; ++number) {
+        taken.push_back("file.ini.~" + std::to_string(number) + "~");
+    }
+    for (const std::string& name : taken) {
+        folder_.write(name, "an editor's");
+    }
+    EXPECT_EQ(cache_.bosPutProfileString("S", "A", "2"), 1);
+    for (const std::string& name : taken) {
+        EXPECT_EQ(folder_.read(name), "an editor's") << name;
+    }
+}
+
+// Killed at each step of an update, which leaves the copy of each moment.
+TEST_F(IniFileTest, TheCopyLetsInNobodyWhomTheFileKeepsOut) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "Only root can give files away.";
+    }
+    constexpr uid_t kUser = 65534;
+    constexpr gid_t kGroup = 65533;
+    // linux/posix_acl_xattr.h: the user 1234 may do nothing, all others may read.
+    struct {
+        std::uint32_t version = 2;
+        struct {
+            std::uint16_t tag, permissions;
+            std::uint32_t id;
+        } entries[5] = {{0x01, 6, ~0U}, {0x02, 0, 1234}, {0x04, 4, ~0U}, {0x10, 4, ~0U}, {0x20, 4, ~0U}};
+    } const accessList;
+    const struct {
+        const char* label;
+        uid_t writer;
+        mode_t file, copy;
+        bool hasList = false;
+    } rows[] = {{"as the file", 0, 0640, 0640},
+                {"for all", 0, 0644, 0644},
+                {"not in the file's group, which may less than others", kUser, 0604, 0600},
+                {"a list", 0, 0644, 0600, true}};
+    chmod(folder_.path().c_str(), 0777);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        mode_t widest = 0;
+        int result = -1;
+        for (int step = 0; result < 0; ++step) {
+            load("[S]\nA=1\n");
+            ASSERT_EQ(chown(path_.c_str(), kUser, kGroup), 0);
+            chmod(path_.c_str(), row.file);
+            if (row.hasList &&
+                setxattr(path_.c_str(), "system.posix_acl_access", &accessList, sizeof accessList, 0) != 0) {
+                GTEST_SKIP() << "no access control lists here";
+            }
+            result = runInChild([&] {
+                const bool dropped = setuid(row.writer) == 0;
+                const SystemFault fault(Fault::kKilled, step);
+                return dropped && cache_.bosPutProfileString("S", "A", "2") == 1 ? 0 : 1;
+            });
+            struct stat copy = {};
+            if (stat(folder_.path("file.ini~").c_str(), &copy) == 0) {
+                widest |= copy.st_mode & 0777;
+                EXPECT_TRUE(copy.st_size == 0 || (copy.st_uid == kUser && (copy.st_gid == kGroup || row.writer != 0)));
+            }
+            std::filesystem::remove(folder_.path("file.ini~"));
+        }
+        EXPECT_EQ(result, 0);
+        EXPECT_EQ(widest, row.copy);
+    }
 }
 
 TEST_F(IniFileTest, TheCopyOfTheOldTextIsNobodyElsesFile) {
@@ -520,10 +608,13 @@ TEST_F(IniFileTest, AFileThatComesLaterOrComesBackIsLoaded) {
     std::filesystem::remove(path);
     std::filesystem::create_directory(path);
     EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 7U);
+    ErrorCollector errors;
+    EXPECT_EQ(early->bosPutProfileString("D", "N", "3"), 0);
+    EXPECT_EQ(errors.numbers(), "30041");
     std::filesystem::remove(path);
     folder_.write("drivers", "[D]\nN=2\n");
-    EXPECT_EQ(list.open(path.c_str(), 0), early);
     EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 2U);
+    EXPECT_EQ(list.open(path.c_str(), 0), early);
 }
 
 TEST_F(IniFileTest, TheTraceTellsEachStep) {

@@ -130,6 +130,7 @@ TEST_F(ProfileTest, ThreadsThatComeAndGoReadAndWriteOneFile) {
     constexpr int kWorkers = 8;
     constexpr int kRounds = 20;
     const std::string shared = folder_.write("shared.ini", "[Counts]\nA=1\n");
+    const std::string passing = folder_.write("passing.ini", "");
     std::atomic<int> wrong = 0;
     // All of a thread's life. Every second one has nobody to tell its errors.
     const auto visit = [&](const std::string& key, std::uint32_t round) {
@@ -148,6 +149,9 @@ TEST_F(ProfileTest, ThreadsThatComeAndGoReadAndWriteOneFile) {
                     kvWriteProfileString("S", key.c_str(), value.c_str(), own.c_str()) == 1 &&
                     ini.open(own.c_str()) == 0 &&
                     ini.getEntryWithLen("S", key.c_str(), text, sizeof text, "") == value.size() && text == value;
+        // Nobody holds this file for long.
+        good = good && kvWritePrivateProfileString("Counts", key.c_str(), value.c_str(), passing.c_str()) == 1 &&
+               kvGetPrivateProfileInt("Counts", key.c_str(), 0, passing.c_str()) == round;
         good = good && kvGetPrivateProfileString("S", "A", "d", text, sizeof text, absent_.c_str()) == 1;
         wrong += good && (!errors || errors->numbers() == "1509w") ? 0 : 1;
     };

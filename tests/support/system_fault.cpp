@@ -17,6 +17,8 @@ constexpr size_t kLongestWrite = 10;
 
 bool active = false;
 int stepsLeft = 0;
+int error = 0;
+int synced = 0;
 Fault fault = Fault::kFails;
 
 // Stands for the descriptor of calls with a name.
@@ -35,9 +37,11 @@ auto meet(int descriptor, Call call) -> decltype(call()) {
         if (fault == Fault::kKilled) {
             raise(SIGKILL);
         }
+        if (fault == Fault::kActsAndFails && descriptor >= 0) {
+            call();
+        }
         if (fault != Fault::kDescriptorIsClosed || descriptor < 0) {
-            // Its text is too long for a string without an allocation.
-            errno = EDQUOT;
+            errno = error;
             return -1;
         }
         syscall(SYS_close, descriptor);
@@ -47,9 +51,11 @@ auto meet(int descriptor, Call call) -> decltype(call()) {
 
 }  // namespace
 
-SystemFault::SystemFault(Fault kind, int step) {
+SystemFault::SystemFault(Fault kind, int step, int systemError) {
     fault = kind;
     stepsLeft = step;
+    error = systemError;
+    synced = 0;
     active = true;
 }
 
@@ -61,6 +67,10 @@ bool SystemFault::happened() const {
     return stepsLeft < 0;
 }
 
+int SystemFault::syncs() const {
+    return synced;
+}
+
 #define WRAP(result, name, descriptor, parameters, arguments)             \
     result __real_##name parameters;                                      \
     result __wrap_##name parameters;                                      \
@@ -70,13 +80,13 @@ bool SystemFault::happened() const {
 
 extern "C" {
 WRAP(int, close, descriptor, (int descriptor), (descriptor))
-WRAP(int, fsync, descriptor, (int descriptor), (descriptor))
+WRAP(int, fsync, (active ? ++synced : 0, descriptor), (int descriptor), (descriptor))
 WRAP(int, fchmod, descriptor, (int descriptor, mode_t mode), (descriptor, mode))
 WRAP(int, fchown, descriptor, (int descriptor, uid_t user, gid_t group), (descriptor, user, group))
 WRAP(int, ftruncate, descriptor, (int descriptor, off_t size), (descriptor, size))
 WRAP(off_t, lseek, descriptor, (int descriptor, off_t offset, int whence), (descriptor, offset, whence))
 WRAP(ssize_t, read, descriptor, (int descriptor, void* buffer, size_t size),
-     (descriptor, buffer, isNow(fault == Fault::kFileEnds) ? 0 : size))
+     (descriptor, buffer, active&& fault == Fault::kFileEnds && stepsLeft-- <= 0 ? 0 : size))
 WRAP(ssize_t, write, descriptor, (int descriptor, const void* buffer, size_t size),
      (descriptor, buffer, active ? std::min(size, kLongestWrite) : size))
 WRAP(int, open, kNamed, (const char* path, int flags, mode_t mode), (path, flags, mode))
