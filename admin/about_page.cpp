@@ -46,7 +46,7 @@ Widget createAboutForm(Widget notebook) {
     LstAbtFile = createList(table, "LstAbtFile", AboutTabItemSelected, nullptr);
 
     Widget explanation = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
-    placeTable({FrmAbout, heading, headers, lists, explanation, {}});
+    placeTable({heading, headers, lists, explanation, {}});
     Components.adopt({{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}}, lists,
                      scrolled);
     populateAboutTab();

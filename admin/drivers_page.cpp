@@ -99,7 +99,7 @@ Widget createDriversPage(Widget notebook) {
     LstFile = createList(table, "LstFile", DriversTabEntrySelected, nullptr);
     LstDate = createList(table, "LstDate", DriversTabEntrySelected, nullptr);
 
-    placeTable({FormDrivers, nullptr, headers, lists, explanation, {}});
+    placeTable({nullptr, headers, lists, explanation, {}});
     setSizePosForDriversWidgets(LstName, LstVersion, LstCompany, LstFile, LstDate, LbColName, LbColVersion,
                                 LbColCompany, LbColFile, LbColDate);
     Drivers.adopt({{LstName, LbColName},

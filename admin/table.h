@@ -53,7 +53,6 @@ void setEmptySize(Widget list, Dimension width, Dimension height);
 // The parts of a page that shows a table, from top to bottom. `heading` may be null, and there may be no `buttons`;
 // they stand in a column on the right.
 struct TablePage {
-    Widget form;
     Widget heading;
     Widget headers;
     Widget lists;

@@ -133,7 +133,7 @@ Widget createUserDsnPage(Widget notebook) {
 
     TxtODBCDesc = createReadOnlyText(FormUserDSN, "TxtODBCDesc", Message::kUserDsnExplanation, 2);
 
-    placeTable({FormUserDSN, heading, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
+    placeTable({heading, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
     DataSources.adopt({{LstUName, LblName}, {LstUDesc, LblDriver}}, ScrWinLists, synchonizeScrollUD);
     return FormUserDSN;
 }

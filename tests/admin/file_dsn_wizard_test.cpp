@@ -15,7 +15,6 @@
 #include "admin/main_window.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/widgets.h"
-#include "tests/support/scoped_environment.h"
 
 using namespace std::string_literals;
 using Rows = std::vector<std::string>;

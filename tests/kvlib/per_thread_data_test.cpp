@@ -4,7 +4,6 @@
 
 #include <mutex>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "kvlib/critical_section.h"

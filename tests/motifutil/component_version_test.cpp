@@ -1,7 +1,6 @@
 #include "motifutil/component_version.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <utime.h>
 
 #include <csignal>

@@ -2,8 +2,6 @@
 
 #include <X11/keysym.h>
 
-#include <array>
-
 #include "admin/dialogs.h"
 #include "admin/globals.h"
 #include "bos/catalog.h"

@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <chrono>
 #include <deque>
 
 #include "admin/driver_chooser.h"
