@@ -382,7 +382,7 @@ bool KvIniFileCache::rewrite(std::string_view text) {
     }
     const bool opened = openForRewriting();
     const bool written = opened && replaceText(text);
-    const bool whole = written || (!opened && !wasEmptied()) || putBack();
+    const bool whole = written || (!opened && !mayBeEmptied()) || putBack();
     closeDescriptor();
     if (whole) {
         backup.remove();
@@ -395,10 +395,11 @@ bool KvIniFileCache::replaceText(std::string_view text) const {
            bosFileTruncate(descriptor_, text.size()) == 0 && bosFileSync(descriptor_) == 0;
 }
 
-// Whether an emptying that was reported as failed happened all the same, as it may where the disk is another machine's.
-bool KvIniFileCache::wasEmptied() const {
+// Whether an emptying that was reported as failed may have happened all the same, as where the disk is another
+// machine's. A file that doesn't tell its size counts as emptied.
+bool KvIniFileCache::mayBeEmptied() const {
     struct stat status = {};
-    return !text_.empty() && stat(path_.c_str(), &status) == 0 && status.st_size == 0;
+    return !text_.empty() && (stat(path_.c_str(), &status) != 0 || status.st_size == 0);
 }
 
 // Writes the old text over the part that was written of the new one, whose room on the disk is still ours.

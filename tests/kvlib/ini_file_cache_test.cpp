@@ -367,9 +367,11 @@ TEST_F(IniFileTest, AFullDiskLeavesTheOldText) {
 TEST_F(IniFileTest, NoFaultInAnUpdateLosesTheOldText) {
     const std::string old = "[S]\nA=a value of some length\n";
     const std::string updated = "[S]\nA=another value, longer than the old one\n";
-    for (const Fault kind : {Fault::kFails, Fault::kFailsWithoutMemory, Fault::kActsAndFails, Fault::kMemoryEnds,
-                             Fault::kDescriptorIsClosed, Fault::kDiskIsGone, Fault::kKilled}) {
-        const bool isOneFailure = kind != Fault::kDiskIsGone && kind != Fault::kKilled;
+    for (const Fault kind :
+         {Fault::kFails, Fault::kFailsWithoutMemory, Fault::kActsAndFails, Fault::kMemoryEnds,
+          Fault::kDescriptorIsClosed, Fault::kDiskIsGone, Fault::kActsAndDiskIsGone, Fault::kKilled}) {
+        const bool isOneFailure =
+            kind != Fault::kDiskIsGone && kind != Fault::kActsAndDiskIsGone && kind != Fault::kKilled;
         int refused = 0;
         int lost = 0;
         bool happened = true;

@@ -33,11 +33,14 @@ bool isNow(bool counts) {
 template <typename Call>
 auto meet(int descriptor, Call call) -> decltype(call()) {
     const bool counts = fault != Fault::kFileEnds && fault != Fault::kMemoryEnds;
-    if (isNow(counts) || (active && fault == Fault::kDiskIsGone && stepsLeft < 0 && descriptor != kRemoval)) {
+    const bool lasts = fault == Fault::kDiskIsGone || fault == Fault::kActsAndDiskIsGone;
+    const bool isFirst = isNow(counts);
+    if (isFirst || (active && lasts && stepsLeft < 0 && descriptor != kRemoval)) {
         if (fault == Fault::kKilled) {
             raise(SIGKILL);
         }
-        if (fault == Fault::kActsAndFails && descriptor >= 0) {
+        const bool acts = fault == Fault::kActsAndFails || fault == Fault::kActsAndDiskIsGone;
+        if (isFirst && acts && descriptor >= 0) {
             call();
         }
         if (fault != Fault::kDescriptorIsClosed || descriptor < 0) {

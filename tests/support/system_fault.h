@@ -9,6 +9,7 @@ enum class Fault {
     kActsAndFails,
     kDescriptorIsClosed,
     kDiskIsGone,
+    kActsAndDiskIsGone,
     kKilled,
     kFileEnds,
     kMemoryEnds
@@ -16,9 +17,9 @@ enum class Fault {
 
 // While it lives, the file call number `step` (from 0) meets the fault: it fails with `systemError`, and there may be
 // no memory left to tell it, or it did its work all the same, if it has a descriptor; or it finds its descriptor
-// closed; or it and all after it but unlink fail; or the process is killed before it. With kFileEnds, read number
-// `step` and all after it find the end of the file; with kMemoryEnds, allocation number `step` throws. Every write ends
-// after a few bytes. For one thread at a time. The text of EDQUOT is too long for a string without an allocation.
+// closed; or all after it but unlink fail too; or the process is killed before it. With kFileEnds, read number `step`
+// and all after it find the end of the file; with kMemoryEnds, allocation number `step` throws. Every write ends after
+// a few bytes. For one thread at a time. The text of EDQUOT is too long for a string without an allocation.
 class SystemFault {
 public:
     SystemFault(Fault kind, int step, int systemError = EDQUOT);
