@@ -30,13 +30,19 @@ bool hasAccessList(const std::string& file, int copy) {
     return getxattr(file.c_str(), kAttribute, nullptr, 0) > 0 || fgetxattr(copy, kAttribute, nullptr, 0) > 0;
 }
 
+// The copy stands beside the link, where people may come who can't get to the file.
+bool isLink(const std::string& file) {
+    struct stat status = {};
+    return lstat(file.c_str(), &status) != 0 || S_ISLNK(status.st_mode);
+}
+
 // Gives the copy the owner and the permission of the file. Where that would not keep out whom the file keeps out, the
 // copy is its owner's alone.
 void becomeLike(int copy, const std::string& file, const struct stat& status) {
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
     const bool hasGroup =
         fchown(copy, status.st_uid, status.st_gid) == 0 || fchown(copy, kSameOwner, status.st_gid) == 0;
-    const bool mayBeAsOpen = hasGroup && !hasAccessList(file, copy);
+    const bool mayBeAsOpen = hasGroup && !isLink(file) && !hasAccessList(file, copy);
     fchmod(copy, status.st_mode & (mayBeAsOpen ? kPermissions : mode_t{S_IRWXU}));
 }
 

@@ -475,9 +475,11 @@ TEST_F(IniFileTest, TheCopyLetsInNobodyWhomTheFileKeepsOut) {
         uid_t writer;
         mode_t file, copy;
         bool hasList = false;
+        bool isLink = false;
     } rows[] = {{"as the file", 0, 0640, 0640},
                 {"for all", 0, 0644, 0644},
                 {"not in the file's group, which may less than others", kUser, 0604, 0600},
+                {"a link", 0, 0644, 0600, false, true},
                 {"a list", 0, 0644, 0600, true}};
     chmod(folder_.path().c_str(), 0777);
     for (const auto& row : rows) {
@@ -486,6 +488,10 @@ TEST_F(IniFileTest, TheCopyLetsInNobodyWhomTheFileKeepsOut) {
         int result = -1;
         for (int step = 0; result < 0; ++step) {
             load("[S]\nA=1\n");
+            if (row.isLink) {
+                std::filesystem::rename(path_, folder_.path("real"));
+                std::filesystem::create_symlink(folder_.path("real"), path_);
+            }
             ASSERT_EQ(chown(path_.c_str(), kUser, kGroup), 0);
             chmod(path_.c_str(), row.file);
             if (row.hasList &&
@@ -503,6 +509,7 @@ TEST_F(IniFileTest, TheCopyLetsInNobodyWhomTheFileKeepsOut) {
                 EXPECT_TRUE(copy.st_size == 0 || (copy.st_uid == kUser && (copy.st_gid == kGroup || row.writer != 0)));
             }
             std::filesystem::remove(folder_.path("file.ini~"));
+            std::filesystem::remove(path_);
         }
         EXPECT_EQ(result, 0);
         EXPECT_EQ(widest, row.copy);
