@@ -15,12 +15,10 @@
 #include "motifutil/widgets.h"
 #include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
+#include "setup/spacing.h"
 
 namespace {
 
-constexpr int kMargin = 16;
-constexpr int kGap = 12;
-constexpr int kRowGap = 6;
 // Longer paths go on in the next line.
 constexpr std::size_t kLineLength = 52;
 

@@ -9,11 +9,9 @@
 #include "motifutil/scrolling.h"
 #include "motifutil/widgets.h"
 #include "setup/setup_texts.h"
+#include "setup/spacing.h"
 
 namespace {
-
-constexpr int kGap = 12;
-constexpr int kRowGap = 6;
 
 // Makes a label as high as its field, so that their texts are level.
 void keepLevel(Widget label, Widget field) {

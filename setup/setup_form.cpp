@@ -22,12 +22,10 @@
 #include "setup/hint_line.h"
 #include "setup/setting_row.h"
 #include "setup/setup_texts.h"
+#include "setup/spacing.h"
 
 namespace {
 
-constexpr int kMargin = 16;
-constexpr int kGap = 12;
-constexpr int kRowGap = 6;
 // The share of the screen's height that the dialog takes before its rows scroll, in percent.
 constexpr int kLargestShare = 70;
 // What is seen of the rows at least, in pixels, however small the screen or the window.
