@@ -212,9 +212,10 @@ bool KvIniFileCache::isCurrent() {
     return state_ == kLoaded && sync() == 0 && state_ == kLoaded;
 }
 
-// Before an update: what was not seen would be lost, and the copy would not have it either.
+// Before an update: what was not seen would be lost, and the copy would not have it either. Others empty the file
+// before they write it, so nothing is believed only when it is read twice.
 bool KvIniFileCache::waitForWholeText() {
-    for (int reading = 0; isPart_; ++reading) {
+    for (int reading = 0; isPart_ || (text_.empty() && reading == 0); ++reading) {
         if (reading == kReadings) {
             bosMapError(EAGAIN, path_.c_str());
             return false;

@@ -426,6 +426,10 @@ TEST_F(IniFileTest, AFileReadInTheMiddleOfARewriteIsReadAgain) {
     EXPECT_EQ(folder_.read("file.ini"), "[S]\nA=1\n");
     EXPECT_EQ(cache_.bosPutProfileString("S", "B", "2"), 1);
     EXPECT_EQ(folder_.read("file.ini"), "[S]\nB=2\nA=1\n");
+    folder_.write("file.ini", "");
+    const InThePause other([&] { folder_.write("file.ini", "[S]\nA=1\n"); });
+    EXPECT_EQ(cache_.bosPutProfileString("S", "B", "2"), 1) << "it was empty for a moment";
+    EXPECT_EQ(folder_.read("file.ini"), "[S]\nB=2\nA=1\n");
 }
 
 TEST_F(IniFileTest, OnlyWhatTheFolderRefusesGoesWithoutACopy) {

@@ -9,7 +9,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -20,6 +22,7 @@ int stepsLeft = 0;
 int error = 0;
 int synced = 0;
 Fault fault = Fault::kFails;
+std::function<void()> inThePause;
 
 // Stands for the descriptor of calls with a name.
 constexpr int kNamed = -1;
@@ -74,6 +77,14 @@ int SystemFault::syncs() const {
     return synced;
 }
 
+InThePause::InThePause(std::function<void()> action) {
+    inThePause = std::move(action);
+}
+
+InThePause::~InThePause() {
+    inThePause = nullptr;
+}
+
 #define WRAP(result, name, descriptor, parameters, arguments)             \
     result __real_##name parameters;                                      \
     result __wrap_##name parameters;                                      \
@@ -95,6 +106,15 @@ WRAP(ssize_t, write, descriptor, (int descriptor, const void* buffer, size_t siz
 WRAP(int, open, kNamed, (const char* path, int flags, mode_t mode), (path, flags, mode))
 WRAP(int, stat, kNamed, (const char* path, struct stat* status), (path, status))
 WRAP(int, unlink, kRemoval, (const char* path), (path))
+
+int __real_nanosleep(const timespec* time, timespec* rest);
+int __wrap_nanosleep(const timespec* time, timespec* rest);
+int __wrap_nanosleep(const timespec* time, timespec* rest) {
+    if (inThePause) {
+        std::exchange(inThePause, nullptr)();
+    }
+    return __real_nanosleep(time, rest);
+}
 }
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cerrno>
+#include <functional>
 
 enum class Fault {
     kFails,
@@ -32,4 +33,13 @@ public:
 
     // How often something was brought to the disk.
     int syncs() const;
+};
+
+// While it lives, another program does `action` in the first pause that our own code makes.
+class InThePause {
+public:
+    explicit InThePause(std::function<void()> action);
+    ~InThePause();
+    InThePause(const InThePause&) = delete;
+    InThePause& operator=(const InThePause&) = delete;
 };
