@@ -54,7 +54,8 @@ public:
     // becomes the first of its section, a new section the last of the file. The file is rewritten even when nothing
     // changes, and a copy of the old text stands beside it meanwhile, where the folder takes one (kvlib/ini_backup.h).
     // When the new text can't be written whole, the old one is put back and the result is 0; where even that fails, the
-    // copy stays. A file that another program is rewriting is waited for, up to 0.1 seconds and under the lock.
+    // copy stays. A file that another program is rewriting is waited for, up to 0.1 seconds and under the lock; an
+    // empty one, which may be about to be rewritten, for 0.01 seconds.
     int bosPutProfileString(const char* section, const char* entry, const char* value);
 
     // Forgets path and text. Takes no lock, as bosKvIniOpen.
