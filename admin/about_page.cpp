@@ -5,7 +5,7 @@
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "admin/table.h"
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 #include "kvlib/text.h"
 #include "motifutil/component_version.h"
 #include "motifutil/widgets.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <new>
 
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 
 XtAppContext app_context = nullptr;
 Display* display = nullptr;

@@ -9,9 +9,9 @@
 #include "admin/globals.h"
 #include "admin/look.h"
 #include "admin/main_window.h"
-#include "bos/catalog.h"
-#include "bos/install_dir.h"
 #include "installer/configuration.h"
+#include "kvini/install_dir.h"
+#include "kvlib/catalog.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string>
 
-#include "bos/install_dir.h"
-#include "kvlib/profile.h"
+#include "kvini/install_dir.h"
+#include "kvini/profile.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {

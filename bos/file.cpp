@@ -10,9 +10,9 @@
 #include <new>
 #include <string>
 
-#include "bos/debug_mask.h"
 #include "bos/errno_mapping.h"
 #include "bos/file_names.h"
+#include "kvlib/debug_mask.h"
 #include "kvlib/error_report.h"
 #include "kvlib/text.h"
 

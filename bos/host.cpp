@@ -11,7 +11,7 @@
 #include <new>
 #include <string_view>
 
-#include "bos/debug_mask.h"
+#include "kvlib/debug_mask.h"
 #include "kvlib/error_report.h"
 #include "kvlib/text.h"
 

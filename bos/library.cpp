@@ -13,9 +13,9 @@
 #include <string>
 #include <string_view>
 
-#include "bos/catalog.h"
-#include "bos/debug_mask.h"
 #include "catalogs/message_numbers.h"
+#include "kvlib/catalog.h"
+#include "kvlib/debug_mask.h"
 #include "kvlib/error_list.h"
 #include "kvlib/text.h"
 

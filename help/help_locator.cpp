@@ -9,9 +9,9 @@
 
 #include "catalogs/message_numbers.h"
 #include "help/web_help.h"
+#include "kvini/profile.h"
 #include "kvlib/error_list.h"
 #include "kvlib/message_box.h"
-#include "kvlib/profile.h"
 #include "kvlib/text.h"
 
 namespace {

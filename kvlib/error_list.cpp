@@ -5,7 +5,7 @@
 #include <iterator>
 #include <new>
 
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 
 constinit KvError MemoryError{ErrSpecialError::kMemory};
 constinit KvError DummyError{ErrSpecialError::kDummy};

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 
 nl_catd Rfile = invalidCatalog();
 

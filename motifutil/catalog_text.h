@@ -7,8 +7,8 @@
 
 #include "catalogs/message_numbers.h"
 
-// The open catalog "odbc.m" that every dialog reads, or the invalid handle (bos/catalog.h). The program that shows the
-// dialogs opens and closes it; a setup library has its own.
+// The open catalog "odbc.m" that every dialog reads, or the invalid handle (kvlib/catalog.h). The program that shows
+// the dialogs opens and closes it; a setup library has its own.
 extern nl_catd Rfile;
 
 // The text with this number in `Rfile`, at most 511 bytes; the number as text when the catalog or the text is missing.

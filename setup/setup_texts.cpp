@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "bos/catalog.h"
-#include "bos/install_dir.h"
+#include "kvini/install_dir.h"
+#include "kvlib/catalog.h"
 #include "motifutil/catalog_text.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <string>
 
-#include "bos/catalog.h"
 #include "bos/errno_mapping.h"
+#include "kvlib/catalog.h"
 #include "kvlib/text.h"
 #include "tests/support/child_process.h"
 #include "tests/support/error_collector.h"

@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "bos/install_dir.h"
-#include "kvlib/ini_file_cache.h"
-#include "kvlib/ini_grammar.h"
+#include "kvini/cache.h"
+#include "kvini/grammar.h"
+#include "kvini/install_dir.h"
 #include "kvlib/text.h"
 #include "tests/fuzz/fuzz.h"
 #include "tests/support/temporary_folder.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 #include "tests/support/error_collector.h"
 #include "tests/support/temporary_folder.h"
 

@@ -4,7 +4,7 @@
 
 #include "admin/dialogs.h"
 #include "admin/globals.h"
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"

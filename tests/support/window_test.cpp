@@ -19,9 +19,9 @@
 #include "admin/lists.h"
 #include "admin/look.h"
 #include "admin/main_window.h"
-#include "bos/catalog.h"
-#include "bos/install_dir.h"
 #include "installer/configuration.h"
+#include "kvini/install_dir.h"
+#include "kvlib/catalog.h"
 #include "motifutil/widgets.h"
 
 namespace {

@@ -1,11 +1,11 @@
-#include "bos/install_dir.h"
+#include "kvini/install_dir.h"
 
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 
-#include "bos/catalog.h"
-#include "kvlib/profile.h"
+#include "kvini/profile.h"
+#include "kvlib/catalog.h"
 #include "kvlib/text.h"
 
 namespace {

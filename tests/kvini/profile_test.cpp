@@ -1,4 +1,4 @@
-#include "kvlib/profile.h"
+#include "kvini/profile.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "kvlib/ini_file_cache_list.h"
-#include "kvlib/kv_ini.h"
+#include "kvini/cache_list.h"
+#include "kvini/kv_ini.h"
 #include "kvlib/per_thread_data.h"
 #include "tests/support/error_collector.h"
 #include "tests/support/temporary_folder.h"

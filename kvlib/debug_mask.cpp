@@ -1,4 +1,4 @@
-#include "bos/debug_mask.h"
+#include "kvlib/debug_mask.h"
 
 #include <cstdlib>
 

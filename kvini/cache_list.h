@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "kvini/cache.h"
 #include "kvlib/critical_section.h"
-#include "kvlib/ini_file_cache.h"
 #include "kvlib/kv_array.h"
 
 // The caches of a task, one per resolved path.

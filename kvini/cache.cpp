@@ -1,4 +1,4 @@
-#include "kvlib/ini_file_cache.h"
+#include "kvini/cache.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,16 +12,16 @@
 #include <optional>
 #include <thread>
 
-#include "bos/catalog.h"
 #include "bos/errno_mapping.h"
 #include "bos/file.h"
 #include "bos/file_names.h"
 #include "catalogs/message_numbers.h"
+#include "kvini/backup.h"
+#include "kvini/grammar.h"
+#include "kvini/lock.h"
+#include "kvini/trace.h"
+#include "kvlib/catalog.h"
 #include "kvlib/error_report.h"
-#include "kvlib/ini_backup.h"
-#include "kvlib/ini_grammar.h"
-#include "kvlib/ini_lock.h"
-#include "kvlib/ini_trace.h"
 #include "kvlib/narrow_text.h"
 #include "kvlib/per_thread_data.h"
 #include "kvlib/text.h"

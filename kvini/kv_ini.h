@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "kvlib/profile.h"
+#include "kvini/profile.h"
 
 // Holds a cache from open to close. Reads of a KvIni without a file yield their defaults, writes fail. One KvIni
 // belongs to one thread; several may share a file.

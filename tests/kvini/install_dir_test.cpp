@@ -1,11 +1,11 @@
-#include "bos/install_dir.h"
+#include "kvini/install_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
 
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 

@@ -1,9 +1,9 @@
-#include "kvlib/ini_trace.h"
+#include "kvini/trace.h"
 
 #include <algorithm>
 #include <cstdio>
 
-#include "bos/debug_mask.h"
+#include "kvlib/debug_mask.h"
 
 namespace {
 

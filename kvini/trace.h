@@ -1,4 +1,4 @@
-// The debug traces of the INI caches, on standard output (bos/debug_mask.h). Each function prints nothing unless its
+// The debug traces of the INI caches, on standard output (kvlib/debug_mask.h). Each function prints nothing unless its
 // bit of the mask is set. Texts that may be null are printed as "NULL".
 #pragma once
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvlib/ini_grammar.h"
+#include "kvini/grammar.h"
 
 void traceIniOpening(const char* name);
 void traceIniLoaded(const char* path, std::uint64_t size);

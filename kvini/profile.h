@@ -2,14 +2,14 @@
 //
 // The plain functions leave the file in memory, so that the next call only looks at its date and size; the private
 // ones let it go again unless somebody else holds it. `file` is a configuration file's name or a path
-// (docs/ini-format.md), and the lookups and updates are those of KvIniFileCache (kvlib/ini_file_cache.h). Readers fall
+// (docs/ini-format.md), and the lookups and updates are those of KvIniFileCache (kvini/cache.h). Readers fall
 // back to their default when the file can't be opened; writers return 0 with the reason on the calling thread's current
 // error list. Everything may be called from any thread.
 #pragma once
 
 #include <cstdint>
 
-#include "kvlib/ini_file_cache.h"
+#include "kvini/cache.h"
 
 // A file that can't be opened yields `defaultText` (null means ""), cut to the buffer.
 unsigned long kvGetProfileString(const char* section, const char* entry, const char* defaultText, char* buffer,

@@ -1,4 +1,4 @@
-#include "kvlib/ini_grammar.h"
+#include "kvini/grammar.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,7 +3,7 @@
 
 #include <mutex>
 
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 #include "kvlib/critical_section.h"
 
 // Holds the lock of a cache, or of a list of caches, and says so: no catalog may be opened meanwhile. Operations that

@@ -1,4 +1,4 @@
-#include "kvlib/profile.h"
+#include "kvini/profile.h"
 
 #include <memory>
 #include <mutex>
@@ -6,8 +6,8 @@
 #include <string>
 
 #include "bos/file.h"
+#include "kvini/cache_list.h"
 #include "kvlib/error_report.h"
-#include "kvlib/ini_file_cache_list.h"
 #include "kvlib/narrow_text.h"
 #include "kvlib/per_thread_data.h"
 #include "kvlib/text.h"

@@ -1,4 +1,4 @@
-#include "kvlib/ini_file_cache_list.h"
+#include "kvini/cache_list.h"
 
 #include <cerrno>
 #include <cstring>
@@ -7,8 +7,8 @@
 
 #include "bos/errno_mapping.h"
 #include "bos/file.h"
+#include "kvini/lock.h"
 #include "kvlib/error_report.h"
-#include "kvlib/ini_lock.h"
 
 namespace {
 constexpr std::uint32_t kResolveFlags = OpenFlag::kRecogniseNames | OpenFlag::kResolveOnly;

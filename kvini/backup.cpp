@@ -1,4 +1,4 @@
-#include "kvlib/ini_backup.h"
+#include "kvini/backup.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

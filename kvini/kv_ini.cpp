@@ -1,4 +1,4 @@
-#include "kvlib/kv_ini.h"
+#include "kvini/kv_ini.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 
 #include <gtest/gtest.h>
 

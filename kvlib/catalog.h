@@ -19,7 +19,7 @@
 constexpr std::size_t kInstallDirSize = 1025;
 
 // The install directory, without trailing white space and without a trailing "/". Empty until bosSetInstallDir
-// (bos/install_dir.h) was called. Guarded by CritOpen.
+// (kvini/install_dir.h) was called. Guarded by CritOpen.
 extern char InstallDirLocation[kInstallDirSize];
 
 // What a catalog handle is while no catalog is open; the value that catopen returns on failure.

@@ -1,4 +1,4 @@
-#include "kvlib/ini_file_cache.h"
+#include "kvini/cache.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-#include "bos/debug_mask.h"
 #include "bos/file.h"
-#include "kvlib/ini_file_cache_list.h"
-#include "kvlib/profile.h"
+#include "kvini/cache_list.h"
+#include "kvini/profile.h"
+#include "kvlib/debug_mask.h"
 #include "tests/support/child_process.h"
 #include "tests/support/error_collector.h"
 #include "tests/support/full_disk.h"

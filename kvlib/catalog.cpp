@@ -1,4 +1,4 @@
-#include "bos/catalog.h"
+#include "kvlib/catalog.h"
 
 #include <unicode/ucnv.h>
 
@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "bos/debug_mask.h"
+#include "kvlib/debug_mask.h"
 
 constinit char InstallDirLocation[kInstallDirSize] = "";
 

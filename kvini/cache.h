@@ -35,7 +35,7 @@ public:
     // is returned, so that callers can tell. Values count up to 2,047 bytes; names may have any length.
     // A missing or empty value is replaced by `defaultText` (null means ""), cut to the buffer; the copy's length is
     // returned. A null `entry` lists the keys of the section and a null `section` all sections, as listIniKeys and
-    // listIniSections (kvlib/ini_grammar.h) say; the default stands for a list of keys that is not there.
+    // listIniSections (kvini/grammar.h) say; the default stands for a list of keys that is not there.
     unsigned long bosGetProfileString(const char* section, const char* entry, const char* defaultText, char* buffer,
                                       unsigned long size);
 
@@ -52,7 +52,7 @@ public:
 
     // Stores `value` under `entry` in `section`; a null value removes the entry, a null entry the section. A new entry
     // becomes the first of its section, a new section the last of the file. The file is rewritten even when nothing
-    // changes, and a copy of the old text stands beside it meanwhile, where the folder takes one (kvlib/ini_backup.h).
+    // changes, and a copy of the old text stands beside it meanwhile, where the folder takes one (kvini/backup.h).
     // When the new text can't be written whole, the old one is put back and the result is 0; where even that fails, the
     // copy stays. A file that another program is rewriting is waited for, up to 0.1 seconds and under the lock; an
     // empty one, which may be about to be rewritten, for 0.01 seconds.
