@@ -7,7 +7,7 @@
 
 #include "admin/dialogs.h"
 #include "admin/globals.h"
-#include "admin/spacing.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget AdvFDDialog = nullptr;
@@ -32,21 +32,25 @@ void createAdvancedDialog() {
 
     Widget form = createForm(AdvFDDialog, "frmFDAdv");
     Widget heading = createLabel(form, "lblAdvFDDesc", Message::kAdvancedHeading);
-    Attach(heading).topForm(kMargin).leftForm(kMargin);
+    Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
 
     Widget cancel = createPushButton(form, "BtnAdvFDCancel", Message::kCancel, advFDDialogCancel_Clicked);
     Widget ok = createPushButton(form, "BtnAdvFDOK", Message::kOk, advFDDialogOK_Clicked);
     equalizeWidths({ok, cancel});
-    Attach(cancel).rightForm(kMargin).bottomForm(kMargin);
-    Attach(ok).leftOf(cancel, kGap).bottomForm(kMargin);
+    Attach(cancel).rightForm(kPageMargin).bottomForm(kPageMargin);
+    Attach(ok).leftOf(cancel, kPageGap).bottomForm(kPageMargin);
 
     Widget verify = createToggleButton(form, "TglVerifyConnection", Message::kVerifyConnection);
     XmToggleButtonSetState(verify, static_cast<Boolean>(IsVerificationNeeded), False);
     XtAddCallback(verify, XmNvalueChangedCallback, VerifyConnection_StateChanged, nullptr);
-    Attach(verify).leftForm(kMargin).above(cancel, kMargin);
+    Attach(verify).leftForm(kPageMargin).above(cancel, kPageMargin);
 
     TxtFDAdv = createScrolledText(form, "TxtFDAdv", kRows, kColumns);
-    Attach(XtParent(TxtFDAdv)).below(heading, kGap).leftForm(kMargin).rightForm(kMargin).above(verify, kGap);
+    Attach(XtParent(TxtFDAdv))
+        .below(heading, kPageGap)
+        .leftForm(kPageMargin)
+        .rightForm(kPageMargin)
+        .above(verify, kPageGap);
     XtVaSetValues(form, XmNcancelButton, cancel, XmNinitialFocus, XtParent(TxtFDAdv), nullptr);
 }
 

@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "admin/flow.h"
 #include "admin/globals.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
@@ -104,24 +103,7 @@ void showODBCINSTError() {
 
 void showODBCINIError() {
     if (createReport(kErrorDialog, catalogText(Message::kDataSourceFileUnreadable)) != nullptr) {
-        XtAddCallback(Mdialog, XmNokCallback, btnCancel_activate, nullptr);
+        XtAddCallback(Mdialog, XmNokCallback, endProgram, nullptr);
         show(Mdialog);
     }
-}
-
-void btnOK_activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    // The program ends at once, so a report of a failed write is not seen.
-    Save_Trace();
-    freeGlobals();
-    std::exit(EXIT_SUCCESS);
-}
-
-void btnCancel_activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    freeGlobals();
-    std::exit(EXIT_SUCCESS);
-}
-
-void btnApply_activate(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    Save_Trace();
-    XtSetSensitive(widget, False);
 }

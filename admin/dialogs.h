@@ -52,8 +52,3 @@ void showODBCINSTError();
 // file it is what the program is there to edit: going on with half of it read could lose the other half. Of several
 // reports that are raised while the window is being built the last one alone is seen, so there this one can be missed.
 void showODBCINIError();
-
-// The buttons of the main window that end the program or keep its settings.
-void btnOK_activate(Widget widget, XtPointer clientData, XtPointer callData);
-void btnCancel_activate(Widget widget, XtPointer clientData, XtPointer callData);
-void btnApply_activate(Widget widget, XtPointer clientData, XtPointer callData);

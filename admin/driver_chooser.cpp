@@ -5,11 +5,10 @@
 #include "admin/advanced_dialog.h"
 #include "admin/dialogs.h"
 #include "admin/drivers_page.h"
-#include "admin/flow.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
-#include "admin/spacing.h"
 #include "admin/table.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget DlgDriverPopup = nullptr;
@@ -34,15 +33,15 @@ void focusOnDrivers(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*cal
 
 }  // namespace
 
-void createDriverScreen(Widget parent) {
+void createDriverScreen(Widget parent, XtCallbackProc doubleClicked) {
     FormScr1 = createForm(parent, "FormScr1");
     Widget heading = createLabel(FormScr1, "LblDPHeading", Message::kChooserHeading);
-    Attach(heading).topForm(kMargin).leftForm(kMargin);
+    Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
     BtnAdvanced = createPushButton(FormScr1, "BtnAdvanced", Message::kAdvanced, focusOnDrivers);
     XtAddCallback(BtnAdvanced, XmNactivateCallback, Show_AdvancedOptionDialog, nullptr);
-    Attach(BtnAdvanced).rightForm(kMargin).bottomForm(kMargin);
+    Attach(BtnAdvanced).rightForm(kPageMargin).bottomForm(kPageMargin);
     AdvancedHint = createLabel(FormScr1, "LblDPHint", Message::kChooserAdvancedHint);
-    Attach(AdvancedHint).leftForm(kMargin).bottomForm(kMargin);
+    Attach(AdvancedHint).leftForm(kPageMargin).bottomForm(kPageMargin);
 
     Widget headers = createHeaderWindow(FormScr1, "scrWinDPLabel");
     Widget headerForm = createForm(headers, "frmLabel");
@@ -50,7 +49,7 @@ void createDriverScreen(Widget parent) {
     Widget table = createForm(DriverLists, "frmLists");
     std::vector<Table::Column> columns;
     const auto createColumn = [&](const char* list, const char* header, Message::Number title) {
-        columns.push_back({createList(table, list, DriversPopupEntrySelected, DPDriver_doubleClick),
+        columns.push_back({createList(table, list, DriversPopupEntrySelected, doubleClicked),
                            createLabel(headerForm, header, title)});
         return columns.back().list;
     };
@@ -59,8 +58,8 @@ void createDriverScreen(Widget parent) {
     LstDPCompany = createColumn("LstDPCompany", "LblDPCompany", Message::kColumnCompany);
     LstDPFile = createColumn("LstDPFile", "LblDPFile", Message::kColumnFile);
     LstDPDate = createColumn("LstDPDate", "LblDPDate", Message::kColumnDate);
-    Attach(headers).below(heading, kGap).leftForm(kMargin).rightForm(kMargin);
-    Attach(DriverLists).below(headers, 0).leftForm(kMargin).rightForm(kMargin);
+    Attach(headers).below(heading, kPageGap).leftForm(kPageMargin).rightForm(kPageMargin);
+    Attach(DriverLists).below(headers, 0).leftForm(kPageMargin).rightForm(kPageMargin);
     Drivers.adopt(std::move(columns), DriverLists, synchonizeScrollDP);
 
     populateDriverInfo(LstDPName, LstDPFile, LstDPVersion, LstDPCompany, LstDPDate);
@@ -76,9 +75,9 @@ void offerAdvancedAttributes(bool offered) {
         }
     }
     if (offered) {
-        Attach(DriverLists).above(AdvancedHint, kGap);
+        Attach(DriverLists).above(AdvancedHint, kPageGap);
     } else {
-        Attach(DriverLists).bottomForm(kMargin);
+        Attach(DriverLists).bottomForm(kPageMargin);
     }
 }
 
@@ -93,17 +92,6 @@ void DriversPopupEntrySelected(Widget list, XtPointer /*clientData*/, XtPointer 
             replaceText(CurrentDriver, rowText(LstDPName, *row).c_str());
         }
     });
-}
-
-void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData) {
-    if (!isDoubleClick(callData)) {
-        return;
-    }
-    if (DsnType == kFileDataSource) {
-        Wizard_Next(list, clientData, callData);
-    } else {
-        finish(nullptr, nullptr);
-    }
 }
 
 void synchonizeScrollDP(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {

@@ -13,8 +13,8 @@ extern Widget LstDPCompany;
 extern Widget LstDPFile;
 extern Widget LstDPDate;
 
-// Builds FormScr1 in `parent` and fills its lists.
-void createDriverScreen(Widget parent);
+// Builds FormScr1 in `parent` and fills its lists; `doubleClicked` is the default action of each.
+void createDriverScreen(Widget parent, XtCallbackProc doubleClicked);
 // Shows or hides the button for attributes of one's own, and gives the lists the room.
 void offerAdvancedAttributes(bool offered);
 
@@ -22,7 +22,5 @@ void offerAdvancedAttributes(bool offered);
 void CloseDriverPopup(Widget widget, XtPointer clientData, XtPointer callData);
 // Keeps the selected row of the five lists in step and remembers the chosen driver in `CurrentDriver`.
 void DriversPopupEntrySelected(Widget list, XtPointer clientData, XtPointer callData);
-// Does what the button that leads on does.
-void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData);
 // Keeps the headers above the columns while the lists scroll sideways.
 void synchonizeScrollDP(Widget scrollBar, XtPointer clientData, XtPointer callData);

@@ -55,7 +55,6 @@ void callDynamic(const char* setupLibrary, short request, const char* driverName
     if (failure) {
         showError(*failure);
     }
-    // The driver may have changed the mode, and the files.
+    // The driver may have changed the mode.
     installer::useUserConfiguration();
-    installer::forgetCachedValues();
 }

@@ -1,15 +1,14 @@
 #include "admin/drivers_page.h"
 
-#include <new>
 #include <string>
 
 #include "admin/dialogs.h"
 #include "admin/lists.h"
-#include "admin/spacing.h"
 #include "admin/table.h"
 #include "bos/file.h"
 #include "installer/configuration.h"
 #include "motifutil/component_version.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget FrmDrivers = nullptr;
@@ -49,10 +48,10 @@ std::string modificationDate(const std::string& path) {
     return text;
 }
 
-DriverColumns describeDrivers(RowArray& names) {
+DriverColumns describeDrivers(const std::vector<std::string>& names) {
     DriverColumns columns;
-    for (int i = 0; i < names.count(); ++i) {
-        const std::string library = installer::readValue(names[i], "Driver", installer::kDriverFile, kLibraryPathSize);
+    for (const std::string& name : names) {
+        const std::string library = installer::readValue(name, "Driver", installer::kDriverFile, kLibraryPathSize);
         if (library.empty()) {
             showODBCINSTError();
         }
@@ -67,17 +66,12 @@ DriverColumns describeDrivers(RowArray& names) {
     return columns;
 }
 
-void fillList(Widget list, const std::vector<std::string>& rows) {
-    RowArray strings(rows);
-    populateList(list, strings.strings(), strings.count());
-}
-
 }  // namespace
 
 Widget createDriversPage(Widget notebook) {
     FrmDrivers = createPage(notebook, "FrmDrivers");
     Widget heading = createLabel(FrmDrivers, "LbDDesc", Message::kDriversHeading);
-    Attach(heading).topForm(kMargin).leftForm(kMargin);
+    Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
 
     FormDrivers = createForm(FrmDrivers, "FormDrivers");
     Attach(FormDrivers).below(heading, 0).leftForm().rightForm().bottomForm();
@@ -112,9 +106,8 @@ Widget createDriversPage(Widget notebook) {
 }
 
 void populateDriverInfo(Widget nameList, Widget fileList, Widget versionList, Widget companyList, Widget dateList) {
-    try {
-        installer::forgetCachedValues();
-        const installer::NameList drivers = installer::listDrivers();
+    guarded([=] {
+        installer::NameList drivers = installer::listDrivers();
         if (drivers.length == 0) {
             showODBCINSTError();
         }
@@ -124,17 +117,14 @@ void populateDriverInfo(Widget nameList, Widget fileList, Widget versionList, Wi
             }
             return;
         }
-        RowArray names(drivers.names);
-        sortList(names.strings(), static_cast<short>(names.count()));
-        populateList(nameList, names.strings(), names.count());
-        const DriverColumns columns = describeDrivers(names);
-        fillList(fileList, columns.files);
-        fillList(versionList, columns.versions);
-        fillList(companyList, columns.companies);
-        fillList(dateList, columns.dates);
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryErrorAdmin();
-    }
+        sortRows(drivers.names);
+        populateList(nameList, drivers.names);
+        const DriverColumns columns = describeDrivers(drivers.names);
+        populateList(fileList, columns.files);
+        populateList(versionList, columns.versions);
+        populateList(companyList, columns.companies);
+        populateList(dateList, columns.dates);
+    });
 }
 
 void setSizePosForDriversWidgets(Widget nameList, Widget versionList, Widget companyList, Widget fileList,

@@ -9,13 +9,12 @@
 
 #include "admin/dialogs.h"
 #include "admin/driver_setup.h"
-#include "admin/file_dsn_file.h"
-#include "admin/flow.h"
+#include "admin/file_dsn_writer.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
-#include "admin/spacing.h"
 #include "installer/configuration.h"
 #include "installer/file_dsn.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget frmFileDSN = nullptr;
@@ -43,8 +42,7 @@ std::optional<int> selectedFile() {
 
 // The text of the box's selection field.
 std::string selectionText() {
-    const XtTextPtr text(XmTextFieldGetString(XtNameToWidget(FSelect, "Text")));
-    return text ? text.get() : "";
+    return fieldText(XtNameToWidget(FSelect, "Text"));
 }
 
 // The part of a path that ends with its last "/"; empty when it has none.
@@ -99,7 +97,6 @@ Widget createFileSelection(Widget parent) {
 
 // Hands every key of the file data source `path` to its driver.
 void configure(const std::string& path) {
-    installer::forgetCachedValues();
     // A name without a directory would mean a file of the installer library's own folder.
     if (!path.starts_with('/') || access(path.c_str(), R_OK) != 0) {
         refreshFileDsnPage();
@@ -123,27 +120,27 @@ void configure(const std::string& path) {
 
 }  // namespace
 
-Widget createFileDsnPage(Widget notebook) {
+Widget createFileDsnPage(Widget notebook, XtCallbackProc add) {
     frmFileDSN = createPage(notebook, "frmFileDSN");
 
     TxtFDDesc = createReadOnlyText(frmFileDSN, "TxtFDDesc", Message::kFileDsnExplanation, 2);
-    Attach(TxtFDDesc).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);
+    Attach(TxtFDDesc).leftForm(kPageMargin).rightForm(kPageMargin).bottomForm(kPageMargin);
     Widget separator = createSeparator(frmFileDSN, "separator3");
-    Attach(separator).leftForm(kMargin).rightForm(kMargin).above(TxtFDDesc, kGap);
+    Attach(separator).leftForm(kPageMargin).rightForm(kPageMargin).above(TxtFDDesc, kPageGap);
 
-    BtnFDAdd = createPushButton(frmFileDSN, "BtnFDAdd", Message::kFileDsnAdd, AddFDsn_Clicked);
+    BtnFDAdd = createPushButton(frmFileDSN, "BtnFDAdd", Message::kFileDsnAdd, add);
     BtnFDRemove = createPushButton(frmFileDSN, "BtnFDRemove", Message::kFileDsnRemove, btnFDRemove_Clicked);
     BtnFDConfigure = createPushButton(frmFileDSN, "BtnFDConfigure", Message::kFileDsnConfigure, btnFDConfigure_Clicked);
     BtnSetDirectory = createPushButton(frmFileDSN, "BtnSetDirectory", Message::kSetDirectory, btnSetDirectory_Activate);
     equalizeWidths({BtnFDAdd, BtnFDRemove, BtnFDConfigure, BtnSetDirectory});
-    Attach(BtnFDAdd).topForm(kMargin).rightForm(kMargin);
-    Attach(BtnFDRemove).below(BtnFDAdd, kGap).rightForm(kMargin);
-    Attach(BtnFDConfigure).below(BtnFDRemove, kGap).rightForm(kMargin);
-    Attach(BtnSetDirectory).below(BtnFDConfigure, kGap).rightForm(kMargin);
+    Attach(BtnFDAdd).topForm(kPageMargin).rightForm(kPageMargin);
+    Attach(BtnFDRemove).below(BtnFDAdd, kPageGap).rightForm(kPageMargin);
+    Attach(BtnFDConfigure).below(BtnFDRemove, kPageGap).rightForm(kPageMargin);
+    Attach(BtnSetDirectory).below(BtnFDConfigure, kPageGap).rightForm(kPageMargin);
 
     FSelect = createFileSelection(frmFileDSN);
     TxtDirectory = XtNameToWidget(FSelect, "DirText");
-    Attach(FSelect).topForm(kGap).leftForm(kGap).leftOf(BtnFDAdd, kMargin).above(separator, kGap);
+    Attach(FSelect).topForm(kPageGap).leftForm(kPageGap).leftOf(BtnFDAdd, kPageMargin).above(separator, kPageGap);
     return frmFileDSN;
 }
 
@@ -158,10 +155,6 @@ void refreshFileDsnPage() {
     if (XmListItemExists(fileList(), selected.get())) {
         XmListSelectItem(fileList(), selected.get(), True);
     }
-}
-
-void AddFDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    addDsn(kFileDataSource);
 }
 
 void btnFDConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {

@@ -15,15 +15,15 @@ extern Widget BtnFDRemove;
 extern Widget BtnFDConfigure;
 extern Widget BtnSetDirectory;
 
-// Builds the page, unmanaged; its tab belongs to the main window.
-Widget createFileDsnPage(Widget notebook);
+// Builds the page, unmanaged; its tab belongs to the main window. `add` is what the Add button does: the dialog that it
+// opens is built on this page.
+Widget createFileDsnPage(Widget notebook, XtCallbackProc add);
 
 // Shows the file data sources of `directory`, which ends in "/", as they are on disk now.
 void showFileDsnDirectory(const std::string& directory);
 // Looks at the shown directory again; the file that was selected stays selected if it is still there.
 void refreshFileDsnPage();
 
-void AddFDsn_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
 // Lets the driver of the selected file data source configure it.
 void btnFDConfigure_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
 // Asks, and RemoveFileDSN deletes the file `path` and shows its directory.

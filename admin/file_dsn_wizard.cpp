@@ -5,23 +5,23 @@
 #include <Xm/TextF.h>
 
 #include <cstring>
-#include <new>
 #include <string>
 
-#include "admin/add_data_source.h"
 #include "admin/advanced_dialog.h"
 #include "admin/dialogs.h"
 #include "admin/driver_chooser.h"
+#include "admin/file_name_dialog.h"
+#include "admin/file_name_screen.h"
 #include "admin/forms.h"
 #include "admin/globals.h"
-#include "admin/spacing.h"
+#include "admin/lists.h"
+#include "admin/wizard_finish.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget BtnFinish = nullptr;
 Widget BtnNavigate = nullptr;
 Widget BtnDPCancel = nullptr;
-Widget FormScr2 = nullptr;
-Widget Text7 = nullptr;
 Widget FormScr3 = nullptr;
 Widget TxtDSNInfo = nullptr;
 short CurScreenAt = 1;
@@ -31,23 +31,17 @@ namespace {
 constexpr short kSummaryRows = 10;
 constexpr short kSummaryColumns = 10;
 
-void createFileNameScreen(Widget parent) {
-    FormScr2 = createForm(parent, "frmScr2");
-    Widget heading = createLabel(FormScr2, "lbl", Message::kFileNameHeading);
-    Attach(heading).topForm(kMargin).leftForm(kMargin);
-    Widget browse = createPushButton(FormScr2, "BtnBrowse", Message::kBrowse, BrowseFileDSN);
-    Attach(browse).below(heading, kGap).rightForm(kMargin);
-    Text7 = createTextField(FormScr2, "Text7");
-    Attach(Text7).below(heading, kGap).leftForm(kMargin).leftOf(browse, kGap);
-}
-
 void createSummaryScreen(Widget parent) {
     FormScr3 = createForm(parent, "frmScr3");
     Widget heading = createLabel(FormScr3, "lblScr3Desc", Message::kSummaryHeading);
-    Attach(heading).topForm(kMargin).leftForm(kMargin);
+    Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
     TxtDSNInfo = createScrolledText(FormScr3, "txtDSNInfo", kSummaryRows, kSummaryColumns);
     XtVaSetValues(TxtDSNInfo, XmNeditable, False, nullptr);
-    Attach(XtParent(TxtDSNInfo)).below(heading, kGap).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);
+    Attach(XtParent(TxtDSNInfo))
+        .below(heading, kPageGap)
+        .leftForm(kPageMargin)
+        .rightForm(kPageMargin)
+        .bottomForm(kPageMargin);
 }
 
 void createButtons(Widget form) {
@@ -55,9 +49,9 @@ void createButtons(Widget form) {
     BtnFinish = createPushButton(form, "BtnFinish", Message::kNext, Wizard_Next);
     BtnNavigate = createPushButton(form, "BtnNavigate", Message::kBack, Wizard_Back);
     equalizeWidths({BtnNavigate, BtnFinish, BtnDPCancel});
-    Attach(BtnDPCancel).rightForm(kMargin).bottomForm(kMargin);
-    Attach(BtnFinish).leftOf(BtnDPCancel, kGap).bottomForm(kMargin);
-    Attach(BtnNavigate).leftOf(BtnFinish, kGap).bottomForm(kMargin);
+    Attach(BtnDPCancel).rightForm(kPageMargin).bottomForm(kPageMargin);
+    Attach(BtnFinish).leftOf(BtnDPCancel, kPageGap).bottomForm(kPageMargin);
+    Attach(BtnNavigate).leftOf(BtnFinish, kPageGap).bottomForm(kPageMargin);
     XtVaSetValues(form, XmNdefaultButton, BtnFinish, XmNcancelButton, BtnDPCancel, nullptr);
 }
 
@@ -74,8 +68,7 @@ void changeScreen(Widget from, Widget to, short number, Widget focus) {
 
 // Takes over what was typed in the advanced dialog, and returns what the summary tells of it.
 std::string takeAttributes() {
-    const XtTextPtr typed(XmTextGetString(TxtFDAdv));
-    replaceText(DsnInfoText, typed ? typed.get() : "");
+    replaceText(DsnInfoText, fieldText(TxtFDAdv).c_str());
     DsnInfo = DsnInfoText;
     if (strcasestr(DsnInfo, "Driver") != nullptr) {
         const char* firstEnd = std::strchr(DsnInfo, '\n');
@@ -91,13 +84,13 @@ std::string takeAttributes() {
 }
 
 void showSummary() {
-    const XtTextPtr name(XmTextFieldGetString(Text7));
-    if (!name || *name.get() == '\0') {
+    const std::string name = fieldText(Text7);
+    if (name.empty()) {
         XmProcessTraversal(Text7, XmTRAVERSE_CURRENT);
         showError(Message::kFileNameMissing, Message::kOk, Message::kFileNameMissingTitle);
         return;
     }
-    replaceText(FileDSNName, name.get());
+    replaceText(FileDSNName, name.c_str());
     std::string summary = catalogText(Message::kSummaryFileName) + FileDSNName + "\n" +
                           catalogText(Message::kDriversTab) + ":" + (CurrentDriver != nullptr ? CurrentDriver : "");
     if (IsAdvOptSet && TxtFDAdv != nullptr) {
@@ -111,24 +104,30 @@ void showSummary() {
 }  // namespace
 
 void create_FileDsnWizard() {
-    try {
+    guarded([] {
         DlgDriverPopup = createTemplateDialog(ShODBCAdmin, "DlgDriverPopup", Message::kChooserTitle, CloseDriverPopup);
         Widget form = createForm(DlgDriverPopup, "FileDsnMainWiz");
         createButtons(form);
         Widget separator = createSeparator(form, "Separator5");
-        Attach(separator).leftForm().rightForm().above(BtnDPCancel, kMargin);
+        Attach(separator).leftForm().rightForm().above(BtnDPCancel, kPageMargin);
 
         Widget frame = XtVaCreateManagedWidget("FramWizMain", xmFrameWidgetClass, form, nullptr);
         Attach(frame).topForm().leftForm().rightForm().above(separator, 0);
         Widget screens = createForm(frame, "FormWizMain");
-        createDriverScreen(screens);
-        createFileNameScreen(screens);
+        createDriverScreen(screens, DPDriver_doubleClick);
+        createFileNameScreen(screens, BrowseFileDSN);
         createSummaryScreen(screens);
         hide_Form(FormScr2);
         hide_Form(FormScr3);
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryErrorAdmin();
-    }
+    });
+}
+
+void AddUserDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    addDsn(kUserDataSource);
+}
+
+void AddFDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    addDsn(kFileDataSource);
 }
 
 void addDsn(short kind) {
@@ -146,8 +145,7 @@ void addDsn(short kind) {
     }
     labelFinish(isFile ? Message::kNext : Message::kFinish);
     XtSetSensitive(BtnNavigate, False);
-    static char nothing[] = "";
-    XmTextFieldSetString(Text7, nothing);
+    showPath(Text7, {});
     IsEntriesmodified = false;
     IsVerificationNeeded = true;
     IsAdvOptSet = false;
@@ -178,4 +176,19 @@ void Wizard_Back(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callDa
         labelFinish(Message::kNext);
         changeScreen(FormScr3, FormScr2, 2, Text7);
     }
+}
+
+void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData) {
+    if (!isDoubleClick(callData)) {
+        return;
+    }
+    if (DsnType == kFileDataSource) {
+        Wizard_Next(list, clientData, callData);
+    } else {
+        finish(nullptr, nullptr);
+    }
+}
+
+void BrowseFileDSN(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    showFileDialogBox(kBrowseForName, dsnFileSelected);
 }

@@ -4,14 +4,9 @@
 
 #include <Xm/Xm.h>
 
-#include "admin/flow.h"
-
 extern Widget BtnFinish;
 extern Widget BtnNavigate;
 extern Widget BtnDPCancel;
-// The second screen and its file name field.
-extern Widget FormScr2;
-extern Widget Text7;
 // The third screen and its summary.
 extern Widget FormScr3;
 extern Widget TxtDSNInfo;
@@ -22,5 +17,17 @@ extern short CurScreenAt;
 // Builds the dialog, unmanaged.
 void create_FileDsnWizard();
 
+// Opens the dialog to add a data source of this kind (1 file, 2 user).
+void addDsn(short kind);
+// What the Add buttons of the two pages do.
+void AddUserDsn_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
+void AddFDsn_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
+
+// Leads on: to the next screen, or to the end.
+void Wizard_Next(Widget widget, XtPointer clientData, XtPointer callData);
 // Leads back to the screen before.
 void Wizard_Back(Widget widget, XtPointer clientData, XtPointer callData);
+// A double click on a driver leads on, too.
+void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData);
+// Lets the person choose the file name in the file dialog.
+void BrowseFileDSN(Widget widget, XtPointer clientData, XtPointer callData);

@@ -1,11 +1,14 @@
-// The file dialog `Fdialog`, in which a person chooses the file name of a file data source. showFileDialogBox() in
-// admin/flow.h shows it. GUI thread only.
+// The file dialog `Fdialog`, in which a person chooses the file name of a file data source. GUI thread only.
 #pragma once
 
 #include <Xm/Xm.h>
 
-// OK: completes the chosen name with ".dsn". With the mode kChooseFileName it becomes that of the file being made,
-// which is finished with it; otherwise it goes into the wizard's field. A directory is no choice: the dialog stays.
-void dsnFileSelected(Widget dialogBox, XtPointer mode, XtPointer callData);
+// What a name chosen in it is for: the wizard's field, or the file that is being made.
+inline constexpr int kBrowseForName = 0;
+inline constexpr int kChooseFileName = 1;
+
+// Shows the dialog; OK calls `chosen` with `mode` as its client data. The dialog is made once: its parent and what its
+// names are for stay those of the first use.
+void showFileDialogBox(int mode, XtCallbackProc chosen);
 // Cancel: hides the dialog.
 void fdialog_canceled(Widget widget, XtPointer clientData, XtPointer callData);

@@ -61,6 +61,11 @@ void freeGlobals() {
     }
 }
 
+void endProgram(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    freeGlobals();
+    std::exit(EXIT_SUCCESS);
+}
+
 const char* getFileVersionString() {
     return kAdministratorVersion;
 }

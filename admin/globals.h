@@ -33,7 +33,7 @@ inline constexpr std::size_t kFileDsnNameSize = 1024;
 extern const char* DsnInfo;
 extern char* DsnInfoText;
 
-// Replaces one of these strings by a copy of `text`. Raises std::bad_alloc, with nothing changed.
+// Replaces one of these strings by a copy of `text`. Throws std::bad_alloc, with nothing changed.
 void replaceText(char*& string, const char* text);
 
 // What was decided in the File DSN wizard, set back when it opens.
@@ -54,6 +54,9 @@ extern KvString TempStr;
 
 // Destroys the dialogs, frees the strings above and closes the catalog, each when it is there, and marks them as gone.
 void freeGlobals();
+
+// Ends the program with status 0, as a callback: nothing is saved.
+[[noreturn]] void endProgram(Widget widget, XtPointer clientData, XtPointer callData);
 
 // The administrator's own identification, as every component of the product gives it: version (8-bit and 16-bit) and
 // company. Static texts.

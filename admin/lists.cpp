@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <utility>
 
 #include "kvlib/text.h"
@@ -25,6 +24,16 @@ void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
     XtVaSetValues(list, XmNitemCount, count, XmNitems, items.data(), XmNvisibleItemCount, std::max(count, 1), nullptr);
 }
 
+// The functions for arrays exchange the pointers and leave the texts alone.
+std::vector<char*> pointersTo(const std::vector<std::string>& rows) {
+    std::vector<char*> pointers;
+    pointers.reserve(rows.size());
+    for (const std::string& row : rows) {
+        pointers.push_back(const_cast<char*>(row.c_str()));
+    }
+    return pointers;
+}
+
 }  // namespace
 
 void populateList(Widget list, char** strings, int count) {
@@ -34,6 +43,10 @@ void populateList(Widget list, char** strings, int count) {
         rows.push_back(compoundString(isEmpty ? " " : strings[i]));
     }
     setItems(list, rows);
+}
+
+void populateList(Widget list, const std::vector<std::string>& rows) {
+    populateList(list, pointersTo(rows).data(), static_cast<int>(rows.size()));
 }
 
 void populateList(Widget list, const FixedRow* rows, int count) {
@@ -62,19 +75,10 @@ void sortList(char** strings, short count) {
     }
 }
 
-RowArray::RowArray(const std::vector<std::string>& rows)
-    : strings_(static_cast<char**>(std::calloc(rows.size() + 1, sizeof(char*)))), count_(0) {
-    if (strings_ == nullptr) {
-        throw std::bad_alloc();
-    }
-    for (const std::string& row : rows) {
-        strings_[count_] = strdup(row.c_str());
-        if (strings_[count_] == nullptr) {
-            FreeListMemory(strings_, count_);
-            throw std::bad_alloc();
-        }
-        ++count_;
-    }
+void sortRows(std::vector<std::string>& rows) {
+    std::vector<char*> order = pointersTo(rows);
+    sortList(order.data(), static_cast<short>(order.size()));
+    rows = std::vector<std::string>(order.begin(), order.end());
 }
 
 std::optional<int> selectedRow(Widget list) {

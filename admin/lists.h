@@ -12,6 +12,8 @@
 // are visible as there are: the scrolled window around the list scrolls, not the list.
 void populateList(Widget list, char** strings, int count);
 
+void populateList(Widget list, const std::vector<std::string>& rows);
+
 // The same for rows in fixed buffers; an empty row stays an empty item.
 using FixedRow = std::array<char, 1024>;
 void populateList(Widget list, const FixedRow* rows, int count);
@@ -23,22 +25,7 @@ void FreeListMemory(char** strings, int count);
 // Sorts in place, ascending, without regard to case, by exchanging: each position is compared with every later one. The
 // order of names that compare equal follows from the exchanges and is what people know from their lists.
 void sortList(char** strings, short count);
-
-// Rows for populateList() that are freed with FreeListMemory() when they go out of scope.
-class RowArray {
-public:
-    explicit RowArray(const std::vector<std::string>& rows);
-    ~RowArray() { FreeListMemory(strings_, count_); }
-    RowArray(const RowArray&) = delete;
-    RowArray& operator=(const RowArray&) = delete;
-    char** strings() { return strings_; }
-    int count() const { return count_; }
-    std::string operator[](int index) const { return strings_[index]; }
-
-private:
-    char** strings_;
-    int count_;
-};
+void sortRows(std::vector<std::string>& rows);
 
 // The position, from 1, of the selected row, when exactly one is selected.
 std::optional<int> selectedRow(Widget list);

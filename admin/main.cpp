@@ -24,7 +24,7 @@ void showMissingCatalog() {
                                        "environment variables.",
                                        "OK", "", "Varnholt ODBC Administrator");
     if (Mdialog != nullptr) {
-        XtAddCallback(Mdialog, XmNokCallback, btnCancel_activate, nullptr);
+        XtAddCallback(Mdialog, XmNokCallback, endProgram, nullptr);
         XtManageChild(Mdialog);
     }
 }

@@ -5,15 +5,18 @@
 #include <array>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "admin/about_page.h"
 #include "admin/dialogs.h"
 #include "admin/drivers_page.h"
 #include "admin/file_dsn_page.h"
+#include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "help/help_locator.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget FrmMain = nullptr;
@@ -28,18 +31,20 @@ Widget TbAbout = nullptr;
 
 namespace {
 
-constexpr int kMargin = 16;
-constexpr int kGap = 12;
-
-// A page of the notebook: its tab's code and its topic in the help book.
-struct PageCode {
+// A page of the notebook and its tab, with the tab's code and the page's topic in the help book.
+struct Page {
     unsigned char tabCode;
     const char* helpTopic;
+    const Widget* page;
+    const Widget* tab;
 };
 
 // The pages in the order of their tabs; page numbers begin with 1.
-constexpr std::array<PageCode, 5> kPages{
-    {{'U', "userdsn"}, {'F', "filedsn"}, {'D', "drivers"}, {'T', "trace"}, {'A', "about"}}};
+constexpr std::array<Page, 5> kPages{{{'U', "userdsn", &FormUserDSN, &TbUserDSN},
+                                      {'F', "filedsn", &frmFileDSN, &TbFileDSN},
+                                      {'D', "drivers", &FrmDrivers, &TbDrivers},
+                                      {'T', "trace", &FrmTrace, &BtnTrace},
+                                      {'A', "about", &FrmAbout, &TbAbout}}};
 
 // A page can come to the front without its tab being pressed: the keyboard turns pages too.
 void pageChanged(Widget /*notebook*/, XtPointer /*clientData*/, XtPointer callData) {
@@ -80,17 +85,17 @@ void createButtonRow() {
     BtnApply = createPushButton(FrmMain, "BtnApply", Message::kApply, btnApply_activate);
     BtnHelp = createPushButton(FrmMain, "BtnHelp", Message::kHelp, btnHelp_Clicked);
     equalizeWidths({BtnOK, BtnCancel, BtnApply, BtnHelp});
-    Attach(BtnHelp).rightForm(kMargin).bottomForm(kMargin);
-    Attach(BtnApply).leftOf(BtnHelp, kGap).bottomForm(kMargin);
-    Attach(BtnCancel).leftOf(BtnApply, kGap).bottomForm(kMargin);
-    Attach(BtnOK).leftOf(BtnCancel, kGap).bottomForm(kMargin);
+    Attach(BtnHelp).rightForm(kWindowMargin).bottomForm(kWindowMargin);
+    Attach(BtnApply).leftOf(BtnHelp, kWindowGap).bottomForm(kWindowMargin);
+    Attach(BtnCancel).leftOf(BtnApply, kWindowGap).bottomForm(kWindowMargin);
+    Attach(BtnOK).leftOf(BtnCancel, kWindowGap).bottomForm(kWindowMargin);
     XtVaSetValues(FrmMain, XmNdefaultButton, BtnOK, XmNcancelButton, BtnCancel, nullptr);
 }
 
 void createPages() {
-    createUserDsnPage(TabManager);
+    createUserDsnPage(TabManager, AddUserDsn_Clicked);
     TbUserDSN = createTab(TabManager, "TbUserDSN", Message::kUserDsnTab);
-    createFileDsnPage(TabManager);
+    createFileDsnPage(TabManager, AddFDsn_Clicked);
     TbFileDSN = createTab(TabManager, "TbFileDSN", Message::kFileDsnTab);
     createDriversPage(TabManager);
     TbDrivers = createTab(TabManager, "TbDrivers", Message::kDriversTab);
@@ -98,16 +103,16 @@ void createPages() {
     createAboutForm(TabManager);
     TbAbout = createTab(TabManager, "TbAbout", Message::kAboutTab);
 
-    std::array pagesAndTabs{FormUserDSN, TbUserDSN, frmFileDSN, TbFileDSN, FrmDrivers,
-                            TbDrivers,   FrmTrace,  BtnTrace,   FrmAbout,  TbAbout};
-    for (std::size_t i = 0; i < kPages.size(); ++i) {
-        Widget page = pagesAndTabs[2 * i];
-        Widget tab = pagesAndTabs[2 * i + 1];
-        const int number = static_cast<int>(i) + 1;
-        XtVaSetValues(page, XmNpageNumber, number, nullptr);
-        XtVaSetValues(tab, XmNpageNumber, number, nullptr);
-        const XtArgVal code = kPages[i].tabCode;
-        XtAddCallback(tab, XmNactivateCallback, tabSelectionChanged, reinterpret_cast<XtPointer>(code));
+    std::vector<Widget> pagesAndTabs;
+    int number = 0;
+    for (const Page& page : kPages) {
+        ++number;
+        for (Widget widget : {*page.page, *page.tab}) {
+            XtVaSetValues(widget, XmNpageNumber, number, nullptr);
+            pagesAndTabs.push_back(widget);
+        }
+        XtAddCallback(*page.tab, XmNactivateCallback, tabSelectionChanged,
+                      reinterpret_cast<XtPointer>(XtArgVal{page.tabCode}));
     }
     XtManageChildren(pagesAndTabs.data(), static_cast<Cardinal>(pagesAndTabs.size()));
     XtUnmanageChild(XtNameToWidget(TabManager, "PageScroller"));
@@ -121,7 +126,7 @@ void fillPages() {
 }  // namespace
 
 void create_shODBCAdmin(Display* connection, char* appName, int argc, char** argv) {
-    try {
+    guarded([=] {
         const std::string title = catalogText(Message::kWindowTitle);
         ArgumentList arguments;
         arguments.set(XmNtitle, title.c_str()).set(XmNiconName, title.c_str()).set(XtNargc, argc).set(XtNargv, argv);
@@ -138,17 +143,29 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         TabManager = createNotebook(FrmMain);
         createButtonRow();
         Widget separator = createSeparator(FrmMain, "Separator");
-        Attach(separator).leftForm().rightForm().above(BtnOK, kGap);
-        Attach(TabManager).topForm(kGap).leftForm(kGap).rightForm(kGap).above(separator, kGap);
+        Attach(separator).leftForm().rightForm().above(BtnOK, kWindowGap);
+        Attach(TabManager).topForm(kWindowGap).leftForm(kWindowGap).rightForm(kWindowGap).above(separator, kWindowGap);
 
         createPages();
         fillPages();
         XtManageChild(TabManager);
         XtManageChild(FrmMain);
-        XtSetSensitive(BtnApply, False);
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryErrorAdmin();
-    }
+    });
+}
+
+void btnOK_activate(Widget widget, XtPointer clientData, XtPointer callData) {
+    // The program ends at once, so a report of a failed write is not seen.
+    Save_Trace();
+    endProgram(widget, clientData, callData);
+}
+
+void btnCancel_activate(Widget widget, XtPointer clientData, XtPointer callData) {
+    endProgram(widget, clientData, callData);
+}
+
+void btnApply_activate(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    Save_Trace();
+    XtSetSensitive(widget, False);
 }
 
 void tabSelectionChanged(Widget /*widget*/, XtPointer tabCode, XtPointer /*callData*/) {
@@ -156,7 +173,7 @@ void tabSelectionChanged(Widget /*widget*/, XtPointer tabCode, XtPointer /*callD
 }
 
 void btnHelp_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    for (const PageCode& page : kPages) {
+    for (const Page& page : kPages) {
         if (page.tabCode == CurrentSelectedTab) {
             kvDisplayHelp(reinterpret_cast<const unsigned char*>("Administrator"),
                           reinterpret_cast<const unsigned char*>(page.helpTopic));

@@ -13,8 +13,8 @@
 
 #include "admin/dialogs.h"
 #include "admin/lists.h"
-#include "admin/spacing.h"
 #include "motifutil/scrolling.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 namespace {
@@ -218,25 +218,25 @@ void setEmptySize(Widget list, Dimension width, Dimension height) {
 }
 
 void placeTable(const TablePage& page) {
-    Attach(page.explanation).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);
-    Attach(page.headers).leftForm(kMargin);
+    Attach(page.explanation).leftForm(kPageMargin).rightForm(kPageMargin).bottomForm(kPageMargin);
+    Attach(page.headers).leftForm(kPageMargin);
     if (page.heading != nullptr) {
-        Attach(page.heading).topForm(kMargin).leftForm(kMargin);
-        Attach(page.headers).below(page.heading, kGap);
+        Attach(page.heading).topForm(kPageMargin).leftForm(kPageMargin);
+        Attach(page.headers).below(page.heading, kPageGap);
     } else {
-        Attach(page.headers).topForm(kGap);
+        Attach(page.headers).topForm(kPageGap);
     }
-    Attach(page.lists).below(page.headers, 0).leftForm(kMargin).above(page.explanation, kGap);
+    Attach(page.lists).below(page.headers, 0).leftForm(kPageMargin).above(page.explanation, kPageGap);
     if (page.buttons.empty()) {
-        Attach(page.headers).rightForm(kMargin);
-        Attach(page.lists).rightForm(kMargin);
+        Attach(page.headers).rightForm(kPageMargin);
+        Attach(page.lists).rightForm(kPageMargin);
         return;
     }
     Widget above = page.heading;
     for (Widget button : page.buttons) {
-        Attach(button).below(above, kGap).rightForm(kMargin);
+        Attach(button).below(above, kPageGap).rightForm(kPageMargin);
         above = button;
     }
-    Attach(page.headers).leftOf(page.buttons.front(), kMargin);
-    Attach(page.lists).leftOf(page.buttons.front(), kMargin);
+    Attach(page.headers).leftOf(page.buttons.front(), kPageMargin);
+    Attach(page.lists).leftOf(page.buttons.front(), kPageMargin);
 }

@@ -5,15 +5,13 @@
 #include <Xm/Text.h>
 #include <Xm/ToggleB.h>
 
-#include <new>
 #include <string>
 
 #include "admin/dialogs.h"
-#include "admin/flow.h"
 #include "admin/globals.h"
-#include "admin/spacing.h"
 #include "installer/configuration.h"
 #include "motifutil/file_dialog.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
 Widget FrmTrace = nullptr;
@@ -42,11 +40,6 @@ bool writeSetting(const char* key, const std::string& value) {
     return installer::writeValue(kSection, key, value.c_str(), installer::kDataSourceFile);
 }
 
-std::string textOf(Widget field) {
-    const XtTextPtr text(XmTextGetString(field));
-    return text ? std::string(text.get()) : std::string();
-}
-
 bool isLibrary(XtPointer kind) {
     return reinterpret_cast<XtArgVal>(kind) == kBrowseTraceLibrary;
 }
@@ -65,14 +58,14 @@ void followToggle() {
 
 // A label above a text field with a browse button on its right, below `above` (null: at the top of the form).
 void placePathRow(Widget label, Widget field, Widget button, Widget above) {
-    Attach(label).leftForm(kMargin);
+    Attach(label).leftForm(kPageMargin);
     if (above == nullptr) {
-        Attach(label).topForm(kMargin);
+        Attach(label).topForm(kPageMargin);
     } else {
-        Attach(label).below(above, kMargin);
+        Attach(label).below(above, kPageMargin);
     }
-    Attach(button).below(label, kGap / 2).rightForm(kMargin);
-    Attach(field).below(label, kGap / 2).leftForm(kMargin).leftOf(button, kGap);
+    Attach(button).below(label, kPageGap / 2).rightForm(kPageMargin);
+    Attach(field).below(label, kPageGap / 2).leftForm(kPageMargin).leftOf(button, kPageGap);
 }
 
 }  // namespace
@@ -82,10 +75,10 @@ Widget createTraceTab(Widget notebook) {
     BtnTrace = createTab(notebook, "BtnTrace", Message::kTracingTab);
 
     TgEnableTracing = createToggleButton(FrmTrace, "TgEnableTracing", Message::kEnableTracing);
-    Attach(TgEnableTracing).topForm(kMargin).leftForm(kMargin);
+    Attach(TgEnableTracing).topForm(kPageMargin).leftForm(kPageMargin);
 
     Widget frame = XtVaCreateManagedWidget("FramConfigTracing", xmFrameWidgetClass, FrmTrace, nullptr);
-    Attach(frame).below(TgEnableTracing, kGap).leftForm(kMargin).rightForm(kMargin);
+    Attach(frame).below(TgEnableTracing, kPageGap).leftForm(kPageMargin).rightForm(kPageMargin);
     Widget form = createForm(frame, "FrmConfigTrace");
     LblTraceFile = createLabel(form, "LblTraceFile", Message::kTraceFile);
     TxtTraceFile = createTextField(form, "TxtTraceFile");
@@ -95,16 +88,18 @@ Widget createTraceTab(Widget notebook) {
     TxtTraceLib = createTextField(form, "TxtTraceLib");
     BtnTLibBrowse = createPushButton(form, "BtnTLibBrowse", Message::kBrowse);
     placePathRow(LblTraceLib, TxtTraceLib, BtnTLibBrowse, TxtTraceFile);
-    XtVaSetValues(TxtTraceLib, XmNbottomAttachment, XmATTACH_FORM, XmNbottomOffset, kMargin, nullptr);
+    XtVaSetValues(TxtTraceLib, XmNbottomAttachment, XmATTACH_FORM, XmNbottomOffset, kPageMargin, nullptr);
 
     TxtTraceDesc = createReadOnlyText(FrmTrace, "TxtTraceDesc", Message::kTracingExplanation, 6);
-    Attach(TxtTraceDesc).leftForm(kMargin).rightForm(kMargin).bottomForm(kMargin);
+    Attach(TxtTraceDesc).leftForm(kPageMargin).rightForm(kPageMargin).bottomForm(kPageMargin);
 
     XtAddCallback(TgEnableTracing, XmNvalueChangedCallback, TraceConfigStateChanged, nullptr);
     XtAddCallback(TxtTraceFile, XmNvalueChangedCallback, Trace_activityNoticed, nullptr);
     XtAddCallback(TxtTraceLib, XmNvalueChangedCallback, Trace_activityNoticed, nullptr);
     followToggle();
     Load_Trace();
+    // What is shown now is what is stored.
+    XtSetSensitive(BtnApply, False);
     XtAddCallback(BtnTFileBrowse, XmNactivateCallback, SelectTraceFile, reinterpret_cast<XtPointer>(kBrowseTraceFile));
     XtAddCallback(BtnTLibBrowse, XmNactivateCallback, SelectTraceFile,
                   reinterpret_cast<XtPointer>(kBrowseTraceLibrary));
@@ -112,7 +107,6 @@ Widget createTraceTab(Widget notebook) {
 }
 
 void Load_Trace() {
-    installer::forgetCachedValues();
     // One character is read, so "10" reads as "1", on.
     const std::string trace = readSetting(kTraceKey, 2);
     XmToggleButtonSetState(TgEnableTracing, trace == "1" ? True : False, True);
@@ -123,8 +117,8 @@ void Load_Trace() {
 void Save_Trace() {
     guarded([] {
         const char* state = XmToggleButtonGetState(TgEnableTracing) != 0 ? "1" : "0";
-        if (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, textOf(TxtTraceFile)) ||
-            !writeSetting(kLibraryKey, textOf(TxtTraceLib))) {
+        if (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, fieldText(TxtTraceFile)) ||
+            !writeSetting(kLibraryKey, fieldText(TxtTraceLib))) {
             showError(Message::kTraceNotSaved);
         }
     });
@@ -140,7 +134,7 @@ void Trace_activityNoticed(Widget /*text*/, XtPointer /*clientData*/, XtPointer 
 }
 
 void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) {
-    try {
+    guarded([kind] {
         const XmStringPtr pattern = compoundString(isLibrary(kind) ? "*.so" : "*.log");
         ArgumentList arguments;
         arguments.set(XmNpattern, pattern.get());
@@ -150,16 +144,14 @@ void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) 
             arguments);
         // Only an empty field presets the box, which then begins without a name; over a name that stands in the field
         // the dialog begins where it was started, as it always has.
-        if (textOf(fieldOf(kind)).empty()) {
+        if (fieldText(fieldOf(kind)).empty()) {
             const XmStringPtr nothing = compoundString("");
             XtVaSetValues(box, XmNdirSpec, nothing.get(), nullptr);
         }
         XtAddCallback(box, XmNokCallback, FileSelected, kind);
         XtAddCallback(box, XmNcancelCallback, FileSelectionCancelled, kind);
         XtManageChild(box);
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryErrorAdmin();
-    }
+    });
 }
 
 void FileSelected(Widget box, XtPointer kind, XtPointer callData) {

@@ -17,6 +17,9 @@ extern Widget TxtTraceDesc;
 // Builds the page and its tab button, both unmanaged, and shows what is stored.
 Widget createTraceTab(Widget notebook);
 
+// Writes the trace settings, whether tracing is on or off; a write that fails is reported.
+void Save_Trace();
+
 // Shows the trace settings of ".odbc.ini"; what can't be read is off, or empty.
 void Load_Trace();
 

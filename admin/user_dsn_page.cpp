@@ -3,12 +3,10 @@
 #include <Xm/List.h>
 
 #include <algorithm>
-#include <new>
 #include <string>
 
 #include "admin/dialogs.h"
 #include "admin/driver_setup.h"
-#include "admin/flow.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "admin/table.h"
@@ -52,20 +50,18 @@ bool fillLists(Widget nameList, Widget driverList) {
     if (list.length <= kLongestEmptyList) {
         list.names.clear();
     }
-    RowArray names(list.names);
-    sortList(names.strings(), static_cast<short>(names.count()));
-    populateList(nameList, names.strings(), names.count());
+    sortRows(list.names);
+    populateList(nameList, list.names);
 
     std::vector<std::string> drivers;
-    for (int i = 0; i < names.count(); ++i) {
-        drivers.push_back(driverOf(names[i], kDriverRowSize));
+    for (const std::string& name : list.names) {
+        drivers.push_back(driverOf(name, kDriverRowSize));
         if (drivers.back().empty()) {
             showODBCINIError();
             return false;
         }
     }
-    RowArray driverRows(drivers);
-    populateList(driverList, driverRows.strings(), driverRows.count());
+    populateList(driverList, drivers);
     return true;
 }
 
@@ -77,7 +73,6 @@ void selectRow(Widget nameList, Widget driverList, int row) {
 
 // Configures the data source `name`: hands every key that it has to its driver.
 void configure(const std::string& name) {
-    installer::forgetCachedValues();
     const std::vector<installer::Attribute> settings = installer::readSection(name, installer::kDataSourceFile);
     if (settings.empty()) {
         showODBCINIError();
@@ -109,7 +104,7 @@ Widget createUserDSNXmList(int flag, const char* name) {
     return list;
 }
 
-Widget createUserDsnPage(Widget notebook) {
+Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
     FormUserDSN = createPage(notebook, "FormUserDSN");
 
     Widget heading = createLabel(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
@@ -126,7 +121,7 @@ Widget createUserDsnPage(Widget notebook) {
     LstUDesc = createUserDSNXmList(1, "lstUDesc");
     XtAddCallback(LstUDesc, XmNbrowseSelectionCallback, lstUDesc_Selected, nullptr);
 
-    BtnAdd = createPushButton(FormUserDSN, "BtnAdd", Message::kAdd, AddUserDsn_Clicked);
+    BtnAdd = createPushButton(FormUserDSN, "BtnAdd", Message::kAdd, add);
     BtnRemove = createPushButton(FormUserDSN, "BtnRemove", Message::kRemove, btnRemove_Clicked);
     BtnConfigure = createPushButton(FormUserDSN, "BtnConfigure", Message::kConfigure, btnConfigure_Clicked);
     equalizeWidths({BtnAdd, BtnRemove, BtnConfigure});
@@ -139,8 +134,7 @@ Widget createUserDsnPage(Widget notebook) {
 }
 
 void populateUserDSN(Widget nameList, Widget driverList) {
-    try {
-        installer::forgetCachedValues();
+    guarded([=] {
         const int before = selectedRow(nameList).value_or(1);
         if (!fillLists(nameList, driverList)) {
             return;
@@ -151,17 +145,11 @@ void populateUserDSN(Widget nameList, Widget driverList) {
         if (count > 0) {
             selectRow(nameList, driverList, std::min(before, count));
         }
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryErrorAdmin();
-    }
+    });
 }
 
 void setSizePosForUserDSNWidgets() {
     DataSources.place();
-}
-
-void AddUserDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    addDsn(kUserDataSource);
 }
 
 void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -181,7 +169,6 @@ void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*
 void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/) {
     guarded([dsnName] {
         const std::optional<int> row = selectedRow(LstUName);
-        installer::forgetCachedValues();
         if (!installer::removeDataSource(static_cast<const char*>(dsnName))) {
             showError(Message::kRemoveFailed);
             return;

@@ -17,8 +17,9 @@ extern Widget FormLists;
 extern Widget LstUName;
 extern Widget LstUDesc;
 
-// Builds the page, unmanaged, with empty lists; its tab belongs to the main window.
-Widget createUserDsnPage(Widget notebook);
+// Builds the page, unmanaged, with empty lists; its tab belongs to the main window. `add` is what the Add button does:
+// the dialog that it opens is built on this page.
+Widget createUserDsnPage(Widget notebook, XtCallbackProc add);
 
 // A list of the page, in `FormLists`: as wide as its items when `flag` is non-zero, of constant width otherwise.
 Widget createUserDSNXmList(int flag, const char* name);
@@ -29,7 +30,6 @@ void populateUserDSN(Widget nameList, Widget driverList);
 // Re-attaches lists and headers by the lists' widths.
 void setSizePosForUserDSNWidgets();
 
-void AddUserDsn_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
 void btnRemove_Clicked(Widget widget, XtPointer clientData, XtPointer callData);
 // Removes the data source named by `dsnName` (a char*, which the question that led here owns).
 void RemoveUserDsn(Widget widget, XtPointer dsnName, XtPointer callData);

@@ -30,10 +30,25 @@ std::vector<std::string> splitNames(std::string_view buffer) {
     return names;
 }
 
+// The library answers from a cache that outlives other programs' edits and its own SQLWriteFileDSN, and only
+// SQLWritePrivateProfileString empties it. This one deletes a section that is not there from a file that keeps nothing.
+void forgetCachedValues() {
+    SQLWritePrivateProfileString("ODBC", nullptr, nullptr, "/dev/null");
+}
+
 // Only an absolute path is taken as it stands; other names are the library's own files.
 bool isMissingPath(const std::string& file) {
     std::error_code ignored;
     return file.starts_with('/') && !std::filesystem::exists(file, ignored);
+}
+
+std::string terminatedList(const std::vector<std::string>& items) {
+    std::string list;
+    for (const std::string& item : items) {
+        list.append(item).push_back('\0');
+    }
+    list.push_back('\0');
+    return list;
 }
 
 }  // namespace
@@ -58,16 +73,12 @@ void keepMemoryBetweenReads() {
     mallopt(M_TRIM_THRESHOLD, kKeptBytes);
 }
 
-void forgetCachedValues() {
-    // Only a write empties the cache. This one deletes a section that is not there from a file that keeps nothing.
-    SQLWritePrivateProfileString("ODBC", nullptr, nullptr, "/dev/null");
-}
-
 NameList listKeys(const std::string& section, const std::string& file, Growth growth) {
     // A null section would list the file's sections, and an empty one has no keys.
     if (section.empty() || isMissingPath(file)) {
         return {};
     }
+    forgetCachedValues();
     std::size_t size = kGrowthStep;
     while (true) {
         size = growth == Growth::kByDoubling ? size * 2 : size + kGrowthStep;
@@ -87,6 +98,7 @@ std::string readValue(const std::string& section, const std::string& key, const 
     if (section.empty() || key.empty() || isMissingPath(file)) {
         return {};
     }
+    forgetCachedValues();
     std::string buffer(size, '\0');
     const int length = SQLGetPrivateProfileString(section.c_str(), key.c_str(), "", buffer.data(),
                                                   static_cast<int>(size), file.c_str());
@@ -95,6 +107,7 @@ std::string readValue(const std::string& section, const std::string& key, const 
 
 NameList listDrivers() {
     constexpr std::size_t kLargest = std::numeric_limits<WORD>::max();
+    forgetCachedValues();
     std::size_t size = kGrowthStep;
     while (true) {
         size = std::min(size + kGrowthStep, kLargest);
@@ -141,25 +154,44 @@ std::vector<Attribute> readSection(const std::string& section, const std::string
 }
 
 std::string attributeList(const std::vector<Attribute>& attributes) {
-    std::string list;
+    std::vector<std::string> items;
+    items.reserve(attributes.size());
     for (const Attribute& attribute : attributes) {
-        list.append(attribute.key).append("=").append(attribute.value).push_back('\0');
+        items.push_back(attribute.key + "=" + attribute.value);
     }
-    list.push_back('\0');
-    return list;
+    return terminatedList(items);
+}
+
+std::vector<std::string> attributeItems(const char* list) {
+    std::vector<std::string> items;
+    while (list != nullptr && *list != '\0') {
+        items.emplace_back(list);
+        list += items.back().size() + 1;
+    }
+    return items;
 }
 
 std::vector<Attribute> parseAttributeList(const char* list) {
     std::vector<Attribute> attributes;
-    while (list != nullptr && *list != '\0') {
-        const std::string_view item(list);
+    for (const std::string& item : attributeItems(list)) {
         const std::size_t equals = item.find('=');
-        if (equals != std::string_view::npos) {
-            attributes.push_back({std::string(item.substr(0, equals)), std::string(item.substr(equals + 1))});
+        if (equals != std::string::npos) {
+            attributes.push_back({item.substr(0, equals), item.substr(equals + 1)});
         }
-        list += item.size() + 1;
     }
     return attributes;
+}
+
+std::string copyOfAttributeList(const char* list) {
+    return list != nullptr ? terminatedList(attributeItems(list)) : std::string();
+}
+
+std::string trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n\v\f";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    return first == std::string_view::npos
+               ? std::string()
+               : std::string(text.substr(first, text.find_last_not_of(kBlanks) + 1 - first));
 }
 
 bool isValidDataSourceName(const std::string& name) {

@@ -1,6 +1,7 @@
 // The one place that calls the ODBC installer library to read and change the configuration of data sources and drivers.
 // It knows what the library leaves to its callers: lists that are cut without a word, negative lengths, values cached
-// for seconds, names left behind by a removal. GUI thread only: the installer library keeps process-wide state.
+// for seconds, names left behind by a removal. Every reading function looks into the files anew. GUI thread only: the
+// installer library keeps process-wide state.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +18,7 @@ inline constexpr const char* kDataSourceList = "ODBC Data Sources";
 // The longest name, value or line that the installer library keeps; the rest is cut by it.
 inline constexpr std::size_t kLongestName = 1000;
 
-// The longest "key=value" line that it reads back whole. What a longer one has too much becomes a line of its own, so
+// The longest "key=value" line that it reads back whole. Of a longer one it makes two lines at its next write, so
 // nobody may write one.
 inline constexpr std::size_t kLongestLine = 999;
 
@@ -53,10 +54,6 @@ private:
 // that a long list takes to fill. For the whole process, so only for programs: call it once at start-up (mallopt(3)).
 void keepMemoryBetweenReads();
 
-// Makes the next reads look into the files again: the library answers from a cache that outlives other programs' edits
-// and its own SQLWriteFileDSN. Call it before each operation that reads configuration.
-void forgetCachedValues();
-
 // The keys of `section` in `file`, in file order, never cut short. A file named by an absolute path is looked at only
 // when it exists, since reading a missing one would create it.
 NameList listKeys(const std::string& section, const std::string& file, Growth growth);
@@ -87,8 +84,15 @@ std::vector<Attribute> readSection(const std::string& section, const std::string
 // more terminator at the end (ODBC ConfigDSN, lpszAttributes).
 std::string attributeList(const std::vector<Attribute>& attributes);
 
-// The attributes in such a list; items without "=" are left out. A null list has none.
+// The items of such a list, whatever they hold; none of a null list.
+std::vector<std::string> attributeItems(const char* list);
+// The attributes among them; items without "=" are left out.
 std::vector<Attribute> parseAttributeList(const char* list);
+// The same list once more, with all its terminators; empty for a null list.
+std::string copyOfAttributeList(const char* list);
+
+// Without the blanks at both ends, which configuration files do not keep.
+std::string trimmed(std::string_view text);
 
 // Whether a data source may have this name (SQLValidDSN): its length and characters.
 bool isValidDataSourceName(const std::string& name);

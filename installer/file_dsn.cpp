@@ -23,10 +23,7 @@ bool isLaterKey(const std::string& path, const std::string& key) {
 
 bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value) {
     const auto write = [&](const char* text) {
-        const bool written = SQLWriteFileDSN(path.c_str(), kFileDsnSection, key.c_str(), text) != 0;
-        // The library goes on answering what it read before.
-        forgetCachedValues();
-        return written;
+        return SQLWriteFileDSN(path.c_str(), kFileDsnSection, key.c_str(), text) != 0;
     };
     if (value == nullptr) {
         return write(nullptr);
@@ -35,7 +32,6 @@ bool writeFileDsnValue(const std::string& path, const std::string& key, const ch
     if (key.size() + 1 + bounded.size() > kLongestLine) {
         bounded.resize(kLongestLine - std::min(kLongestLine, key.size() + 1));
     }
-    forgetCachedValues();
     // A key that is there already must go first: the library would write its new value over the first key of the
     // section.
     return (!isLaterKey(path, key) || write(nullptr)) && write(bounded.c_str());

@@ -20,6 +20,10 @@ Pixmap createPixmap(Widget widget, char** xpmData, XpmAttributes& attributes) {
     return pixmap;
 }
 
+void freeIcon(Widget widget, XtPointer icon, XtPointer /*callData*/) {
+    XFreePixmap(XtDisplay(widget), reinterpret_cast<Pixmap>(icon));
+}
+
 }  // namespace
 
 Pixmap createIconPixmap(Widget widget, const char* const* xpmData) {
@@ -36,4 +40,11 @@ Pixmap createIconPixmap(Widget widget, const char* const* xpmData) {
 void getVHIconIPixmap(Pixmap* pixmapOut, char** xpmData) {
     XpmAttributes attributes{};
     *pixmapOut = createPixmap(frmabout, xpmData, attributes);
+}
+
+void setIcon(Widget widget, const char* resource, Pixmap icon) {
+    if (icon != None) {
+        XtVaSetValues(widget, resource, icon, nullptr);
+        XtAddCallback(widget, XmNdestroyCallback, freeIcon, reinterpret_cast<XtPointer>(icon));
+    }
 }

@@ -13,3 +13,6 @@ Pixmap createIconPixmap(Widget widget, const char* const* xpmData);
 // Converts a built-in icon (XPM data) into a pixmap for `frmabout`, which must exist. The caller frees the pixmap with
 // XFreePixmap; it is None when the icon can't be made (XpmCreatePixmapFromData).
 void getVHIconIPixmap(Pixmap* pixmapOut, char** xpmData);
+
+// Shows `icon` as the pixmap `resource` of `widget`, and frees it with the widget; nothing for None.
+void setIcon(Widget widget, const char* resource, Pixmap icon);

@@ -2,7 +2,7 @@
 
 #include <Xm/MessageB.h>
 
-#include <new>
+#include <array>
 #include <string>
 
 #include "catalogs/message_numbers.h"
@@ -58,55 +58,17 @@ void answerClosed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
     pressButton(XtIsManaged(cancel) ? cancel : XtNameToWidget(messageBox, "OK"));
 }
 
-Widget createBox(Widget parent, unsigned long type, ArgumentList& arguments) {
-    static char name[] = "dialog";
-    switch (type) {
-        case kQuestionDialog:
-            return XmCreateQuestionDialog(parent, name, arguments.data(), arguments.size());
-        case kInformationDialog:
-            return XmCreateMessageDialog(parent, name, arguments.data(), arguments.size());
-        case kErrorDialog:
-            return XmCreateErrorDialog(parent, name, arguments.data(), arguments.size());
-        default:
-            return nullptr;
-    }
-}
+// What makes a kind of box what it is.
+struct Kind {
+    Widget (*create)(Widget parent, char* name, ArgList arguments, Cardinal count);
+    unsigned char motifType;  // Which decides about its sound.
+    const char* const* icon;  // Shown in the place of Motif's.
+};
 
-const char* const* iconOf(unsigned long type) {
-    switch (type) {
-        case kQuestionDialog:
-            return kQuestionIcon;
-        case kErrorDialog:
-            return kErrorIcon;
-        default:
-            return kInformationIcon;
-    }
-}
-
-void freeIcon(Widget widget, XtPointer icon, XtPointer /*callData*/) {
-    XFreePixmap(XtDisplay(widget), reinterpret_cast<Pixmap>(icon));
-}
-
-// Shows our own icon in the place of Motif's.
-void setIcon(Widget box, unsigned long type) {
-    const Pixmap icon = createIconPixmap(box, iconOf(type));
-    if (icon != None) {
-        XtVaSetValues(box, XmNsymbolPixmap, icon, nullptr);
-        XtAddCallback(box, XmNdestroyCallback, freeIcon, reinterpret_cast<XtPointer>(icon));
-    }
-}
-
-// Motif's name for each kind's sound.
-unsigned char motifType(unsigned long type) {
-    switch (type) {
-        case kQuestionDialog:
-            return XmDIALOG_QUESTION;
-        case kErrorDialog:
-            return XmDIALOG_ERROR;
-        default:
-            return XmDIALOG_INFORMATION;
-    }
-}
+// By their numbers.
+constexpr std::array<Kind, 3> kKinds{{{XmCreateQuestionDialog, XmDIALOG_QUESTION, kQuestionIcon},
+                                      {XmCreateMessageDialog, XmDIALOG_INFORMATION, kInformationIcon},
+                                      {XmCreateErrorDialog, XmDIALOG_ERROR, kErrorIcon}}};
 
 // The main shell can be what a report stood over; it has no parent, and Xt ends the process when it is unmanaged.
 void hideConfiguration(Widget configuration) {
@@ -129,6 +91,11 @@ Widget createMessageDialog(Widget parent, unsigned long type, const char* messag
         XtDestroyWidget(dialog);
         dialog = nullptr;
     }
+    if (type >= kKinds.size()) {
+        showOutOfMemoryError(parent);
+        return nullptr;
+    }
+    const Kind& kind = kKinds[type];
     {
         const XmStringPtr messageString = compoundString(wrapped(message));
         const XmStringPtr okString = compoundString(okLabel);
@@ -139,17 +106,18 @@ Widget createMessageDialog(Widget parent, unsigned long type, const char* messag
             .set(XmNcancelLabelString, cancelString.get())
             .set(XmNtitle, title)
             .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
-            .set(XmNdialogType, motifType(type));
-        dialog = createBox(parent, type, arguments);
+            .set(XmNdialogType, kind.motifType);
+        static char name[] = "dialog";
+        dialog = kind.create(parent, name, arguments.data(), arguments.size());
     }
     if (dialog == nullptr) {
-        // An unknown type would recurse for ever if it were the error box itself that can't be made.
+        // The error box is what reports that a box can't be made.
         if (type != kErrorDialog) {
             showOutOfMemoryError(parent);
         }
         return nullptr;
     }
-    setIcon(dialog, type);
+    setIcon(dialog, XmNsymbolPixmap, createIconPixmap(dialog, kind.icon));
     XtUnmanageChild(XtNameToWidget(dialog, "Help"));
     if (type != kQuestionDialog) {
         XtUnmanageChild(XtNameToWidget(dialog, "Cancel"));

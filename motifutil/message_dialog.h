@@ -3,6 +3,8 @@
 
 #include <Xm/Xm.h>
 
+#include <new>
+
 // Kinds of message box.
 inline constexpr unsigned long kQuestionDialog = 0;
 inline constexpr unsigned long kInformationDialog = 1;
@@ -26,6 +28,17 @@ void showPermissionError(Widget parent, int flag);
 
 // Shows the out-of-memory box, whose OK button abandons the configuration dialog `parent`.
 void showOutOfMemoryError(Widget parent);
+
+// Does the work of a callback of the dialog `configuration`. No exception may cross a callback, so a failed allocation
+// ends here, in the out-of-memory box.
+template <typename Work>
+void reportingLackOfMemory(Widget configuration, Work work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        showOutOfMemoryError(configuration);
+    }
+}
 
 // The two ways to abandon a configuration dialog for lack of memory: hide it, record 7312 on the error list, end the
 // nested loop. The callback finds the dialog in `clientData`.

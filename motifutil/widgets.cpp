@@ -188,6 +188,16 @@ void setLabel(Widget widget, const std::string& text) {
     XtVaSetValues(widget, XmNlabelString, label.get(), nullptr);
 }
 
+std::string fieldText(Widget field) {
+    const XtTextPtr text(XmTextGetString(field));
+    return text ? text.get() : "";
+}
+
+void showPath(Widget textField, const std::string& path) {
+    XmTextFieldSetString(textField, const_cast<char*>(path.c_str()));
+    XmTextFieldSetInsertionPosition(textField, XmTextFieldGetLastPosition(textField));
+}
+
 Dimension preferredWidth(Widget widget) {
     XtWidgetGeometry wanted{};
     XtQueryGeometry(widget, nullptr, &wanted);

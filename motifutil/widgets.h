@@ -1,5 +1,5 @@
 // One-line helpers for building windows: a builder made of them reads as the widget tree. Labels come from the catalog.
-// GUI thread only. A widget that can't be made raises std::bad_alloc, which every builder catches and reports.
+// GUI thread only. A widget that can't be made throws std::bad_alloc, which every builder catches and reports.
 #pragma once
 
 #include <Xm/Xm.h>
@@ -77,6 +77,11 @@ Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCa
                   XtPointer clientData = nullptr);
 
 void setLabel(Widget widget, const std::string& text);
+
+// The text of an XmText or XmTextField.
+std::string fieldText(Widget field);
+// Puts a path into an XmTextField and shows its end: the file's own name is what a person wants to see of a long path.
+void showPath(Widget textField, const std::string& path);
 
 // The width, or height, that the widget asks for, in pixels.
 Dimension preferredWidth(Widget widget);

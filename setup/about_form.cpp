@@ -12,10 +12,10 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/component_version.h"
 #include "motifutil/icons.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
-#include "setup/spacing.h"
 
 namespace {
 
@@ -66,19 +66,15 @@ void forget(Widget form, XtPointer /*clientData*/, XtPointer /*callData*/) {
     }
 }
 
-void freeIcon(Widget label, XtPointer icon, XtPointer /*callData*/) {
-    XFreePixmap(XtDisplay(label), reinterpret_cast<Pixmap>(icon));
-}
-
 Widget createIcon(Widget form) {
     Pixmap icon = None;
     getVHIconIPixmap(&icon, const_cast<char**>(kLogoIcon));
     Widget label = createLabel(form, "LblIcon", std::string());
     if (icon != None) {
-        XtVaSetValues(label, XmNlabelType, XmPIXMAP, XmNlabelPixmap, icon, nullptr);
-        XtAddCallback(label, XmNdestroyCallback, freeIcon, reinterpret_cast<XtPointer>(icon));
+        XtVaSetValues(label, XmNlabelType, XmPIXMAP, nullptr);
     }
-    Attach(label).topForm(kMargin).leftForm(kMargin);
+    setIcon(label, XmNlabelPixmap, icon);
+    Attach(label).topForm(kWindowMargin).leftForm(kWindowMargin);
     return label;
 }
 
@@ -92,8 +88,8 @@ Widget createText(Widget form, const char* name, const std::string& text) {
 Widget createAddress(Widget form, Widget icon) {
     Widget first = createText(form, "LblAddress1", compAddr1);
     Widget second = createText(form, "LblAddress2", compAddr2);
-    Attach(first).levelWith(icon, kRowGap / 2).rightOf(icon, kGap).rightForm(kMargin);
-    Attach(second).below(first, kRowGap / 2).rightOf(icon, kGap).rightForm(kMargin);
+    Attach(first).levelWith(icon, kRowGap / 2).rightOf(icon, kWindowGap).rightForm(kWindowMargin);
+    Attach(second).below(first, kRowGap / 2).rightOf(icon, kWindowGap).rightForm(kWindowMargin);
     const int textHeight = kRowGap + preferredHeight(first) + preferredHeight(second);
     return textHeight > preferredHeight(icon) ? second : icon;
 }
@@ -111,12 +107,12 @@ Widget createRows(Widget form, Widget above) {
                                    {"Date", SetupMessage::kAboutDate, fileDate},
                                    {"Size", SetupMessage::kAboutSize, fileSize}}};
     std::vector<Widget> labels;
-    int gap = kGap;
+    int gap = kWindowGap;
     for (const Row& row : rows) {
         Widget label = createText(form, (std::string("Lbl") + row.name).c_str(), setupText(row.label));
         Widget text = createText(form, (std::string("Txt") + row.name).c_str(), row.text);
-        Attach(label).below(above, gap).leftForm(kMargin);
-        Attach(text).below(above, gap).rightOf(label, kGap).rightForm(kMargin);
+        Attach(label).below(above, gap).leftForm(kWindowMargin);
+        Attach(text).below(above, gap).rightOf(label, kWindowGap).rightForm(kWindowMargin);
         labels.push_back(label);
         above = text;
         gap = kRowGap / 2;
@@ -158,12 +154,12 @@ Widget createAbtForm(Widget parent) {
     Widget icon = createIcon(form);
     Widget head = createAddress(form, icon);
     Widget upper = createSeparator(form, "SeparatorTop");
-    Attach(upper).below(head, kGap).leftForm(kMargin).rightForm(kMargin);
+    Attach(upper).below(head, kWindowGap).leftForm(kWindowMargin).rightForm(kWindowMargin);
     Widget last = createRows(form, upper);
     Widget lower = createSeparator(form, "SeparatorBottom");
-    Attach(lower).below(last, kGap).leftForm().rightForm();
+    Attach(lower).below(last, kWindowGap).leftForm().rightForm();
     Widget ok = createPushButton(form, "BtnOK", Message::kOk, closePressed, form);
-    Attach(ok).below(lower, kGap).rightForm(kMargin).bottomForm(kMargin);
+    Attach(ok).below(lower, kWindowGap).rightForm(kWindowMargin).bottomForm(kWindowMargin);
     XtVaSetValues(form, XmNdefaultButton, ok, XmNcancelButton, ok, nullptr);
     return form;
 }

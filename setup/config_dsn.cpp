@@ -11,11 +11,11 @@
 #include "components/identification.h"
 #include "installer/configuration.h"
 #include "installer/file_dsn.h"
-#include "setup/data_source.h"
 #include "setup/driver_properties.h"
-#include "setup/file_data_source.h"
+#include "setup/file_dsn_store.h"
 #include "setup/setup_form.h"
 #include "setup/setup_texts.h"
+#include "setup/user_dsn_store.h"
 
 namespace {
 
@@ -25,15 +25,11 @@ SetupFailure failure(unsigned int code, SetupMessage::Number text, const std::st
 
 // Whether every item of the list is "key=value". Null is the empty list.
 bool isAttributeList(const char* list) {
-    while (list != nullptr && *list != '\0') {
-        const std::string_view item(list);
+    const std::vector<std::string> items = installer::attributeItems(list);
+    return std::all_of(items.begin(), items.end(), [](const std::string& item) {
         const std::size_t equals = item.find('=');
-        if (equals == 0 || equals == std::string_view::npos) {
-            return false;
-        }
-        list += item.size() + 1;
-    }
-    return true;
+        return equals != 0 && equals != std::string::npos;
+    });
 }
 
 // The attributes that are settings.
@@ -55,9 +51,11 @@ struct Request {
     Settings attributes;
 };
 
-Settings readStored(const Request& request) {
-    return request.isFile ? readFileDataSource(request.name) : readDataSource(request.name);
-}
+// A data source that is to be configured, as the file has it.
+struct Stored {
+    std::string name;     // Empty when a new one is to be added.
+    Settings settings{};  // "Driver" included.
+};
 
 // Passwords that came with a connection string are not to end up in a file that many may read, unless they are there
 // already or the person asks for it, which takes a row of the form.
@@ -73,12 +71,13 @@ Settings withoutUnaskedPasswords(Settings attributes, const Settings& stored, co
 
 // What the form shows and proposes: for a new data source what the driver proposes, else what is stored, and over both
 // what the caller gave.
-SetupFormContent formContent(const Request& request, const std::string& storedName, const std::string& library) {
+SetupFormContent formContent(const Request& request, const Stored& stored, const std::string& library) {
     SetupFormContent content;
     content.driver = request.driver;
     content.library = library;
     content.isFile = request.isFile;
-    content.storedName = storedName;
+    content.storedName = stored.name;
+    content.stored = stored.settings;
     content.name = request.name;
     if (std::optional<std::vector<DriverProperty>> described = askDriver(library)) {
         content.rows.properties = *std::move(described);
@@ -87,9 +86,9 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
         content.rows.hasFurtherSettings = true;
     }
 
-    content.rows.stored = storedName.empty() ? Settings() : settingsOf(readStored(request));
+    content.rows.stored = settingsOf(stored.settings);
     content.rows.shown = content.rows.stored;
-    if (storedName.empty()) {
+    if (stored.name.empty()) {
         for (const DriverProperty& property : content.rows.properties) {
             if (!property.defaultValue.empty() && property.kind != PropertyKind::kFixed) {
                 setValue(content.pending, property.key, property.defaultValue);
@@ -100,7 +99,7 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
     for (const installer::Attribute& attribute :
          canAskForAll ? request.attributes
                       : withoutUnaskedPasswords(request.attributes, content.rows.stored, content.rows.properties)) {
-        if (storedName.empty() || valueOf(content.rows.stored, attribute.key) != attribute.value) {
+        if (stored.name.empty() || valueOf(content.rows.stored, attribute.key) != attribute.value) {
             setValue(content.pending, attribute.key, attribute.value);
         }
     }
@@ -111,22 +110,22 @@ SetupFormContent formContent(const Request& request, const std::string& storedNa
 }
 
 // Stores the data source, asking the user when there is a window to do it.
-std::optional<SetupFailure> setUp(const Request& request, const std::string& storedName) {
+std::optional<SetupFailure> setUp(const Request& request, const Stored& stored) {
     const std::string library = driverLibrary(request.driver);
     if (library.empty()) {
         return failure(ODBC_ERROR_INVALID_NAME, SetupMessage::kUnknownDriver, request.driver);
     }
     if (request.parent != nullptr) {
-        return runSetupForm(request.parent, formContent(request, storedName, library));
+        return runSetupForm(request.parent, formContent(request, stored, library));
     }
+    DataSourceChange change{stored.name, stored.settings, request.name, request.driver, request.attributes};
     if (request.isFile) {
-        const Settings stored = storedName.empty() ? Settings() : readStored(request);
-        return saveFileDataSource(
-            {storedName, request.name, request.driver, withoutUnaskedPasswords(request.attributes, stored, {})});
+        change.values = withoutUnaskedPasswords(request.attributes, stored.settings, {});
+        return saveFileDataSource(change);
     }
     // Adding a name that exists replaces the data source: nobody can be asked, and that is what ODBC tells callers to
     // expect of ConfigDSN without a window.
-    return saveDataSource({storedName, request.name, request.driver, request.attributes});
+    return saveDataSource(change);
 }
 
 std::optional<SetupFailure> carryOutForFile(WORD code, const Request& request) {
@@ -139,7 +138,7 @@ std::optional<SetupFailure> carryOutForFile(WORD code, const Request& request) {
     if (code == ODBC_CONFIG_DSN && !fileExists(request.name)) {
         return failure(ODBC_ERROR_INVALID_DSN, SetupMessage::kNoSuchFile, request.name);
     }
-    return setUp(request, code == ODBC_ADD_DSN ? std::string() : request.name);
+    return code == ODBC_ADD_DSN ? setUp(request, {}) : setUp(request, {request.name, readFileDataSource(request.name)});
 }
 
 std::optional<SetupFailure> carryOut(WORD code, const Request& request) {
@@ -152,10 +151,11 @@ std::optional<SetupFailure> carryOut(WORD code, const Request& request) {
     if (code != ODBC_CONFIG_DSN && code != ODBC_REMOVE_DSN) {
         return failure(ODBC_ERROR_INVALID_REQUEST_TYPE, SetupMessage::kUnknownRequest, std::to_string(code));
     }
-    if (request.name.empty() || !dataSourceExists(request.name)) {
+    Stored stored{request.name, readDataSource(request.name)};
+    if (stored.settings.empty() && !isListed(request.name)) {
         return failure(ODBC_ERROR_INVALID_DSN, SetupMessage::kNoSuchDataSource, request.name);
     }
-    return code == ODBC_CONFIG_DSN ? setUp(request, request.name) : removeDataSource(request.name);
+    return code == ODBC_CONFIG_DSN ? setUp(request, stored) : deleteDataSource(request.name);
 }
 
 // `fileName` is null for a user data source.
@@ -167,12 +167,11 @@ std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver
         if (!isAttributeList(attributes)) {
             return failure(ODBC_ERROR_INVALID_KEYWORD_VALUE, SetupMessage::kBadAttributes);
         }
-        installer::forgetCachedValues();
         const Settings given = installer::parseAttributeList(attributes);
-        return carryOut(
-            code, {static_cast<Widget>(parent), driver != nullptr ? driver : "", fileName != nullptr,
-                   fileName != nullptr ? installer::withFileDsnExtension(fileName) : trimmed(valueOf(given, kNameKey)),
-                   settingsOf(given)});
+        return carryOut(code, {static_cast<Widget>(parent), driver != nullptr ? driver : "", fileName != nullptr,
+                               fileName != nullptr ? installer::withFileDsnExtension(fileName)
+                                                   : installer::trimmed(valueOf(given, kNameKey)),
+                               settingsOf(given)});
     } catch (const std::exception&) {
         // Nothing here throws but for want of memory.
         return SetupFailure{ODBC_ERROR_OUT_OF_MEM, "Out of memory", {}};

@@ -84,7 +84,8 @@ std::string braced(const std::string& value) {
 // In braces only where the string could not be read otherwise. Other punctuation is harmless inside of a value, and
 // there are drivers, that of SQLite is one, which take braces for a part of it.
 std::string quoted(const std::string& value) {
-    const bool isPlain = value.find(';') == std::string::npos && value.front() != '{' && value == trimmed(value);
+    const bool isPlain =
+        value.find(';') == std::string::npos && value.front() != '{' && value == installer::trimmed(value);
     return isPlain ? value : braced(value);
 }
 

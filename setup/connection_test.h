@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "setup/data_source.h"
+#include "setup/settings.h"
 
 // A connection string for `driver` with these settings (ODBC SQLDriverConnect). What names or would write a data source
 // is left out: only what the person typed counts.

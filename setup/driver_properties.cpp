@@ -13,7 +13,7 @@
 
 #include "bos/library.h"
 #include "installer/configuration.h"
-#include "setup/data_source.h"
+#include "setup/settings.h"
 
 namespace {
 
@@ -85,8 +85,8 @@ std::vector<DriverProperty> copyProperties(const ODBCINSTPROPERTY* node) {
     std::vector<DriverProperty> properties;
     for (std::size_t count = 0; node != nullptr && count < kMostProperties; node = node->pNext, ++count) {
         DriverProperty property;
-        property.key = trimmed(textOf(node->szName));
-        property.defaultValue = trimmed(textOf(node->szValue));
+        property.key = installer::trimmed(textOf(node->szName));
+        property.defaultValue = installer::trimmed(textOf(node->szValue));
         property.choices = choicesOf(*node);
         property.help = oneLine(node->pszHelp == nullptr ? "" : node->pszHelp);
         property.kind = kindOf(node->nPromptType, property.key, !property.choices.empty());

@@ -20,7 +20,7 @@ std::optional<SetupFailure> parseLines(std::string_view text, Settings& settings
     };
     while (!text.empty()) {
         const std::size_t end = text.find('\n');
-        const std::string line = trimmed(text.substr(0, end));
+        const std::string line = installer::trimmed(text.substr(0, end));
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
         if (line.empty()) {
             continue;
@@ -29,11 +29,11 @@ std::optional<SetupFailure> parseLines(std::string_view text, Settings& settings
         if (equals == std::string::npos) {
             return wrong(SetupMessage::kNotKeyAndValue, line);
         }
-        const std::string key = trimmed(line.substr(0, equals));
+        const std::string key = installer::trimmed(line.substr(0, equals));
         if (findValue(settings, key) != nullptr) {
             return wrong(SetupMessage::kKeyTwice, key);
         }
-        settings.push_back({key, trimmed(line.substr(equals + 1))});
+        settings.push_back({key, installer::trimmed(line.substr(equals + 1))});
     }
     return std::nullopt;
 }
@@ -81,6 +81,5 @@ std::optional<SetupFailure> FurtherSettings::changes(const std::function<bool(co
 }
 
 std::string FurtherSettings::text() const {
-    const XtTextPtr text(XmTextGetString(text_));
-    return text ? std::string(text.get()) : std::string();
+    return fieldText(text_);
 }

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "setup/data_source.h"
+#include "setup/settings.h"
 
 class FurtherSettings {
 public:

@@ -15,8 +15,8 @@
 #include "motifutil/message_dialog.h"
 #include "motifutil/text_verifiers.h"
 #include "motifutil/widgets.h"
-#include "setup/data_source.h"
-#include "setup/file_dialog.h"
+#include "setup/path_chooser.h"
+#include "setup/settings.h"
 #include "setup/setup_texts.h"
 
 namespace {
@@ -33,11 +33,6 @@ std::string widgetName(const char* prefix, const std::string& key, const char* s
     return name;
 }
 
-std::string fieldText(Widget textField) {
-    const XtTextPtr text(XmTextFieldGetString(textField));
-    return text ? std::string(text.get()) : std::string();
-}
-
 class TextRow : public SettingRow {
 public:
     TextRow(Widget parent, const std::string& key, const std::string& fieldName, const std::string& value)
@@ -47,7 +42,7 @@ public:
         XmTextFieldSetString(field_, const_cast<char*>(value.c_str()));
         filled();
     }
-    std::string value() const override { return trimmed(fieldText(field_)); }
+    std::string value() const override { return installer::trimmed(fieldText(field_)); }
 };
 
 // What the person sees as the dialog: the form whose parent is a shell.
@@ -63,18 +58,15 @@ class FileRow : public TextRow {
 public:
     FileRow(Widget parent, const std::string& key, const std::string& value)
         : TextRow(parent, key, widgetName("Txt", key), value) {
-        aside_ = createPushButton(parent, widgetName("Btn", key, "Browse").c_str(), Message::kBrowse, browse, field_);
+        companion_ =
+            createPushButton(parent, widgetName("Btn", key, "Browse").c_str(), Message::kBrowse, browse, field_);
         // A button in a line with fields is not much higher than they are.
-        XtVaSetValues(aside_, XmNmarginHeight, 1, nullptr);
+        XtVaSetValues(companion_, XmNmarginHeight, 1, nullptr);
     }
 
 private:
     static void browse(Widget button, XtPointer field, XtPointer /*callData*/) {
-        try {
-            showFileDialog(static_cast<Widget>(field));
-        } catch (const std::bad_alloc&) {
-            showOutOfMemoryError(dialogAround(button));
-        }
+        reportingLackOfMemory(dialogAround(button), [field] { choosePath(static_cast<Widget>(field)); });
     }
 };
 
@@ -190,12 +182,12 @@ public:
         XmTextFieldSetString(text_, const_cast<char*>(value.c_str()));
         // An empty field says nothing of what the driver does then.
         if (!property.defaultValue.empty()) {
-            aside_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
-                                 setupText(SetupMessage::kDefaultHint, property.defaultValue));
+            companion_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
+                                     setupText(SetupMessage::kDefaultHint, property.defaultValue));
         }
         filled();
     }
-    std::string value() const override { return trimmed(fieldText(text_)); }
+    std::string value() const override { return installer::trimmed(fieldText(text_)); }
 };
 
 // One of the choices. The first leaves the setting to the driver, and a stored value that the driver does not offer is

@@ -19,8 +19,8 @@ public:
     // For the form to place. The field is filled already.
     Widget label() const { return label_; }
     Widget field() const { return field_; }
-    // A word or a button on the right of the field; null when there is none.
-    Widget aside() const { return aside_; }
+    // What belongs to the field and stands on its right, a word or a button; null when there is none.
+    Widget companion() const { return companion_; }
     // A second line below the field: a choice and a word on its right; null when there is none.
     Widget toggle() const { return toggle_; }
     Widget toggleHint() const { return toggleHint_; }
@@ -47,7 +47,7 @@ protected:
     std::string key_;
     Widget label_ = nullptr;
     Widget field_ = nullptr;
-    Widget aside_ = nullptr;
+    Widget companion_ = nullptr;
     Widget toggle_ = nullptr;
     Widget toggleHint_ = nullptr;
 

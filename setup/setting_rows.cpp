@@ -7,9 +7,9 @@
 #include <algorithm>
 
 #include "motifutil/scrolling.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "setup/setup_texts.h"
-#include "setup/spacing.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ void placeBelow(Widget widget, Widget above, int margin) {
 
 void placeField(Widget label, Widget field, Widget above, int margin, bool stretched) {
     placeBelow(field, above, margin);
-    Attach(field).rightOf(label, kGap);
+    Attach(field).rightOf(label, kWindowGap);
     if (stretched) {
         Attach(field).rightForm(margin);
     }
@@ -39,15 +39,15 @@ void placeField(Widget label, Widget field, Widget above, int margin, bool stret
 
 // Puts a widget between a field and the end of its row. The field's width depends on it, so nothing of it may depend on
 // the field: for a form that is a circle, even if one is about widths and the other about heights.
-void placeAtEnd(Widget aside, Widget field, Widget above, int margin) {
-    placeBelow(aside, above, margin);
-    Attach(aside).rightForm(margin);
-    XtVaSetValues(aside, XmNrecomputeSize, False, XmNheight, preferredHeight(field), nullptr);
-    Attach(field).leftOf(aside, kGap);
+void placeAtEnd(Widget companion, Widget field, Widget above, int margin) {
+    placeBelow(companion, above, margin);
+    Attach(companion).rightForm(margin);
+    XtVaSetValues(companion, XmNrecomputeSize, False, XmNheight, preferredHeight(field), nullptr);
+    Attach(field).leftOf(companion, kWindowGap);
 }
 
 // Two rows with the same words would be told apart by nobody: the driver's own names do.
-void nameApart(const std::vector<std::unique_ptr<SettingRow>>& rows) {
+void useKeysForEqualLabels(const std::vector<std::unique_ptr<SettingRow>>& rows) {
     for (const auto& row : rows) {
         const bool isAlone = std::none_of(rows.begin(), rows.end(), [&row](const auto& other) {
             return other != row && settingLabel(other->key()) == settingLabel(row->key());
@@ -95,7 +95,7 @@ void SettingRows::createRows(const RowContent& content) {
             rows_.push_back(std::move(row));
         }
     }
-    nameApart(rows_);
+    useKeysForEqualLabels(rows_);
     if (content.hasFurtherSettings) {
         Settings further = content.shown;
         std::erase_if(further, [this](const installer::Attribute& setting) { return hasRow(setting.key); });
@@ -114,7 +114,7 @@ void SettingRows::watchScrolling() {
     XtAddEventHandler(window_, StructureNotifyMask, False, resized, this);
     scrollWithWheel(window_, form_);
     for (const auto& row : rows_) {
-        for (Widget widget : {row->label(), row->focus(), row->aside(), row->toggle(), row->toggleHint()}) {
+        for (Widget widget : {row->label(), row->focus(), row->companion(), row->toggle(), row->toggleHint()}) {
             if (widget != nullptr) {
                 scrollWithWheel(window_, widget);
             }
@@ -135,17 +135,17 @@ std::vector<Widget> SettingRows::labels() const {
 
 Widget placeRow(const SettingRow& row, Widget above, int margin) {
     placeField(row.label(), row.field(), above, margin, row.isStretched());
-    if (row.aside() != nullptr && row.isStretched()) {
-        placeAtEnd(row.aside(), row.field(), above, margin);
-    } else if (row.aside() != nullptr) {
-        Attach(row.aside()).rightOf(row.field(), kGap);
-        keepLevel(row.aside(), row.field());
+    if (row.companion() != nullptr && row.isStretched()) {
+        placeAtEnd(row.companion(), row.field(), above, margin);
+    } else if (row.companion() != nullptr) {
+        Attach(row.companion()).rightOf(row.field(), kWindowGap);
+        keepLevel(row.companion(), row.field());
     }
     if (row.toggle() == nullptr) {
         return row.field();
     }
-    Attach(row.toggle()).below(row.field(), 0).rightOf(row.label(), kGap);
-    Attach(row.toggleHint()).rightOf(row.toggle(), kGap);
+    Attach(row.toggle()).below(row.field(), 0).rightOf(row.label(), kWindowGap);
+    Attach(row.toggleHint()).rightOf(row.toggle(), kWindowGap);
     keepLevel(row.toggleHint(), row.toggle());
     return row.toggle();
 }
@@ -194,7 +194,7 @@ bool SettingRows::hasHelp() const {
 
 void SettingRows::explainIn(HintLine& hint) const {
     for (const auto& row : rows_) {
-        for (Widget widget : {row->focus(), row->aside(), row->toggle()}) {
+        for (Widget widget : {row->focus(), row->companion(), row->toggle()}) {
             if (widget != nullptr) {
                 hint.explain(widget, row->help());
             }
@@ -240,7 +240,7 @@ void SettingRows::addUnstored(Settings& settings) const {
 
 std::optional<SetupFailure> SettingRows::checkStorable() const {
     for (const auto& row : rows_) {
-        if (row->isStored() && row->isChanged() && row->value() != trimmed(row->value())) {
+        if (row->isStored() && row->isChanged() && row->value() != installer::trimmed(row->value())) {
             return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kPasswordBlanks), row->key()};
         }
     }

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "setup/data_source.h"
 #include "setup/driver_properties.h"
 #include "setup/further_settings.h"
 #include "setup/hint_line.h"
 #include "setup/setting_row.h"
+#include "setup/settings.h"
 
 // Which settings have rows, and what they show at first.
 struct RowContent {

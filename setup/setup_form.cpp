@@ -14,15 +14,15 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "setup/about_form.h"
 #include "setup/connection_test.h"
 #include "setup/connection_test_box.h"
-#include "setup/file_data_source.h"
+#include "setup/file_dsn_store.h"
 #include "setup/hint_line.h"
 #include "setup/setting_row.h"
 #include "setup/setup_texts.h"
-#include "setup/spacing.h"
 
 namespace {
 
@@ -35,16 +35,6 @@ struct WidgetDestroyer {
     void operator()(Widget widget) const { XtDestroyWidget(widget); }
 };
 using WidgetPtr = std::unique_ptr<std::remove_pointer_t<Widget>, WidgetDestroyer>;
-
-// Shows what an exception in a callback means; none may pass through the toolkit.
-template <typename Action>
-void guarded(Widget dialogForm, Action action) {
-    try {
-        action();
-    } catch (const std::bad_alloc&) {
-        showOutOfMemoryError(dialogForm);
-    }
-}
 
 // The dialog while it is open. It belongs to its shell and goes with it, since callbacks may need it until then.
 class SetupForm {
@@ -163,42 +153,42 @@ void SetupForm::layOut() {
     std::vector<Widget> labels = rows_->labels();
     labels.insert(labels.end(), {name_->label(), description_->label()});
     equalizeWidths(labels);
-    placeRow(*description_, placeRow(*name_, nullptr, kMargin), kMargin);
+    placeRow(*description_, placeRow(*name_, nullptr, kWindowMargin), kWindowMargin);
     rows_->layOut();
-    Attach(btnTest_).leftForm(kMargin).bottomForm(kMargin);
-    Attach(btnAbout_).rightOf(btnTest_, kGap).bottomForm(kMargin);
-    Attach(btnHelp_).rightForm(kMargin).bottomForm(kMargin);
-    Attach(btnCancel_).leftOf(btnHelp_, kGap).bottomForm(kMargin);
-    Attach(btnOk_).leftOf(btnCancel_, kGap).bottomForm(kMargin);
-    Attach(separator_).leftForm().rightForm().above(btnOk_, kGap);
+    Attach(btnTest_).leftForm(kWindowMargin).bottomForm(kWindowMargin);
+    Attach(btnAbout_).rightOf(btnTest_, kWindowGap).bottomForm(kWindowMargin);
+    Attach(btnHelp_).rightForm(kWindowMargin).bottomForm(kWindowMargin);
+    Attach(btnCancel_).leftOf(btnHelp_, kWindowGap).bottomForm(kWindowMargin);
+    Attach(btnOk_).leftOf(btnCancel_, kWindowGap).bottomForm(kWindowMargin);
+    Attach(separator_).leftForm().rightForm().above(btnOk_, kWindowGap);
     if (hint_) {
-        Attach(hint_->line()).leftForm(kMargin).rightForm(kMargin).above(separator_, kRowGap);
+        Attach(hint_->line()).leftForm(kWindowMargin).rightForm(kWindowMargin).above(separator_, kRowGap);
     }
     Attach(rows_->window())
         .below(description_->field(), kRowGap)
-        .leftForm(kMargin)
-        .rightForm(kMargin - SettingRows::kFrame)
-        .above(hint_ ? hint_->line() : separator_, hint_ ? kRowGap : kGap);
+        .leftForm(kWindowMargin)
+        .rightForm(kWindowMargin - SettingRows::kFrame)
+        .above(hint_ ? hint_->line() : separator_, hint_ ? kRowGap : kWindowGap);
 }
 
 // Gives the dialog the size that its rows need, up to a share of the screen's height.
 void SetupForm::setSizes() {
     constexpr int kFrame = SettingRows::kFrame;
     const int around = preferredHeight(name_->field()) + preferredHeight(description_->field()) +
-                       preferredHeight(btnOk_) + 2 * kMargin + 2 * kRowGap + 2 * kGap + kFrame +
-                       (hint_ ? preferredHeight(hint_->line()) + 2 * kRowGap - kGap : 0);
+                       preferredHeight(btnOk_) + 2 * kWindowMargin + 2 * kRowGap + 2 * kWindowGap + kFrame +
+                       (hint_ ? preferredHeight(hint_->line()) + 2 * kRowGap - kWindowGap : 0);
     const int most = HeightOfScreen(XtScreen(form_)) * kLargestShare / 100 - around;
-    const int width = std::max<int>(rows_->width(), 5 * preferredWidth(btnOk_) + 6 * kGap);
+    const int width = std::max<int>(rows_->width(), 5 * preferredWidth(btnOk_) + 6 * kWindowGap);
     rows_->show(width, std::min(rows_->height(), std::max(most, kLeastRows)));
     Dimension shown = 0;
     XtVaGetValues(rows_->window(), XmNwidth, &shown, nullptr);
-    XtVaSetValues(shell_, XmNminWidth, shown + 2 * kMargin, XmNminHeight,
+    XtVaSetValues(shell_, XmNminWidth, shown + 2 * kWindowMargin, XmNminHeight,
                   around + std::min(rows_->height(), kLeastRows), nullptr);
 }
 
 // Takes what stands in the dialog as the change to be made, or tells what is wrong with it.
 std::optional<SetupFailure> SetupForm::collect() {
-    change_ = {content_.storedName, name_->value(), content_.driver, content_.pending};
+    change_ = {content_.storedName, content_.stored, name_->value(), content_.driver, content_.pending};
     if (!content_.isFile && change_.name != change_.storedName) {
         if (std::optional<SetupFailure> failure = checkName(change_.name)) {
             failure->key = kNameKey;
@@ -243,7 +233,6 @@ void SetupForm::accept() {
         report(*failure);
         return;
     }
-    installer::forgetCachedValues();
     if (!takesNameOfAnother()) {
         save();
         return;
@@ -305,7 +294,7 @@ void SetupForm::focusOn(const std::string& key) {
 
 void SetupForm::okPressed(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
     auto* self = static_cast<SetupForm*>(form);
-    guarded(self->form_, [self] { self->accept(); });
+    reportingLackOfMemory(self->form_, [self] { self->accept(); });
 }
 
 void SetupForm::cancelPressed(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
@@ -314,12 +303,12 @@ void SetupForm::cancelPressed(Widget /*widget*/, XtPointer form, XtPointer /*cal
 
 void SetupForm::testPressed(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
     auto* self = static_cast<SetupForm*>(form);
-    guarded(self->form_, [self] { self->test(); });
+    reportingLackOfMemory(self->form_, [self] { self->test(); });
 }
 
 void SetupForm::aboutPressed(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
     auto* self = static_cast<SetupForm*>(form);
-    guarded(self->form_, [self] {
+    reportingLackOfMemory(self->form_, [self] {
         describeForAbout(self->content_.library);
         XtManageChild(createAbtForm(self->form_));
     });
@@ -332,7 +321,7 @@ void SetupForm::helpPressed(Widget /*widget*/, XtPointer /*form*/, XtPointer /*c
 
 void SetupForm::replaceAccepted(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
     auto* self = static_cast<SetupForm*>(form);
-    guarded(self->form_, [self] { self->save(); });
+    reportingLackOfMemory(self->form_, [self] { self->save(); });
 }
 
 void SetupForm::resized(Widget /*widget*/, XtPointer form, XEvent* event, Boolean* /*continueToDispatch*/) {

@@ -6,14 +6,15 @@
 #include <optional>
 #include <string>
 
-#include "setup/data_source.h"
 #include "setup/setting_rows.h"
+#include "setup/settings.h"
 
 struct SetupFormContent {
     std::string driver;
     std::string library;     // The driver's.
     bool isFile = false;     // A file data source, whose name is its path and can't be changed.
     std::string storedName;  // Empty for a new data source.
+    Settings stored;         // All keys that it has, "Driver" included.
     std::string name;        // Proposed name.
     RowContent rows;
     Settings pending;  // Those of the values shown that are to be stored when the user accepts them as they are.

@@ -11,6 +11,7 @@
 #include "admin/driver_chooser.h"
 #include "admin/file_dsn_page.h"
 #include "admin/file_dsn_wizard.h"
+#include "admin/file_name_screen.h"
 #include "admin/globals.h"
 #include "admin/main_window.h"
 #include "motifutil/catalog_text.h"

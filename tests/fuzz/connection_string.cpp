@@ -1,5 +1,5 @@
 // The connection string of a file data source: lines with its file name and its driver, then the attributes typed.
-#include "admin/file_dsn_file.h"
+#include "admin/file_dsn_writer.h"
 #include "admin/globals.h"
 #include "installer/configuration.h"
 #include "tests/fuzz/fuzz.h"

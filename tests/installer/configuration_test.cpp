@@ -15,7 +15,6 @@ protected:
     void SetUp() override { restart(); }
     static void restart() {
         installer::useUserConfiguration();
-        installer::forgetCachedValues();
     }
     static installer::NameList keys(const std::string& section,
                                     installer::Growth growth = installer::Growth::kByKilobyte) {
@@ -42,7 +41,6 @@ TEST_F(ConfigurationTest, NoListIsCutShort) {
         }
         files.write(OdbcFiles::kUser, file);
         for (const auto growth : {installer::Growth::kByKilobyte, installer::Growth::kByDoubling}) {
-            installer::forgetCachedValues();
             EXPECT_EQ(keys("S", growth).names, names) << count << " names of " << length;
         }
     }
@@ -60,7 +58,6 @@ TEST_F(ConfigurationTest, WhatCanNotBeReadIsEmpty) {
 TEST_F(ConfigurationTest, ReadingFollowsOtherPrograms) {
     for (const std::string text : {"old", "new"}) {
         files.write(OdbcFiles::kUser, "[S]\nk=" + text + "\n");
-        installer::forgetCachedValues();
         EXPECT_EQ(value("S", "k"), text);
         EXPECT_EQ(value("s", "K"), text) << "case does not count";
     }
@@ -108,7 +105,6 @@ TEST_F(ConfigurationTest, SystemDataSourcesAreNotTheUsers) {
 TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
     EXPECT_EQ(installer::listDrivers().names, Names());
     files.write(OdbcFiles::kDrivers, "[b]\nDriver=x\n[ODBC]\nTrace=0\n[A]\nDriver=y\n[Empty]\n");
-    installer::forgetCachedValues();
     EXPECT_EQ(installer::listDrivers().names, (Names{"b", "A", "Empty"}));
     // More than the 16-bit length can tell: what fits is whole.
     std::string file;
@@ -116,7 +112,6 @@ TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
         file += "[driver " + std::to_string(i) + "]\nDriver=x\n";
     }
     files.write(OdbcFiles::kDrivers, file);
-    installer::forgetCachedValues();
     const Names drivers = installer::listDrivers().names;
     ASSERT_GT(drivers.size(), 5000U);
     for (std::size_t i = 0; i < drivers.size(); ++i) {

@@ -80,7 +80,6 @@ WindowTest::WindowTest() {
     bosSetInstallDir(nullptr);
     Rfile = OpenStrings(nullptr, "odbc.m");
     installer::useUserConfiguration();
-    installer::forgetCachedValues();
 }
 
 WindowTest::~WindowTest() {

@@ -1,4 +1,4 @@
-#include "admin/file_dsn_file.h"
+#include "admin/file_dsn_writer.h"
 
 #include <strings.h>
 
@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "admin/dialogs.h"
-#include "admin/flow.h"
 #include "admin/globals.h"
 #include "bos/file.h"
 #include "bos/host.h"
@@ -55,27 +54,11 @@ void append(KvString& string, const std::string& text) {
     }
 }
 
-// True only when nothing is there: what can't be looked at may be a file that somebody needs. A link that leads nowhere
-// is there too: writing would make the file that it names, and deleting would leave that behind.
-bool isFree(const char* path) {
-    const PrivateErrorList errors;
-    std::error_code ignored;
-    return bosFileDateSize(path, nullptr, nullptr) != 0 &&
-           KvErrorKeeper::getLastErrorNumber() == LibraryMessage::kFileNotFound &&
-           !std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
-}
-
 // The installer library would look for a relative path in the system's folder of file data sources, and write there.
 std::string absolutePath(const std::string& path) {
     std::error_code failure;
     const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
     return failure ? path : absolute.lexically_normal().string();
-}
-
-// The library reads keys and values so; but a key with a blank that is there already it would write a second time.
-std::string withoutBlanks(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(" \t\r");
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r") + 1 - first);
 }
 
 // Whether the file holds the attribute, cut at most where the line is full.
@@ -88,7 +71,6 @@ bool isStored(const std::string& path, const installer::Attribute& attribute) {
 }  // namespace
 
 void getFileDSNDefaultDir(char* buffer) {
-    installer::forgetCachedValues();
     // One byte is left for the slash.
     constexpr std::size_t kSize = kFileDsnNameSize - 1;
     std::string directory = installer::readValue("ODBC FILE DSN", "DefaultDSNDir", installer::kDataSourceFile, kSize);
@@ -135,40 +117,12 @@ bool setFullPath() {
     return true;
 }
 
-bool checkPerm(const char* name) {
-    if (name == nullptr) {
-        return false;
-    }
-    if (!setFullPath()) {
-        showError(Message::kFileNameTooLong);
-        return false;
-    }
-    if (isFree(FileDSNName)) {
-        if (bosftest(FileDSNName) != 0) {
-            return true;
-        }
-        showError(Message::kDirectoryNotWritable);
-        return false;
-    }
-    askQuestion(catalogText(Message::kOverwriteQuestion), FileDSNName, overwriteFileDSN, openSaveAsControl);
-    return false;
-}
-
-void overwriteFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
-    guarded([path] {
-        const auto* file = static_cast<const char*>(path);
-        if (!deleteFileDSN(file)) {
-            // The button reads as the answer did that led here.
-            showError(Message::kOverwriteFailed, Message::kAnswerYes, Message::kDialogTitle);
-            return;
-        }
-        replaceText(FileDSNName, file);
-        finish(nullptr, nullptr);
-    });
-}
-
-void openSaveAsControl(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    showFileDialogBox(kChooseFileName);
+bool isFreePath(const char* path) {
+    const PrivateErrorList errors;
+    std::error_code ignored;
+    return bosFileDateSize(path, nullptr, nullptr) != 0 &&
+           KvErrorKeeper::getLastErrorNumber() == LibraryMessage::kFileNotFound &&
+           !std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
 }
 
 bool createArray(const char* driver, const char* attributeText) {
@@ -220,18 +174,14 @@ void getAdvancedArgumentString(char** list) {
     (*list)[items.size() + 1] = '\0';
 }
 
-void writeDsnToFile(const char* connectionString) {
-    if (!checkPerm(FileDSNName)) {
-        return;
-    }
-    const std::string path = FileDSNName;
+bool writeFileDsn(const std::string& path, const char* driver, const char* connectionString) {
     std::vector<installer::Attribute> written;
     const auto write = [&](const std::string& key, const std::string& value) {
         installer::writeFileDsnValue(path, key, value.c_str());
         std::erase_if(written, [&key](const installer::Attribute& old) { return installer::sameName(old.key, key); });
         written.push_back({key, value});
     };
-    write("Driver", CurrentDriver != nullptr ? CurrentDriver : "");
+    write("Driver", driver != nullptr ? driver : "");
     for (const std::string& item : split(connectionString, ';')) {
         // No item is both. So the path and the braced name of the driver are written too, as files that the
         // administrator made always had them, and the driver's key takes the spelling and the braces of the second
@@ -241,14 +191,13 @@ void writeDsnToFile(const char* connectionString) {
         }
         const std::size_t equals = item.find('=');
         if (equals != std::string::npos && equals == item.rfind('=')) {
-            write(withoutBlanks(item.substr(0, equals).substr(0, kKeySize - 1)),
-                  withoutBlanks(item.substr(equals + 1).substr(0, kValueSize - 1)));
+            // A key with a blank that is there already would be written a second time.
+            write(installer::trimmed(item.substr(0, equals).substr(0, kKeySize - 1)),
+                  installer::trimmed(item.substr(equals + 1).substr(0, kValueSize - 1)));
         }
     }
-    if (!std::all_of(written.begin(), written.end(),
-                     [&path](const auto& attribute) { return isStored(path, attribute); })) {
-        showError(Message::kFileIncomplete);
-    }
+    return std::all_of(written.begin(), written.end(),
+                       [&path](const auto& attribute) { return isStored(path, attribute); });
 }
 
 bool deleteFileDSN(const char* path) {

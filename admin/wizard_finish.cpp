@@ -1,7 +1,6 @@
-#include "admin/add_data_source.h"
+#include "admin/wizard_finish.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,21 +8,24 @@
 #include "admin/dialogs.h"
 #include "admin/driver_chooser.h"
 #include "admin/driver_setup.h"
-#include "admin/file_dsn_file.h"
 #include "admin/file_dsn_page.h"
-#include "admin/flow.h"
+#include "admin/file_dsn_writer.h"
+#include "admin/file_name_dialog.h"
+#include "admin/file_name_screen.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "admin/test_connect.h"
 #include "admin/user_dsn_page.h"
+#include "bos/file.h"
 #include "installer/configuration.h"
+#include "installer/file_dsn.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/widgets.h"
 
 namespace {
 
 // The setup library of a driver, as its section in the driver file says now; empty, after a report, when it has none.
 std::string setupLibraryOf(const std::string& driver) {
-    installer::forgetCachedValues();
     std::string setup = installer::readValue(driver, "Setup", installer::kDriverFile);
     if (setup.empty()) {
         showError(Message::kDriverHasNoSetup);
@@ -66,15 +68,6 @@ void finishFileDataSource(const char* attributes) {
     }
 }
 
-// The list with all its terminators.
-std::string copyOf(const char* list) {
-    const char* end = list;
-    while (*end != '\0') {
-        end += std::strlen(end) + 1;
-    }
-    return {list, end + 1};
-}
-
 }  // namespace
 
 void finish(Widget /*widget*/, XtPointer attributes, XtPointer /*callData*/) {
@@ -85,7 +78,7 @@ void finish(Widget /*widget*/, XtPointer attributes, XtPointer /*callData*/) {
             finishFileDataSource(nullptr);
         } else {
             // The box that owns the list may go before the driver is done with it.
-            finishFileDataSource(copyOf(static_cast<const char*>(attributes)).c_str());
+            finishFileDataSource(installer::copyOfAttributeList(static_cast<const char*>(attributes)).c_str());
         }
     });
 }
@@ -116,7 +109,70 @@ void finishWithAttributes() {
     getAdvancedArgumentString(&list);
     const std::unique_ptr<char, decltype(&std::free)> owned(list, &std::free);
     showResult(works ? catalogText(Message::kTestSucceeded) : test.getErrorMsgFromTestConnect(),
-               Message::kTestResultTitle, list != nullptr ? copyOf(list) : std::string(), finish);
+               Message::kTestResultTitle, installer::copyOfAttributeList(list), finish);
     deleteFileDSN(FileDSNName);
     refreshFileDsnPage();
+}
+
+bool checkPerm(const char* name) {
+    if (name == nullptr) {
+        return false;
+    }
+    if (!setFullPath()) {
+        showError(Message::kFileNameTooLong);
+        return false;
+    }
+    if (isFreePath(FileDSNName)) {
+        if (bosftest(FileDSNName) != 0) {
+            return true;
+        }
+        showError(Message::kDirectoryNotWritable);
+        return false;
+    }
+    askQuestion(catalogText(Message::kOverwriteQuestion), FileDSNName, overwriteFileDSN, openSaveAsControl);
+    return false;
+}
+
+void writeDsnToFile(const char* connectionString) {
+    if (checkPerm(FileDSNName) && !writeFileDsn(FileDSNName, CurrentDriver, connectionString)) {
+        showError(Message::kFileIncomplete);
+    }
+}
+
+void overwriteFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
+    guarded([path] {
+        const auto* file = static_cast<const char*>(path);
+        if (!deleteFileDSN(file)) {
+            // The button reads as the answer did that led here.
+            showError(Message::kOverwriteFailed, Message::kAnswerYes, Message::kDialogTitle);
+            return;
+        }
+        replaceText(FileDSNName, file);
+        finish(nullptr, nullptr);
+    });
+}
+
+void openSaveAsControl(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    showFileDialogBox(kChooseFileName, dsnFileSelected);
+}
+
+void dsnFileSelected(Widget dialogBox, XtPointer mode, XtPointer /*callData*/) {
+    guarded([dialogBox, mode] {
+        XmString selected = nullptr;
+        XtVaGetValues(dialogBox, XmNdirSpec, &selected, nullptr);
+        const XmStringPtr owned(selected);
+        std::string name = plainText(selected);
+        if (name.ends_with('/')) {
+            return;
+        }
+        name = installer::withFileDsnExtension(name);
+        // First, since the driver's own dialog may come up in finish().
+        XtUnmanageChild(dialogBox);
+        if (reinterpret_cast<XtArgVal>(mode) == kChooseFileName) {
+            replaceText(FileDSNName, name.c_str());
+            finish(nullptr, nullptr);
+        } else {
+            showPath(Text7, name);
+        }
+    });
 }

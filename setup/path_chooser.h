@@ -1,4 +1,4 @@
-// The dialog in which a file is chosen for a setting. GUI thread only.
+// Choosing the file that a setting names. GUI thread only.
 #pragma once
 
 #include <Xm/Xm.h>
@@ -6,4 +6,4 @@
 // Lets the person choose a file; its path then replaces the text of `field` (XmTextField), whose own path is where the
 // dialog begins. Escape and the window manager's close leave the field alone. Full application modal over `field`'s
 // window; returns at once. `field` must outlive the dialog, as a parent does.
-void showFileDialog(Widget field);
+void choosePath(Widget field);

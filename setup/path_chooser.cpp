@@ -1,7 +1,6 @@
-#include "setup/file_dialog.h"
+#include "setup/path_chooser.h"
 
 #include <Xm/FileSB.h>
-#include <Xm/TextF.h>
 #include <sys/stat.h>
 
 #include <string>
@@ -24,15 +23,13 @@ void chosen(Widget box, XtPointer field, XtPointer callData) {
     if (path.empty() || path.back() == '/') {
         return;
     }
-    XmTextFieldSetString(static_cast<Widget>(field), const_cast<char*>(path.c_str()));
-    // The file's own name is what the person wants to see of a long path.
-    XmTextFieldSetInsertionPosition(static_cast<Widget>(field), XmTextFieldGetLastPosition(static_cast<Widget>(field)));
+    showPath(static_cast<Widget>(field), path);
     XmProcessTraversal(static_cast<Widget>(field), XmTRAVERSE_CURRENT);
     XtDestroyWidget(XtParent(box));
 }
 
-// The directory of an absolute path, with its slash; empty when there is none to show.
-std::string directoryOf(const std::string& path) {
+// The directory of an absolute path, with its slash; empty when there is no such directory.
+std::string existingDirectoryOf(const std::string& path) {
     if (path.empty() || path.front() != '/') {
         return {};
     }
@@ -43,10 +40,9 @@ std::string directoryOf(const std::string& path) {
 
 }  // namespace
 
-void showFileDialog(Widget field) {
-    const XtTextPtr present(XmTextFieldGetString(field));
-    const std::string path = present ? present.get() : "";
-    const std::string start = directoryOf(path);
+void choosePath(Widget field) {
+    const std::string path = fieldText(field);
+    const std::string start = existingDirectoryOf(path);
     const XmStringPtr directory = compoundString(start);
     ArgumentList arguments;
     // Names without their directory, which has a field of its own then.
@@ -56,9 +52,7 @@ void showFileDialog(Widget field) {
     }
     Widget box = createFileDialog(XtParent(field), "fileDialog", setupText(SetupMessage::kChooseFileTitle), arguments);
     if (!start.empty()) {
-        Widget text = XtNameToWidget(box, "Text");
-        XmTextFieldSetString(text, const_cast<char*>(path.c_str()));
-        XmTextFieldSetInsertionPosition(text, XmTextFieldGetLastPosition(text));
+        showPath(XtNameToWidget(box, "Text"), path);
     }
     XtAddCallback(box, XmNokCallback, chosen, field);
     XtAddCallback(box, XmNcancelCallback, cancelled, nullptr);

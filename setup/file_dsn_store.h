@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "setup/data_source.h"
+#include "setup/user_dsn_store.h"
 
 // Nothing when `path` may name a file data source: absolute, and of the length that the installer library takes.
 std::optional<SetupFailure> checkFileName(const std::string& path);
@@ -16,7 +16,7 @@ bool fileExists(const std::string& path);
 Settings readFileDataSource(const std::string& path);
 
 // Stores a change, after checking it; `change.name` is the path, and `change.storedName` the same when the file is to
-// keep what the change does not name. The file is complete at every moment: what is new is made beside it and takes its
-// place. It keeps its permission, or becomes readable for its owner alone when it holds a password. Returns what went
-// wrong.
+// keep what the change does not name. `change.stored` is not used: the file is read once more, with its text. The file
+// is complete at every moment: what is new is made beside it and takes its place. It keeps its permission, or becomes
+// readable for its owner alone when it holds a password. Returns what went wrong.
 std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change);

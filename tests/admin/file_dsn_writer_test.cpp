@@ -4,9 +4,10 @@
 
 #include <filesystem>
 
-#include "admin/file_dsn_file.h"
+#include "admin/file_dsn_writer.h"
 #include "admin/globals.h"
 #include "admin/test_connect.h"
+#include "admin/wizard_finish.h"
 #include "installer/configuration.h"
 #include "tests/support/full_disk.h"
 #include "tests/support/scoped_environment.h"

@@ -1,4 +1,4 @@
-#include "setup/file_data_source.h"
+#include "setup/file_dsn_store.h"
 
 #include <fcntl.h>
 #include <odbcinst.h>
@@ -128,6 +128,58 @@ bool writeSection(const std::string& path, const Settings& present, const Settin
     return writeChanges(present, wanted, write) && areSame(readFileDataSource(path), wanted);
 }
 
+// The file as it is before the change.
+struct StoredFile {
+    std::string path;                   // No symbolic link.
+    std::optional<struct stat> status;  // Nothing for a file that is not there.
+    std::string text;                   // What is to be kept, empty for a file that is made anew.
+    Settings settings;                  // What the text says.
+};
+
+// Reads the file at `file.path`, its text only when that `isKept`; returns what stands in the way of changing it.
+std::optional<SetupMessage::Number> load(bool isKept, StoredFile& file) {
+    struct stat status {};
+    if (stat(file.path.c_str(), &status) == 0) {
+        file.status = status;
+        if (!S_ISREG(status.st_mode) || access(file.path.c_str(), W_OK) != 0) {
+            return SetupMessage::kFileNotWritten;
+        }
+    }
+    if (!isKept) {
+        return std::nullopt;
+    }
+    const std::optional<std::string> text = contentOf(file.path);
+    if (!text) {
+        return SetupMessage::kNoSuchFile;
+    }
+    if (hasLongLine(*text)) {
+        return SetupMessage::kFileHasLongLine;
+    }
+    file.text = *text;
+    file.settings = readFileDataSource(file.path);
+    return std::nullopt;
+}
+
+// What the file is to hold after the change.
+Settings merge(const Settings& stored, const DataSourceChange& change) {
+    Settings wanted = stored;
+    if (!installer::sameName(installer::driverName(valueOf(wanted, kDriverKey)), change.driver)) {
+        setValue(wanted, kDriverKey, change.driver);
+    }
+    applyChanges(change.values, wanted);
+    return wanted;
+}
+
+// Puts a file with these settings in its place.
+bool replace(const StoredFile& file, const Settings& wanted) {
+    const bool holdsPassword = std::any_of(wanted.begin(), wanted.end(), [](const Attribute& setting) {
+        return isPasswordKey(setting.key) && !setting.value.empty();
+    });
+    Replacement replacement(file.path);
+    return replacement && replacement.fill(file.text) && writeSection(replacement.path(), file.settings, wanted) &&
+           replacement.takePermission(file.status, holdsPassword) && replacement.install();
+}
+
 }  // namespace
 
 std::optional<SetupFailure> checkFileName(const std::string& path) {
@@ -150,49 +202,15 @@ std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change) {
     if (std::optional<SetupFailure> failure = checkSettings(change.values)) {
         return failure;
     }
-    installer::forgetCachedValues();
-    const std::string target = resolved(change.name);
-    struct stat status {};
-    std::optional<struct stat> before;
-    if (stat(target.c_str(), &status) == 0) {
-        before = status;
-        if (!S_ISREG(status.st_mode) || access(target.c_str(), W_OK) != 0) {
-            return wrong(SetupMessage::kFileNotWritten, change.name);
-        }
+    StoredFile file;
+    file.path = resolved(change.name);
+    if (const std::optional<SetupMessage::Number> problem = load(!change.storedName.empty(), file)) {
+        return wrong(*problem, change.name);
     }
-
-    std::string text;
-    Settings wanted;
-    Settings present;
-    if (!change.storedName.empty()) {
-        const std::optional<std::string> stored = contentOf(target);
-        if (!stored) {
-            return wrong(SetupMessage::kNoSuchFile, change.name);
-        }
-        if (hasLongLine(*stored)) {
-            return wrong(SetupMessage::kFileHasLongLine, change.name);
-        }
-        text = *stored;
-        present = readFileDataSource(target);
-        wanted = present;
-    }
-    if (!installer::sameName(installer::driverName(valueOf(wanted, kDriverKey)), change.driver)) {
-        setValue(wanted, kDriverKey, change.driver);
-    }
-    applyChanges(change.values, wanted);
-    if (!change.storedName.empty() && areSame(wanted, present)) {
+    const Settings wanted = merge(file.settings, change);
+    if (!change.storedName.empty() && areSame(wanted, file.settings)) {
         // Any write would drop the comments in it.
         return std::nullopt;
     }
-
-    const bool holdsPassword = std::any_of(wanted.begin(), wanted.end(), [](const Attribute& setting) {
-        return isPasswordKey(setting.key) && !setting.value.empty();
-    });
-    Replacement replacement(target);
-    if (!replacement || !replacement.fill(text) || !writeSection(replacement.path(), present, wanted) ||
-        !replacement.takePermission(before, holdsPassword) || !replacement.install()) {
-        return wrong(SetupMessage::kFileNotWritten, change.name);
-    }
-    installer::forgetCachedValues();
-    return std::nullopt;
+    return replace(file, wanted) ? std::nullopt : std::optional(wrong(SetupMessage::kFileNotWritten, change.name));
 }

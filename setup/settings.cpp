@@ -1,0 +1,115 @@
+#include "setup/settings.h"
+
+#include <odbcinst.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+#include "setup/setup_texts.h"
+
+using installer::Attribute;
+using installer::sameName;
+
+const std::string* findValue(const Settings& settings, std::string_view key) {
+    const auto found = std::find_if(settings.begin(), settings.end(),
+                                    [key](const Attribute& setting) { return sameName(setting.key, key); });
+    return found == settings.end() ? nullptr : &found->value;
+}
+
+std::string valueOf(const Settings& settings, std::string_view key) {
+    const std::string* value = findValue(settings, key);
+    return value == nullptr ? std::string() : *value;
+}
+
+void setValue(Settings& settings, const std::string& key, const std::string& value) {
+    const auto found = std::find_if(settings.begin(), settings.end(),
+                                    [&key](const Attribute& setting) { return sameName(setting.key, key); });
+    if (found == settings.end()) {
+        settings.push_back({key, value});
+    } else {
+        found->value = value;
+    }
+}
+
+std::string oneLine(std::string_view text) {
+    std::string line;
+    for (const char byte : text) {
+        const bool isBlank = std::string_view(" \t\r\n\v\f").find(byte) != std::string_view::npos;
+        if (!isBlank || (!line.empty() && line.back() != ' ')) {
+            line += isBlank ? ' ' : byte;
+        }
+    }
+    return installer::trimmed(line);
+}
+
+bool isNamingKey(std::string_view key) {
+    constexpr std::array kKeys{kNameKey, kDriverKey, "FILEDSN", "SAVEFILE"};
+    return std::any_of(kKeys.begin(), kKeys.end(), [key](const char* other) { return sameName(key, other); });
+}
+
+bool isPasswordKey(std::string_view key) {
+    constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
+    std::string lower(key);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    return std::any_of(kMarks.begin(), kMarks.end(),
+                       [&lower](std::string_view mark) { return lower.find(mark) != std::string::npos; });
+}
+
+std::optional<SetupFailure> checkSetting(const Attribute& setting) {
+    const auto wrong = [&setting](SetupMessage::Number text) {
+        return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(text, setting.key), setting.key};
+    };
+    const std::string& key = setting.key;
+    if (key.empty() || key != installer::trimmed(key) || key.find_first_of("[#;") == 0 ||
+        key.find('=') != std::string::npos || hasControlCharacter(key)) {
+        return wrong(SetupMessage::kKeyInvalid);
+    }
+    if (setting.value.find_first_of("\r\n") != std::string::npos) {
+        return wrong(SetupMessage::kValueHasLineBreak);
+    }
+    if (key.size() + 1 + setting.value.size() > installer::kLongestLine) {
+        return wrong(SetupMessage::kValueTooLong);
+    }
+    return std::nullopt;
+}
+
+std::optional<SetupFailure> checkSettings(const Settings& settings) {
+    for (const Attribute& setting : settings) {
+        if (std::optional<SetupFailure> failure = checkSetting(setting)) {
+            return failure;
+        }
+    }
+    return std::nullopt;
+}
+
+void applyChanges(const Settings& changes, Settings& settings) {
+    for (const Attribute& change : changes) {
+        if (isNamingKey(change.key)) {
+            continue;
+        }
+        const std::string value = installer::trimmed(change.value);
+        if (!value.empty()) {
+            setValue(settings, change.key, value);
+        } else if (!valueOf(settings, change.key).empty()) {
+            std::erase_if(settings, [&change](const Attribute& setting) { return sameName(setting.key, change.key); });
+        }
+    }
+}
+
+bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write) {
+    for (const Attribute& old : present) {
+        if (findValue(wanted, old.key) == nullptr && !write(old.key, nullptr)) {
+            return false;
+        }
+    }
+    return std::all_of(wanted.begin(), wanted.end(), [&](const Attribute& setting) {
+        const std::string* old = findValue(present, setting.key);
+        return (old != nullptr && *old == setting.value) || write(setting.key, setting.value.c_str());
+    });
+}
+
+bool hasControlCharacter(std::string_view text) {
+    return std::any_of(text.begin(), text.end(), [](unsigned char byte) { return std::iscntrl(byte) != 0; });
+}

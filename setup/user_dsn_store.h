@@ -1,0 +1,32 @@
+// User data sources as they are stored: one section of ".odbc.ini" each, and a line in its list. GUI thread only: it
+// works through the installer library.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "setup/settings.h"
+
+// Whether the list of data sources has the name, and whether a section has it or the list.
+bool isListed(const std::string& name);
+bool dataSourceExists(const std::string& name);
+// All keys of the section, "Driver" included.
+Settings readDataSource(const std::string& name);
+
+// What is wrong with a new name; nothing when it is right.
+std::optional<SetupFailure> checkName(const std::string& name);
+
+// What is to become of a data source.
+struct DataSourceChange {
+    std::string storedName;  // Empty for a new data source.
+    Settings stored;         // What that has now, as readDataSource() told.
+    std::string name;        // Another data source of this name is replaced.
+    std::string driver;
+    Settings values;  // What changes; an empty value deletes its key. "DSN" and "Driver" are passed over.
+};
+
+// Stores a change, after checking it: writes and deletes what differs from `stored` and nothing else. A data source
+// that gets a new name keeps its other keys. Returns what went wrong.
+std::optional<SetupFailure> saveDataSource(const DataSourceChange& change);
+
+std::optional<SetupFailure> deleteDataSource(const std::string& name);
