@@ -9,8 +9,11 @@
 #include <string_view>
 
 #include "catalogs/message_numbers.h"
-#include "kvlib/error_list.h"
+#include "kvlib/error.h"
 #include "kvlib/error_report.h"
+#include "kvlib/library_errors.h"
+#include "kvlib/library_text.h"
+#include "kvlib/per_thread_data.h"
 
 namespace {
 

@@ -16,7 +16,8 @@
 #include "catalogs/message_numbers.h"
 #include "kvlib/catalog.h"
 #include "kvlib/debug_mask.h"
-#include "kvlib/error_list.h"
+#include "kvlib/error.h"
+#include "kvlib/error_report.h"
 #include "kvlib/text.h"
 
 namespace {

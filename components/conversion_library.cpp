@@ -1,7 +1,7 @@
 // Identifies ICU, the character conversion library, by the version that is loaded (u_getVersion).
 #include <unicode/uversion.h>
 
-#include "components/identification.h"
+#include "components/component.h"
 
 std::string componentVersion() {
     UVersionInfo version;

@@ -2,7 +2,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
-#include "components/identification.h"
+#include "components/component.h"
 
 std::string componentVersion() {
     SQLHENV environment = SQL_NULL_HENV;

@@ -1,4 +1,8 @@
-#include "components/identification.h"
+// The functions that the administrator looks up by name in each library that it lists. The texts belong to the
+// component and stay valid as long as it is loaded; the functions may be called from any thread.
+#include <string>
+
+#include "components/component.h"
 
 namespace {
 
@@ -9,16 +13,18 @@ const std::string& version() {
 
 }  // namespace
 
-const char* getFileVersionString() {
+extern "C" {
+__attribute__((visibility("default"))) const char* getFileVersionString() {
     return version().c_str();
 }
 
-const char16_t* getFileVersionStringW() {
+__attribute__((visibility("default"))) const char16_t* getFileVersionStringW() {
     // Version texts are ASCII, so each byte is a unit.
     static const std::u16string wide(version().begin(), version().end());
     return wide.c_str();
 }
 
-const char* getCompanyNameString() {
+__attribute__((visibility("default"))) const char* getCompanyNameString() {
     return "Varnholt Technologies";
+}
 }

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "components/identification.h"
+#include "components/component.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // looks up an ODBC function on its handle reaches the driver that it depends on.
 #include <dlfcn.h>
 
-#include "components/identification.h"
+#include "components/component.h"
 
 std::string componentVersion() {
     std::string version = kProductVersion;

@@ -10,7 +10,8 @@
 #include "catalogs/message_numbers.h"
 #include "help/web_help.h"
 #include "kvini/profile.h"
-#include "kvlib/error_list.h"
+#include "kvlib/error_report.h"
+#include "kvlib/library_text.h"
 #include "kvlib/message_box.h"
 #include "kvlib/text.h"
 

@@ -1,5 +1,5 @@
 // How strings, containers and other ground floors report a failure without knowing the error lists. The definitions
-// stand with the error lists (kvlib/error_list.h).
+// stand above them (kvlib/error_keeper, kvlib/library_errors).
 #pragma once
 
 #include <cstdint>
@@ -17,3 +17,6 @@ void ramAddMemoryError();
 KvError* addError(std::uint16_t id);
 KvError* addError(std::uint16_t id, const char16_t* text);
 KvError* addError(std::uint16_t id, const char* text);
+
+// The dummy error of the calling thread's current list, or the shared one without a list. Never null.
+KvError* currentDummyError();

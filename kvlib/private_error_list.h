@@ -1,7 +1,7 @@
 // An error list of one's own for the length of a scope.
 #pragma once
 
-#include "kvlib/error_list.h"
+#include "kvlib/error_keeper.h"
 
 // Collects what is recorded on this thread while it lives, so that it neither reaches the caller's list nor is shown.
 // It is given up even when an exception passes.

@@ -6,7 +6,8 @@
 #include <string>
 
 #include "catalogs/message_numbers.h"
-#include "kvlib/error_list.h"
+#include "kvlib/error_report.h"
+#include "kvlib/library_errors.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/icons.h"
 #include "motifutil/message_icons.h"

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "components/identification.h"
+#include "components/component.h"
 #include "installer/configuration.h"
 #include "installer/file_dsn.h"
 #include "setup/driver_properties.h"

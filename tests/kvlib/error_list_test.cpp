@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "kvlib/catalog.h"
+#include "kvlib/error_keeper.h"
+#include "kvlib/library_errors.h"
+#include "kvlib/library_text.h"
 #include "tests/support/error_collector.h"
 #include "tests/support/temporary_folder.h"
 

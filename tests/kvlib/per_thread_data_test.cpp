@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "kvlib/critical_section.h"
-#include "kvlib/error_list.h"
+#include "kvlib/error_keeper.h"
+#include "kvlib/error_report.h"
 
 namespace {
 

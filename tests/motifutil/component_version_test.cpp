@@ -7,7 +7,8 @@
 #include <cstring>
 #include <string>
 
-#include "kvlib/error_list.h"
+#include "kvlib/error_keeper.h"
+#include "kvlib/error_report.h"
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "kvlib/error_list.h"
+#include "kvlib/error_keeper.h"
 
 // Makes a list that keeps all errors the calling thread's current one.
 class ErrorCollector {
