@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <new>
+#include <tuple>
 
 #include "admin/dialogs.h"
 #include "admin/driver_setup.h"
@@ -205,7 +206,8 @@ void change_default_Directory(Widget /*widget*/, XtPointer /*clientData*/, XtPoi
         const std::string directory = directoryOf(selectionText());
         if (!directory.empty()) {
             // Whether it could be written is not reported.
-            installer::writeValue("ODBC FILE DSN", "DefaultDSNDir", directory.c_str(), installer::kDataSourceFile);
+            std::ignore =
+                installer::writeValue("ODBC FILE DSN", "DefaultDSNDir", directory.c_str(), installer::kDataSourceFile);
         }
     });
 }

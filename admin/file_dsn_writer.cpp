@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "admin/dialogs.h"
@@ -177,7 +178,7 @@ void getAdvancedArgumentString(char** list) {
 bool writeFileDsn(const std::string& path, const char* driver, const char* connectionString) {
     std::vector<installer::Attribute> written;
     const auto write = [&](const std::string& key, const std::string& value) {
-        installer::writeFileDsnValue(path, key, value.c_str());
+        std::ignore = installer::writeFileDsnValue(path, key, value.c_str());
         std::erase_if(written, [&key](const installer::Attribute& old) { return installer::sameName(old.key, key); });
         written.push_back({key, value});
     };

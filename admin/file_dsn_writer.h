@@ -11,16 +11,16 @@ void getFileDSNDefaultDir(char* buffer);
 
 // Completes FileDSNName to a full path ending in ".dsn". False, with FileDSNName unchanged, when there is none or the
 // path would have more than 1,023 bytes.
-bool setFullPath();
+[[nodiscard]] bool setFullPath();
 
 // Whether nothing is there under this path. What can't be looked at may be a file that somebody needs, and a link that
 // leads nowhere is there too: writing would make the file that it names, and deleting would leave that behind.
-bool isFreePath(const char* path);
+[[nodiscard]] bool isFreePath(const char* path);
 
 // Builds the connection string in TempStr from the file data source's full path, the driver's name (null means "") and
 // the typed attributes, one key=value on a line (null means ""). False, after an error dialog, when there is no full
 // path.
-bool createArray(const char* driver, const char* attributeText);
+[[nodiscard]] bool createArray(const char* driver, const char* attributeText);
 
 // Makes `*list`, from malloc, an attribute list of the items in TempStr; null when there are none.
 void getAdvancedArgumentString(char** list);
@@ -28,7 +28,7 @@ void getAdvancedArgumentString(char** list);
 // Writes the driver (null means "") and the items of the connection string to the file data source `path`. What the
 // installer library says of each key is not looked at, since it does not notice a full disk: the file is read again.
 // False when something is missing in it.
-bool writeFileDsn(const std::string& path, const char* driver, const char* connectionString);
+[[nodiscard]] bool writeFileDsn(const std::string& path, const char* driver, const char* connectionString);
 
 // Deletes the file. False when it could not be deleted.
-bool deleteFileDSN(const char* path);
+[[nodiscard]] bool deleteFileDSN(const char* path);

@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
 
+#include "components/component.h"
 #include "kvlib/catalog.h"
 
 XtAppContext app_context = nullptr;
@@ -71,9 +73,11 @@ const char* getFileVersionString() {
 }
 
 const char16_t* getFileVersionStringW() {
-    return u"05.30.0002 (B0023, U0021)";
+    // Version texts are ASCII, so each byte is a unit.
+    static const std::u16string wide(kAdministratorVersion, kAdministratorVersion + std::strlen(kAdministratorVersion));
+    return wide.c_str();
 }
 
 const char* getCompanyNameString() {
-    return "Varnholt Technologies";
+    return kCompany;
 }

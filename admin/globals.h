@@ -7,8 +7,6 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 
-inline constexpr const char* kAdministratorVersion = "05.30.0002 (B0023, U0021)";
-
 extern XtAppContext app_context;
 // The connection to the X server.
 extern Display* display;

@@ -57,7 +57,7 @@ void populateList(Widget list, const FixedRow* rows, int count) {
     setItems(list, items);
 }
 
-void FreeListMemory(char** strings, int count) {
+void FreeListMemory(char** strings, int count) noexcept {
     if (strings == nullptr) {
         return;
     }

@@ -20,7 +20,7 @@ void populateList(Widget list, const FixedRow* rows, int count);
 
 // Frees every non-null element (from malloc), then the array itself. A null array is ignored; with a count of zero or
 // less only the array is freed.
-void FreeListMemory(char** strings, int count);
+void FreeListMemory(char** strings, int count) noexcept;
 
 // Sorts in place, ascending, without regard to case, by exchanging: each position is compared with every later one. The
 // order of names that compare equal follows from the exchanges and is what people know from their lists.
@@ -28,9 +28,9 @@ void sortList(char** strings, short count);
 void sortRows(std::vector<std::string>& rows);
 
 // The position, from 1, of the selected row, when exactly one is selected.
-std::optional<int> selectedRow(Widget list);
+[[nodiscard]] std::optional<int> selectedRow(Widget list);
 // The text of the row at `position`, from 1; empty when there is no such row.
-std::string rowText(Widget list, int position);
+[[nodiscard]] std::string rowText(Widget list, int position);
 
 // Whether a default action callback tells of a double click. Return in a list calls it too, and then presses the
 // default button of the window: that alone is what the key is for.

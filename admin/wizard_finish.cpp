@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "admin/dialogs.h"
 #include "admin/driver_chooser.h"
@@ -110,7 +111,7 @@ void finishWithAttributes() {
     const std::unique_ptr<char, decltype(&std::free)> owned(list, &std::free);
     showResult(works ? catalogText(Message::kTestSucceeded) : test.getErrorMsgFromTestConnect(),
                Message::kTestResultTitle, installer::copyOfAttributeList(list), finish);
-    deleteFileDSN(FileDSNName);
+    std::ignore = deleteFileDSN(FileDSNName);
     refreshFileDsnPage();
 }
 

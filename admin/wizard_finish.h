@@ -18,7 +18,7 @@ void finishWithAttributes();
 
 // Whether the file `name`, which is FileDSNName, may be written now; FileDSNName is a full path afterwards. When not, a
 // dialog was shown: an error, or the question whether to overwrite what is there, whose answers go on from there.
-bool checkPerm(const char* name);
+[[nodiscard]] bool checkPerm(const char* name);
 // Writes the driver and the items of the connection string to the file FileDSNName; nothing unless checkPerm() allows
 // it. An error dialog tells when the file is not complete.
 void writeDsnToFile(const char* connectionString);

@@ -25,6 +25,6 @@ __attribute__((visibility("default"))) const char16_t* getFileVersionStringW() {
 }
 
 __attribute__((visibility("default"))) const char* getCompanyNameString() {
-    return "Varnholt Technologies";
+    return kCompany;
 }
 }

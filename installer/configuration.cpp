@@ -53,7 +53,7 @@ std::string terminatedList(const std::vector<std::string>& items) {
 
 }  // namespace
 
-void useUserConfiguration() {
+void useUserConfiguration() noexcept {
     SQLSetConfigMode(ODBC_USER_DSN);
 }
 
@@ -68,7 +68,7 @@ WritableConfiguration::~WritableConfiguration() {
     SQLSetConfigMode(modeBefore_);
 }
 
-void keepMemoryBetweenReads() {
+void keepMemoryBetweenReads() noexcept {
     constexpr int kKeptBytes = 256 << 20;
     mallopt(M_TRIM_THRESHOLD, kKeptBytes);
 }
@@ -202,7 +202,7 @@ void postError(unsigned int code, const std::string& text) {
     SQLPostInstallerError(code, text.c_str());
 }
 
-bool sameName(std::string_view a, std::string_view b) {
+bool sameName(std::string_view a, std::string_view b) noexcept {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 

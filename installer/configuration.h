@@ -34,7 +34,7 @@ struct NameList {
 
 // Limits all reads and writes of ".odbc.ini" to the user's own file (SQLSetConfigMode, ODBC_USER_DSN). By default the
 // library means the system's file as well. Call it at start-up, and after foreign code such as a driver's setup ran.
-void useUserConfiguration();
+void useUserConfiguration() noexcept;
 
 // The same while it lives, for code that others call: a caller that chose the system's data sources gets those, and the
 // mode that was set before comes back. Setting the mode empties the list of installer errors, so post afterwards.
@@ -52,50 +52,51 @@ private:
 // Keeps the memory that one read took for the next. The library builds the whole file in memory for each value that it
 // is asked for, some 13 MB for 1,000 data sources; given back to the system after each value, that is most of the time
 // that a long list takes to fill. For the whole process, so only for programs: call it once at start-up (mallopt(3)).
-void keepMemoryBetweenReads();
+void keepMemoryBetweenReads() noexcept;
 
 // The keys of `section` in `file`, in file order, never cut short. A file named by an absolute path is looked at only
 // when it exists, since reading a missing one would create it.
-NameList listKeys(const std::string& section, const std::string& file, Growth growth);
+[[nodiscard]] NameList listKeys(const std::string& section, const std::string& file, Growth growth);
 
 // The value of `key`, at most `size` - 1 bytes of it; empty when missing, empty, or when the file can't be read.
-std::string readValue(const std::string& section, const std::string& key, const std::string& file,
-                      std::size_t size = 1024);
+[[nodiscard]] std::string readValue(const std::string& section, const std::string& key, const std::string& file,
+                                    std::size_t size = 1024);
 
 // The installed drivers in file order; the library reports at most 65,535 bytes of them.
-NameList listDrivers();
+[[nodiscard]] NameList listDrivers();
 
 // Removes a user data source, its section and its line in the list of names. False when the library refuses; the reason
 // then stands in SQLInstallerError.
-bool removeDataSource(const std::string& name);
+[[nodiscard]] bool removeDataSource(const std::string& name);
 
 // Writes the value of one key; a null `value` deletes the key. False when the library refuses, or when the line would
 // be longer than kLongestLine: what stood there stays.
-bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file);
+[[nodiscard]] bool writeValue(const std::string& section, const std::string& key, const char* value,
+                              const std::string& file);
 
 // Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.
 struct Attribute {
     std::string key;
     std::string value;
 };
-std::vector<Attribute> readSection(const std::string& section, const std::string& file);
+[[nodiscard]] std::vector<Attribute> readSection(const std::string& section, const std::string& file);
 
 // The form in which attributes pass to a driver's setup library: "key=value" strings, each with a terminator, and one
 // more terminator at the end (ODBC ConfigDSN, lpszAttributes).
-std::string attributeList(const std::vector<Attribute>& attributes);
+[[nodiscard]] std::string attributeList(const std::vector<Attribute>& attributes);
 
 // The items of such a list, whatever they hold; none of a null list.
-std::vector<std::string> attributeItems(const char* list);
+[[nodiscard]] std::vector<std::string> attributeItems(const char* list);
 // The attributes among them; items without "=" are left out.
-std::vector<Attribute> parseAttributeList(const char* list);
+[[nodiscard]] std::vector<Attribute> parseAttributeList(const char* list);
 // The same list once more, with all its terminators; empty for a null list.
-std::string copyOfAttributeList(const char* list);
+[[nodiscard]] std::string copyOfAttributeList(const char* list);
 
 // Without the blanks at both ends, which configuration files do not keep.
-std::string trimmed(std::string_view text);
+[[nodiscard]] std::string trimmed(std::string_view text);
 
 // Whether a data source may have this name (SQLValidDSN): its length and characters.
-bool isValidDataSourceName(const std::string& name);
+[[nodiscard]] bool isValidDataSourceName(const std::string& name);
 
 // Leaves an error for the installer library's caller to find in SQLInstallerError (SQLPostInstallerError). `code` is
 // one of the ODBC_ERROR codes. An empty text would be dropped with its code. Most calls of this header empty the list
@@ -103,6 +104,6 @@ bool isValidDataSourceName(const std::string& name);
 void postError(unsigned int code, const std::string& text);
 
 // Whether two section or key names mean the same to the installer library: ASCII case does not count.
-bool sameName(std::string_view a, std::string_view b);
+[[nodiscard]] bool sameName(std::string_view a, std::string_view b) noexcept;
 
 }  // namespace installer

@@ -15,12 +15,12 @@ inline constexpr std::string_view kFileDsnExtension = ".dsn";
 // null `value` deletes the key (SQLWriteFileDSN). A key that is there already moves to the end, unless it is the first.
 // Values that would make the line longer than kLongestLine are cut there, since the rest would become a line of its
 // own. False when the library refuses; a full disk it does not notice.
-bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value);
+[[nodiscard]] bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value);
 
 // The driver's name in the value of "Driver", without the one pair of braces that may quote it.
-std::string driverName(const std::string& value);
+[[nodiscard]] std::string driverName(const std::string& value);
 
 // `path`, with ".dsn" behind it unless exactly that is what follows its last ".".
-std::string withFileDsnExtension(const std::string& path);
+[[nodiscard]] std::string withFileDsnExtension(const std::string& path);
 
 }  // namespace installer

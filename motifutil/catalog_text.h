@@ -12,4 +12,4 @@
 extern nl_catd Rfile;
 
 // The text with this number in `Rfile`, at most 511 bytes; the number as text when the catalog or the text is missing.
-std::string catalogText(Message::Number number);
+[[nodiscard]] std::string catalogText(Message::Number number);

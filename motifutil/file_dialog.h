@@ -9,5 +9,5 @@
 
 // Makes a file selection dialog over `parent`, full application modal and unmanaged, without Help and with the labels
 // that all such dialogs share. `further` are arguments of its own. The window manager's close does what its cancel
-// callbacks, which the caller adds, do. Raises std::bad_alloc when it can't be made.
+// callbacks, which the caller adds, do. Throws std::bad_alloc when it can't be made.
 Widget createFileDialog(Widget parent, const char* name, const std::string& title, const ArgumentList& further);

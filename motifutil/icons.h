@@ -8,7 +8,7 @@ extern Widget frmabout;
 
 // The pixmap of an icon (XPM data) for `widget`, whose background takes the place of the icon's colour "ground". The
 // caller frees it with XFreePixmap; it is None when the icon can't be made.
-Pixmap createIconPixmap(Widget widget, const char* const* xpmData);
+[[nodiscard]] Pixmap createIconPixmap(Widget widget, const char* const* xpmData);
 
 // Converts a built-in icon (XPM data) into a pixmap for `frmabout`, which must exist. The caller frees the pixmap with
 // XFreePixmap; it is None when the icon can't be made (XpmCreatePixmapFromData).

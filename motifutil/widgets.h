@@ -12,19 +12,19 @@
 #include "catalogs/message_numbers.h"
 
 struct XmStringDeleter {
-    void operator()(XmString text) const { XmStringFree(text); }
+    void operator()(XmString text) const noexcept { XmStringFree(text); }
 };
 using XmStringPtr = std::unique_ptr<std::remove_pointer_t<XmString>, XmStringDeleter>;
 
 struct XtTextDeleter {
-    void operator()(char* text) const { XtFree(text); }
+    void operator()(char* text) const noexcept { XtFree(text); }
 };
 using XtTextPtr = std::unique_ptr<char, XtTextDeleter>;
 
 // A compound string in the encoding of the locale; a newline in `text` begins a new line.
-XmStringPtr compoundString(const std::string& text);
+[[nodiscard]] XmStringPtr compoundString(const std::string& text);
 // The text of a compound string, newlines between its lines.
-std::string plainText(XmString text);
+[[nodiscard]] std::string plainText(XmString text);
 
 // A plain Xt argument list, for the creation calls that take no variable arguments.
 class ArgumentList {
@@ -36,8 +36,8 @@ public:
         arguments_.push_back(argument);
         return *this;
     }
-    Arg* data() { return arguments_.data(); }
-    Cardinal size() const { return static_cast<Cardinal>(arguments_.size()); }
+    Arg* data() noexcept { return arguments_.data(); }
+    Cardinal size() const noexcept { return static_cast<Cardinal>(arguments_.size()); }
 
 private:
     std::vector<Arg> arguments_;
@@ -79,7 +79,7 @@ Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCa
 void setLabel(Widget widget, const std::string& text);
 
 // The text of an XmText or XmTextField.
-std::string fieldText(Widget field);
+[[nodiscard]] std::string fieldText(Widget field);
 // Puts a path into an XmTextField and shows its end: the file's own name is what a person wants to see of a long path.
 void showPath(Widget textField, const std::string& path);
 

@@ -28,8 +28,8 @@ public:
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
 
-    explicit operator bool() const { return isMade_; }
-    SQLHANDLE get() const { return handle_; }
+    explicit operator bool() const noexcept { return isMade_; }
+    SQLHANDLE get() const noexcept { return handle_; }
 
 private:
     SQLHANDLE handle_ = SQL_NULL_HANDLE;
@@ -51,7 +51,7 @@ std::string diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT rec
         return {};
     }
     if (static_cast<std::size_t>(length) >= message.size()) {
-        message.resize(std::min<std::size_t>(length + 1U, SHRT_MAX));
+        message.resize(std::min<std::size_t>(static_cast<std::size_t>(length) + 1, SHRT_MAX));
         ask();
     }
     return std::string(reinterpret_cast<const char*>(state.data())) + ": " +

@@ -19,4 +19,4 @@ struct ConnectionOutcome {
 
 // Connects without any prompt and disconnects. Returns when the driver does, which is asked to give up after some
 // seconds. The string is wiped, since it may hold the password.
-ConnectionOutcome testConnection(std::string connectionString);
+[[nodiscard]] ConnectionOutcome testConnection(std::string connectionString);

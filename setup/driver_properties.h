@@ -30,7 +30,7 @@ std::string driverLibrary(const std::string& driver);
 // Loads the driver's library and asks it (ODBCINSTGetProperties, odbcinstext.h). Nothing when the library can't be
 // loaded or can't tell. Keys that every data source has are left out, and so is what comes twice; user and password are
 // added for a driver that names a server and no login.
-std::optional<std::vector<DriverProperty>> askDriver(const std::string& library);
+[[nodiscard]] std::optional<std::vector<DriverProperty>> askDriver(const std::string& library);
 
 // What most drivers understand, for a driver that can't tell.
 std::vector<DriverProperty> commonProperties();

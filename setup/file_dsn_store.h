@@ -8,7 +8,7 @@
 #include "setup/user_dsn_store.h"
 
 // Nothing when `path` may name a file data source: absolute, and of the length that the installer library takes.
-std::optional<SetupFailure> checkFileName(const std::string& path);
+[[nodiscard]] std::optional<SetupFailure> checkFileName(const std::string& path);
 
 bool fileExists(const std::string& path);
 
@@ -19,4 +19,4 @@ Settings readFileDataSource(const std::string& path);
 // keep what the change does not name. `change.stored` is not used: the file is read once more, with its text. The file
 // is complete at every moment: what is new is made beside it and takes its place. It keeps its permission, or becomes
 // readable for its owner alone when it holds a password. Returns what went wrong.
-std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change);
+[[nodiscard]] std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change);

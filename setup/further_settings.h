@@ -16,12 +16,12 @@ public:
     FurtherSettings(const FurtherSettings&) = delete;
     FurtherSettings& operator=(const FurtherSettings&) = delete;
 
-    Widget label() const { return label_; }
+    Widget label() const noexcept { return label_; }
     // What the form places: the text with its scroll bars, and the line below it.
     Widget frame() const { return XtParent(text_); }
-    Widget hint() const { return hint_; }
+    Widget hint() const noexcept { return hint_; }
     // The widget that takes the keyboard.
-    Widget focus() const { return text_; }
+    Widget focus() const noexcept { return text_; }
 
     // What differs from the settings that were shown first; a line that was deleted has an empty value. Or what is
     // wrong with a line, keys included for which `isTaken` is true.

@@ -13,7 +13,7 @@ public:
     HintLine(const HintLine&) = delete;
     HintLine& operator=(const HintLine&) = delete;
 
-    Widget line() const { return line_; }
+    Widget line() const noexcept { return line_; }
     // What the line says while `widget` has the keyboard; empty text clears it.
     void explain(Widget widget, const std::string& text);
     // Cuts what it says to its present width, between words.

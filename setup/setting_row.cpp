@@ -120,7 +120,7 @@ private:
 class ChoiceRow : public SettingRow {
 public:
     bool isStretched() const override { return false; }
-    Widget focus() const override { return text_; }
+    Widget focus() const noexcept override { return text_; }
 
 protected:
     // `type` is XmDROP_DOWN_COMBO_BOX, whose field can be typed into, or XmDROP_DOWN_LIST.

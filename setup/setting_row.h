@@ -15,22 +15,22 @@ public:
     SettingRow(const SettingRow&) = delete;
     SettingRow& operator=(const SettingRow&) = delete;
 
-    const std::string& key() const { return key_; }
+    const std::string& key() const noexcept { return key_; }
     // For the form to place. The field is filled already.
-    Widget label() const { return label_; }
-    Widget field() const { return field_; }
+    Widget label() const noexcept { return label_; }
+    Widget field() const noexcept { return field_; }
     // What belongs to the field and stands on its right, a word or a button; null when there is none.
-    Widget companion() const { return companion_; }
+    Widget companion() const noexcept { return companion_; }
     // A second line below the field: a choice and a word on its right; null when there is none.
-    Widget toggle() const { return toggle_; }
-    Widget toggleHint() const { return toggleHint_; }
+    Widget toggle() const noexcept { return toggle_; }
+    Widget toggleHint() const noexcept { return toggleHint_; }
     // What the driver says of the setting, one line; empty when it says nothing.
-    const std::string& help() const { return help_; }
+    const std::string& help() const noexcept { return help_; }
     void setHelp(const std::string& help) { help_ = help; }
     // Whether the field grows with the window.
     virtual bool isStretched() const { return true; }
     // The widget inside of the field that takes the keyboard.
-    virtual Widget focus() const { return field_; }
+    virtual Widget focus() const noexcept { return field_; }
 
     // What stands in the field, without blanks around it.
     virtual std::string value() const = 0;

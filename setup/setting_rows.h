@@ -30,15 +30,15 @@ public:
     SettingRows& operator=(const SettingRows&) = delete;
 
     // What the dialog places: the window around the rows, and what that takes for itself in each direction, in pixels.
-    Widget window() const { return window_; }
+    Widget window() const noexcept { return window_; }
     static constexpr int kFrame = 2;
     // To be made equally wide with those of other rows before layOut().
     std::vector<Widget> labels() const;
     // Places the rows below one another. Fields stand behind the labels and grow with the window.
     void layOut();
     // The size that all rows need, in pixels; known after layOut().
-    int width() const { return width_; }
-    int height() const { return height_; }
+    int width() const noexcept { return width_; }
+    int height() const noexcept { return height_; }
     // Gives the window the size that shows this much of the rows. They scroll, and follow when the window is resized.
     void show(int width, int height);
 

@@ -33,7 +33,7 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
 
 // One line of it: without the blanks at both ends, and with line breaks, tabs and runs of blanks inside as one blank
 // each.
-std::string oneLine(std::string_view text);
+[[nodiscard]] std::string oneLine(std::string_view text);
 
 // Whether the key names a data source, its driver or its file, and so is no setting.
 bool isNamingKey(std::string_view key);
@@ -42,9 +42,9 @@ bool isNamingKey(std::string_view key);
 bool isPasswordKey(std::string_view key);
 
 // What is wrong with a setting that is to be stored; nothing when it is right.
-std::optional<SetupFailure> checkSetting(const installer::Attribute& setting);
+[[nodiscard]] std::optional<SetupFailure> checkSetting(const installer::Attribute& setting);
 // The first thing that is wrong with any of them.
-std::optional<SetupFailure> checkSettings(const Settings& settings);
+[[nodiscard]] std::optional<SetupFailure> checkSettings(const Settings& settings);
 // Whether the text holds what no name and no key may: a control character.
 bool hasControlCharacter(std::string_view text);
 
@@ -54,4 +54,4 @@ void applyChanges(const Settings& changes, Settings& settings);
 // Writes the value of a key, or deletes it when the value is null. False when that failed.
 using SettingWriter = std::function<bool(const std::string& key, const char* value)>;
 // Deletes and writes what differs between the two, and nothing else. False at the first failure.
-bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write);
+[[nodiscard]] bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write);

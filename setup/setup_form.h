@@ -23,4 +23,4 @@ struct SetupFormContent {
 // Shows the dialog over `parent`, stores what the user accepts, and returns when it is closed. Cancel stores nothing
 // and is no failure. What can be mended is reported to the user, and the dialog stays; what is returned could not be
 // shown.
-std::optional<SetupFailure> runSetupForm(Widget parent, const SetupFormContent& content);
+[[nodiscard]] std::optional<SetupFailure> runSetupForm(Widget parent, const SetupFormContent& content);

@@ -14,7 +14,7 @@ bool dataSourceExists(const std::string& name);
 Settings readDataSource(const std::string& name);
 
 // What is wrong with a new name; nothing when it is right.
-std::optional<SetupFailure> checkName(const std::string& name);
+[[nodiscard]] std::optional<SetupFailure> checkName(const std::string& name);
 
 // What is to become of a data source.
 struct DataSourceChange {
@@ -27,6 +27,6 @@ struct DataSourceChange {
 
 // Stores a change, after checking it: writes and deletes what differs from `stored` and nothing else. A data source
 // that gets a new name keeps its other keys. Returns what went wrong.
-std::optional<SetupFailure> saveDataSource(const DataSourceChange& change);
+[[nodiscard]] std::optional<SetupFailure> saveDataSource(const DataSourceChange& change);
 
-std::optional<SetupFailure> deleteDataSource(const std::string& name);
+[[nodiscard]] std::optional<SetupFailure> deleteDataSource(const std::string& name);

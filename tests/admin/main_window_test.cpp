@@ -126,7 +126,7 @@ TEST_F(MainWindowTest, TabsTurnPagesAndHelpAndF1AnywhereOpenTheTopicOfThePageInF
     EXPECT_EQ(CurrentSelectedTab, 'D');
     // Back from the fourth tab by the arrow keys.
     click(BtnTrace);
-    for (const std::size_t page : {2, 1, 0}) {
+    for (const std::size_t page : {2U, 1U, 0U}) {
         key(XK_Left);
         key(XK_space);
         EXPECT_EQ(CurrentSelectedTab, kPages[page].code);

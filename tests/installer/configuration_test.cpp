@@ -12,10 +12,7 @@ namespace {
 
 class ConfigurationTest : public testing::Test {
 protected:
-    void SetUp() override { restart(); }
-    static void restart() {
-        installer::useUserConfiguration();
-    }
+    void SetUp() override { installer::useUserConfiguration(); }
     static installer::NameList keys(const std::string& section,
                                     installer::Growth growth = installer::Growth::kByKilobyte) {
         return installer::listKeys(section, installer::kDataSourceFile, growth);
@@ -96,7 +93,7 @@ TEST_F(ConfigurationTest, SystemDataSourcesAreNotTheUsers) {
     for (const std::string own : {"", "[ODBC Data Sources]\nmine=D\n"}) {
         files.write(OdbcFiles::kUser, own + "[ODBC]\nTrace=0\n");
         SQLSetConfigMode(ODBC_BOTH_DSN);  // as a driver's setup may do
-        restart();
+        installer::useUserConfiguration();
         EXPECT_EQ(keys(installer::kDataSourceList).names, own.empty() ? Names{} : Names{"mine"});
         EXPECT_EQ(value("theirs", "a"), "");
     }
