@@ -12,6 +12,7 @@
 
 #include "bos/errno_mapping.h"
 #include "bos/file_names.h"
+#include "bos/library.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/error_report.h"
 #include "kvlib/text.h"
@@ -109,20 +110,17 @@ int openExisting(const char* path, std::uint32_t flags, int* descriptor) {
     return 0;
 }
 
-// Fails when the path does not fit the caller's buffer, which then keeps its text.
-int handBack(char* name, const std::string& path) {
-    if (path.size() >= kPathSize) {
-        return ENAMETOOLONG;
-    }
-    strCopy(name, path.c_str(), path.size());
-    return 0;
+// Gives the caller the path that his name led to. A path that does not fit his buffer fails and leaves the name as it
+// is.
+int storeResolvedName(char* name, const std::string& path) {
+    return path.size() < kPathSize && copyWhole(name, kPathSize, path) ? 0 : ENAMETOOLONG;
 }
 
 // Always exclusive, so that nobody can put a link where the file will be.
 int createTemporary(char* name, std::uint32_t flags, int* descriptor) {
     int result = EEXIST;
     for (int i = 0; i < kTemporaryNameTries && result == EEXIST; ++i) {
-        result = handBack(name, temporaryName());
+        result = storeResolvedName(name, temporaryName());
         if (debugEnabled(DebugBit::kFile)) {
             std::printf("bosfopen: Temp File %s ", name);
         }
@@ -170,7 +168,7 @@ int openFile(char* name, std::uint32_t flags, int* descriptor) try {
     }
     const ResolvedName resolved =
         resolveFileName(name, (flags & OpenFlag::kRecogniseNames) != 0, (flags & OpenFlag::kHomeRelative) != 0);
-    const int result = handBack(name, resolved.path);
+    const int result = storeResolvedName(name, resolved.path);
     if (result != 0 || resolved.systemError != 0) {
         return result != 0 ? result : resolved.systemError;
     }
@@ -186,7 +184,7 @@ int bosFileOpen(char* name, std::uint32_t flags, int* descriptor) {
 int bosFileOpen(char16_t* name, std::uint32_t flags, int* descriptor) try {
     char narrow[kPathSize];
     *descriptor = 0;
-    if (handBack(narrow, fromUtf16(name, kCPLocale)) != 0) {
+    if (storeResolvedName(narrow, fromUtf16(name, kCPLocale)) != 0) {
         return reported(ENAMETOOLONG, nullptr);
     }
     const int result = bosFileOpen(narrow, flags, descriptor);

@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "bos/library.h"
+#include "bos/path_size.h"
 
 // The bits of bosFileOpen's flag word.
 namespace OpenFlag {

@@ -33,7 +33,7 @@ constexpr ConfigurationFile kConfigurationFiles[] = {
     {{".kvlib.ini", nullptr}, {"KVLIB_INI", nullptr}, false, false},
     {{".system.defaults", nullptr}, {"KV_SYSTEM_INI", nullptr}, false, false},
 };
-constexpr const ConfigurationFile& kDriverFile = kConfigurationFiles[1];
+constexpr const ConfigurationFile& kOdbcInstIni = kConfigurationFiles[1];
 
 bool isNameOf(const ConfigurationFile& file, const char* name) {
     const auto equals = file.anyCase ? strcasecmp : strcmp;
@@ -81,13 +81,9 @@ std::string inHome(const std::string& name) {
     return home == nullptr ? name : join(home, name);
 }
 
-int storePath(char* buffer, const std::string& path) {
-    if (path.size() >= kPathSize) {
-        *buffer = '\0';
-        return 1;
-    }
-    strCopy(buffer, path.c_str(), path.size());
-    return 0;
+// 0, or 1 with an empty path when `path` does not fit.
+int storePath(char* buffer, std::string_view path) {
+    return copyWhole(buffer, kPathSize, path) ? 0 : 1;
 }
 
 std::string currentDirectory() {
@@ -145,8 +141,8 @@ ResolvedName resolveFileName(const std::string& name, bool recogniseNames, bool 
 }
 
 bool isDriverFileName(std::string_view name) {
-    const char* value = std::getenv(kDriverFile.variables[0]);
-    return isNameOf(kDriverFile, std::string(name).c_str()) || (value != nullptr && name == value);
+    const char* value = std::getenv(kOdbcInstIni.variables[0]);
+    return isNameOf(kOdbcInstIni, std::string(name).c_str()) || (value != nullptr && name == value);
 }
 
 std::string temporaryName() {

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "bos/library.h"
+#include "bos/path_size.h"
 
 // What became of a file name: the path to open, and the system error number when it can't be used (0 otherwise).
 struct ResolvedName {

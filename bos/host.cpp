@@ -17,14 +17,6 @@
 
 namespace {
 
-int store(char* buffer, std::uint32_t size, std::string_view text) {
-    const bool fits = text.size() < size;
-    if (size != 0) {
-        strCopy(buffer, text.data(), fits ? text.size() : 0);
-    }
-    return fits ? 0 : 1;
-}
-
 // The lines that a shell command prints, without their line ends.
 std::vector<std::string> outputLines(const std::string& command) {
     std::vector<std::string> lines;
@@ -87,8 +79,7 @@ int bosGetMachineName(char* buffer, std::uint32_t size) {
     char name[HOST_NAME_MAX + 1] = "";
     const int result = gethostname(name, sizeof name);
     name[HOST_NAME_MAX] = '\0';
-    const int stored = store(buffer, size, result == 0 ? name : "");
-    return result == 0 ? stored : 1;
+    return copyWhole(buffer, size, result == 0 ? name : "") && result == 0 ? 0 : 1;
 }
 
 int bosGetHostUser(char* buffer, std::uint32_t size) try {
@@ -96,10 +87,8 @@ int bosGetHostUser(char* buffer, std::uint32_t size) try {
     passwd entry = {};
     passwd* found = nullptr;
     const uid_t user = getuid();
-    if (getpwuid_r(user, &entry, space.data(), space.size(), &found) != 0 || found == nullptr) {
-        return store(buffer, size, std::to_string(user));
-    }
-    return store(buffer, size, found->pw_name);
+    const bool isKnown = getpwuid_r(user, &entry, space.data(), space.size(), &found) == 0 && found != nullptr;
+    return copyWhole(buffer, size, isKnown ? found->pw_name : std::to_string(user)) ? 0 : 1;
 } catch (const std::bad_alloc&) {
     ramAddMemoryError();
     return 1;
@@ -108,7 +97,7 @@ int bosGetHostUser(char* buffer, std::uint32_t size) try {
 int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size) try {
     const std::vector<std::string> lines = outputLines("/bin/ps -p " + std::to_string(pid) + " -ocomm= 2>/dev/null");
     const std::string name = lines.empty() ? "" : lines.front();
-    store(buffer, size, std::string_view(name).substr(0, size == 0 ? 0 : size - 1));
+    copyCut(buffer, size, name);
     return name.empty() ? 1 : 0;
 } catch (const std::bad_alloc&) {
     ramAddMemoryError();

@@ -4,11 +4,9 @@
 
 #include <dlfcn.h>
 
-#include <cstddef>
 #include <cstdint>
 
-// Size that every path buffer of the bos functions must have.
-constexpr std::size_t kPathSize = 1025;
+#include "bos/path_size.h"
 
 // Which directories bosLocateFile searches, in the order of this list.
 namespace LocateFlag {

@@ -69,6 +69,7 @@ private:
     friend class KvIniFileCacheList;
 
     enum State : std::int32_t { kNotLoaded = 0, kLoaded = 1 };
+    enum class Opening { kOpened, kNothingToRead, kFailed };
     struct ReadCall;
 
     // For KvIniFileCacheList, under the list's lock.
@@ -77,7 +78,8 @@ private:
 
     // All of these are called under the lock.
     std::uint32_t load(const std::string& name, std::uint32_t flags);
-    bool openForLoading(const std::string& name, std::string& path, std::uint32_t& result);
+    Opening openForLoading(const std::string& name);
+    int tryToOpen(const std::string& name);
     std::uint32_t readText();
     std::uint32_t sync();
     bool isCurrent();
@@ -85,21 +87,16 @@ private:
     unsigned long read(const ReadCall& call);
     bool copyValue(const ReadCall& call, unsigned long& length) const;
     bool copyKeys(const ReadCall& call, unsigned long& length) const;
-    bool openForRewriting();
-    bool rewrite(std::string_view text);
-    bool replaceText(std::string_view text) const;
-    bool mayBeEmptied() const;
-    bool putBack();
     void closeDescriptor();
 
-    std::int32_t descriptor_ = 0;  // 0 unless the file is being read or rewritten
+    std::int32_t descriptor_ = 0;  // 0 unless the file is being read
     std::uint64_t size_ = 0;
     std::uint32_t openFlags_ = 0;
     std::string path_;
     std::uint32_t date_ = 0;
     std::uint32_t useCount_ = 1;
     std::string text_;
-    bool isPart_ = false;  // the file had become shorter while it was read
+    bool textIsIncomplete_ = false;  // the file became shorter while it was read
     std::int32_t state_ = kNotLoaded;
     KvSemaphore lock_;
 };

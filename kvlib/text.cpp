@@ -130,6 +130,21 @@ char* strCopy(char* dst, const char* src, std::size_t n) {
     return dst + n;
 }
 
+std::size_t copyCut(char* dst, std::size_t size, std::string_view text) {
+    if (size == 0) {
+        return 0;
+    }
+    const std::size_t copied = std::min(text.size(), size - 1);
+    strCopy(dst, text.data(), copied);
+    return copied;
+}
+
+bool copyWhole(char* dst, std::size_t size, std::string_view text) {
+    const bool fits = text.size() < size;
+    copyCut(dst, size, fits ? text : std::string_view());
+    return fits;
+}
+
 std::size_t strLen(const char16_t* s) {
     return std::u16string_view(s).size();
 }

@@ -46,6 +46,14 @@ void strCopy(char* dst, std::size_t size, const char* src);
 // Copies exactly `n` bytes and writes a terminator at `dst[n]`; `dst` holds `n` + 1 bytes. Returns `dst + n`.
 char* strCopy(char* dst, const char* src, std::size_t n);
 
+// Copies as much of `text` as fits `size` bytes with the terminator; with `size` 0 nothing is written. Returns the
+// length of the copy.
+std::size_t copyCut(char* dst, std::size_t size, std::string_view text);
+
+// Copies `text` when it fits `size` bytes with its terminator. False when it does not; `dst` is empty then, unless
+// `size` is 0.
+bool copyWhole(char* dst, std::size_t size, std::string_view text);
+
 // Length of a zero-terminated UTF-16 text in 16-bit units.
 std::size_t strLen(const char16_t* s);
 
