@@ -8,11 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <random>
 
 #include "kvlib/debug_mask.h"
-#include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 namespace {
@@ -161,57 +160,51 @@ std::string temporaryName() {
     }
 }
 
-int boshpath(char* name) try {
-    const char* home = std::getenv("HOME");
-    const char* directory = home != nullptr ? home : std::getenv("KV");
-    const std::string path = join(directory != nullptr ? directory : currentDirectory(), name);
-    return path.size() >= kPathSize ? 1 : storePath(name, path);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int boshpath(char* name) {
+    return orMemoryError(1, [&] {
+        const char* home = std::getenv("HOME");
+        const char* directory = home != nullptr ? home : std::getenv("KV");
+        const std::string path = join(directory != nullptr ? directory : currentDirectory(), name);
+        return path.size() >= kPathSize ? 1 : storePath(name, path);
+    });
 }
 
-int bosfpath(char* path, const char* directory, const char* name) try {
-    return storePath(path, joined(directory, name));
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bosfpath(char* path, const char* directory, const char* name) {
+    return orMemoryError(1, [&] { return storePath(path, joined(directory, name)); });
 }
 
-int bospath(char* path, const char* directory, const char* name, const char* extension) try {
-    const bool trace = debugEnabled(DebugBit::kFile);
-    if (trace) {
-        std::printf("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
-                    extension == nullptr ? "" : extension);
-    }
-    std::string result = joined(directory, name);
-    if (trace) {
-        std::printf("bospath: after bosfpath path:%s\n", result.c_str());
-    }
-    if (extension != nullptr && *extension != '\0' && !hasExtension(result)) {
-        result.append(*extension == '.' ? "" : ".").append(extension);
-    }
-    return storePath(path, result);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bospath(char* path, const char* directory, const char* name, const char* extension) {
+    return orMemoryError(1, [&] {
+        const bool trace = debugEnabled(DebugBit::kFile);
+        if (trace) {
+            std::printf("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
+                        extension == nullptr ? "" : extension);
+        }
+        std::string result = joined(directory, name);
+        if (trace) {
+            std::printf("bospath: after bosfpath path:%s\n", result.c_str());
+        }
+        if (extension != nullptr && *extension != '\0' && !hasExtension(result)) {
+            result.append(*extension == '.' ? "" : ".").append(extension);
+        }
+        return storePath(path, result);
+    });
 }
 
-int bosParseName(const char* path, char* directory, char* name) try {
-    const std::string_view whole = path;
-    const std::size_t slash = whole.rfind('/');
-    const bool hasDirectory = slash != std::string_view::npos;
-    const std::string directoryPart(hasDirectory ? whole.substr(0, slash == 0 ? 1 : slash) : "");
-    const std::string namePart(hasDirectory ? whole.substr(slash + 1) : whole);
-    const bool fits = directoryPart.size() < kPathSize && namePart.size() < kPathSize;
-    if (directory != nullptr) {
-        storePath(directory, fits ? directoryPart : "");
-    }
-    if (name != nullptr) {
-        storePath(name, fits ? namePart : "");
-    }
-    return fits ? 0 : 1;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bosParseName(const char* path, char* directory, char* name) {
+    return orMemoryError(1, [&] {
+        const std::string_view whole = path;
+        const std::size_t slash = whole.rfind('/');
+        const bool hasDirectory = slash != std::string_view::npos;
+        const std::string directoryPart(hasDirectory ? whole.substr(0, slash == 0 ? 1 : slash) : "");
+        const std::string namePart(hasDirectory ? whole.substr(slash + 1) : whole);
+        const bool fits = directoryPart.size() < kPathSize && namePart.size() < kPathSize;
+        if (directory != nullptr) {
+            storePath(directory, fits ? directoryPart : "");
+        }
+        if (name != nullptr) {
+            storePath(name, fits ? namePart : "");
+        }
+        return fits ? 0 : 1;
+    });
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "kvini/profile.h"
 
@@ -34,8 +33,5 @@ public:
     int deleteEntry(const char* section, const char* key) { return writeEntry(section, key, nullptr); }
 
 private:
-    struct Release {
-        void operator()(KvIniFileCache* cache) const { kvPrivateProfileTerm(cache); }
-    };
-    std::unique_ptr<KvIniFileCache, Release> cache_;
+    HeldIniCache cache_;
 };

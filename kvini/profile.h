@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "kvini/cache.h"
 
@@ -44,6 +45,12 @@ unsigned long kvGetPrivateProfileSection(const char* section, char* buffer, unsi
 KvIniFileCache* kvProfileInit(const char* file);
 KvIniFileCache* kvPrivateProfileInit(const char* file);
 void kvPrivateProfileTerm(KvIniFileCache* cache);
+
+// A cache that is handed back with this handle.
+struct IniCacheRelease {
+    void operator()(KvIniFileCache* cache) const { kvPrivateProfileTerm(cache); }
+};
+using HeldIniCache = std::unique_ptr<KvIniFileCache, IniCacheRelease>;
 
 // The same for code written for another system: each call loads the file for itself. When it can't be loaded both
 // return 1, the reader with its buffer untouched: callers of old were written against these results.
