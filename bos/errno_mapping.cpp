@@ -94,7 +94,7 @@ std::uint16_t record(int systemError, const char* name, bool asWarning) {
 
 }  // namespace
 
-std::uint16_t libraryErrorNumber(int systemError) {
+std::uint16_t libraryErrorNumber(int systemError) noexcept {
     const Mapping* mapping = findMapping(systemError);
     return mapping == nullptr ? std::uint16_t{LibraryMessage::kFileError} : mapping->number;
 }

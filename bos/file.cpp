@@ -87,7 +87,7 @@ int createFile(const char* path, std::uint32_t flags, int* descriptor) {
         close(opened);
         return truncateError;
     }
-    // Whoever creates means to write now: another's lock is respected by asking, not by giving up.
+    // Tried, but its failure is ignored: the lock of another program must not keep users from saving.
     setLock(opened, F_RDLCK, kLockOffset, 1);
     *descriptor = opened;
     return 0;

@@ -106,7 +106,7 @@ int IniBackup::create(const std::string& file) {
     for (int number = 1; number <= kNamesTried; ++number) {
         const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
         if (descriptor >= 0) {
-            // Not before: whatever has the name of path_ may be removed.
+            // Set only now: `remove` deletes whatever path_ names.
             path_ = std::move(path);
             return descriptor;
         }

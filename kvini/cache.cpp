@@ -105,7 +105,7 @@ std::uint32_t KvIniFileCache::load(const std::string& name, std::uint32_t flags)
     const std::uint32_t result = readText();
     closeDescriptor();
     if (result == 0) {
-        state_ = kLoaded;
+        state_ = State::kLoaded;
         traceIniLoaded(path_.c_str(), size_);
     }
     return result;
@@ -164,7 +164,8 @@ std::uint32_t KvIniFileCache::readText() {
     text_.resize(got);
     textIsIncomplete_ = got != size_;
     if (textIsIncomplete_) {
-        // Another program rewrites the file right now, perhaps to the same size in the same second: read it again.
+        // Another program is rewriting the file, perhaps to the same size in the same second. Without a date and a size
+        // the next call reads it again.
         date_ = 0;
         size_ = 0;
     }
@@ -192,18 +193,18 @@ std::uint32_t KvIniFileCache::sync() {
         if (result != 0) {
             // Still the cache of this file, which the next call tries to read again.
             path_ = std::move(path);
-            state_ = kLoaded;
+            state_ = State::kLoaded;
         }
         return result;
     });
 }
 
 bool KvIniFileCache::isCurrent() {
-    return state_ == kLoaded && sync() == 0 && state_ == kLoaded;
+    return state_ == State::kLoaded && sync() == 0 && state_ == State::kLoaded;
 }
 
-// Before an update: what was not seen would be lost, and the copy would not have it either. Others empty the file
-// before they write it, so nothing is believed only when it is read twice.
+// For an update, which writes back what is in memory: what another program has not finished writing would be lost, and
+// the copy would lack it too. Other programs empty the file before they write it, so an empty file is read twice.
 bool KvIniFileCache::waitForWholeText() {
     for (int reading = 0; textIsIncomplete_ || (text_.empty() && reading == 0); ++reading) {
         if (reading == kReadings) {
@@ -319,7 +320,7 @@ int KvIniFileCache::bosPutProfileString(const char* section, const char* entry, 
     return orMemoryError(0, [&] {
         openLibraryCatalog();
         const IniLock hold(lock_);
-        if (state_ != kLoaded || section == nullptr) {
+        if (state_ != State::kLoaded || section == nullptr) {
             return 0;
         }
         traceIniPut(path_.c_str(), section, entry, value);
@@ -356,7 +357,7 @@ void KvIniFileCache::Close() {
     date_ = 0;
     size_ = 0;
     textIsIncomplete_ = false;
-    state_ = kNotLoaded;
+    state_ = State::kNotLoaded;
 }
 
 std::uint32_t KvIniFileCache::incrementUseCount() {
@@ -376,7 +377,7 @@ bool KvIniFileCache::hasPath(std::string_view path) {
 
 void KvIniFileCache::loadIfNotLoaded(const char* name, std::uint32_t flags) {
     const IniLock hold(lock_);
-    if (state_ != kLoaded) {
+    if (state_ != State::kLoaded) {
         std::string path = path_;
         if (bosKvIniOpen(name, flags) != 0) {
             path_ = std::move(path);

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "kvlib/debug_mask.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 constinit char InstallDirLocation[kInstallDirSize] = "";
@@ -112,7 +113,10 @@ std::int32_t fillWithUtf16(const char* text, std::int32_t length, char16_t* resu
 
 nl_catd OpenStrings(const char* hinst, const char* name) {
     traceOpening(hinst);
-    return openForLocale(name != nullptr ? name : std::string(hinst == nullptr ? "" : hinst) + ".mo");
+    // A catalog that there is no memory to open is missing like any other.
+    return orFailure(invalidCatalog(), [=] {
+        return openForLocale(name != nullptr ? name : std::string(hinst == nullptr ? "" : hinst) + ".mo");
+    });
 }
 
 void CloseStrings(nl_catd handle) {
@@ -126,7 +130,7 @@ std::int32_t LoadStringFromOpenFile(nl_catd handle, std::uint32_t id, char* buff
     return lookUp(handle, id, buffer, size);
 }
 
-// The trace lines of a lookup name LoadStringFromOpenFile here too: both are one lookup to who reads a trace.
+// Its lookups are traced under the name of LoadStringFromOpenFile: readers of a trace know lookups by that name.
 std::int32_t LoadString(const char* /*hinst*/, std::uint32_t id, char* buffer, std::int32_t size) {
     const std::lock_guard hold(CritCatalog);
     return lookUp(CatFD, id, buffer, size);
@@ -155,8 +159,7 @@ std::int32_t bosLoadResourceDLL(const char* hinst, int /*ignored*/, void* /*igno
         ++*useCount;
     }
     if (CatFD == invalidCatalog()) {
-        traceOpening(hinst);
-        const nl_catd opened = openForLocale(std::string(hinst == nullptr ? "" : hinst) + ".mo");
+        const nl_catd opened = OpenStrings(hinst, nullptr);
         const std::lock_guard holdLookups(CritCatalog);
         CatFD = opened;
     }

@@ -40,7 +40,7 @@ extern KvCriticalSection CritCatalog;
 // Opens the catalog file `name`, or `hinst` + ".mo" when `name` is null, of the chosen locale or else of "en_US".
 // The caller closes it with CloseStrings. Returns the invalid handle when there is neither; records no error.
 // Takes no lock: not to be called while another thread sets the install directory.
-nl_catd OpenStrings(const char* hinst, const char* name);
+[[nodiscard]] nl_catd OpenStrings(const char* hinst, const char* name);
 
 // Closes a handle of OpenStrings; the invalid handle is left alone.
 void CloseStrings(nl_catd handle);

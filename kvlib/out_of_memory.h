@@ -10,7 +10,7 @@
 // Returns what `work` returns; `failure` when it throws for lack of memory (std::length_error is asking for more than
 // there can be).
 template <typename Result, typename Work>
-Result orFailure(Result failure, Work&& work) try {
+[[nodiscard]] Result orFailure(Result failure, Work&& work) try {
     return std::forward<Work>(work)();
 } catch (const std::bad_alloc&) {
     return failure;
@@ -20,7 +20,7 @@ Result orFailure(Result failure, Work&& work) try {
 
 // The same, and records a memory error before `failure` is returned.
 template <typename Result, typename Work>
-Result orMemoryError(Result failure, Work&& work) try {
+[[nodiscard]] Result orMemoryError(Result failure, Work&& work) try {
     return std::forward<Work>(work)();
 } catch (const std::bad_alloc&) {
     ramAddMemoryError();
