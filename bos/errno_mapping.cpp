@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
-#include <new>
 #include <string>
 #include <string_view>
 
@@ -13,6 +12,7 @@
 #include "kvlib/error_report.h"
 #include "kvlib/library_errors.h"
 #include "kvlib/library_text.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/per_thread_data.h"
 
 namespace {
@@ -76,26 +76,25 @@ std::string detailText(int systemError, const char* name) {
     return fillFormat(winGetString(format, LibraryMessage::kSystemErrorFormat) == 0 ? "%s: %s" : format, reason, name);
 }
 
-std::uint16_t record(int systemError, const char* name, bool asWarning) try {
+std::uint16_t record(int systemError, const char* name, bool asWarning) {
     const std::uint16_t number = libraryErrorNumber(systemError);
     if (mdsGetPerThreadData(kThreadSlotErrorList) == nullptr) {
         return number;
     }
-    const std::string detail = detailText(systemError, name);
-    KvError* error = asWarning ? addWarning(number) : addError(number);
-    if (!detail.empty()) {
-        error->appendText(": ");
-        error->appendText(detail.c_str());
-    }
-    return number;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return libraryErrorNumber(systemError);
+    return orMemoryError(number, [=] {
+        const std::string detail = detailText(systemError, name);
+        KvError* error = asWarning ? addWarning(number) : addError(number);
+        if (!detail.empty()) {
+            error->appendText(": ");
+            error->appendText(detail.c_str());
+        }
+        return number;
+    });
 }
 
 }  // namespace
 
-std::uint16_t libraryErrorNumber(int systemError) {
+std::uint16_t libraryErrorNumber(int systemError) noexcept {
     const Mapping* mapping = findMapping(systemError);
     return mapping == nullptr ? std::uint16_t{LibraryMessage::kFileError} : mapping->number;
 }

@@ -7,7 +7,7 @@ class KvError;
 
 // The library error (LibraryMessage) that stands for `systemError`; kFileError for every number without one of its
 // own. A read-only file system has its own number and is not told as a read-only file.
-std::uint16_t libraryErrorNumber(int systemError);
+[[nodiscard]] std::uint16_t libraryErrorNumber(int systemError) noexcept;
 
 // Records the library's error for `systemError` on the calling thread's current error list, with `name` (may be null)
 // appended where it helps and the system's own words where the library has none. Does nothing in a thread without a

@@ -12,8 +12,10 @@
 
 #include "bos/errno_mapping.h"
 #include "bos/file_names.h"
+#include "bos/library.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 namespace {
@@ -85,7 +87,7 @@ int createFile(const char* path, std::uint32_t flags, int* descriptor) {
         close(opened);
         return truncateError;
     }
-    // Whoever creates means to write now: another's lock is respected by asking, not by giving up.
+    // Tried, but its failure is ignored: the lock of another program must not keep users from saving.
     setLock(opened, F_RDLCK, kLockOffset, 1);
     *descriptor = opened;
     return 0;
@@ -109,20 +111,17 @@ int openExisting(const char* path, std::uint32_t flags, int* descriptor) {
     return 0;
 }
 
-// Fails when the path does not fit the caller's buffer, which then keeps its text.
-int handBack(char* name, const std::string& path) {
-    if (path.size() >= kPathSize) {
-        return ENAMETOOLONG;
-    }
-    strCopy(name, path.c_str(), path.size());
-    return 0;
+// Gives the caller the path that his name led to. A path that does not fit his buffer fails and leaves the name as it
+// is.
+int storeResolvedName(char* name, const std::string& path) {
+    return path.size() < kPathSize && copyWhole(name, kPathSize, path) ? 0 : ENAMETOOLONG;
 }
 
 // Always exclusive, so that nobody can put a link where the file will be.
 int createTemporary(char* name, std::uint32_t flags, int* descriptor) {
     int result = EEXIST;
     for (int i = 0; i < kTemporaryNameTries && result == EEXIST; ++i) {
-        result = handBack(name, temporaryName());
+        result = storeResolvedName(name, temporaryName());
         if (debugEnabled(DebugBit::kFile)) {
             std::printf("bosfopen: Temp File %s ", name);
         }
@@ -151,57 +150,54 @@ int openResolved(char* name, std::uint32_t flags, int* descriptor) {
 
 // Calls `function` with the name in the code page of the locale; `failure` is the answer when memory runs out.
 template <typename Function>
-int withName(const char16_t* name, int failure, Function function) try {
-    return function(fromUtf16(name, kCPLocale).c_str());
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return failure;
+int withName(const char16_t* name, int failure, Function function) {
+    return orMemoryError(failure, [&] { return function(fromUtf16(name, kCPLocale).c_str()); });
 }
 
 }  // namespace
 
-int openFile(char* name, std::uint32_t flags, int* descriptor) try {
-    *descriptor = 0;
-    if (debugEnabled(DebugBit::kFile)) {
-        std::printf("bosfopen - File:%s\n", name);
-    }
-    if ((flags & (OpenFlag::kTemporary | OpenFlag::kTemporaryToo)) != 0) {
-        return createTemporary(name, flags, descriptor);
-    }
-    const ResolvedName resolved =
-        resolveFileName(name, (flags & OpenFlag::kRecogniseNames) != 0, (flags & OpenFlag::kHomeRelative) != 0);
-    const int result = handBack(name, resolved.path);
-    if (result != 0 || resolved.systemError != 0) {
-        return result != 0 ? result : resolved.systemError;
-    }
-    return openResolved(name, flags, descriptor);
-} catch (const std::bad_alloc&) {
-    return ENOMEM;
+int openFile(char* name, std::uint32_t flags, int* descriptor) {
+    return orFailure(ENOMEM, [&] {
+        *descriptor = 0;
+        if (debugEnabled(DebugBit::kFile)) {
+            std::printf("bosfopen - File:%s\n", name);
+        }
+        if ((flags & (OpenFlag::kTemporary | OpenFlag::kTemporaryToo)) != 0) {
+            return createTemporary(name, flags, descriptor);
+        }
+        const ResolvedName resolved =
+            resolveFileName(name, (flags & OpenFlag::kRecogniseNames) != 0, (flags & OpenFlag::kHomeRelative) != 0);
+        const int result = storeResolvedName(name, resolved.path);
+        if (result != 0 || resolved.systemError != 0) {
+            return result != 0 ? result : resolved.systemError;
+        }
+        return openResolved(name, flags, descriptor);
+    });
 }
 
 int bosFileOpen(char* name, std::uint32_t flags, int* descriptor) {
     return reported(openFile(name, flags, descriptor), name);
 }
 
-int bosFileOpen(char16_t* name, std::uint32_t flags, int* descriptor) try {
-    char narrow[kPathSize];
+int bosFileOpen(char16_t* name, std::uint32_t flags, int* descriptor) {
     *descriptor = 0;
-    if (handBack(narrow, fromUtf16(name, kCPLocale)) != 0) {
-        return reported(ENAMETOOLONG, nullptr);
-    }
-    const int result = bosFileOpen(narrow, flags, descriptor);
-    // Every UTF-16 form of a path is at most as long in units as it is in bytes.
-    const std::u16string wide = toUtf16(narrow, kCPLocale);
-    wide.copy(name, wide.size());
-    name[wide.size()] = u'\0';
-    return result;
-} catch (const std::bad_alloc&) {
-    if (*descriptor != 0) {
+    const int result = orMemoryError(1, [&] {
+        char narrow[kPathSize];
+        if (storeResolvedName(narrow, fromUtf16(name, kCPLocale)) != 0) {
+            return reported(ENAMETOOLONG, nullptr);
+        }
+        const int opened = bosFileOpen(narrow, flags, descriptor);
+        // Every UTF-16 form of a path is at most as long in units as it is in bytes.
+        const std::u16string wide = toUtf16(narrow, kCPLocale);
+        wide.copy(name, wide.size());
+        name[wide.size()] = u'\0';
+        return opened;
+    });
+    if (result != 0 && *descriptor != 0) {
         close(*descriptor);
         *descriptor = 0;
     }
-    ramAddMemoryError();
-    return 1;
+    return result;
 }
 
 int bosFileClose(int descriptor) {
@@ -318,19 +314,18 @@ int bosFileDateSize(const char16_t* name, std::uint32_t* date, std::uint64_t* si
     return withName(name, 1, [=](const char* narrow) { return bosFileDateSize(narrow, date, size); });
 }
 
-int bosftest(const char* path) try {
-    const std::string whole = path;
-    const std::string probe = whole.substr(0, whole.rfind('/') + 1) + "$$$kv$$$.$kv";
-    const int descriptor = open(probe.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCreationMode);
-    if (descriptor < 0) {
-        return 0;
-    }
-    close(descriptor);
-    unlink(probe.c_str());
-    return 1;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 0;
+int bosftest(const char* path) {
+    return orMemoryError(0, [&] {
+        const std::string whole = path;
+        const std::string probe = whole.substr(0, whole.rfind('/') + 1) + "$$$kv$$$.$kv";
+        const int descriptor = open(probe.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCreationMode);
+        if (descriptor < 0) {
+            return 0;
+        }
+        close(descriptor);
+        unlink(probe.c_str());
+        return 1;
+    });
 }
 
 int bosftest(const char16_t* path) {

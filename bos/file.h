@@ -9,9 +9,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "bos/library.h"
+#include "bos/path_size.h"
 
-// The bits of bosFileOpen's flag word.
+// The bits of bosFileOpen's flag word; a plain enum, since callers combine the bits.
 namespace OpenFlag {
 enum Flag : std::uint32_t {
     kCreate = 0x0001,          // open read/write, create (mode 0666), share-lock, and ignore the flags below kExclusive
@@ -38,20 +38,21 @@ enum Flag : std::uint32_t {
 // Creating is different: its read lock is tried and its absence ignored, so that a program that holds a lock for long
 // can't keep others from saving. An exclusive lock that must hold is asked for without kCreate; that open fails
 // with kFileBusy while another process holds the lock.
-int bosFileOpen(char* name, std::uint32_t flags, int* descriptor);
-int bosFileOpen(char16_t* name, std::uint32_t flags, int* descriptor);
+[[nodiscard]] int bosFileOpen(char* name, std::uint32_t flags, int* descriptor);
+[[nodiscard]] int bosFileOpen(char16_t* name, std::uint32_t flags, int* descriptor);
 
 // The same, but records nothing: returns 0 or the system error number, for callers with an answer to some failures.
-int openFile(char* name, std::uint32_t flags, int* descriptor);
+[[nodiscard]] int openFile(char* name, std::uint32_t flags, int* descriptor);
 
 int bosFileClose(int descriptor);
 
 // Reads up to `size` bytes at `offset` (-1: at the current position) and stores in `got` how many there were; fewer
 // than `size` only at the end of the file.
-int bosFileRead(int descriptor, std::int64_t offset, void* buffer, std::uint64_t size, std::uint64_t* got);
+[[nodiscard]] int bosFileRead(int descriptor, std::int64_t offset, void* buffer, std::uint64_t size,
+                              std::uint64_t* got);
 
 // Writes all of `size` bytes at `offset` (-1: at the current position). A failure may leave a part written.
-int bosFileWrite(int descriptor, std::int64_t offset, const void* buffer, std::uint64_t size);
+[[nodiscard]] int bosFileWrite(int descriptor, std::int64_t offset, const void* buffer, std::uint64_t size);
 
 // Moves the position as lseek does (SEEK_SET, SEEK_CUR, SEEK_END); `position` (may be null) receives the new one.
 int bosFileSeek(int descriptor, std::int64_t offset, int whence, std::int64_t* position);
@@ -63,26 +64,26 @@ int bosFileTruncate(const char16_t* name, std::uint64_t size);
 // Waits until the disk has what was written. A file system that can't tell counts as one that has it.
 int bosFileSync(int descriptor);
 
-int bosFileSize(int descriptor, std::uint64_t* size);
+[[nodiscard]] int bosFileSize(int descriptor, std::uint64_t* size);
 
 int bosFileDelete(const char* name);
 int bosFileDelete(const char16_t* name);
 
 // 1 when something of that name exists, else 0; records no error.
-int bosexist(const char* name);
-int bosexist(const char16_t* name);
+[[nodiscard]] int bosexist(const char* name);
+[[nodiscard]] int bosexist(const char16_t* name);
 
 // The file's modification time (seconds, low 32 bits) and its size; either pointer may be null.
-int bosFileDateSize(const char* name, std::uint32_t* date, std::uint64_t* size);
-int bosFileDateSize(const char16_t* name, std::uint32_t* date, std::uint64_t* size);
+[[nodiscard]] int bosFileDateSize(const char* name, std::uint32_t* date, std::uint64_t* size);
+[[nodiscard]] int bosFileDateSize(const char16_t* name, std::uint32_t* date, std::uint64_t* size);
 
 // 1 when files can be created in the directory of `path` (what stands before its last "/"), tried by creating and
 // removing one, else 0; records no error.
-int bosftest(const char* path);
-int bosftest(const char16_t* path);
+[[nodiscard]] int bosftest(const char* path);
+[[nodiscard]] int bosftest(const char16_t* path);
 
 // Locks a range of bytes without waiting (length 0: to the end of the file, however it grows).
 namespace RegionLock {
 enum Mode : int { kRelease = 0, kShared = 1, kExclusive = 2 };
 }  // namespace RegionLock
-int bosRegionLock(int descriptor, int mode, std::int64_t offset, std::int64_t length);
+[[nodiscard]] int bosRegionLock(int descriptor, int mode, std::int64_t offset, std::int64_t length);

@@ -8,11 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <random>
 
 #include "kvlib/debug_mask.h"
-#include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 namespace {
@@ -33,7 +32,7 @@ constexpr ConfigurationFile kConfigurationFiles[] = {
     {{".kvlib.ini", nullptr}, {"KVLIB_INI", nullptr}, false, false},
     {{".system.defaults", nullptr}, {"KV_SYSTEM_INI", nullptr}, false, false},
 };
-constexpr const ConfigurationFile& kDriverFile = kConfigurationFiles[1];
+constexpr const ConfigurationFile& kOdbcInstIni = kConfigurationFiles[1];
 
 bool isNameOf(const ConfigurationFile& file, const char* name) {
     const auto equals = file.anyCase ? strcasecmp : strcmp;
@@ -81,13 +80,9 @@ std::string inHome(const std::string& name) {
     return home == nullptr ? name : join(home, name);
 }
 
-int storePath(char* buffer, const std::string& path) {
-    if (path.size() >= kPathSize) {
-        *buffer = '\0';
-        return 1;
-    }
-    strCopy(buffer, path.c_str(), path.size());
-    return 0;
+// 0, or 1 with an empty path when `path` does not fit.
+int storePath(char* buffer, std::string_view path) {
+    return copyWhole(buffer, kPathSize, path) ? 0 : 1;
 }
 
 std::string currentDirectory() {
@@ -145,8 +140,8 @@ ResolvedName resolveFileName(const std::string& name, bool recogniseNames, bool 
 }
 
 bool isDriverFileName(std::string_view name) {
-    const char* value = std::getenv(kDriverFile.variables[0]);
-    return isNameOf(kDriverFile, std::string(name).c_str()) || (value != nullptr && name == value);
+    const char* value = std::getenv(kOdbcInstIni.variables[0]);
+    return isNameOf(kOdbcInstIni, std::string(name).c_str()) || (value != nullptr && name == value);
 }
 
 std::string temporaryName() {
@@ -165,57 +160,51 @@ std::string temporaryName() {
     }
 }
 
-int boshpath(char* name) try {
-    const char* home = std::getenv("HOME");
-    const char* directory = home != nullptr ? home : std::getenv("KV");
-    const std::string path = join(directory != nullptr ? directory : currentDirectory(), name);
-    return path.size() >= kPathSize ? 1 : storePath(name, path);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int boshpath(char* name) {
+    return orMemoryError(1, [&] {
+        const char* home = std::getenv("HOME");
+        const char* directory = home != nullptr ? home : std::getenv("KV");
+        const std::string path = join(directory != nullptr ? directory : currentDirectory(), name);
+        return path.size() >= kPathSize ? 1 : storePath(name, path);
+    });
 }
 
-int bosfpath(char* path, const char* directory, const char* name) try {
-    return storePath(path, joined(directory, name));
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bosfpath(char* path, const char* directory, const char* name) {
+    return orMemoryError(1, [&] { return storePath(path, joined(directory, name)); });
 }
 
-int bospath(char* path, const char* directory, const char* name, const char* extension) try {
-    const bool trace = debugEnabled(DebugBit::kFile);
-    if (trace) {
-        std::printf("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
-                    extension == nullptr ? "" : extension);
-    }
-    std::string result = joined(directory, name);
-    if (trace) {
-        std::printf("bospath: after bosfpath path:%s\n", result.c_str());
-    }
-    if (extension != nullptr && *extension != '\0' && !hasExtension(result)) {
-        result.append(*extension == '.' ? "" : ".").append(extension);
-    }
-    return storePath(path, result);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bospath(char* path, const char* directory, const char* name, const char* extension) {
+    return orMemoryError(1, [&] {
+        const bool trace = debugEnabled(DebugBit::kFile);
+        if (trace) {
+            std::printf("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
+                        extension == nullptr ? "" : extension);
+        }
+        std::string result = joined(directory, name);
+        if (trace) {
+            std::printf("bospath: after bosfpath path:%s\n", result.c_str());
+        }
+        if (extension != nullptr && *extension != '\0' && !hasExtension(result)) {
+            result.append(*extension == '.' ? "" : ".").append(extension);
+        }
+        return storePath(path, result);
+    });
 }
 
-int bosParseName(const char* path, char* directory, char* name) try {
-    const std::string_view whole = path;
-    const std::size_t slash = whole.rfind('/');
-    const bool hasDirectory = slash != std::string_view::npos;
-    const std::string directoryPart(hasDirectory ? whole.substr(0, slash == 0 ? 1 : slash) : "");
-    const std::string namePart(hasDirectory ? whole.substr(slash + 1) : whole);
-    const bool fits = directoryPart.size() < kPathSize && namePart.size() < kPathSize;
-    if (directory != nullptr) {
-        storePath(directory, fits ? directoryPart : "");
-    }
-    if (name != nullptr) {
-        storePath(name, fits ? namePart : "");
-    }
-    return fits ? 0 : 1;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bosParseName(const char* path, char* directory, char* name) {
+    return orMemoryError(1, [&] {
+        const std::string_view whole = path;
+        const std::size_t slash = whole.rfind('/');
+        const bool hasDirectory = slash != std::string_view::npos;
+        const std::string directoryPart(hasDirectory ? whole.substr(0, slash == 0 ? 1 : slash) : "");
+        const std::string namePart(hasDirectory ? whole.substr(slash + 1) : whole);
+        const bool fits = directoryPart.size() < kPathSize && namePart.size() < kPathSize;
+        if (directory != nullptr) {
+            storePath(directory, fits ? directoryPart : "");
+        }
+        if (name != nullptr) {
+            storePath(name, fits ? namePart : "");
+        }
+        return fits ? 0 : 1;
+    });
 }

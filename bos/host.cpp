@@ -8,22 +8,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string_view>
 
 #include "kvlib/debug_mask.h"
-#include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 namespace {
-
-int store(char* buffer, std::uint32_t size, std::string_view text) {
-    const bool fits = text.size() < size;
-    if (size != 0) {
-        strCopy(buffer, text.data(), fits ? text.size() : 0);
-    }
-    return fits ? 0 : 1;
-}
 
 // The lines that a shell command prints, without their line ends.
 std::vector<std::string> outputLines(const std::string& command) {
@@ -63,74 +54,68 @@ const char* bosGetEnv(const char* name) {
     return std::getenv(name);
 }
 
-int bosGetEnv(const char16_t* name, char16_t* buffer, std::uint32_t size) try {
-    if (size != 0) {
-        *buffer = u'\0';
-    }
-    const char* value = std::getenv(fromUtf16(name, kCPLocale).c_str());
-    if (value == nullptr) {
-        return 1;
-    }
-    const std::u16string wide = toUtf16(value, kCPLocale);
-    if (wide.size() >= size) {
-        return 1;
-    }
-    wide.copy(buffer, wide.size());
-    buffer[wide.size()] = u'\0';
-    return 0;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bosGetEnv(const char16_t* name, char16_t* buffer, std::uint32_t size) {
+    return orMemoryError(1, [&] {
+        if (size != 0) {
+            *buffer = u'\0';
+        }
+        const char* value = std::getenv(fromUtf16(name, kCPLocale).c_str());
+        if (value == nullptr) {
+            return 1;
+        }
+        const std::u16string wide = toUtf16(value, kCPLocale);
+        if (wide.size() >= size) {
+            return 1;
+        }
+        wide.copy(buffer, wide.size());
+        buffer[wide.size()] = u'\0';
+        return 0;
+    });
 }
 
 int bosGetMachineName(char* buffer, std::uint32_t size) {
     char name[HOST_NAME_MAX + 1] = "";
     const int result = gethostname(name, sizeof name);
     name[HOST_NAME_MAX] = '\0';
-    const int stored = store(buffer, size, result == 0 ? name : "");
-    return result == 0 ? stored : 1;
+    return copyWhole(buffer, size, result == 0 ? name : "") && result == 0 ? 0 : 1;
 }
 
-int bosGetHostUser(char* buffer, std::uint32_t size) try {
-    std::vector<char> space(16384);
-    passwd entry = {};
-    passwd* found = nullptr;
-    const uid_t user = getuid();
-    if (getpwuid_r(user, &entry, space.data(), space.size(), &found) != 0 || found == nullptr) {
-        return store(buffer, size, std::to_string(user));
-    }
-    return store(buffer, size, found->pw_name);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bosGetHostUser(char* buffer, std::uint32_t size) {
+    return orMemoryError(1, [&] {
+        std::vector<char> space(16384);
+        passwd entry = {};
+        passwd* found = nullptr;
+        const uid_t user = getuid();
+        const bool isKnown = getpwuid_r(user, &entry, space.data(), space.size(), &found) == 0 && found != nullptr;
+        return copyWhole(buffer, size, isKnown ? found->pw_name : std::to_string(user)) ? 0 : 1;
+    });
 }
 
-int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size) try {
-    const std::vector<std::string> lines = outputLines("/bin/ps -p " + std::to_string(pid) + " -ocomm= 2>/dev/null");
-    const std::string name = lines.empty() ? "" : lines.front();
-    store(buffer, size, std::string_view(name).substr(0, size == 0 ? 0 : size - 1));
-    return name.empty() ? 1 : 0;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size) {
+    return orMemoryError(1, [&] {
+        const std::vector<std::string> lines =
+            outputLines("/bin/ps -p " + std::to_string(pid) + " -ocomm= 2>/dev/null");
+        const std::string name = lines.empty() ? "" : lines.front();
+        copyCut(buffer, size, name);
+        return name.empty() ? 1 : 0;
+    });
 }
 
-int bosFindFiles(const char* pattern, std::vector<std::string>& result) try {
-    const bool trace = debugEnabled(DebugBit::kFile);
-    if (trace) {
-        std::printf("bosFindFiles: Search for %s\n", pattern);
-    }
-    result.clear();
-    if (isPlainPattern(pattern)) {
-        result = outputLines(std::string("/bin/sh 2>>/dev/null <<EOT\n/bin/ls ") + pattern + "\nEOT");
-    }
-    if (trace) {
-        for (const std::string& name : result) {
-            std::printf("bosFindFiles: returns fileName=%s\n", name.c_str());
+int bosFindFiles(const char* pattern, std::vector<std::string>& result) {
+    return orMemoryError(1, [&] {
+        const bool trace = debugEnabled(DebugBit::kFile);
+        if (trace) {
+            std::printf("bosFindFiles: Search for %s\n", pattern);
         }
-    }
-    return result.empty() ? 1 : 0;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+        result.clear();
+        if (isPlainPattern(pattern)) {
+            result = outputLines(std::string("/bin/sh 2>>/dev/null <<EOT\n/bin/ls ") + pattern + "\nEOT");
+        }
+        if (trace) {
+            for (const std::string& name : result) {
+                std::printf("bosFindFiles: returns fileName=%s\n", name.c_str());
+            }
+        }
+        return result.empty() ? 1 : 0;
+    });
 }

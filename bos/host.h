@@ -11,19 +11,19 @@
 #include <vector>
 
 // The value of an environment variable or null, owned by the environment (POSIX getenv).
-const char* bosGetEnv(const char* name);
+[[nodiscard]] const char* bosGetEnv(const char* name);
 // The twin copies the value to `buffer`; 1 when the variable is unset or its value does not fit.
-int bosGetEnv(const char16_t* name, char16_t* buffer, std::uint32_t size);
+[[nodiscard]] int bosGetEnv(const char16_t* name, char16_t* buffer, std::uint32_t size);
 
 // The name of this host (POSIX gethostname), and of the user that the process runs as (POSIX getpwuid_r, the decimal
 // user id without an entry there). Failing includes a name that does not fit.
-int bosGetMachineName(char* buffer, std::uint32_t size);
-int bosGetHostUser(char* buffer, std::uint32_t size);
+[[nodiscard]] int bosGetMachineName(char* buffer, std::uint32_t size);
+[[nodiscard]] int bosGetHostUser(char* buffer, std::uint32_t size);
 
 // The command name of process `pid` as "ps" tells it, cut to the buffer; 1 when there is no such process.
-int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size);
+[[nodiscard]] int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size);
 
 // The names that "ls" prints for a shell pattern such as "/tmp/*.dsn". A pattern with characters that would make the
 // shell do anything but match names ($ ` \ ' " ; & | < > ( ) and control characters) names no file. 1 when none was
 // found.
-int bosFindFiles(const char* pattern, std::vector<std::string>& result);
+[[nodiscard]] int bosFindFiles(const char* pattern, std::vector<std::string>& result);

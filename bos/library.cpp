@@ -18,6 +18,7 @@
 #include "kvlib/debug_mask.h"
 #include "kvlib/error.h"
 #include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 namespace {
@@ -175,30 +176,18 @@ std::uint32_t bosfattr(const char* name) {
     return isWritable(status) ? FileKind::kRegular : FileKind::kRegular | FileKind::kReadOnly;
 }
 
-std::uint32_t bosLocateFile(char* result, const char* name, std::uint32_t flags) try {
-    const std::string found = locate(name, flags);
+std::uint32_t bosLocateFile(char* result, const char* name, std::uint32_t flags) {
+    const std::string found = orMemoryError(std::string(), [&] { return locate(name, flags); });
     if (result != nullptr) {
         strCopy(result, found.c_str(), found.size());
     }
     return found.empty() ? 1 : 0;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    if (result != nullptr) {
-        *result = '\0';
-    }
-    return 1;
 }
 
-void* bosLoadLibrary(const char* name, int addVersion) try {
-    return loadLibrary(name, addVersion != 0);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return nullptr;
+void* bosLoadLibrary(const char* name, int addVersion) {
+    return orMemoryError<void*>(nullptr, [&] { return loadLibrary(name, addVersion != 0); });
 }
 
-void* bosLoadLibrary(const char16_t* name, int addVersion) try {
-    return loadLibrary(fromUtf16(name, kCPLocale), addVersion != 0);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return nullptr;
+void* bosLoadLibrary(const char16_t* name, int addVersion) {
+    return orMemoryError<void*>(nullptr, [&] { return loadLibrary(fromUtf16(name, kCPLocale), addVersion != 0); });
 }

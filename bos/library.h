@@ -4,13 +4,11 @@
 
 #include <dlfcn.h>
 
-#include <cstddef>
 #include <cstdint>
 
-// Size that every path buffer of the bos functions must have.
-constexpr std::size_t kPathSize = 1025;
+#include "bos/path_size.h"
 
-// Which directories bosLocateFile searches, in the order of this list.
+// Which directories bosLocateFile searches, in the order of this list; a plain enum, since callers combine the bits.
 namespace LocateFlag {
 enum Flag : std::uint32_t {
     kCurrentDirectory = 0x10,
@@ -21,7 +19,7 @@ enum Flag : std::uint32_t {
 };
 }  // namespace LocateFlag
 
-// Bits of bosfattr's result.
+// Bits of bosfattr's result; a plain enum for the same reason.
 namespace FileKind {
 enum Bit : std::uint32_t {
     kRegular = 1,
@@ -35,12 +33,12 @@ enum Bit : std::uint32_t {
 
 // What kind of file `name` is (POSIX stat). ".." is a directory without being looked at. Whether the caller may write
 // a regular file is judged by its mode bits alone, so root is not special.
-std::uint32_t bosfattr(const char* name);
+[[nodiscard]] std::uint32_t bosfattr(const char* name);
 
 // Looks for the regular file `name`: as given, then in the directories that `flags` (LocateFlag) select. Copies the
 // path found to `result` (kPathSize bytes, or null), which is empty otherwise; paths that don't fit are passed over.
 // Returns 0 when found, 1 when not; records no error.
-std::uint32_t bosLocateFile(char* result, const char* name, std::uint32_t flags);
+[[nodiscard]] std::uint32_t bosLocateFile(char* result, const char* name, std::uint32_t flags);
 
 // Loads the shared library `name`, which needs neither directory nor ".so", along KV, KVLIB and the loader's own
 // variables; with `addVersion` the product's suffix "23" follows the name. Returns the handle for dlsym, which the

@@ -9,10 +9,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "kvlib/out_of_memory.h"
 
 namespace {
 
@@ -125,32 +126,32 @@ int WWHelp_Platform_Shutdown() {
     return 0;
 }
 
-int WWHelp_Platform_SetDefaultBrowserInfo(WWHelp_BrowserInfo* info) try {
-    *info = {};
-    const std::string path = findBrowser();
-    if (path.empty()) {
-        return -1;
-    }
-    std::strcpy(info->browserPath, path.c_str());
-    info->remoteCapable = isRemoteCapable(path) ? 1 : 0;
-    if (info->remoteCapable != 0) {
-        const int failure = writeSignature(info);
-        if (failure != 0) {
-            return failure;
+int WWHelp_Platform_SetDefaultBrowserInfo(WWHelp_BrowserInfo* info) {
+    return orFailure(-1, [&] {
+        *info = {};
+        const std::string path = findBrowser();
+        if (path.empty()) {
+            return -1;
         }
-    }
-    info->remoteProbePassed =
-        private_WWHelp_Platform_Command(1, info->browserPath, "-remote", static_cast<char*>(nullptr)) == 0 ? 1 : 0;
-    return 0;
-} catch (const std::bad_alloc&) {
-    return -1;
+        std::strcpy(info->browserPath, path.c_str());
+        info->remoteCapable = isRemoteCapable(path) ? 1 : 0;
+        if (info->remoteCapable != 0) {
+            const int failure = writeSignature(info);
+            if (failure != 0) {
+                return failure;
+            }
+        }
+        info->remoteProbePassed =
+            private_WWHelp_Platform_Command(1, info->browserPath, "-remote", static_cast<char*>(nullptr)) == 0 ? 1 : 0;
+        return 0;
+    });
 }
 
-int WWHelp_Platform_LaunchWithURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length) try {
-    const std::string address(url, length);
-    return private_WWHelp_Platform_Command(0, info->browserPath, address.c_str(), static_cast<char*>(nullptr));
-} catch (const std::bad_alloc&) {
-    return -1;
+int WWHelp_Platform_LaunchWithURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length) {
+    return orFailure(-1, [&] {
+        const std::string address(url, length);
+        return private_WWHelp_Platform_Command(0, info->browserPath, address.c_str(), static_cast<char*>(nullptr));
+    });
 }
 
 int private_WWHelp_Platform_FileIsExecutable(const char* path) {
@@ -158,15 +159,16 @@ int private_WWHelp_Platform_FileIsExecutable(const char* path) {
     return stat(path, &status);
 }
 
-int private_WWHelp_Platform_Command(int wait, const char* file, ...) try {
-    std::vector<char*> arguments{const_cast<char*>(file)};
+int private_WWHelp_Platform_Command(int wait, const char* file, ...) {
     std::va_list rest;
     va_start(rest, file);
-    do {
-        arguments.push_back(va_arg(rest, char*));
-    } while (arguments.back() != nullptr);
+    const int result = orFailure(-1, [&] {
+        std::vector<char*> arguments{const_cast<char*>(file)};
+        do {
+            arguments.push_back(va_arg(rest, char*));
+        } while (arguments.back() != nullptr);
+        return runProgram(wait != 0, file, arguments);
+    });
     va_end(rest);
-    return runProgram(wait != 0, file, arguments);
-} catch (const std::bad_alloc&) {
-    return -1;
+    return result;
 }

@@ -6,12 +6,13 @@
 
 #include <algorithm>
 #include <memory>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "help/browser_platform.h"
+
+#include "kvlib/out_of_memory.h"
 
 namespace {
 
@@ -188,24 +189,24 @@ int WWHelp_Platform_CheckBrowserRunning(WWHelp_BrowserInfo* info) {
     return display != nullptr && findBrowserWindow(display, Atoms(display).version) != None ? 0 : -1;
 }
 
-int WWHelp_Platform_SendURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length) try {
-    if (info->remoteCapable == 0) {
-        return -1;
-    }
-    const BrowserDisplay connection;
-    Display* display = connection.get();
-    if (display == nullptr) {
-        return -1;
-    }
-    const std::string command = "openURL(" + std::string(url, length) + ")";
-    const Atoms atoms(display);
-    const Window window = findBrowserWindow(display, atoms.version);
-    if (window == None || !lockWindow(display, window, atoms.version, atoms.lock, info->processSignature)) {
-        return -1;
-    }
-    const bool sent = sendCommand(display, window, atoms, command);
-    unlockWindow(display, window, atoms.lock, info->processSignature);
-    return sent ? 0 : -1;
-} catch (const std::bad_alloc&) {
-    return -1;
+int WWHelp_Platform_SendURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length) {
+    return orFailure(-1, [&] {
+        if (info->remoteCapable == 0) {
+            return -1;
+        }
+        const BrowserDisplay connection;
+        Display* display = connection.get();
+        if (display == nullptr) {
+            return -1;
+        }
+        const std::string command = "openURL(" + std::string(url, length) + ")";
+        const Atoms atoms(display);
+        const Window window = findBrowserWindow(display, atoms.version);
+        if (window == None || !lockWindow(display, window, atoms.version, atoms.lock, info->processSignature)) {
+            return -1;
+        }
+        const bool sent = sendCommand(display, window, atoms, command);
+        unlockWindow(display, window, atoms.lock, info->processSignature);
+        return sent ? 0 : -1;
+    });
 }

@@ -1,56 +1,33 @@
 #include "help/help_locator.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <memory>
-#include <new>
 #include <string>
 
 #include "catalogs/message_numbers.h"
 #include "help/web_help.h"
-#include "kvini/profile.h"
-#include "kvlib/error_report.h"
+#include "kvini/kv_ini.h"
 #include "kvlib/library_text.h"
 #include "kvlib/message_box.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 namespace {
 
 constexpr const char* kScheme = "File:///";
 constexpr std::size_t kRootUrlSize = 1044;
-
-struct FreeDeleter {
-    void operator()(unsigned char* text) const { std::free(text); }
-};
+constexpr std::size_t kLongestDirectory = 1024;
 
 const char* plain(const unsigned char* text) {
     return reinterpret_cast<const char*>(text);
 }
 
-// Takes the product's driver file for the length of one read.
-class DriverFile {
-public:
-    DriverFile() : cache_(kvPrivateProfileInit("ODBCINST.INI")) {}
-    ~DriverFile() {
-        if (cache_ != nullptr) {
-            kvPrivateProfileTerm(cache_);
-        }
-    }
-    DriverFile(const DriverFile&) = delete;
-    DriverFile& operator=(const DriverFile&) = delete;
-
-    std::string value(const char* section, const char* key) const {
-        std::array<char, 1024> text{};
-        if (cache_ != nullptr) {
-            kvGetPrivateProfileString(section, key, "", text.data(), text.size(), cache_);
-        }
-        return text.data();
-    }
-
-private:
-    KvIniFileCache* cache_;
-};
+// What the product's driver file says; "" when it says nothing or can't be read.
+std::string driverFileValue(const char* section, const char* key) {
+    KvIni file;
+    file.open("ODBCINST.INI");
+    char value[kLongestDirectory];
+    file.getEntry(section, key, value, sizeof value, "");
+    return value;
+}
 
 void reportMissingRoot() {
     char message[kLibraryTextSize];
@@ -63,12 +40,8 @@ void reportMissingRoot() {
 }  // namespace
 
 void kvDisplayHelp(const unsigned char* book, const unsigned char* topic) {
-    const std::unique_ptr<unsigned char, FreeDeleter> owned(static_cast<unsigned char*>(std::malloc(kRootUrlSize)));
-    unsigned char* rootUrl = owned.get();
-    if (rootUrl == nullptr) {
-        ramAddMemoryError();
-        return;
-    }
+    unsigned char buffer[kRootUrlSize];
+    unsigned char* rootUrl = buffer;
     if (kvFindHelpRoot(book, &rootUrl, kRootUrlSize) == 0) {
         WWHelp_Startup(plain(rootUrl));
         WWHelp_DisplayHelp("ODBC", plain(topic));
@@ -76,29 +49,27 @@ void kvDisplayHelp(const unsigned char* book, const unsigned char* topic) {
     }
 }
 
-int kvFindHelpRoot(const unsigned char* book, unsigned char** rootUrl, std::size_t size) try {
-    if (rootUrl == nullptr || size == 0) {
-        return 1;
-    }
-    const std::string directory = DriverFile().value(plain(book), "HelpRootDirectory");
-    if (directory.empty()) {
-        reportMissingRoot();
-        return 1;
-    }
-    const std::string url = kScheme + directory;
-    strCopy(reinterpret_cast<char*>(*rootUrl), size, url.c_str());
-    return 0;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+int kvFindHelpRoot(const unsigned char* book, unsigned char** rootUrl, std::size_t size) {
+    return orMemoryError(1, [&] {
+        if (rootUrl == nullptr || size == 0) {
+            return 1;
+        }
+        const std::string directory = driverFileValue(plain(book), "HelpRootDirectory");
+        if (directory.empty()) {
+            reportMissingRoot();
+            return 1;
+        }
+        const std::string url = kScheme + directory;
+        strCopy(reinterpret_cast<char*>(*rootUrl), size, url.c_str());
+        return 0;
+    });
 }
 
-int kvDisplayHelp2(const unsigned char* directory, const unsigned char* context, const unsigned char* topic) try {
-    const std::string url = std::string(kScheme) + plain(directory);
-    WWHelp_Startup(url.c_str());
-    WWHelp_DisplayHelp(plain(context), plain(topic));
-    return WWHelp_Shutdown();
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return -1;
+int kvDisplayHelp2(const unsigned char* directory, const unsigned char* context, const unsigned char* topic) {
+    return orMemoryError(-1, [&] {
+        const std::string url = std::string(kScheme) + plain(directory);
+        WWHelp_Startup(url.c_str());
+        WWHelp_DisplayHelp(plain(context), plain(topic));
+        return WWHelp_Shutdown();
+    });
 }

@@ -3,9 +3,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string>
 #include <string_view>
+
+#include "kvlib/out_of_memory.h"
 
 namespace {
 
@@ -56,31 +57,27 @@ std::string unescaped(std::string_view text) {
 
 }  // namespace
 
-int WWHelp_URL_EscapeForJavaScript(const char* in, std::size_t length, char** out, std::size_t* outLength) try {
-    return handOut(escaped({in, length}), out, outLength);
-} catch (const std::bad_alloc&) {
-    return -1;
+int WWHelp_URL_EscapeForJavaScript(const char* in, std::size_t length, char** out, std::size_t* outLength) {
+    return orFailure(-1, [&] { return handOut(escaped({in, length}), out, outLength); });
 }
 
-int WWHelp_URL_Unescape(const char* in, std::size_t length, char** out, std::size_t* outLength) try {
-    return handOut(unescaped({in, length}), out, outLength);
-} catch (const std::bad_alloc&) {
-    return -1;
+int WWHelp_URL_Unescape(const char* in, std::size_t length, char** out, std::size_t* outLength) {
+    return orFailure(-1, [&] { return handOut(unescaped({in, length}), out, outLength); });
 }
 
 int private_WWHelp_URL_BuildSmartURLWithReset(const char* url, std::size_t length, const char* reset,
-                                              std::size_t resetLength, char** out, std::size_t* outLength) try {
-    const std::string address = escaped({url, length});
-    if (address.empty()) {
-        return -1;
-    }
-    return handOut(
-        "javascript:x=unescape('" + address +
-            "');if(typeof(window.WWHFrame)!='undefined'){window.WWHFrame.WWHHelp.fSetContextDocument(x);}else{" +
-            std::string(reset, resetLength) + "}",
-        out, outLength);
-} catch (const std::bad_alloc&) {
-    return -1;
+                                              std::size_t resetLength, char** out, std::size_t* outLength) {
+    return orFailure(-1, [&] {
+        const std::string address = escaped({url, length});
+        if (address.empty()) {
+            return -1;
+        }
+        return handOut(
+            "javascript:x=unescape('" + address +
+                "');if(typeof(window.WWHFrame)!='undefined'){window.WWHFrame.WWHHelp.fSetContextDocument(x);}else{" +
+                std::string(reset, resetLength) + "}",
+            out, outLength);
+    });
 }
 
 int WWHelp_URL_BuildSmartURL(const char* url, std::size_t length, char** out, std::size_t* outLength) {

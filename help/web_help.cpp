@@ -1,9 +1,9 @@
 #include "help/web_help.h"
 
-#include <new>
 #include <string>
 
 #include "help/browser_comm.h"
+#include "kvlib/out_of_memory.h"
 
 namespace {
 
@@ -42,14 +42,14 @@ std::string helpUrl(const char* context, const char* topic, bool single, Tab tab
     return url;
 }
 
-int displayHelp(const char* context, const char* topic, bool single, Tab tab) try {
-    const std::string url = helpUrl(context, topic, single, tab);
-    if (WWHelp_Comm_SetDefaultBrowserInfo(&sgWWHelp_DefaultBrowserInfo) != 0) {
-        return -1;
-    }
-    return WWHelp_Comm_DisplayHelpURL(&sgWWHelp_DefaultBrowserInfo, url.data(), url.size());
-} catch (const std::bad_alloc&) {
-    return -1;
+int displayHelp(const char* context, const char* topic, bool single, Tab tab) {
+    return orFailure(-1, [&] {
+        const std::string url = helpUrl(context, topic, single, tab);
+        if (WWHelp_Comm_SetDefaultBrowserInfo(&sgWWHelp_DefaultBrowserInfo) != 0) {
+            return -1;
+        }
+        return WWHelp_Comm_DisplayHelpURL(&sgWWHelp_DefaultBrowserInfo, url.data(), url.size());
+    });
 }
 
 int displayTopicWith(const char* context, const char* topic, Tab tab) {
@@ -63,23 +63,26 @@ void forget() {
 
 }  // namespace
 
-int WWHelp_Startup(const char* root) try {
+int WWHelp_Startup(const char* root) {
     if (!sgpWWHelp_Base.empty() || !isGiven(root)) {
         return -1;
     }
-    sgpWWHelp_Base = root;
-    sgpWWHelp_BaseURL = sgpWWHelp_Base + "/wwhelp/wwhimpl/api.htm";
-    if (WWHelp_Comm_Startup() == 0) {
-        if (WWHelp_Comm_NewBrowserInfo(&sgWWHelp_DefaultBrowserInfo) == 0) {
-            return 0;
+    const int result = orFailure(-1, [root] {
+        sgpWWHelp_Base = root;
+        sgpWWHelp_BaseURL = sgpWWHelp_Base + "/wwhelp/wwhimpl/api.htm";
+        if (WWHelp_Comm_Startup() != 0) {
+            return -1;
         }
-        WWHelp_Comm_Shutdown();
+        if (WWHelp_Comm_NewBrowserInfo(&sgWWHelp_DefaultBrowserInfo) != 0) {
+            WWHelp_Comm_Shutdown();
+            return -1;
+        }
+        return 0;
+    });
+    if (result != 0) {
+        forget();
     }
-    forget();
-    return -1;
-} catch (const std::bad_alloc&) {
-    forget();
-    return -1;
+    return result;
 }
 
 int WWHelp_Shutdown() {

@@ -6,44 +6,45 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <new>
 #include <utility>
 
 #include "bos/errno_mapping.h"
 #include "bos/file.h"
-#include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 
 namespace {
 
 constexpr int kNamesTried = 100;
 constexpr mode_t kPermissions = 0777;
 
-// Whether a copy can't be made for what the folder is, and not for what the disk or the process lacks.
+// Whether the folder takes no copy, which must not keep users from saving. When the disk is full, say, the rewriting
+// would fail too, and there is no copy to help: then nothing may be touched.
 bool isRefusedByFolder(int systemError) {
     return systemError == EACCES || systemError == EPERM || systemError == EROFS || systemError == ENAMETOOLONG ||
            systemError == EEXIST;
 }
 
-// With an access control list the mode does not tell who may do what (acl(5)).
+// With an access control list the permission bits do not tell who may do what (acl(5)).
 bool hasAccessList(const std::string& file, int copy) {
     constexpr char kAttribute[] = "system.posix_acl_access";
     return getxattr(file.c_str(), kAttribute, nullptr, 0) > 0 || fgetxattr(copy, kAttribute, nullptr, 0) > 0;
 }
 
-// The copy stands beside the link, where people may come who can't get to the file.
+// A link may lead to a file in a folder that few people may enter; the copy stands beside the link, in another folder.
+// A file that can't be looked at counts as one.
 bool isLink(const std::string& file) {
     struct stat status = {};
     return lstat(file.c_str(), &status) != 0 || S_ISLNK(status.st_mode);
 }
 
-// Gives the copy the owner and the permission of the file. Where that would not keep out whom the file keeps out, the
-// copy is its owner's alone.
-void becomeLike(int copy, const std::string& file, const struct stat& status) {
+// Gives the copy the owner and the permissions of the file, as far as the user may. When that is not enough to keep
+// everybody out of the copy who can't read the file, its owner alone gets permissions.
+void adoptPermissions(int copy, const std::string& file, const struct stat& status) {
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
     const bool hasGroup =
         fchown(copy, status.st_uid, status.st_gid) == 0 || fchown(copy, kSameOwner, status.st_gid) == 0;
-    const bool mayBeAsOpen = hasGroup && !isLink(file) && !hasAccessList(file, copy);
-    fchmod(copy, status.st_mode & (mayBeAsOpen ? kPermissions : mode_t{S_IRWXU}));
+    const bool permissionsProtect = hasGroup && !isLink(file) && !hasAccessList(file, copy);
+    fchmod(copy, status.st_mode & (permissionsProtect ? kPermissions : mode_t{S_IRWXU}));
 }
 
 // Brings the names in the folder of `file` to the disk, as far as its user may.
@@ -67,13 +68,13 @@ bool IniBackup::make(const std::string& file, std::string_view text) {
     }
     const int descriptor = create(file);
     if (descriptor < 0) {
-        const bool goesOn = isRefusedByFolder(-descriptor);
-        if (!goesOn) {
+        const bool canDoWithout = isRefusedByFolder(-descriptor);
+        if (!canDoWithout) {
             bosMapError(-descriptor, file.c_str());
         }
-        return goesOn;
+        return canDoWithout;
     }
-    becomeLike(descriptor, file, status);
+    adoptPermissions(descriptor, file, status);
     const bool whole = fill(descriptor, text);
     close(descriptor);
     if (!whole) {
@@ -88,15 +89,14 @@ void IniBackup::remove() {
     }
 }
 
-bool IniBackup::fill(int descriptor, std::string_view text) const try {
-    if (bosFileWrite(descriptor, 0, text.data(), text.size()) != 0 || bosFileSync(descriptor) != 0) {
-        return false;
-    }
-    syncFolder(path_);
-    return true;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return false;
+bool IniBackup::fill(int descriptor, std::string_view text) const {
+    return orMemoryError(false, [&] {
+        if (bosFileWrite(descriptor, 0, text.data(), text.size()) != 0 || bosFileSync(descriptor) != 0) {
+            return false;
+        }
+        syncFolder(path_);
+        return true;
+    });
 }
 
 // Under the first name that nobody uses: "x~" may be an editor's backup, or the copy of an update that was killed.
@@ -106,7 +106,7 @@ int IniBackup::create(const std::string& file) {
     for (int number = 1; number <= kNamesTried; ++number) {
         const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
         if (descriptor >= 0) {
-            // Not before: whatever has the name of path_ may be removed.
+            // Set only now: `remove` deletes whatever path_ names.
             path_ = std::move(path);
             return descriptor;
         }

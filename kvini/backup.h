@@ -5,14 +5,14 @@
 #include <string>
 #include <string_view>
 
-// Stays unless it is removed, so that nothing that goes wrong between takes the last copy away.
+// The copy stays until `remove` is called, so that it is there whatever goes wrong in between.
 class IniBackup {
 public:
     // Writes `text` to a new file beside `file`, with the permission of `file` or less, and waits until the disk has
     // it. A file that is there already is never touched. True without a copy where the folder takes none: that must not
     // keep users from saving. False with the reason recorded when the disk or the memory does not suffice; nothing is
     // left then. May throw std::bad_alloc, before there is a copy.
-    bool make(const std::string& file, std::string_view text);
+    [[nodiscard]] bool make(const std::string& file, std::string_view text);
 
     // Removes the copy, if there is one.
     void remove();

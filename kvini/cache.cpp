@@ -1,14 +1,11 @@
 #include "kvini/cache.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
-#include <cstring>
-#include <new>
 #include <optional>
 #include <thread>
 
@@ -16,21 +13,19 @@
 #include "bos/file.h"
 #include "bos/file_names.h"
 #include "catalogs/message_numbers.h"
-#include "kvini/backup.h"
 #include "kvini/grammar.h"
 #include "kvini/lock.h"
+#include "kvini/rewriting.h"
 #include "kvini/trace.h"
-#include "kvlib/catalog.h"
-#include "kvlib/error_report.h"
+#include "kvlib/library_text.h"
 #include "kvlib/narrow_text.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/per_thread_data.h"
 #include "kvlib/text.h"
 
 namespace {
 
 constexpr std::uint32_t kLoadFlags = OpenFlag::kRecogniseNames | OpenFlag::kReadWrite;
-constexpr std::uint32_t kRewriteFlags =
-    OpenFlag::kCreate | OpenFlag::kReadWrite | OpenFlag::kExclusiveLock | OpenFlag::kTruncate;
 constexpr std::size_t kLongestValue = 2047;
 constexpr unsigned long kNumberBufferSize = 20;
 constexpr unsigned long kLongestWideList = 0x100000;
@@ -41,16 +36,6 @@ constexpr std::chrono::milliseconds kReadingPause(10);
 
 std::optional<std::string_view> optionalView(const char* text) {
     return text == nullptr ? std::nullopt : std::optional<std::string_view>(text);
-}
-
-unsigned long copyCut(std::string_view text, char* buffer, unsigned long size) {
-    if (size == 0) {
-        return 0;
-    }
-    const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-    return length;
 }
 
 // The wide form of what a read returned: lists end in a zero of their own and may fill the buffer.
@@ -73,8 +58,8 @@ unsigned long copyWide(std::u16string_view text, bool isList, char16_t* buffer, 
     return size;
 }
 
-// A failure to open that reading alone may still overcome. Two of the numbers that are asked for here and in
-// openForRewriting stand for errors of other platforms; a read-only file system has its own number and fails.
+// A failure to open for writing that opening for reading alone may overcome. kReadOnlyFile stands for an error that
+// this platform does not have; a read-only file system has a number of its own and fails.
 bool isRefusal(std::uint16_t number) {
     return number == LibraryMessage::kNotPermitted || number == LibraryMessage::kAccessDenied ||
            number == LibraryMessage::kReadOnlyFile;
@@ -96,69 +81,75 @@ KvIniFileCache::~KvIniFileCache() {
     closeDescriptor();
 }
 
-std::uint32_t KvIniFileCache::bosKvIniOpen(const char* name, std::uint32_t flags) try {
-    return load(name, flags);
-} catch (const std::bad_alloc&) {
-    closeDescriptor();
-    Close();
-    ramAddMemoryError();
-    return 1;
+std::uint32_t KvIniFileCache::bosKvIniOpen(const char* name, std::uint32_t flags) {
+    const std::uint32_t result = orMemoryError(1U, [&] { return load(name, flags); });
+    if (result != 0) {
+        closeDescriptor();
+        Close();
+    }
+    return result;
 }
 
 std::uint32_t KvIniFileCache::load(const std::string& name, std::uint32_t flags) {
     Close();
     traceIniOpening(name.c_str());
     openFlags_ = flags | kLoadFlags;
-    std::uint32_t result = 0;
-    std::string path;
-    if (!openForLoading(name, path, result)) {
-        // A driver file that is not there yet keeps its path: its cache can be shared, and loaded later.
-        path_ = result == 0 ? path : "";
-        return result;
+    switch (openForLoading(name)) {
+        case Opening::kFailed:
+            return 1;
+        case Opening::kNothingToRead:
+            return 0;
+        case Opening::kOpened:
+            break;
     }
-    path_ = path;
-    result = readText();
+    const std::uint32_t result = readText();
     closeDescriptor();
-    if (result != 0) {
-        Close();
-        return result;
+    if (result == 0) {
+        state_ = State::kLoaded;
+        traceIniLoaded(path_.c_str(), size_);
     }
-    state_ = kLoaded;
-    traceIniLoaded(path_.c_str(), size_);
-    return 0;
+    return result;
 }
 
-// Opens the file, read-only when it can't be written. False when there is nothing to read; `result` is the answer then.
-bool KvIniFileCache::openForLoading(const std::string& name, std::string& path, std::uint32_t& result) {
+// Opens the file for writing too, or else for reading alone; path_ is what `name` leads to. A driver file that is not
+// there is no failure, and its path is kept: its cache can be shared, and loaded later.
+//
+// The driver file, which most users may only read, is read whatever the failure to open it for writing was. So is every
+// file in a thread without an error list: such a caller has never been able to tell a refusal from other failures, and
+// relies on reading what can be read. Neither case creates the file.
+KvIniFileCache::Opening KvIniFileCache::openForLoading(const std::string& name) {
     const bool isDriverFile = isDriverFileName(name);
     const bool hasErrorList = mdsGetPerThreadData(kThreadSlotErrorList) != nullptr;
-    for (;;) {
-        char buffer[kPathSize];
-        const bool fits = copyCut(name, buffer, sizeof buffer) == name.size();
-        const int systemError = fits ? openFile(buffer, openFlags_, &descriptor_) : ENAMETOOLONG;
-        path = buffer;
-        if (systemError == 0) {
-            return true;
+    const bool readAfterAnyFailure = isDriverFile || !hasErrorList;
+    int systemError = tryToOpen(name);
+    if (systemError != 0 && (readAfterAnyFailure || isRefusal(libraryErrorNumber(systemError)))) {
+        openFlags_ &= ~std::uint32_t{OpenFlag::kReadWrite};
+        if (readAfterAnyFailure) {
+            openFlags_ &= ~std::uint32_t{OpenFlag::kCreateMissing};
         }
-        const std::uint16_t number = libraryErrorNumber(systemError);
-        if ((openFlags_ & OpenFlag::kReadWrite) != 0 && (isDriverFile || !hasErrorList || isRefusal(number))) {
-            openFlags_ &= ~std::uint32_t{OpenFlag::kReadWrite};
-            if (isDriverFile || !hasErrorList) {
-                openFlags_ &= ~std::uint32_t{OpenFlag::kCreateMissing};
-            }
-            continue;
-        }
-        if (!isDriverFile) {
-            bosMapErrorAsWarning(systemError, path.c_str());
-            result = 1;
-        } else if (!hasErrorList || number == LibraryMessage::kFileNotFound) {
-            result = 0;
-        } else {
-            bosMapError(systemError, path.c_str());
-            result = 1;
-        }
-        return false;
+        systemError = tryToOpen(name);
     }
+    if (systemError == 0) {
+        return Opening::kOpened;
+    }
+    if (!isDriverFile) {
+        bosMapErrorAsWarning(systemError, path_.c_str());
+        return Opening::kFailed;
+    }
+    if (!hasErrorList || libraryErrorNumber(systemError) == LibraryMessage::kFileNotFound) {
+        return Opening::kNothingToRead;
+    }
+    bosMapError(systemError, path_.c_str());
+    return Opening::kFailed;
+}
+
+// 0 with the file open, or the system error number.
+int KvIniFileCache::tryToOpen(const std::string& name) {
+    char path[kPathSize];
+    const bool fits = copyCut(path, sizeof path, name) == name.size();
+    const int systemError = fits ? openFile(path, openFlags_, &descriptor_) : ENAMETOOLONG;
+    path_ = path;
+    return systemError;
 }
 
 std::uint32_t KvIniFileCache::readText() {
@@ -171,9 +162,10 @@ std::uint32_t KvIniFileCache::readText() {
         return 1;
     }
     text_.resize(got);
-    isPart_ = got != size_;
-    if (isPart_) {
-        // Another program rewrites the file right now, perhaps to the same size in the same second: read it again.
+    textIsIncomplete_ = got != size_;
+    if (textIsIncomplete_) {
+        // Another program is rewriting the file, perhaps to the same size in the same second. Without a date and a size
+        // the next call reads it again.
         date_ = 0;
         size_ = 0;
     }
@@ -186,7 +178,7 @@ std::uint32_t KvIniFileCache::proFileSync() {
     return sync();
 }
 
-std::uint32_t KvIniFileCache::sync() try {
+std::uint32_t KvIniFileCache::sync() {
     std::uint32_t date = 0;
     std::uint64_t size = 0;
     if (bosFileDateSize(path_.c_str(), &date, &size) != 0) {
@@ -195,27 +187,26 @@ std::uint32_t KvIniFileCache::sync() try {
     if (date == date_ && size == size_) {
         return 0;
     }
-    std::string path = path_;
-    const std::uint32_t result = bosKvIniOpen(path.c_str(), 0);
-    if (result != 0) {
-        // Still the cache of this file, which the next call tries to read again.
-        path_ = std::move(path);
-        state_ = kLoaded;
-    }
-    return result;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 1;
+    return orMemoryError(1U, [this] {
+        std::string path = path_;
+        const std::uint32_t result = bosKvIniOpen(path.c_str(), 0);
+        if (result != 0) {
+            // Still the cache of this file, which the next call tries to read again.
+            path_ = std::move(path);
+            state_ = State::kLoaded;
+        }
+        return result;
+    });
 }
 
 bool KvIniFileCache::isCurrent() {
-    return state_ == kLoaded && sync() == 0 && state_ == kLoaded;
+    return state_ == State::kLoaded && sync() == 0 && state_ == State::kLoaded;
 }
 
-// Before an update: what was not seen would be lost, and the copy would not have it either. Others empty the file
-// before they write it, so nothing is believed only when it is read twice.
+// For an update, which writes back what is in memory: what another program has not finished writing would be lost, and
+// the copy would lack it too. Other programs empty the file before they write it, so an empty file is read twice.
 bool KvIniFileCache::waitForWholeText() {
-    for (int reading = 0; isPart_ || (text_.empty() && reading == 0); ++reading) {
+    for (int reading = 0; textIsIncomplete_ || (text_.empty() && reading == 0); ++reading) {
         if (reading == kReadings) {
             bosMapError(EAGAIN, path_.c_str());
             return false;
@@ -255,7 +246,7 @@ unsigned long KvIniFileCache::read(const ReadCall& call) {
         found = call.entry == nullptr ? copyKeys(call, length) : copyValue(call, length);
     }
     if (!found) {
-        length = copyCut(call.defaultText == nullptr ? "" : call.defaultText, call.buffer, call.size);
+        length = copyCut(call.buffer, call.size, call.defaultText == nullptr ? "" : call.defaultText);
     }
     call.trace.result(length, call.size == 0 ? "" : call.buffer);
     return length;
@@ -279,7 +270,7 @@ bool KvIniFileCache::copyValue(const ReadCall& call, unsigned long& length) cons
     if (value.empty()) {
         return false;
     }
-    length = copyCut(value, call.buffer, call.size);
+    length = copyCut(call.buffer, call.size, value);
     if (value.size() >= call.size) {
         length = call.size;
     }
@@ -299,19 +290,16 @@ bool KvIniFileCache::copyKeys(const ReadCall& call, unsigned long& length) const
 }
 
 unsigned long KvIniFileCache::bosGetProfileStringW(const char16_t* section, const char16_t* entry,
-                                                   const char16_t* defaultText, char16_t* buffer,
-                                                   unsigned long size) try {
+                                                   const char16_t* defaultText, char16_t* buffer, unsigned long size) {
     const bool listAsked = section == nullptr || entry == nullptr;
-    // Room for any value, and for as many bytes as the units asked for can take.
-    std::string bytes(kLongestValue + 1 + 3 * std::min(size, kLongestWideList), '\0');
-    const unsigned long length = bosGetProfileString(Narrow(section).get(), Narrow(entry).get(),
-                                                     Narrow(defaultText).get(), bytes.data(), bytes.size());
-    bytes.resize(length);
-    const bool isList = listAsked && !bytes.empty() && bytes.back() == '\0';
-    return copyWide(toUtf16(bytes, kCPLocale), isList, buffer, size);
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return copyWide(u"", false, buffer, size);
+    const std::u16string text = orMemoryError(std::u16string(), [&] {
+        // Room for any value, and for as many bytes as the units asked for can take.
+        std::string bytes(kLongestValue + 1 + 3 * std::min(size, kLongestWideList), '\0');
+        bytes.resize(bosGetProfileString(Narrow(section).get(), Narrow(entry).get(), Narrow(defaultText).get(),
+                                         bytes.data(), bytes.size()));
+        return toUtf16(bytes, kCPLocale);
+    });
+    return copyWide(text, listAsked && text.ends_with(u'\0'), buffer, size);
 }
 
 std::uint32_t KvIniFileCache::bosGetProfileInt(const char* section, const char* entry, std::uint32_t defaultValue) {
@@ -328,96 +316,36 @@ std::uint32_t KvIniFileCache::bosGetProfileInt(const char* section, const char* 
     return std::from_chars(text, end, value).ec == std::errc{} ? value : defaultValue;
 }
 
-int KvIniFileCache::bosPutProfileString(const char* section, const char* entry, const char* value) try {
-    openLibraryCatalog();
-    const IniLock hold(lock_);
-    if (state_ != kLoaded || section == nullptr) {
-        return 0;
-    }
-    traceIniPut(path_.c_str(), section, entry, value);
-    if (!isCurrent() || !waitForWholeText()) {
-        return 0;
-    }
-    // Made before the file is emptied: what can fail without harm comes first.
-    const IniUpdate update = updateIniText(text_, section, optionalView(entry), optionalView(value));
-    const bool written = rewrite(update.text);
-    date_ = 0;
-    size_ = 0;
-    if (!written) {
-        return 0;
-    }
-    traceIniChange(update.change, section, entry, value);
-    sync();
-    traceIniRewritten(text_);
-    return 1;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 0;
-}
-
-bool KvIniFileCache::openForRewriting() {
-    std::uint32_t flags = kRewriteFlags;
-    for (;;) {
-        char path[kPathSize];
-        copyCut(path_, path, sizeof path);
-        const int systemError = openFile(path, flags, &descriptor_);
-        if (systemError == 0) {
-            return true;
+int KvIniFileCache::bosPutProfileString(const char* section, const char* entry, const char* value) {
+    return orMemoryError(0, [&] {
+        openLibraryCatalog();
+        const IniLock hold(lock_);
+        if (state_ != State::kLoaded || section == nullptr) {
+            return 0;
         }
-        const std::uint16_t number = libraryErrorNumber(systemError);
-        const bool lockMayBeWhy = number == LibraryMessage::kLockRefused || number == LibraryMessage::kAccessDenied ||
-                                  number == LibraryMessage::kReadOnlyFile;
-        if (!lockMayBeWhy || (flags & OpenFlag::kExclusiveLock) == 0) {
-            bosMapError(systemError, path);
-            return false;
+        traceIniPut(path_.c_str(), section, entry, value);
+        if (!isCurrent() || !waitForWholeText()) {
+            return 0;
         }
-        flags &= ~std::uint32_t{OpenFlag::kExclusiveLock};
-    }
-}
-
-// Makes `text` the whole of the file. The copy of the old text goes only when the file is whole again, old or new.
-bool KvIniFileCache::rewrite(std::string_view text) {
-    IniBackup backup;
-    if (!backup.make(path_, text_)) {
-        return false;
-    }
-    const bool opened = openForRewriting();
-    const bool written = opened && replaceText(text);
-    const bool whole = written || (!opened && !mayBeEmptied()) || putBack();
-    closeDescriptor();
-    if (whole) {
-        backup.remove();
-    }
-    return written;
-}
-
-bool KvIniFileCache::replaceText(std::string_view text) const {
-    return bosFileWrite(descriptor_, 0, text.data(), text.size()) == 0 &&
-           bosFileTruncate(descriptor_, text.size()) == 0 && bosFileSync(descriptor_) == 0;
-}
-
-// Whether an emptying that was reported as failed may have happened all the same, as where the disk is another
-// machine's. A file that doesn't tell its size counts as emptied.
-bool KvIniFileCache::mayBeEmptied() const {
-    struct stat status = {};
-    return !text_.empty() && (stat(path_.c_str(), &status) != 0 || status.st_size == 0);
-}
-
-// Writes the old text over the part that was written of the new one, whose room on the disk is still ours.
-bool KvIniFileCache::putBack() {
-    if (descriptor_ != 0 && replaceText(text_)) {
-        return true;
-    }
-    // The descriptor may be what failed.
-    closeDescriptor();
-    char path[kPathSize];
-    copyCut(path_, path, sizeof path);
-    return openFile(path, OpenFlag::kReadWrite, &descriptor_) == 0 && replaceText(text_);
+        // Made before the file is emptied: what can fail without harm comes first.
+        const IniUpdate update = updateIniText(text_, section, optionalView(entry), optionalView(value));
+        const bool written = rewriteIniFile(path_, text_, update.text);
+        // Whatever date and size the file has now, the next call reads it again.
+        date_ = 0;
+        size_ = 0;
+        if (!written) {
+            return 0;
+        }
+        traceIniChange(update.change, section, entry, value);
+        sync();
+        traceIniRewritten(text_);
+        return 1;
+    });
 }
 
 void KvIniFileCache::closeDescriptor() {
     if (descriptor_ != 0) {
-        // What close says changes nothing: the text was read, or is on the disk.
+        // What close says changes nothing: the text was read.
         close(descriptor_);
         descriptor_ = 0;
     }
@@ -428,8 +356,8 @@ void KvIniFileCache::Close() {
     text_.clear();
     date_ = 0;
     size_ = 0;
-    isPart_ = false;
-    state_ = kNotLoaded;
+    textIsIncomplete_ = false;
+    state_ = State::kNotLoaded;
 }
 
 std::uint32_t KvIniFileCache::incrementUseCount() {
@@ -449,7 +377,7 @@ bool KvIniFileCache::hasPath(std::string_view path) {
 
 void KvIniFileCache::loadIfNotLoaded(const char* name, std::uint32_t flags) {
     const IniLock hold(lock_);
-    if (state_ != kLoaded) {
+    if (state_ != State::kLoaded) {
         std::string path = path_;
         if (bosKvIniOpen(name, flags) != 0) {
             path_ = std::move(path);

@@ -25,7 +25,7 @@ public:
     // name recognition and read/write; a file that can only be read is loaded for reading. Returns 0, or 1 with the
     // failure recorded as a warning. A missing driver file counts as success and leaves the cache unloaded, so that
     // all lookups yield their defaults. Takes no lock: for a cache that no other thread can reach yet.
-    std::uint32_t bosKvIniOpen(const char* name, std::uint32_t flags);
+    [[nodiscard]] std::uint32_t bosKvIniOpen(const char* name, std::uint32_t flags);
 
     // Loads the file again if its date or size changed. Returns 0 when the text is current, else 1.
     std::uint32_t proFileSync();
@@ -56,7 +56,7 @@ public:
     // When the new text can't be written whole, the old one is put back and the result is 0; where even that fails, the
     // copy stays. A file that another program is rewriting is waited for, up to 0.1 seconds and under the lock; an
     // empty one, which may be about to be rewritten, for 0.01 seconds.
-    int bosPutProfileString(const char* section, const char* entry, const char* value);
+    [[nodiscard]] int bosPutProfileString(const char* section, const char* entry, const char* value);
 
     // Forgets path and text. Takes no lock, as bosKvIniOpen.
     void Close();
@@ -68,7 +68,8 @@ public:
 private:
     friend class KvIniFileCacheList;
 
-    enum State : std::int32_t { kNotLoaded = 0, kLoaded = 1 };
+    enum class State : std::int32_t { kNotLoaded = 0, kLoaded = 1 };
+    enum class Opening { kOpened, kNothingToRead, kFailed };
     struct ReadCall;
 
     // For KvIniFileCacheList, under the list's lock.
@@ -77,7 +78,8 @@ private:
 
     // All of these are called under the lock.
     std::uint32_t load(const std::string& name, std::uint32_t flags);
-    bool openForLoading(const std::string& name, std::string& path, std::uint32_t& result);
+    Opening openForLoading(const std::string& name);
+    int tryToOpen(const std::string& name);
     std::uint32_t readText();
     std::uint32_t sync();
     bool isCurrent();
@@ -85,21 +87,16 @@ private:
     unsigned long read(const ReadCall& call);
     bool copyValue(const ReadCall& call, unsigned long& length) const;
     bool copyKeys(const ReadCall& call, unsigned long& length) const;
-    bool openForRewriting();
-    bool rewrite(std::string_view text);
-    bool replaceText(std::string_view text) const;
-    bool mayBeEmptied() const;
-    bool putBack();
     void closeDescriptor();
 
-    std::int32_t descriptor_ = 0;  // 0 unless the file is being read or rewritten
+    std::int32_t descriptor_ = 0;  // 0 unless the file is being read
     std::uint64_t size_ = 0;
     std::uint32_t openFlags_ = 0;
     std::string path_;
     std::uint32_t date_ = 0;
     std::uint32_t useCount_ = 1;
     std::string text_;
-    bool isPart_ = false;  // the file had become shorter while it was read
-    std::int32_t state_ = kNotLoaded;
+    bool textIsIncomplete_ = false;  // the file became shorter while it was read
+    State state_ = State::kNotLoaded;
     KvSemaphore lock_;
 };

@@ -1,14 +1,14 @@
 #include "kvini/cache_list.h"
 
 #include <cerrno>
-#include <cstring>
 #include <memory>
-#include <new>
 
 #include "bos/errno_mapping.h"
 #include "bos/file.h"
 #include "kvini/lock.h"
-#include "kvlib/error_report.h"
+#include "kvlib/library_text.h"
+#include "kvlib/out_of_memory.h"
+#include "kvlib/text.h"
 
 namespace {
 constexpr std::uint32_t kResolveFlags = OpenFlag::kRecogniseNames | OpenFlag::kResolveOnly;
@@ -28,32 +28,30 @@ KvIniFileCache* KvIniFileCacheList::findShared(std::string_view path) const {
     return nullptr;
 }
 
-KvIniFileCache* KvIniFileCacheList::open(const char* name, std::uint32_t flags) try {
+KvIniFileCache* KvIniFileCacheList::open(const char* name, std::uint32_t flags) {
     openLibraryCatalog();
     char path[kPathSize];
     int ignored = 0;
-    if (std::strlen(name) >= sizeof path) {
+    if (!copyWhole(path, sizeof path, name)) {
         bosMapError(ENAMETOOLONG, name);
         return nullptr;
     }
-    std::strcpy(path, name);
     if (bosFileOpen(path, kResolveFlags, &ignored) != 0) {
         return nullptr;
     }
     const IniLock hold(lock_);
-    if (KvIniFileCache* shared = findShared(path)) {
-        shared->loadIfNotLoaded(name, flags);
-        shared->incrementUseCount();
-        return shared;
-    }
-    auto cache = std::make_unique<KvIniFileCache>();
-    if (cache->bosKvIniOpen(name, flags) != 0 || caches_.addAtIndex(cache.get(), caches_.count()) != 0) {
-        return nullptr;
-    }
-    return cache.release();
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return nullptr;
+    return orMemoryError<KvIniFileCache*>(nullptr, [&]() -> KvIniFileCache* {
+        if (KvIniFileCache* shared = findShared(path)) {
+            shared->loadIfNotLoaded(name, flags);
+            shared->incrementUseCount();
+            return shared;
+        }
+        auto cache = std::make_unique<KvIniFileCache>();
+        if (cache->bosKvIniOpen(name, flags) != 0 || caches_.addAtIndex(cache.get(), caches_.count()) != 0) {
+            return nullptr;
+        }
+        return cache.release();
+    });
 }
 
 void KvIniFileCacheList::close(KvIniFileCache* cache) {

@@ -16,7 +16,7 @@ public:
     // The cache of the file that `name` leads to, shared with its other users or loaded with `flags` now; null with the
     // reason recorded when there is no such file. A configuration file of the ODBC environment must exist, whatever
     // the flags. The list owns the cache; the caller hands it back with close.
-    KvIniFileCache* open(const char* name, std::uint32_t flags);
+    [[nodiscard]] KvIniFileCache* open(const char* name, std::uint32_t flags);
 
     // Takes back one open; the last one destroys the cache. Null is ignored.
     void close(KvIniFileCache* cache);

@@ -108,7 +108,7 @@ std::string replaced(std::string_view text, std::size_t cutAt, std::size_t resum
 
 }  // namespace
 
-bool iniNamesEqual(std::string_view a, std::string_view b) {
+bool iniNamesEqual(std::string_view a, std::string_view b) noexcept {
     // From the end: the names of one file often begin alike.
     return a.size() == b.size() &&
            std::equal(a.rbegin(), a.rend(), b.rbegin(), [](char x, char y) { return x == y || lower(x) == lower(y); });

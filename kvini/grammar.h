@@ -24,11 +24,12 @@ struct IniEntry {
 };
 
 // True when the names are equal without regard to the case of ASCII letters, whatever the locale.
-bool iniNamesEqual(std::string_view a, std::string_view b);
+bool iniNamesEqual(std::string_view a, std::string_view b) noexcept;
 
 // The first section of that name, or of that key in a section.
-std::optional<IniSection> findIniSection(std::string_view text, std::string_view name);
-std::optional<IniEntry> findIniEntry(std::string_view text, const IniSection& section, std::string_view key);
+[[nodiscard]] std::optional<IniSection> findIniSection(std::string_view text, std::string_view name);
+[[nodiscard]] std::optional<IniEntry> findIniEntry(std::string_view text, const IniSection& section,
+                                                   std::string_view key);
 
 // Writes the names of all sections to `buffer`, each with a terminating zero byte and one more at the end of the list;
 // a list that does not fit is cut to `size` bytes, two zero bytes included. Returns the bytes written.
@@ -36,8 +37,8 @@ std::size_t listIniSections(std::string_view text, char* buffer, std::size_t siz
 
 // Writes the section's keys in the same form. A list that does not fit is cut to `size` bytes and ends in one zero byte
 // only: read no further than the count returned. Nothing when the section ends before its second line.
-std::optional<std::size_t> listIniKeys(std::string_view text, const IniSection& section, char* buffer,
-                                       std::size_t size);
+[[nodiscard]] std::optional<std::size_t> listIniKeys(std::string_view text, const IniSection& section, char* buffer,
+                                                     std::size_t size);
 
 // What an update did, in the order in which it is traced.
 enum class IniChange { kNone, kEntryUpdated, kEntryDeleted, kEntryAdded, kSectionAdded, kSectionDeleted };
@@ -49,5 +50,5 @@ struct IniUpdate {
 
 // The text with `value` stored under `key` in `section`; without a value the entry is removed, without a key the
 // section. May throw std::bad_alloc.
-IniUpdate updateIniText(std::string_view text, std::string_view section, std::optional<std::string_view> key,
-                        std::optional<std::string_view> value);
+[[nodiscard]] IniUpdate updateIniText(std::string_view text, std::string_view section,
+                                      std::optional<std::string_view> key, std::optional<std::string_view> value);

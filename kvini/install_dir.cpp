@@ -1,7 +1,6 @@
 #include "kvini/install_dir.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <mutex>
 
 #include "kvini/profile.h"
@@ -24,17 +23,16 @@ void findDirectory(char (&directory)[kInstallDirSize]) {
     }
 }
 
-// The first character counts as no white space, whatever it is; a "/" goes even when it is the first.
-void trim(char* directory) {
-    std::size_t last = std::strlen(directory);
-    if (last == 0) {
+// Drops white space and one "/" at the end. The first character counts as no white space, whatever it is; a "/" goes
+// even when it is the first.
+void dropDirectoryEnd(char* directory) {
+    if (*directory == '\0') {
         return;
     }
-    for (--last; last > 0 && kvIsWhiteSpace(directory[last], kCPLocale); --last) {
-        directory[last] = '\0';
-    }
-    if (directory[last] == '/') {
-        directory[last] = '\0';
+    strRightTrim(directory + 1, kCPLocale);
+    char* last = directory + BUTSTLEN(directory) - 1;
+    if (*last == '/') {
+        *last = '\0';
     }
 }
 
@@ -48,7 +46,7 @@ std::uint32_t bosSetInstallDir(const char* dir) {
     } else {
         findDirectory(directory);
     }
-    trim(directory);
+    dropDirectoryEnd(directory);
     strCopy(InstallDirLocation, sizeof InstallDirLocation, directory);
     return *InstallDirLocation == '\0' ? 1 : 0;
 }

@@ -2,18 +2,18 @@
 
 #include <algorithm>
 #include <limits>
-#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 
 namespace {
 
 constexpr unsigned long kValueSize = 2048;
 
-std::string_view trimmed(std::string_view text) {
+// Blanks of the grammar: a line end or a vertical tab is part of a key.
+std::string_view withoutBlanksAround(std::string_view text) {
     const std::size_t begin = text.find_first_not_of(" \t");
     const std::size_t end = text.find_last_not_of(" \t");
     return begin == std::string_view::npos ? std::string_view() : text.substr(begin, end - begin + 1);
@@ -56,33 +56,32 @@ int KvIni::getEntry(const char* section, const char* key, std::int16_t& value, s
     return validState() ? 0 : 1;
 }
 
-unsigned long KvIni::getSectionWithValues(const char* section, char* buffer, unsigned long size, const char* file) try {
-    const std::vector<char> list = listedKeys(section, file);
-    if (list.empty() || size == 0) {
-        return 0;
-    }
-    unsigned long used = 0;
-    // The last zero byte ends the list and belongs to no key.
-    std::string_view keys(list.data(), list.size() - 1);
-    while (!keys.empty()) {
-        const std::string_view listed = keys.substr(0, keys.find('\0'));
-        keys.remove_prefix(std::min(listed.size() + 1, keys.size()));
-        const std::string key(trimmed(listed));
-        char value[kValueSize];
-        const unsigned long length = kvGetPrivateProfileString(section, key.c_str(), "", value, sizeof value, file);
-        const std::string entry = key + "=" + std::string(value, length);
-        if (used + entry.size() + 2 > size) {
-            break;
+unsigned long KvIni::getSectionWithValues(const char* section, char* buffer, unsigned long size, const char* file) {
+    return orMemoryError(0UL, [&] {
+        const std::vector<char> list = listedKeys(section, file);
+        if (list.empty() || size == 0) {
+            return 0UL;
         }
-        entry.copy(buffer + used, entry.size());
-        used += entry.size();
+        unsigned long used = 0;
+        // The last zero byte ends the list and belongs to no key.
+        std::string_view keys(list.data(), list.size() - 1);
+        while (!keys.empty()) {
+            const std::string_view listed = keys.substr(0, keys.find('\0'));
+            keys.remove_prefix(std::min(listed.size() + 1, keys.size()));
+            const std::string key(withoutBlanksAround(listed));
+            char value[kValueSize];
+            const unsigned long length = kvGetPrivateProfileString(section, key.c_str(), "", value, sizeof value, file);
+            const std::string entry = key + "=" + std::string(value, length);
+            if (used + entry.size() + 2 > size) {
+                break;
+            }
+            entry.copy(buffer + used, entry.size());
+            used += entry.size();
+            buffer[used++] = '\0';
+        }
         buffer[used++] = '\0';
-    }
-    buffer[used++] = '\0';
-    return used;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 0;
+        return used;
+    });
 }
 
 int KvIni::writeEntry(const char* section, const char* key, const char* value) {

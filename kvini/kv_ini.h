@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "kvini/profile.h"
 
@@ -14,7 +13,7 @@ public:
     // recorded.
     int open(const char* file);
     void close() { cache_.reset(); }
-    bool validState() const { return cache_ != nullptr; }
+    bool validState() const noexcept { return cache_ != nullptr; }
 
     // Copies a value as kvGetPrivateProfileString does. Returns 0, or 1 without a file.
     int getEntry(const char* section, const char* key, char* buffer, unsigned long size, const char* defaultText) const;
@@ -27,15 +26,13 @@ public:
     // Writes the section's entries as "key=value" texts, each with a terminating zero byte and one more at the end,
     // blanks around the keys dropped. Stops at the first entry that does not fit or when `size` runs out. Returns the
     // bytes written, the last zero included; 0 when `file` can't be opened. Needs no open.
-    static unsigned long getSectionWithValues(const char* section, char* buffer, unsigned long size, const char* file);
+    [[nodiscard]] static unsigned long getSectionWithValues(const char* section, char* buffer, unsigned long size,
+                                                            const char* file);
 
     // Return 1 when written, else 0.
-    int writeEntry(const char* section, const char* key, const char* value);
-    int deleteEntry(const char* section, const char* key) { return writeEntry(section, key, nullptr); }
+    [[nodiscard]] int writeEntry(const char* section, const char* key, const char* value);
+    [[nodiscard]] int deleteEntry(const char* section, const char* key) { return writeEntry(section, key, nullptr); }
 
 private:
-    struct Release {
-        void operator()(KvIniFileCache* cache) const { kvPrivateProfileTerm(cache); }
-    };
-    std::unique_ptr<KvIniFileCache, Release> cache_;
+    HeldIniCache cache_;
 };

@@ -3,8 +3,8 @@
 
 #include <mutex>
 
-#include "kvlib/catalog.h"
 #include "kvlib/critical_section.h"
+#include "kvlib/ini_lock_mark.h"
 
 // Holds the lock of a cache, or of a list of caches, and says so: no catalog may be opened meanwhile. Operations that
 // may have a failure to report open the catalog first.

@@ -1,6 +1,5 @@
 #include "kvini/profile.h"
 
-#include <memory>
 #include <mutex>
 #include <new>
 #include <string>
@@ -9,6 +8,7 @@
 #include "kvini/cache_list.h"
 #include "kvlib/error_report.h"
 #include "kvlib/narrow_text.h"
+#include "kvlib/out_of_memory.h"
 #include "kvlib/per_thread_data.h"
 #include "kvlib/text.h"
 
@@ -34,12 +34,6 @@ KvIniFileCache* openCache(const char* file, std::uint32_t flags) {
     KvIniFileCacheList* list = taskFiles();
     return list == nullptr ? nullptr : list->open(file, flags);
 }
-
-struct PrivateRelease {
-    void operator()(KvIniFileCache* cache) const { kvPrivateProfileTerm(cache); }
-};
-// A cache that goes back to the list with this handle.
-using HeldCache = std::unique_ptr<KvIniFileCache, PrivateRelease>;
 
 // The result of a read without a file.
 unsigned long useDefault(const char* defaultText, char* buffer, unsigned long size) {
@@ -74,7 +68,7 @@ unsigned long kvGetProfileString(const char* section, const char* entry, const c
 
 unsigned long kvGetPrivateProfileString(const char* section, const char* entry, const char* defaultText, char* buffer,
                                         unsigned long size, const char* file) {
-    const HeldCache cache(openCache(file, 0));
+    const HeldIniCache cache(openCache(file, 0));
     return readString(cache.get(), section, entry, defaultText, buffer, size);
 }
 
@@ -84,24 +78,24 @@ unsigned long kvGetPrivateProfileString(const char* section, const char* entry, 
 }
 
 unsigned long kvGetPrivateProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* defaultText,
-                                         char16_t* buffer, unsigned long size, const char16_t* file) try {
-    const HeldCache cache(openCache(Narrow(file).get(), 0));
-    if (cache) {
-        return cache->bosGetProfileStringW(section, entry, defaultText, buffer, size);
-    }
-    if (size == 0) {
-        return 0;
-    }
-    const std::u16string_view text = defaultText == nullptr ? u"" : defaultText;
-    const std::size_t length = text.copy(buffer, size - 1);
-    buffer[length] = u'\0';
-    return length;
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    if (size != 0) {
+                                         char16_t* buffer, unsigned long size, const char16_t* file) {
+    const unsigned long length = orMemoryError(0UL, [&] {
+        const HeldIniCache cache(openCache(Narrow(file).get(), 0));
+        if (cache) {
+            return cache->bosGetProfileStringW(section, entry, defaultText, buffer, size);
+        }
+        if (size == 0) {
+            return 0UL;
+        }
+        const std::u16string_view text = defaultText == nullptr ? u"" : defaultText;
+        const std::size_t copied = text.copy(buffer, size - 1);
+        buffer[copied] = u'\0';
+        return copied;
+    });
+    if (length == 0 && size != 0) {
         *buffer = u'\0';
     }
-    return 0;
+    return length;
 }
 
 int kvWriteProfileString(const char* section, const char* entry, const char* value, const char* file) {
@@ -109,7 +103,7 @@ int kvWriteProfileString(const char* section, const char* entry, const char* val
 }
 
 int kvWritePrivateProfileString(const char* section, const char* entry, const char* value, const char* file) {
-    const HeldCache cache(openCache(file, OpenFlag::kCreateMissing));
+    const HeldIniCache cache(openCache(file, OpenFlag::kCreateMissing));
     return writeString(cache.get(), section, entry, value);
 }
 
@@ -118,12 +112,11 @@ int kvWritePrivateProfileString(const char* section, const char* entry, const ch
 }
 
 int kvWritePrivateProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* value,
-                                 const char16_t* file) try {
-    return kvWritePrivateProfileString(Narrow(section).get(), Narrow(entry).get(), Narrow(value).get(),
-                                       Narrow(file).get());
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return 0;
+                                 const char16_t* file) {
+    return orMemoryError(0, [&] {
+        return kvWritePrivateProfileString(Narrow(section).get(), Narrow(entry).get(), Narrow(value).get(),
+                                           Narrow(file).get());
+    });
 }
 
 std::uint32_t kvGetProfileInt(const char* section, const char* entry, std::uint32_t defaultValue, const char* file) {
@@ -132,7 +125,7 @@ std::uint32_t kvGetProfileInt(const char* section, const char* entry, std::uint3
 
 std::uint32_t kvGetPrivateProfileInt(const char* section, const char* entry, std::uint32_t defaultValue,
                                      const char* file) {
-    const HeldCache cache(openCache(file, 0));
+    const HeldIniCache cache(openCache(file, 0));
     return readInt(cache.get(), section, entry, defaultValue);
 }
 
@@ -142,11 +135,10 @@ std::uint32_t kvGetPrivateProfileInt(const char* section, const char* entry, std
 }
 
 std::uint32_t kvGetPrivateProfileIntW(const char16_t* section, const char16_t* entry, std::uint32_t defaultValue,
-                                      const char16_t* file) try {
-    return kvGetPrivateProfileInt(Narrow(section).get(), Narrow(entry).get(), defaultValue, Narrow(file).get());
-} catch (const std::bad_alloc&) {
-    ramAddMemoryError();
-    return defaultValue;
+                                      const char16_t* file) {
+    return orMemoryError(defaultValue, [&] {
+        return kvGetPrivateProfileInt(Narrow(section).get(), Narrow(entry).get(), defaultValue, Narrow(file).get());
+    });
 }
 
 unsigned long kvGetPrivateProfileSection(const char* section, char* buffer, unsigned long size, const char* file) {

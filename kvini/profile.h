@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "kvini/cache.h"
 
@@ -22,11 +23,13 @@ unsigned long kvGetPrivateProfileStringW(const char16_t* section, const char16_t
                                          char16_t* buffer, unsigned long size, const char16_t* file);
 
 // Create the file when it does not exist, except the files of the ODBC environment.
-int kvWriteProfileString(const char* section, const char* entry, const char* value, const char* file);
-int kvWritePrivateProfileString(const char* section, const char* entry, const char* value, const char* file);
-int kvWritePrivateProfileString(const char* section, const char* entry, const char* value, KvIniFileCache* cache);
-int kvWritePrivateProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* value,
-                                 const char16_t* file);
+[[nodiscard]] int kvWriteProfileString(const char* section, const char* entry, const char* value, const char* file);
+[[nodiscard]] int kvWritePrivateProfileString(const char* section, const char* entry, const char* value,
+                                              const char* file);
+[[nodiscard]] int kvWritePrivateProfileString(const char* section, const char* entry, const char* value,
+                                              KvIniFileCache* cache);
+[[nodiscard]] int kvWritePrivateProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* value,
+                                               const char16_t* file);
 
 std::uint32_t kvGetProfileInt(const char* section, const char* entry, std::uint32_t defaultValue, const char* file);
 std::uint32_t kvGetPrivateProfileInt(const char* section, const char* entry, std::uint32_t defaultValue,
@@ -41,9 +44,15 @@ std::uint32_t kvGetPrivateProfileIntW(const char16_t* section, const char16_t* e
 unsigned long kvGetPrivateProfileSection(const char* section, char* buffer, unsigned long size, const char* file);
 
 // A cache for many lookups, null on failure. The caller holds it until kvPrivateProfileTerm, which ignores null.
-KvIniFileCache* kvProfileInit(const char* file);
-KvIniFileCache* kvPrivateProfileInit(const char* file);
+[[nodiscard]] KvIniFileCache* kvProfileInit(const char* file);
+[[nodiscard]] KvIniFileCache* kvPrivateProfileInit(const char* file);
 void kvPrivateProfileTerm(KvIniFileCache* cache);
+
+// A cache that is handed back with this handle.
+struct IniCacheRelease {
+    void operator()(KvIniFileCache* cache) const { kvPrivateProfileTerm(cache); }
+};
+using HeldIniCache = std::unique_ptr<KvIniFileCache, IniCacheRelease>;
 
 // The same for code written for another system: each call loads the file for itself. When it can't be loaded both
 // return 1, the reader with its buffer untouched: callers of old were written against these results.

@@ -13,6 +13,8 @@
 #include <string_view>
 
 #include "kvlib/debug_mask.h"
+#include "kvlib/out_of_memory.h"
+#include "kvlib/text.h"
 
 constinit char InstallDirLocation[kInstallDirSize] = "";
 
@@ -20,8 +22,6 @@ constinit char InstallDirLocation[kInstallDirSize] = "";
 constinit KvCriticalSection CritOpen;
 constinit KvCriticalSection CritCatalog;
 constinit nl_catd CatFD = nullptr;
-
-thread_local int IniLockMark::depth_ = 0;
 
 namespace {
 
@@ -76,35 +76,29 @@ nl_catd openForLocale(const std::string& file) {
     return handle != invalidCatalog() ? handle : openIn(kFallbackLocale);
 }
 
-// Copies at most `size` - 1 bytes and terminates; `size` 0 trusts the buffer.
-std::int32_t copyText(const char* text, char* buffer, std::int32_t size) {
-    if (size < 0) {
-        return 0;
-    }
-    const std::size_t length = std::strlen(text);
-    const std::size_t copied = size == 0 ? length : std::min(length, static_cast<std::size_t>(size) - 1);
-    std::memcpy(buffer, text, copied);
-    buffer[copied] = '\0';
-    return static_cast<std::int32_t>(copied);
-}
-
 std::int32_t lookUp(nl_catd handle, std::uint32_t id, char* buffer, std::int32_t size) {
     const std::string number = std::to_string(static_cast<std::int32_t>(id));
     const char* text = number.c_str();
     if (handle != invalidCatalog()) {
         text = catgets(handle, kMessageSet, static_cast<int>(id), text);
     }
-    const std::int32_t length = copyText(text, buffer, size);
+    const std::string_view view = text;
+    std::size_t length = 0;
+    if (size >= 0) {
+        // Without a size the buffer is trusted.
+        length = copyCut(buffer, size == 0 ? view.size() + 1 : static_cast<std::size_t>(size), view);
+    }
     if (debugEnabled(DebugBit::kCatalog)) {
         std::printf("LoadStringFromOpenFile: idResource=%s\n", number.c_str());
         std::printf("LoadStringFromOpenFile: Lookup returns: %s\n", size < 0 ? "" : buffer);
         std::fflush(stdout);
     }
-    return length;
+    return static_cast<std::int32_t>(length);
 }
 
-// The units written to `result`, or -1.
-std::int32_t toUtf16(const char* text, std::int32_t length, char16_t* result, std::int32_t capacity) {
+// Converts `text` from the code page of the locale. Returns the units written to `result`, or -1 when it can't be
+// converted or does not fit.
+std::int32_t fillWithUtf16(const char* text, std::int32_t length, char16_t* result, std::int32_t capacity) {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(nullptr, &status), &ucnv_close);
     if (U_FAILURE(status)) {
@@ -119,7 +113,10 @@ std::int32_t toUtf16(const char* text, std::int32_t length, char16_t* result, st
 
 nl_catd OpenStrings(const char* hinst, const char* name) {
     traceOpening(hinst);
-    return openForLocale(name != nullptr ? name : std::string(hinst == nullptr ? "" : hinst) + ".mo");
+    // A catalog that there is no memory to open is missing like any other.
+    return orFailure(invalidCatalog(), [=] {
+        return openForLocale(name != nullptr ? name : std::string(hinst == nullptr ? "" : hinst) + ".mo");
+    });
 }
 
 void CloseStrings(nl_catd handle) {
@@ -133,7 +130,7 @@ std::int32_t LoadStringFromOpenFile(nl_catd handle, std::uint32_t id, char* buff
     return lookUp(handle, id, buffer, size);
 }
 
-// The trace lines of a lookup name LoadStringFromOpenFile here too: both are one lookup to who reads a trace.
+// Its lookups are traced under the name of LoadStringFromOpenFile: readers of a trace know lookups by that name.
 std::int32_t LoadString(const char* /*hinst*/, std::uint32_t id, char* buffer, std::int32_t size) {
     const std::lock_guard hold(CritCatalog);
     return lookUp(CatFD, id, buffer, size);
@@ -146,7 +143,7 @@ std::int32_t LoadStringW(const char* hinst, std::uint32_t id, char16_t* buffer, 
     if (length < 1) {
         return length;
     }
-    std::int32_t written = toUtf16(text, length, buffer, units - 1);
+    std::int32_t written = fillWithUtf16(text, length, buffer, units - 1);
     if (written < 0) {
         constexpr std::u16string_view kFailed = u"Failed!";
         written = std::min(static_cast<std::int32_t>(kFailed.size()), units - 1);
@@ -162,8 +159,7 @@ std::int32_t bosLoadResourceDLL(const char* hinst, int /*ignored*/, void* /*igno
         ++*useCount;
     }
     if (CatFD == invalidCatalog()) {
-        traceOpening(hinst);
-        const nl_catd opened = openForLocale(std::string(hinst == nullptr ? "" : hinst) + ".mo");
+        const nl_catd opened = OpenStrings(hinst, nullptr);
         const std::lock_guard holdLookups(CritCatalog);
         CatFD = opened;
     }
@@ -185,16 +181,4 @@ std::int32_t bosFreeResourceDLL(void* /*ignored*/, std::uint32_t* useCount) {
 
 void bosdllname(char* name) {
     std::strcat(name, "23");
-}
-
-void openLibraryCatalog() {
-    if (IniLockMark::isSet()) {
-        return;
-    }
-    const std::lock_guard hold(CritOpen);
-    if (CatFD == invalidCatalog()) {
-        char name[] = "vhutl\0\0";
-        bosdllname(name);
-        bosLoadResourceDLL(name, 0, nullptr, nullptr);
-    }
 }

@@ -40,7 +40,7 @@ extern KvCriticalSection CritCatalog;
 // Opens the catalog file `name`, or `hinst` + ".mo" when `name` is null, of the chosen locale or else of "en_US".
 // The caller closes it with CloseStrings. Returns the invalid handle when there is neither; records no error.
 // Takes no lock: not to be called while another thread sets the install directory.
-nl_catd OpenStrings(const char* hinst, const char* name);
+[[nodiscard]] nl_catd OpenStrings(const char* hinst, const char* name);
 
 // Closes a handle of OpenStrings; the invalid handle is left alone.
 void CloseStrings(nl_catd handle);
@@ -65,21 +65,3 @@ std::int32_t bosFreeResourceDLL(void* ignored, std::uint32_t* useCount);
 
 // Appends the product's library suffix "23" to the name in the buffer, which must have room for it.
 void bosdllname(char* name);
-
-// Opens the support library's own catalog as the process-wide one when none is open. Does nothing while the calling
-// thread holds the lock of an INI cache: whoever sets the install directory holds CritOpen and waits for that lock.
-void openLibraryCatalog();
-
-// Lives as long as its thread holds the lock of an INI cache or of the list of caches.
-class IniLockMark {
-public:
-    IniLockMark() { ++depth_; }
-    ~IniLockMark() { --depth_; }
-    IniLockMark(const IniLockMark&) = delete;
-    IniLockMark& operator=(const IniLockMark&) = delete;
-
-    static bool isSet() { return depth_ != 0; }
-
-private:
-    static thread_local int depth_;
-};

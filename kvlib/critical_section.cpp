@@ -4,22 +4,22 @@ KvCriticalSection::~KvCriticalSection() {
     pthread_mutex_destroy(&mutex_);
 }
 
-void KvCriticalSection::lock() {
+void KvCriticalSection::lock() noexcept {
     if (locking_) {
         pthread_mutex_lock(&mutex_);
     }
 }
 
-void KvCriticalSection::unlock() {
+void KvCriticalSection::unlock() noexcept {
     if (locking_) {
         pthread_mutex_unlock(&mutex_);
     }
 }
 
-void KvCriticalSection::setLocking(bool on) {
+void KvCriticalSection::setLocking(bool on) noexcept {
     locking_ = on;
 }
 
-bool KvCriticalSection::isLocking() const {
+bool KvCriticalSection::isLocking() const noexcept {
     return locking_;
 }

@@ -16,13 +16,13 @@ public:
     KvCriticalSection(const KvCriticalSection&) = delete;
     KvCriticalSection& operator=(const KvCriticalSection&) = delete;
 
-    void lock();
-    void unlock();
+    void lock() noexcept;
+    void unlock() noexcept;
 
     // Switches locking off or on again for the whole process: while off, lock and unlock do nothing. For programs
     // with a single thread; change it only while no thread holds the section.
-    void setLocking(bool on);
-    bool isLocking() const;
+    void setLocking(bool on) noexcept;
+    bool isLocking() const noexcept;
 
 private:
     pthread_mutex_t mutex_ = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
@@ -38,7 +38,7 @@ public:
 
     void lock() { mutex_.lock(); }
     bool try_lock() { return mutex_.try_lock(); }
-    void unlock() { mutex_.unlock(); }
+    void unlock() noexcept { mutex_.unlock(); }
 
 private:
     std::mutex mutex_;

@@ -7,6 +7,7 @@
 // any other static object of the program is made. Tests and debuggers may set it later; it is not guarded.
 extern std::uint64_t BOS_RUNTIME_DEBUG;
 
+// The bits of the mask; a plain enum, since they are combined.
 namespace DebugBit {
 enum Bit : std::uint64_t {
     kFile = 0x1,

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
-#include <new>
 
 #include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 
 constinit KvError MemoryError{ErrSpecialError::kMemory};
 constinit KvError DummyError{ErrSpecialError::kDummy};
@@ -113,14 +113,9 @@ const char* KvError::getErrorText() const {
         return "";
     }
     text8_.unInitialize();
-    try {
-        if (text8_.initialize(fromUtf16(text_.view(), codePage_).c_str()) == 0) {
-            return text8_.data();
-        }
-    } catch (const std::bad_alloc&) {
-        ramAddMemoryError();
-    }
-    return kMemoryText;
+    const int failed =
+        orMemoryError(1, [this] { return text8_.initialize(fromUtf16(text_.view(), codePage_).c_str()); });
+    return failed == 0 ? text8_.data() : kMemoryText;
 }
 
 const char16_t* KvError::getErrorTextW() const {

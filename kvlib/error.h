@@ -43,16 +43,16 @@ public:
     // anything else of its rank. Reads the library's catalog for states given by number.
     std::int16_t compare(const KvObject* other) const override;
 
-    std::uint16_t number() const { return number_; }
-    std::int64_t nativeError() const { return nativeError_; }
-    std::uint16_t stateNumber() const { return stateNumber_; }
-    kvCPType codePage() const { return codePage_; }
-    std::int64_t recordPosition() const { return recordPosition_; }
-    std::int64_t secondPosition() const { return secondPosition_; }
-    bool isWarning() const { return (flags_ & kWarning) != 0; }
-    bool isStatic() const { return (flags_ & kStatic) != 0; }
-    bool isOutOfMemory() const { return (flags_ & kOutOfMemory) != 0; }
-    bool isDummy() const { return (flags_ & kDummy) != 0; }
+    std::uint16_t number() const noexcept { return number_; }
+    std::int64_t nativeError() const noexcept { return nativeError_; }
+    std::uint16_t stateNumber() const noexcept { return stateNumber_; }
+    kvCPType codePage() const noexcept { return codePage_; }
+    std::int64_t recordPosition() const noexcept { return recordPosition_; }
+    std::int64_t secondPosition() const noexcept { return secondPosition_; }
+    bool isWarning() const noexcept { return (flags_ & kWarning) != 0; }
+    bool isStatic() const noexcept { return (flags_ & kStatic) != 0; }
+    bool isOutOfMemory() const noexcept { return (flags_ & kOutOfMemory) != 0; }
+    bool isDummy() const noexcept { return (flags_ & kDummy) != 0; }
 
     // These change nothing on a static error, since all threads share it. Set what `compare` looks at before adding
     // the error to a list. The state is cut to five characters; null or "" removes it.
@@ -66,7 +66,7 @@ public:
     const char16_t* getErrorTextW() const;
 
     // The explicit state code, "" if none.
-    const char16_t* getInterfaceCode() const { return state_; }
+    const char16_t* getInterfaceCode() const noexcept { return state_; }
 
     // Append plain text (null appends nothing), 8-bit text in the error's code page. Return 0, or 1 after recording a
     // memory error. Nothing on a static error.

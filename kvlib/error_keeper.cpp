@@ -120,7 +120,7 @@ void* KvErrorKeeper::getOwnerOfList() {
     return list == nullptr ? nullptr : list->owner_;
 }
 
-void ramAddMemoryError() {
+void ramAddMemoryError() noexcept {
     KvErrorKeeper::addMemoryError();
 }
 

@@ -25,18 +25,18 @@ public:
 
     // A new error for this list, owned by the caller, with the arguments of KvError; null after recording a memory
     // error.
-    virtual KvError* allocError(std::uint16_t number, const char16_t* text, int errorType, std::uint16_t stateNumber,
-                                std::int64_t nativeError);
-    virtual KvError* allocError(std::uint16_t number, const char* text, kvCPType codePage, int errorType,
-                                std::uint16_t stateNumber, std::int64_t nativeError);
+    [[nodiscard]] virtual KvError* allocError(std::uint16_t number, const char16_t* text, int errorType,
+                                              std::uint16_t stateNumber, std::int64_t nativeError);
+    [[nodiscard]] virtual KvError* allocError(std::uint16_t number, const char* text, kvCPType codePage, int errorType,
+                                              std::uint16_t stateNumber, std::int64_t nativeError);
 
     // The pending memory error, else the last element, else null. The list keeps owning it.
     KvError* getLastError();
 
     // Take the first or last element out; the caller owns it then, unless it is static. Both hand out the pending
     // memory error before any element, once. Null when there is nothing.
-    KvError* removeFirstError();
-    KvError* removeLastError();
+    [[nodiscard]] KvError* removeFirstError();
+    [[nodiscard]] KvError* removeLastError();
 
     // 0 empty, 1 errors and warnings, 2 errors only, 3 warnings only. This and the next two look at the elements alone,
     // not at a pending memory error.

@@ -8,7 +8,7 @@ class KvError;
 
 // Records on the calling thread's current error list that memory ran out. Allocates nothing, never fails, does nothing
 // without a list, and may be called from any thread and from constructors of static objects.
-void ramAddMemoryError();
+void ramAddMemoryError() noexcept;
 
 // Records library error `id` on the calling thread's current error list, with the library's own text for it or with
 // `text` (UTF-16, or 8-bit text of the locale; null means ""). The list owns the error. The result is never null: it

@@ -81,7 +81,7 @@ void KvArray::removeAtIndex(std::uint64_t index) {
     }
     std::copy(items_ + index + 1, items_ + count_, items_ + index);
     count_--;
-    // Whoever destroys the contents of all slots must not meet an element twice.
+    // Whoever destroys the contents of all slots must not destroy an element twice.
     items_[count_] = nullptr;
 }
 

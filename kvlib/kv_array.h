@@ -20,14 +20,14 @@ public:
     // Destroys the elements and frees the slots as far as they are owned.
     ~KvArray() override;
 
-    std::uint64_t count() const { return count_; }
-    std::uint64_t capacity() const { return capacity_; }
+    std::uint64_t count() const noexcept { return count_; }
+    std::uint64_t capacity() const noexcept { return capacity_; }
     // The slots, null until the first growth; valid until the array grows or shrinks.
-    KvObject** items() const { return items_; }
+    KvObject** items() const noexcept { return items_; }
     // The element at `index`, or null beyond the last one.
-    KvObject* at(std::uint64_t index) const { return index < count_ ? items_[index] : nullptr; }
+    KvObject* at(std::uint64_t index) const noexcept { return index < count_ ? items_[index] : nullptr; }
 
-    bool hasFlag(KvArrayFlag flag) const { return (flags_ & flag) != 0; }
+    bool hasFlag(KvArrayFlag flag) const noexcept { return (flags_ & flag) != 0; }
     void setFlag(KvArrayFlag flag, bool on);
     // Slots added when a full array grows, 16 at first; 0 means to double.
     void setGrowthIncrement(std::uint64_t slots) { increment_ = slots; }
@@ -84,8 +84,8 @@ public:
     // Returns 1 and the first index of an element equal to `key`, or 0 and the count. Works in any order.
     int seqFindIndexOf(const KvObject* key, std::uint64_t& index) const;
 
-    // Keep the first of each run of equal elements, in any order of the array, and take the others out;
-    // deleteDuplicates destroys them. Return how many were taken out.
+    // Keep the first of all elements that are equal, wherever they stand, and take the others out; deleteDuplicates
+    // destroys them. Return how many were taken out.
     std::uint64_t deleteDuplicates();
     std::uint64_t removeDuplicates();
 

@@ -11,10 +11,12 @@ public:
     constexpr KvSubString() = default;
     KvSubString(const char* text, std::uint64_t length);
 
-    const char* data() const { return data_; }
-    std::uint64_t length() const { return length_; }
-    std::uint64_t initialLength() const { return initialLength_; }
-    std::string_view view() const { return data_ == nullptr ? std::string_view() : std::string_view(data_, length_); }
+    const char* data() const noexcept { return data_; }
+    std::uint64_t length() const noexcept { return length_; }
+    std::uint64_t initialLength() const noexcept { return initialLength_; }
+    std::string_view view() const noexcept {
+        return data_ == nullptr ? std::string_view() : std::string_view(data_, length_);
+    }
 
 protected:
     std::uint64_t length_ = 0;
@@ -52,10 +54,10 @@ public:
     // Frees the buffer when owned and becomes empty.
     void unInitialize();
 
-    std::uint64_t capacity() const { return capacity_; }
-    bool ownsBuffer() const { return owns_; }
+    std::uint64_t capacity() const noexcept { return capacity_; }
+    bool ownsBuffer() const noexcept { return owns_; }
     // True while a zero byte stands behind the text.
-    bool isTerminated() const { return terminated_; }
+    bool isTerminated() const noexcept { return terminated_; }
 
 private:
     int append(const char* text, std::uint64_t added);

@@ -1,25 +1,18 @@
 #include "kvlib/kv_string_w.h"
 
-#include <new>
-#include <stdexcept>
 #include <utility>
 
-#include "kvlib/error_report.h"
+#include "kvlib/out_of_memory.h"
 
 namespace {
 
-// Runs `change`, which gives 0 or throws for lack of memory; turns the latter into a memory error and 1.
+// Makes a change that throws for lack of memory. Returns 0, or 1 after recording a memory error.
 template <typename Change>
-int reportingMemory(Change change) {
-    try {
+int changed(Change change) {
+    return orMemoryError(1, [&] {
         change();
         return 0;
-    } catch (const std::bad_alloc&) {
-        ramAddMemoryError();
-    } catch (const std::length_error&) {
-        ramAddMemoryError();
-    }
-    return 1;
+    });
 }
 
 bool isDigit(char16_t unit) {
@@ -41,15 +34,15 @@ std::size_t placeEnd(std::u16string_view text, std::size_t begin, unsigned numbe
 }  // namespace
 
 int KvStringW::initialize(std::u16string_view text) {
-    return reportingMemory([&] { adopt(std::u16string(text)); });
+    return changed([&] { adopt(std::u16string(text)); });
 }
 
 int KvStringW::initialize(std::string_view text, kvCPType cp) {
-    return reportingMemory([&] { adopt(toUtf16(text, cp)); });
+    return changed([&] { adopt(toUtf16(text, cp)); });
 }
 
 int KvStringW::concat(std::u16string_view text) {
-    return reportingMemory([&] {
+    return changed([&] {
         std::u16string joined;
         joined.reserve(length_ + text.size());
         joined.append(view()).append(text);
@@ -59,7 +52,7 @@ int KvStringW::concat(std::u16string_view text) {
 
 int KvStringW::concat(std::string_view text, kvCPType cp) {
     std::u16string wide;
-    return reportingMemory([&] { wide = toUtf16(text, cp); }) != 0 ? 1 : concat(wide);
+    return changed([&] { wide = toUtf16(text, cp); }) != 0 ? 1 : concat(wide);
 }
 
 void KvStringW::clear() {
@@ -89,11 +82,11 @@ int KvParamStringW::initialize(std::u16string_view text) {
 
 int KvParamStringW::initialize(std::string_view text, kvCPType cp) {
     std::u16string wide;
-    return reportingMemory([&] { wide = toUtf16(text, cp); }) != 0 ? 1 : initialize(wide);
+    return changed([&] { wide = toUtf16(text, cp); }) != 0 ? 1 : initialize(wide);
 }
 
 int KvParamStringW::setParam(std::u16string_view value) {
-    return reportingMemory([&] {
+    return changed([&] {
         const std::u16string_view old = view();
         std::u16string filled;
         std::vector<PlainRange> plain;
@@ -127,11 +120,11 @@ int KvParamStringW::setParam(std::u16string_view value) {
 
 int KvParamStringW::setParam(std::string_view value, kvCPType cp) {
     std::u16string wide;
-    return reportingMemory([&] { wide = toUtf16(value, cp); }) != 0 ? 1 : setParam(wide);
+    return changed([&] { wide = toUtf16(value, cp); }) != 0 ? 1 : setParam(wide);
 }
 
 int KvParamStringW::concat(std::u16string_view text) {
-    return reportingMemory([&] {
+    return changed([&] {
         std::size_t begin = length();
         plain_.reserve(plain_.size() + 1);
         std::u16string joined(view());
@@ -143,5 +136,5 @@ int KvParamStringW::concat(std::u16string_view text) {
 
 int KvParamStringW::concat(std::string_view text, kvCPType cp) {
     std::u16string wide;
-    return reportingMemory([&] { wide = toUtf16(text, cp); }) != 0 ? 1 : concat(wide);
+    return changed([&] { wide = toUtf16(text, cp); }) != 0 ? 1 : concat(wide);
 }

@@ -17,9 +17,9 @@ public:
     constexpr KvSubStringW(const char16_t* text, std::uint64_t length)
         : data_(text), length_(text == nullptr ? 0 : length) {}
 
-    const char16_t* data() const { return data_; }
-    std::uint64_t length() const { return length_; }
-    std::u16string_view view() const {
+    const char16_t* data() const noexcept { return data_; }
+    std::uint64_t length() const noexcept { return length_; }
+    std::u16string_view view() const noexcept {
         return data_ == nullptr ? std::u16string_view() : std::u16string_view(data_, length_);
     }
 
@@ -45,8 +45,8 @@ public:
     int concat(std::string_view text, kvCPType cp);
 
     void clear();
-    bool isEmpty() const { return length_ == 0; }
-    const char16_t* text() const { return text_ ? text_->c_str() : u""; }
+    bool isEmpty() const noexcept { return length_ == 0; }
+    const char16_t* text() const noexcept { return text_ ? text_->c_str() : u""; }
 
 protected:
     // Makes `text` the text. Unlike the rest it throws std::bad_alloc, and then nothing has changed.

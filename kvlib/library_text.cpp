@@ -2,9 +2,23 @@
 
 #include <charconv>
 #include <iterator>
+#include <mutex>
 #include <string_view>
 
 #include "kvlib/catalog.h"
+#include "kvlib/ini_lock_mark.h"
+
+void openLibraryCatalog() {
+    if (IniLockMark::isSet()) {
+        return;
+    }
+    const std::lock_guard hold(CritOpen);
+    if (CatFD == invalidCatalog()) {
+        char name[] = "vhutl\0\0";
+        bosdllname(name);
+        bosLoadResourceDLL(name, 0, nullptr, nullptr);
+    }
+}
 
 std::uint32_t winGetString(char* buffer, std::uint32_t id) {
     openLibraryCatalog();

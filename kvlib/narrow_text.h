@@ -1,4 +1,4 @@
-// A UTF-16 text of a caller as the 8-bit text that the UTF-16 twins hand on.
+// For functions that take UTF-16 and hand on to their twins that take 8-bit text.
 #pragma once
 
 #include <optional>
@@ -6,7 +6,7 @@
 
 #include "kvlib/text.h"
 
-// The text in the code page of the locale, as long as this object lives; null stays null. Raises std::bad_alloc.
+// The text in the code page of the locale, as long as this object lives; null stays null. Throws std::bad_alloc.
 class Narrow {
 public:
     explicit Narrow(const char16_t* text) {

@@ -56,11 +56,11 @@ KvThreadInfo* obtainRecord() {
 
 }  // namespace
 
-unsigned long bosGetThreadID() {
+unsigned long bosGetThreadID() noexcept {
     return pthread_self();
 }
 
-int mdsPerThreadInit() {
+int mdsPerThreadInit() noexcept {
     std::lock_guard guard(PerThreadLock);
     KvThreadInfo* record = findRecord();
     if (record != nullptr) {
@@ -77,7 +77,7 @@ int mdsPerThreadInit() {
     return 1;
 }
 
-void mdsPerThreadTerm() {
+void mdsPerThreadTerm() noexcept {
     std::lock_guard guard(PerThreadLock);
     KvThreadInfo* record = findRecord();
     if (record != nullptr) {
@@ -85,19 +85,19 @@ void mdsPerThreadTerm() {
     }
 }
 
-void* mdsGetPerThreadData(unsigned n) {
+void* mdsGetPerThreadData(unsigned n) noexcept {
     void** slot = mdsGetPerThreadDataAddress(n);
     return slot == nullptr ? nullptr : *slot;
 }
 
-void mdsSetPerThreadData(unsigned n, void* value) {
+void mdsSetPerThreadData(unsigned n, void* value) noexcept {
     void** slot = mdsGetPerThreadDataAddress(n);
     if (slot != nullptr) {
         *slot = value;
     }
 }
 
-void** mdsGetPerThreadDataAddress(unsigned n) {
+void** mdsGetPerThreadDataAddress(unsigned n) noexcept {
     if (n >= kPerThreadSlots) {
         return nullptr;
     }
@@ -106,25 +106,25 @@ void** mdsGetPerThreadDataAddress(unsigned n) {
     return record == nullptr ? nullptr : &record->slots[n];
 }
 
-void mdsSetPerThreadLocking(bool on) {
+void mdsSetPerThreadLocking(bool on) noexcept {
     PerThreadLock.setLocking(on);
 }
 
-int mdsPerTaskInit() {
+int mdsPerTaskInit() noexcept {
     return 1;
 }
 
-void mdsPerTaskTerm() {}
+void mdsPerTaskTerm() noexcept {}
 
-int mdsIsTaskInit() {
+int mdsIsTaskInit() noexcept {
     return 1;
 }
 
-void* mdsGetPerTaskData(unsigned n) {
+void* mdsGetPerTaskData(unsigned n) noexcept {
     return n < kPerTaskSlots ? TaskSlots[n].load() : nullptr;
 }
 
-void mdsSetPerTaskData(unsigned n, void* value) {
+void mdsSetPerTaskData(unsigned n, void* value) noexcept {
     if (n < kPerTaskSlots) {
         TaskSlots[n].store(value);
     }

@@ -83,58 +83,73 @@ std::string upperOfByte(char c) {
 
 }  // namespace
 
-void BUTMEMCP(void* dst, const void* src, std::size_t n) {
+void BUTMEMCP(void* dst, const void* src, std::size_t n) noexcept {
     if (n != 0) {
         std::memmove(dst, src, n);
     }
 }
 
-void BUTMMCPD(void* dst, const void* src, std::size_t n) {
+void BUTMMCPD(void* dst, const void* src, std::size_t n) noexcept {
     BUTMEMCP(dst, src, n);
 }
 
-int BUTMMCMP(const void* a, const void* b, std::size_t n) {
+int BUTMMCMP(const void* a, const void* b, std::size_t n) noexcept {
     return n == 0 ? 0 : sign(std::memcmp(a, b, n));
 }
 
-char* BUTSTCPY(char* dst, const char* src) {
+char* BUTSTCPY(char* dst, const char* src) noexcept {
     return stpcpy(dst, src);
 }
 
-char* BUTSTCAT(char* dst, const char* src) {
+char* BUTSTCAT(char* dst, const char* src) noexcept {
     return stpcpy(dst + BUTSTLEN(dst), src);
 }
 
-int BUTSTCMP(const char* a, const char* b) {
+int BUTSTCMP(const char* a, const char* b) noexcept {
     return sign(std::strcmp(a, b));
 }
 
-std::size_t BUTSTLEN(const char* s) {
+std::size_t BUTSTLEN(const char* s) noexcept {
     return std::strlen(s);
 }
 
-void strCopy(char* dst, std::size_t size, const char* src) {
+void strCopy(char* dst, std::size_t size, const char* src) noexcept {
     if (size == 0) {
         return;
     }
-    // The end goes first: whatever follows a shorter text, the buffer as a whole is terminated.
+    // Besides the terminator of a shorter text, the last byte of the buffer is zero for readers that trust its size.
     dst[size - 1] = '\0';
     std::size_t copied = strnlen(src, size - 1);
     BUTMEMCP(dst, src, copied);
     dst[copied] = '\0';
 }
 
-char* strCopy(char* dst, const char* src, std::size_t n) {
+char* strCopy(char* dst, const char* src, std::size_t n) noexcept {
     BUTMEMCP(dst, src, n);
     dst[n] = '\0';
     return dst + n;
 }
 
-std::size_t strLen(const char16_t* s) {
+std::size_t copyCut(char* dst, std::size_t size, std::string_view text) noexcept {
+    if (size == 0) {
+        return 0;
+    }
+    const std::size_t copied = std::min(text.size(), size - 1);
+    strCopy(dst, text.data(), copied);
+    return copied;
+}
+
+bool copyWhole(char* dst, std::size_t size, std::string_view text) noexcept {
+    const bool fits = text.size() < size;
+    copyCut(dst, size, fits ? text : std::string_view());
+    return fits;
+}
+
+std::size_t strLen(const char16_t* s) noexcept {
     return std::u16string_view(s).size();
 }
 
-bool kvIsLeadByte(char c, kvCPType cp) {
+bool kvIsLeadByte(char c, kvCPType cp) noexcept {
     auto byte = static_cast<unsigned char>(c);
     switch (cp) {
         case kCPShiftJis:
@@ -152,11 +167,11 @@ bool kvIsLeadByte(char c, kvCPType cp) {
     return false;
 }
 
-bool kvIsWhiteSpace(char c, kvCPType /*cp*/) {
+bool kvIsWhiteSpace(char c, kvCPType /*cp*/) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-const char* kvCharNext(const char* s, kvCPType cp) {
+const char* kvCharNext(const char* s, kvCPType cp) noexcept {
     if (*s == '\0') {
         return s;
     }
@@ -164,11 +179,11 @@ const char* kvCharNext(const char* s, kvCPType cp) {
     return kvCharNext(s, s + strnlen(s, 4), cp);
 }
 
-char* kvCharNext(char* s, kvCPType cp) {
+char* kvCharNext(char* s, kvCPType cp) noexcept {
     return s + (kvCharNext(static_cast<const char*>(s), cp) - s);
 }
 
-const char* kvCharNext(const char* s, const char* end, kvCPType cp) {
+const char* kvCharNext(const char* s, const char* end, kvCPType cp) noexcept {
     if (s >= end) {
         return s;
     }
@@ -179,7 +194,7 @@ const char* kvCharNext(const char* s, const char* end, kvCPType cp) {
     return s + (available > 1 && kvIsLeadByte(*s, cp) ? 2 : 1);
 }
 
-const char* strFind(const char* s, char ch, kvCPType cp) {
+const char* strFind(const char* s, char ch, kvCPType cp) noexcept {
     for (; *s != '\0'; s = kvCharNext(s, cp)) {
         if (*s == ch) {
             return s;
@@ -188,11 +203,11 @@ const char* strFind(const char* s, char ch, kvCPType cp) {
     return nullptr;
 }
 
-const char* strFind(const char* s, const char* sub, kvCPType cp) {
+const char* strFind(const char* s, const char* sub, kvCPType cp) noexcept {
     return strFind(s, BUTSTLEN(s), sub, BUTSTLEN(sub), cp);
 }
 
-const char* strFind(const char* s, std::size_t sLength, const char* sub, std::size_t subLength, kvCPType cp) {
+const char* strFind(const char* s, std::size_t sLength, const char* sub, std::size_t subLength, kvCPType cp) noexcept {
     if (subLength == 0 || subLength > sLength) {
         return nullptr;
     }
@@ -206,7 +221,7 @@ const char* strFind(const char* s, std::size_t sLength, const char* sub, std::si
     return nullptr;
 }
 
-const char* strFindReverse(const char* s, char ch, kvCPType cp) {
+const char* strFindReverse(const char* s, char ch, kvCPType cp) noexcept {
     const char* last = nullptr;
     for (const char* hit = strFind(s, ch, cp); hit != nullptr; hit = strFind(kvCharNext(hit, cp), ch, cp)) {
         last = hit;
@@ -214,7 +229,7 @@ const char* strFindReverse(const char* s, char ch, kvCPType cp) {
     return last;
 }
 
-void strRightTrim(char* s, kvCPType cp) {
+void strRightTrim(char* s, kvCPType cp) noexcept {
     char* end = s;
     while (*s != '\0') {
         char* next = kvCharNext(s, cp);
@@ -251,7 +266,7 @@ int strCompareCi(const char* a, const char* b, kvCPType cp) {
     }
 }
 
-void strUpper(char* s) {
+void strUpper(char* s) noexcept {
     const std::size_t longest = MB_CUR_MAX;
     for (; *s != '\0'; s = kvCharNext(s, kCPLocale)) {
         wchar_t character = 0;

@@ -638,7 +638,7 @@ TEST_F(IniFileTest, TheTraceTellsEachStep) {
     cache_.bosGetProfileString("S", "A", "", buffer, sizeof buffer);
     cache_.bosGetProfileString("S", "X", nullptr, buffer, sizeof buffer);
     cache_.bosGetProfileSection("S", buffer, sizeof buffer);
-    cache_.bosPutProfileString("S", nullptr, nullptr);
+    EXPECT_EQ(cache_.bosPutProfileString("S", nullptr, nullptr), 1);
     BOS_RUNTIME_DEBUG = 0;
     const std::string f = "File:" + path_;
     const std::string get = "GetProfileString: ";

@@ -5,6 +5,8 @@
 #include <clocale>
 #include <string>
 
+#include "kvlib/ini_lock_mark.h"
+#include "kvlib/library_text.h"
 #include "kvlib/text.h"
 #include "tests/support/program.h"
 #include "tests/support/scoped_environment.h"
