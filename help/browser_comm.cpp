@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "help/browser_platform.h"
+#include "help/browser_remote.h"
 #include "help/url_routines.h"
 
 namespace {

@@ -1,6 +1,5 @@
-// Browsers on this platform: finding one on the disk, starting it, and asking a running one by window properties
-// (docs/browser-remote-control.md). All functions return 0, or -1 on failure, and report nothing. GUI thread only:
-// while a browser is asked, the caller waits for its answer without a time-out.
+// Browsers on this platform: finding one on the disk and starting it. All functions return 0, or -1 on failure, and
+// report nothing. GUI thread only.
 #pragma once
 
 #include <cstddef>
@@ -13,12 +12,6 @@ int WWHelp_Platform_Shutdown();
 // Finds the browser: the directories of PATH in their order, in each the known names in theirs, then known places. Runs
 // it once with the argument "-remote" and waits for it. -1 when there is none.
 int WWHelp_Platform_SetDefaultBrowserInfo(WWHelp_BrowserInfo* info);
-
-// 0 when the browser can be asked and one of its windows is on the display.
-int WWHelp_Platform_CheckBrowserRunning(WWHelp_BrowserInfo* info);
-
-// Asks the running browser to open the URL and waits for its answer. -1 when it refuses, goes away, or is not there.
-int WWHelp_Platform_SendURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length);
 
 // Starts the browser with the URL as its only argument and does not wait for it.
 int WWHelp_Platform_LaunchWithURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length);

@@ -1,5 +1,5 @@
-// The remote control of a running browser by properties of its window. docs/browser-remote-control.md tells the
-// protocol.
+#include "help/browser_remote.h"
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xmu/WinUtil.h>
@@ -9,8 +9,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "help/browser_platform.h"
 
 #include "kvlib/out_of_memory.h"
 

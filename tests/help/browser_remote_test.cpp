@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "help/browser_platform.h"
+#include "help/browser_remote.h"
 #include "help/web_help.h"
 #include "tests/support/recording_browser.h"
 
