@@ -116,6 +116,16 @@ int runProgram(bool wait, const char* file, std::vector<char*>& arguments) {
     return wait ? judge(child, errorFile) : 0;
 }
 
+int runWithArguments(bool wait, const char* file, std::va_list rest) {
+    return orFailure(-1, [&] {
+        std::vector<char*> arguments{const_cast<char*>(file)};
+        do {
+            arguments.push_back(va_arg(rest, char*));
+        } while (arguments.back() != nullptr);
+        return runProgram(wait, file, arguments);
+    });
+}
+
 }  // namespace
 
 int WWHelp_Platform_Startup() {
@@ -162,13 +172,7 @@ int private_WWHelp_Platform_FileIsExecutable(const char* path) {
 int private_WWHelp_Platform_Command(int wait, const char* file, ...) {
     std::va_list rest;
     va_start(rest, file);
-    const int result = orFailure(-1, [&] {
-        std::vector<char*> arguments{const_cast<char*>(file)};
-        do {
-            arguments.push_back(va_arg(rest, char*));
-        } while (arguments.back() != nullptr);
-        return runProgram(wait != 0, file, arguments);
-    });
+    const int result = runWithArguments(wait != 0, file, rest);
     va_end(rest);
     return result;
 }

@@ -17,8 +17,8 @@ namespace {
 constexpr int kNamesTried = 100;
 constexpr mode_t kPermissions = 0777;
 
-// Whether the folder takes no copy, which must not keep users from saving. When the disk is full, say, the rewriting
-// would fail too, and there is no copy to help: then nothing may be touched.
+// Whether the folder takes no copy: the file is rewritten without one then, so that users can save. After any other
+// failure, such as a full disk, the rewriting might fail too, with no copy to help, so the file is left alone.
 bool isRefusedByFolder(int systemError) {
     return systemError == EACCES || systemError == EPERM || systemError == EROFS || systemError == ENAMETOOLONG ||
            systemError == EEXIST;

@@ -116,7 +116,7 @@ std::uint32_t KvIniFileCache::load(const std::string& name, std::uint32_t flags)
 //
 // The driver file, which most users may only read, is read whatever the failure to open it for writing was. So is every
 // file in a thread without an error list: such a caller has never been able to tell a refusal from other failures, and
-// relies on reading what can be read. Neither case creates the file.
+// relies on reading what can be read. Such a second try creates no file.
 KvIniFileCache::Opening KvIniFileCache::openForLoading(const std::string& name) {
     const bool isDriverFile = isDriverFileName(name);
     const bool hasErrorList = mdsGetPerThreadData(kThreadSlotErrorList) != nullptr;
