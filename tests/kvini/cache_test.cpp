@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <optional>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -277,10 +277,7 @@ TEST_F(IniFileTest, LoadingFallsBackToReading) {
         chmod(file.c_str(), row.mode);
         for (const bool isListening : {true, false}) {
             EXPECT_EQ(runInChild([&] {
-                          std::optional<ErrorCollector> errors;
-                          if (isListening) {
-                              errors.emplace();
-                          }
+                          const auto errors = isListening ? std::make_unique<ErrorCollector>() : nullptr;
                           KvIniFileCache cache;
                           char text[8];
                           const bool dropped = setuid(65534) == 0;
