@@ -296,7 +296,7 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     click(BtnSetDirectory);
     EXPECT_EQ(dialogText(), catalogText(Message::kSetDirectoryQuestion));
     answer("OK");
-    EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"ODBC FILE DSN", {"DefaultDSNDir=" + files.path("")}}}));
+    EXPECT_EQ(files.summary(), "ODBC FILE DSN{DefaultDSNDir=" + files.path("") + "}");
 
     clickRow(list, 1);
     click(BtnFDRemove);

@@ -88,8 +88,7 @@ TEST_F(UserDsnPageTest, RemoveAsksAndLeavesAnEmptyPageThatTakesNeitherConfigureN
         EXPECT_EQ(rows(LstUName), names);
         EXPECT_EQ(rows(LstUDesc), drivers);
     }
-    EXPECT_EQ(files.userSections(),
-              (OdbcFiles::Sections{{"ODBC Data Sources", {}}, {"ODBC", {"Trace=0", "InstallDir=/opt/a b"}}}));
+    EXPECT_EQ(files.summary(), "ODBC Data Sources{} ODBC{Trace=0|InstallDir=/opt/a b}");
     EXPECT_EQ(placeOf(LblName).width, placeOf(LstUName).width);
     EXPECT_EQ(placeOf(LblDriver).width, placeOf(LstUDesc).width);
     populateUserDSN(LstUName, LstUDesc);

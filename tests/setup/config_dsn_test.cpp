@@ -24,7 +24,7 @@ constexpr unsigned int kBadValue = ODBC_ERROR_INVALID_KEYWORD_VALUE;
 constexpr const char* kTwo =
     "[ODBC Data Sources]\nSales=Drv\nStock=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/s.db\nOdd Key=kept = so\nEmpty=\n\n"
     "[Stock]\nDriver=/drv.so\nDatabase=/k.db\n\n[ODBC]\nTrace=0\n";
-// The same as read by summary().
+// The same as read by OdbcFiles::summary().
 const std::string kSales = "Sales{Driver=Drv|Database=/s.db|Odd Key=kept = so|Empty=}";
 const std::string kStock = "Stock{Driver=/drv.so|Database=/k.db}";
 const std::string kListed = "ODBC Data Sources{Sales=Drv|Stock=Drv}";
@@ -71,19 +71,6 @@ protected:
         errorText = text;
         return code;
     }
-    // "Section{line|line} Section{line}", in file order.
-    std::string summary() const {
-        std::string text;
-        for (const auto& [name, lines] : files.userSections()) {
-            text += (text.empty() ? "" : " ") + name + "{";
-            for (const std::string& line : lines) {
-                text += (text.back() == '{' ? "" : "|") + line;
-            }
-            text += "}";
-        }
-        return text;
-    }
-
     OdbcFiles files;
     ScopedEnvironment catalogs{{"VH_INSTALLDIR", VH_TEST_INSTALL_DIR}};
     std::string errorText;
@@ -134,7 +121,7 @@ TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
         SCOPED_TRACE(test.about);
         files.write(OdbcFiles::kUser, test.before);
         EXPECT_EQ(call(test.command), 0U) << errorText;
-        EXPECT_EQ(summary(), test.after);
+        EXPECT_EQ(files.summary(), test.after);
     }
 }
 
@@ -190,7 +177,7 @@ TEST_F(ConfigDsnTest, OtherProgramsEditsAreSeen) {
     EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nSales=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/edited.db\n");
     EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
-    EXPECT_EQ(summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
+    EXPECT_EQ(files.summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
 }
 
 TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {

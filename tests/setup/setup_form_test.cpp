@@ -65,29 +65,25 @@ protected:
 
     private:
         void wait() { timer_ = XtAppAddTimeOut(app_context, 20, tick, this); }
-        static void tick(XtPointer self, XtIntervalId* /*timer*/) {
-            auto* script = static_cast<Script*>(self);
+        static void tick(XtPointer self, XtIntervalId* /*timer*/) { static_cast<Script*>(self)->tick(); }
+        void tick() {
             XSync(display, False);
-            script->quietTicks_ = (XtAppPending(app_context) & XtIMXEvent) != 0 ? 0 : script->quietTicks_ + 1;
-            if (script->quietTicks_ > 3 && script->isReady()) {
-                const std::function<void()> step = script->steps_.front();
-                script->steps_.pop_front();
-                script->quietTicks_ = 0;
-                script->ticks_ = 0;
+            quietTicks_ = (XtAppPending(app_context) & XtIMXEvent) != 0 ? 0 : quietTicks_ + 1;
+            if (quietTicks_ > 3 && isReady()) {
+                const std::function<void()> step = steps_.front();
+                steps_.pop_front();
+                quietTicks_ = ticks_ = 0;
                 step();
-            } else if (++script->ticks_ > kPatienceSeconds * 50) {
-                script->giveUp();
+            } else if (++ticks_ > kPatienceSeconds * 50) {
+                // Ends the dialog, lest the test hang.
+                ADD_FAILURE() << "stuck with " << steps_.size() << " steps to take";
+                steps_.clear();
+                if (Widget cancel = XtNameToWidget(ShODBCAdmin, "vhsetup23.FormSetup.BtnCancel")) {
+                    pressButton(cancel);
+                }
             }
-            if (!script->steps_.empty()) {
-                script->wait();
-            }
-        }
-        // Ends the dialog, lest the test hang.
-        void giveUp() {
-            ADD_FAILURE() << "stuck with " << steps_.size() << " steps to take";
-            steps_.clear();
-            if (Widget cancel = XtNameToWidget(ShODBCAdmin, "vhsetup23.FormSetup.BtnCancel")) {
-                pressButton(cancel);
+            if (!steps_.empty()) {
+                wait();
             }
         }
         // Whether the dialog, or a box over it, has the keyboard.
@@ -143,19 +139,6 @@ protected:
         std::replace(line.begin(), line.end(), '\n', ' ');
         return line;
     }
-    // The lines of a section of the user's file, joined by blanks; "(none)" without the section.
-    std::string section(const std::string& name) const {
-        for (const auto& [section, lines] : files.userSections()) {
-            if (section == name) {
-                std::string text;
-                for (const std::string& line : lines) {
-                    text += (text.empty() ? "" : " ") + line;
-                }
-                return text;
-            }
-        }
-        return "(none)";
-    }
 };
 
 // With a comment, which any write would drop.
@@ -193,8 +176,9 @@ TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
         .then([] { EXPECT_EQ(field("TxtPassword"), "*******"); })
         .enter({XK_Return});
     click(BtnConfigure);
-    EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Password=xyeheim Unknown=1 Description=My text Level=own");
-    EXPECT_EQ(section("B"), "Driver=Talker X=1");
+    EXPECT_EQ(files.section("A"),
+              "Driver=Talker|Database=/abc|Password=xyeheim|Unknown=1|Description=My text|Level=own");
+    EXPECT_EQ(files.section("B"), "Driver=Talker|X=1");
 }
 
 TEST_F(SetupFormTest, ARenamedDataSourceKeepsItsKeysAndReplacesAnotherOnlyWhenAllowed) {
@@ -211,9 +195,9 @@ TEST_F(SetupFormTest, ARenamedDataSourceKeepsItsKeysAndReplacesAnotherOnlyWhenAl
         .then([question] { EXPECT_EQ(message(), question); })
         .enter({XK_Return});
     click(BtnConfigure);
-    EXPECT_EQ(section("ODBC Data Sources"), "B=Talker");
-    EXPECT_EQ(section("A"), "(none)");
-    EXPECT_EQ(section("B"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1");
+    EXPECT_EQ(files.section("ODBC Data Sources"), "B=Talker");
+    EXPECT_EQ(files.section("A"), "(none)");
+    EXPECT_EQ(files.section("B"), "Driver=Talker|Database=/a|Mode=odd|Password=geheim|Unknown=1");
 }
 
 TEST_F(SetupFormTest, ANameMayChangeItsCase) {
@@ -221,8 +205,8 @@ TEST_F(SetupFormTest, ANameMayChangeItsCase) {
     Script script;
     script.enter({XK_Delete, "a", XK_Return});
     click(BtnConfigure);
-    EXPECT_EQ(section("ODBC Data Sources"), "B=Talker a=Talker");
-    EXPECT_EQ(section("a"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1");
+    EXPECT_EQ(files.section("ODBC Data Sources"), "B=Talker|a=Talker");
+    EXPECT_EQ(files.section("a"), "Driver=Talker|Database=/a|Mode=odd|Password=geheim|Unknown=1");
 }
 
 TEST_F(SetupFormTest, ANewDataSourceStoresWhatTheDriverProposes) {
@@ -234,8 +218,8 @@ TEST_F(SetupFormTest, ANewDataSourceStoresWhatTheDriverProposes) {
         .then([] { EXPECT_EQ(message(), "Type a name for the data source."); })
         .enter({XK_Return, "New", XK_Return});
     click(BtnFinish);
-    EXPECT_EQ(section("New"), "Driver=Talker Mode=write Token=h1");
-    EXPECT_EQ(section("ODBC Data Sources"), "A=Talker B=Talker New=Talker");
+    EXPECT_EQ(files.section("New"), "Driver=Talker|Mode=write|Token=h1");
+    EXPECT_EQ(files.section("ODBC Data Sources"), "A=Talker|B=Talker|New=Talker");
 }
 
 TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
@@ -254,7 +238,7 @@ TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
         .then([] { EXPECT_NE(message().find("\"uid\" has a field of its own"), std::string::npos) << message(); })
         .enter({XK_Return, XK_Home, {XK_Delete, 3}, "New", {XK_Tab, 3}, XK_Return});
     click(BtnConfigure);
-    EXPECT_EQ(section("S"), "Driver=Silent Server=h PWD=p SSLPassword=q Keep=k = v Edit=123 New=x");
+    EXPECT_EQ(files.section("S"), "Driver=Silent|Server=h|PWD=p|SSLPassword=q|Keep=k = v|Edit=123|New=x");
 }
 
 TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
@@ -271,7 +255,7 @@ TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
             .enter({"me", XK_Return});
         click(BtnConfigure);
     }
-    EXPECT_EQ(section("A"), "Driver=Tds PWD=p UID=me");
+    EXPECT_EQ(files.section("A"), "Driver=Tds|PWD=p|UID=me");
     clickRow(LstUName, 2);
     Script script;
     script.then([] { EXPECT_EQ(XtNameToWidget(ShODBCAdmin, "*TxtUID"), nullptr); }).enter({XK_Escape});
@@ -304,7 +288,7 @@ TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
         })
         .enter({XK_Tab, XK_space, {XK_Tab, 6}, "C", XK_Return});
     click(BtnConfigure);
-    EXPECT_EQ(section("CA"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1 Many30=last Pin=12");
+    EXPECT_EQ(files.section("CA"), "Driver=Talker|Database=/a|Mode=odd|Password=geheim|Unknown=1|Many30=last|Pin=12");
 }
 
 TEST_F(SetupFormTest, AStoredPasswordGoesWhenItIsNoLongerWanted) {
@@ -312,7 +296,7 @@ TEST_F(SetupFormTest, AStoredPasswordGoesWhenItIsNoLongerWanted) {
     Script script;
     script.enter({{XK_Tab, 7}, XK_space, XK_Return});
     click(BtnConfigure);
-    EXPECT_EQ(section("A"), "Driver=Talker");
+    EXPECT_EQ(files.section("A"), "Driver=Talker");
 }
 
 TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
@@ -410,7 +394,7 @@ TEST_F(SetupFormTest, AFileIsChosenInADialogThatMayBeLeft) {
         .key(XK_Tab, XK_Shift_L)
         .enter({XK_Return});
     click(BtnConfigure);
-    EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Mode=odd Password=geheim Unknown=1");
+    EXPECT_EQ(files.section("A"), "Driver=Talker|Database=/abc|Mode=odd|Password=geheim|Unknown=1");
 }
 
 TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
