@@ -24,10 +24,7 @@ namespace {
 
 class ComponentPagesTest : public WindowTest {
 protected:
-    static void openChooser() {
-        click(BtnAdd);
-        ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
-    }
+    static void openChooser() { clickFor(BtnAdd, DlgDriverPopup); }
     // Parallel lists and the headers above them.
     struct Table {
         std::vector<Widget> lists;

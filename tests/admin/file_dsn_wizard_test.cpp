@@ -35,10 +35,7 @@ protected:
         open();
         click(TbFileDSN);
     }
-    static void openWizard() {
-        click(BtnFDAdd);
-        ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
-    }
+    static void openWizard() { clickFor(BtnFDAdd, DlgDriverPopup); }
     enum Driver { kPlain = 1, kTalker, kUserOnly };
     // Goes to the third screen; `typed` replaces the text of the advanced dialog, left by `button`, when it is given.
     static void goToSummary(Driver driver, const std::string& name, const char* typed = nullptr,
@@ -46,14 +43,12 @@ protected:
         openWizard();
         clickRow(LstDPName, driver);
         if (typed != nullptr) {
-            click(BtnAdvanced);
-            ASSERT_TRUE(waitUntilUp(AdvFDDialog));
+            clickFor(BtnAdvanced, AdvFDDialog);
             XmTextSetString(TxtFDAdv, std::string(typed).data());
             if (!verified) {
                 click(child(AdvFDDialog, "*TglVerifyConnection"));
             }
-            click(child(AdvFDDialog, "*"s + button));
-            ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+            clickFor(child(AdvFDDialog, "*"s + button), DlgDriverPopup);
         }
         click(BtnFinish);
         type(name);
@@ -95,19 +90,15 @@ TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
     key(XK_Return);  // No driver needs to be chosen yet.
     expectScreen(2, Message::kNext, true, Text7);
     click(BtnFinish);
-    EXPECT_EQ(dialogText(), catalogText(Message::kFileNameMissing));
-    answer("OK");
+    EXPECT_EQ(answer("OK"), catalogText(Message::kFileNameMissing));
     ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
-    click(child(FormScr2, "BtnBrowse"));
-    ASSERT_TRUE(waitUntilUp(Fdialog));
+    clickFor(child(FormScr2, "BtnBrowse"), Fdialog);
     key(XK_Escape);
     ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
     EXPECT_EQ(textOf(Text7), "");
-    click(child(FormScr2, "BtnBrowse"));
-    ASSERT_TRUE(waitUntilUp(Fdialog));
+    clickFor(child(FormScr2, "BtnBrowse"), Fdialog);
     XmTextSetString(child(Fdialog, "Text"), files.path("x").data());
-    click(child(Fdialog, "OK"));
-    ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+    clickFor(child(Fdialog, "OK"), DlgDriverPopup);
     EXPECT_EQ(textOf(Text7), files.path("x.dsn"));
     XmTextSetString(Text7, std::string("nobody").data());
     XmProcessTraversal(Text7, XmTRAVERSE_CURRENT);
@@ -200,8 +191,7 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     EXPECT_EQ(listed(), Rows{"a.dsn"});
     goToSummary(kTalker, "folder");
     key(XK_Return);
-    EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
-    answer("OK");
+    EXPECT_EQ(answer("OK"), catalogText(Message::kOverwriteQuestion));
     expectReport(Message::kOverwriteFailed);
     key(XK_Escape);
     EXPECT_TRUE(wizardIsGone());
@@ -255,8 +245,7 @@ TEST_F(FileDsnWizardTest, EachOpeningOfTheAdvancedDialogStartsAnew) {
     goToSummary(kTalker, "a", "Driver={Talker}\nUID=u", "BtnAdvFDOK", false);
     click(BtnNavigate);
     click(BtnNavigate);
-    click(BtnAdvanced);
-    ASSERT_TRUE(waitUntilUp(AdvFDDialog));
+    clickFor(BtnAdvanced, AdvFDDialog);
     EXPECT_EQ(textOf(TxtFDAdv), "Driver={Talker}");
     Boolean verified = True;
     XtVaGetValues(child(AdvFDDialog, "*TglVerifyConnection"), XmNset, &verified, nullptr);
@@ -295,14 +284,12 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     EXPECT_EQ(listed(), Rows{"a.dsn"});
 
     click(BtnSetDirectory);
-    EXPECT_EQ(dialogText(), catalogText(Message::kSetDirectoryQuestion));
-    answer("OK");
-    EXPECT_EQ(files.userSections(), (OdbcFiles::Sections{{"ODBC FILE DSN", {"DefaultDSNDir=" + files.path("")}}}));
+    EXPECT_EQ(answer("OK"), catalogText(Message::kSetDirectoryQuestion));
+    EXPECT_EQ(files.summary(), "ODBC FILE DSN{DefaultDSNDir=" + files.path("") + "}");
 
     clickRow(list, 1);
     click(BtnFDRemove);
-    EXPECT_EQ(dialogText(), "Remove the data source \"" + path_.substr(1) + "\"    and all its settings?");
-    answer("Cancel");
+    EXPECT_EQ(answer("Cancel"), "Remove the data source \"" + path_.substr(1) + "\"    and all its settings?");
     EXPECT_NE(files.read("a.dsn"), kMissing);
     click(BtnFDRemove);
     answer("OK");

@@ -118,8 +118,7 @@ TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
     expectReport(Message::kDirectoryNotWritable);
     replaceText(FileDSNName, (files.write("plain", "") + "/a").c_str());
     EXPECT_FALSE(checkPerm(FileDSNName));
-    EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
-    answer("OK");
+    EXPECT_EQ(answer("OK"), catalogText(Message::kOverwriteQuestion));
     expectReport(Message::kOverwriteFailed);
 
     // Nor where a link leads that has nothing at its end.

@@ -77,8 +77,7 @@ TEST_F(UserDsnPageTest, BothListsSelectTheSameRowAndKeepItsPosition) {
 TEST_F(UserDsnPageTest, RemoveAsksAndLeavesAnEmptyPageThatTakesNeitherConfigureNorRemove) {
     openWith(kThree);
     click(BtnRemove);
-    EXPECT_EQ(dialogText(), "Remove the data source \"abc\" and all its settings?");
-    answer("Cancel");
+    EXPECT_EQ(answer("Cancel"), "Remove the data source \"abc\" and all its settings?");
     EXPECT_EQ(files.read(OdbcFiles::kUser), kThree);
     const std::pair<Rows, Rows> kLeft[] = {{{"ABD", "Zone"}, {"Other", "Recorder"}}, {{"Zone"}, {"Recorder"}}, {}};
     for (const auto& [names, drivers] : kLeft) {
@@ -88,8 +87,7 @@ TEST_F(UserDsnPageTest, RemoveAsksAndLeavesAnEmptyPageThatTakesNeitherConfigureN
         EXPECT_EQ(rows(LstUName), names);
         EXPECT_EQ(rows(LstUDesc), drivers);
     }
-    EXPECT_EQ(files.userSections(),
-              (OdbcFiles::Sections{{"ODBC Data Sources", {}}, {"ODBC", {"Trace=0", "InstallDir=/opt/a b"}}}));
+    EXPECT_EQ(files.summary(), "ODBC Data Sources{} ODBC{Trace=0|InstallDir=/opt/a b}");
     EXPECT_EQ(placeOf(LblName).width, placeOf(LstUName).width);
     EXPECT_EQ(placeOf(LblDriver).width, placeOf(LstUDesc).width);
     populateUserDSN(LstUName, LstUDesc);
@@ -171,8 +169,7 @@ TEST_F(UserDsnPageTest, EachFailureOfADriversSetupHasItsReport) {
 TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
     files.write(OdbcFiles::kDrivers, "[Plain]\nDriver=/p.so\n[Recorder]\nDriver=/r.so\nSetup=" VH_TEST_SETUP "\n");
     openWith("[ODBC Data Sources]\nabc=Recorder\n");
-    click(BtnAdd);
-    ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+    clickFor(BtnAdd, DlgDriverPopup);
     EXPECT_EQ(DsnType, kUserDataSource);
     EXPECT_EQ(rows(LstDPName), (Rows{"Plain", "Recorder"}));
     EXPECT_EQ(textOf(BtnFinish), catalogText(Message::kFinish));
@@ -196,8 +193,7 @@ TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
     const std::function<void()> ways[] = {[] { click(BtnDPCancel); }, [] { key(XK_F4, XK_Alt_L); },
                                           [] { key(XK_Escape); }};
     for (const auto& leave : ways) {
-        click(BtnAdd);
-        ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
+        clickFor(BtnAdd, DlgDriverPopup);
         leave();
         EXPECT_TRUE(waitFor([] { return !isVisible(XtParent(DlgDriverPopup)); }));
     }

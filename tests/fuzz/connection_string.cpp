@@ -12,20 +12,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string driver = takeLine(text);
     const std::string attributes(text.substr(0, text.find('\0')));
     require(createArray(driver.c_str(), attributes.c_str()), "a name that fits makes a string");
-    std::string expected(TempStr.view());
-    require(expected.ends_with(';') && expected.find('\n') == std::string::npos, "a string is one line of items");
-
+    require(TempStr.view().ends_with(';') && TempStr.view().find('\n') == std::string::npos, "it is one line of items");
     char* list = nullptr;
     getAdvancedArgumentString(&list);
-    require((list != nullptr) == (static_cast<short>(expected.size()) >= 3),
+    require((list != nullptr) == (static_cast<short>(TempStr.view().size()) >= 3),
             "a list is made of what 16 bits can count");
-    if (list != nullptr) {
-        expected.resize(expected.size() % 65536);
-        std::erase_if(expected, [](char c) { return c == '{' || c == '}'; });
-        std::replace(expected.begin(), expected.end(), ';', '\0');
-        require(std::string_view(list, expected.size() + 1) == expected + '\0', "a list holds the string's items");
-        installer::parseAttributeList(list);
-    }
+    installer::parseAttributeList(list);
     std::free(list);
     return 0;
 }

@@ -22,8 +22,7 @@ protected:
     BookTest() {
         // A name that an address can't hold as it stands.
         outputOf("cmake --install '" VH_TEST_BUILD "' --prefix '" + stage_ + "'");
-        folder_.write("browser", "#!/bin/sh\n" + recordAddress(folder_.path("opened")));
-        chmod(folder_.path("browser").c_str(), 0755);
+        writeScript(folder_, "browser", recordAddress(folder_.path("opened")));
     }
     void expectOpened(const std::string& name) {
         std::string address;

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <functional>
 #include <string>
 
 #include "help/browser_platform.h"
@@ -33,8 +34,7 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
     struct Case {
         const char* about;
         Routine routine;
-        std::string in;
-        std::string out;
+        std::string in, out;
     };
     const Case kCases[] = {
         {"query", WWHelp_URL_EscapeForJavaScript, "a?b&c", "a%3fb%26c"},
@@ -42,9 +42,7 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
         {"bytes above 127", WWHelp_URL_EscapeForJavaScript, "\xc3\xa4/x y", "\xc3\xa4/x y"},
         {"empty", WWHelp_URL_EscapeForJavaScript, "", "(-1)"},
         {"there and back", WWHelp_URL_Unescape, "a%3fb%26c", "a?b&c"},
-        {"a digit after a blank", WWHelp_URL_Unescape, "a% 4b",
-         "a\x04"
-         "b"},
+        {"a digit after a blank", WWHelp_URL_Unescape, "a% 4b", "a\4b"},
         {"cut off", WWHelp_URL_Unescape, "ab%4", "ab4"},
         {"last byte", WWHelp_URL_Unescape, "ab%", "ab"},
         {"nothing left", WWHelp_URL_Unescape, "%", "(-1)"},
@@ -61,18 +59,10 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
 // A PATH of folders "a" and "b" in which browsers are scripts that write down their arguments.
 class BrowserTest : public testing::Test {
 protected:
-    void addBrowser(const std::string& name, const std::string& action) {
-        folder_.write(name, "#!/bin/sh\n" + action + "\n");
-        chmod(folder_.path(name).c_str(), 0755);
-    }
-    std::string recording() const {
-        return "[ $1 = -remote ] && echo -remote >>'" + folder_.path("arguments") + "' && exit\n" +
-               recordAddress(folder_.path("arguments"));
-    }
-    // The arguments of all calls so far; waits for the one that nobody else waits for.
-    std::string arguments(const std::string& until) const {
-        waitUntil([&] { return folder_.read("arguments").find(until) != std::string::npos; });
-        return folder_.read("arguments");
+    // The addresses opened so far, as soon as there is the one that nobody else waits for.
+    std::string opened(const std::string& until) const {
+        waitUntil([&] { return folder_.read("opened").find(until) != std::string::npos; });
+        return folder_.read("opened");
     }
 
     TemporaryFolder folder_;
@@ -82,38 +72,33 @@ protected:
 };
 
 TEST_F(BrowserTest, DirectoriesGoBeforeNames) {
-    addBrowser("b/netscape6", "exit 0");
     WWHelp_BrowserInfo info{};
-    ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
-    EXPECT_EQ(info.browserPath, folder_.path("b/netscape6"));
-    EXPECT_EQ(info.remoteCapable, 1);
-    EXPECT_EQ(info.remoteProbePassed, 1);
+    const auto expectFound = [&](const char* name, int remoteCapable, int probePassed) {
+        ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
+        EXPECT_EQ(info.browserPath, folder_.path(name));
+        EXPECT_EQ(info.remoteCapable, remoteCapable);
+        EXPECT_EQ(info.remoteProbePassed, probePassed);
+    };
+    writeScript(folder_, "b/netscape6", "exit 0");
+    expectFound("b/netscape6", 1, 1);
     char host[256] = "";
     gethostname(host, sizeof host);
     EXPECT_EQ(info.processSignature, "pid" + std::to_string(getpid()) + "@" + host);
-
     // What can't be run is found all the same, and its probe fails.
     folder_.write("a/iexplorer", "no program");
-    ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
-    EXPECT_EQ(info.browserPath, folder_.path("a/iexplorer"));
-    EXPECT_EQ(info.remoteCapable, 0);
-    EXPECT_EQ(info.remoteProbePassed, 0);
-
-    addBrowser("a/mozilla", "echo complaint >&2");
-    ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
-    EXPECT_EQ(info.browserPath, folder_.path("a/mozilla"));
-    EXPECT_EQ(info.remoteProbePassed, 0);
+    expectFound("a/iexplorer", 0, 0);
+    writeScript(folder_, "a/mozilla", "echo complaint >&2");
+    expectFound("a/mozilla", 1, 0);
 }
 
 TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
-    addBrowser("a/iexplorer", recording());
+    writeScript(folder_, "a/iexplorer", recordAddress(folder_.path("opened")));
     folder_.write("odbcinst.ini", "[Administrator]\nHelpRootDirectory=/opt/help\n[Empty]\nHelpRootDirectory=\n");
     const auto text = [](const char* s) { return reinterpret_cast<const unsigned char*>(s); };
-    folder_.write("arguments", "");
     ASSERT_EQ(WWHelp_Startup("File:///h"), 0);
     EXPECT_EQ(WWHelp_Startup("File:///h"), -1);
     EXPECT_EQ(WWHelp_DisplayHelp("ODBC", nullptr), 0);
-    EXPECT_EQ(folder_.read("arguments"), "");
+    EXPECT_EQ(folder_.read("opened"), "(missing)");
     struct View {
         int (*alone)();
         int (*withTopic)(const char*, const char*);
@@ -126,41 +111,39 @@ TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
         {WWHelp_DisplayHelpSearch, WWHelp_DisplayHelpWithSearch, "tab=search"},
         {WWHelp_DisplayHelpFavorites, WWHelp_DisplayHelpWithFavorites, "tab=favorites"},
     };
-    const std::string page = "-remote\nFile:///h/wwhelp/wwhimpl/api.htm";
     std::string expected;
+    const auto expectOpened = [&](int result, const std::string& query) {
+        EXPECT_EQ(result, 0);
+        expected += "File:///h/wwhelp/wwhimpl/api.htm" + query + "\n";
+        EXPECT_EQ(opened(expected), expected);
+    };
     for (const View& view : kViews) {
         EXPECT_EQ(view.withTopic("", "t"), -1);
-        EXPECT_EQ(view.alone(), 0);
-        expected += page + (view.tab.empty() ? "" : "?") + view.tab + "\n";
-        EXPECT_EQ(arguments(expected), expected);
-        EXPECT_EQ(view.withTopic("C", "t"), 0);
-        expected += page + "?context=C&topic=t" + (view.tab.empty() ? "" : "&") + view.tab + "\n";
-        EXPECT_EQ(arguments(expected), expected);
+        expectOpened(view.alone(), (view.tab.empty() ? "" : "?") + view.tab);
+        expectOpened(view.withTopic("C", "t"), "?context=C&topic=t" + (view.tab.empty() ? "" : "&" + view.tab));
     }
     EXPECT_EQ(WWHelp_Shutdown(), 0);
     EXPECT_EQ(WWHelp_Shutdown(), -1);
-    EXPECT_EQ(kvDisplayHelp2(text("h"), text("C"), text("t")), 0);
-    expected += page + "?context=C&topic=t&single=true\n";
-    EXPECT_EQ(arguments(expected), expected);
+    expectOpened(kvDisplayHelp2(text("h"), text("C"), text("t")), "?context=C&topic=t&single=true");
 
     unsigned char buffer[16];
     unsigned char* url = buffer;
     EXPECT_EQ(kvFindHelpRoot(text("Administrator"), &url, sizeof buffer), 0);
     EXPECT_STREQ(reinterpret_cast<char*>(buffer), "File:////opt/he");
     EXPECT_EQ(kvFindHelpRoot(text("Administrator"), &url, 0), 1);
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(kvFindHelpRoot(text("Empty"), &url, sizeof buffer), 1);
-    EXPECT_EQ(kvFindHelpRoot(text("Missing"), &url, sizeof buffer), 1);
-    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
-
-    folder_.write("arguments", "");
+    const auto expectTold = [](const std::function<void()>& action) {
+        testing::internal::CaptureStdout();
+        action();
+        EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+    };
+    for (const char* section : {"Empty", "Missing"}) {
+        expectTold([&] { EXPECT_EQ(kvFindHelpRoot(text(section), &url, sizeof buffer), 1); });
+    }
     environment_.set("ODBCINST", {});
     environment_.set("ODBCINSTINI", folder_.path("nothing.ini"));
     environment_.set("HOME", folder_.path());
-    testing::internal::CaptureStdout();
-    kvDisplayHelp(text("Administrator"), text("userdsn"));
-    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(folder_.read("arguments"), "");
+    expectTold([&] { kvDisplayHelp(text("Administrator"), text("userdsn")); });
+    EXPECT_EQ(folder_.read("opened"), expected);
 }
 
 }  // namespace

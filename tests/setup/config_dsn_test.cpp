@@ -5,9 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <map>
+#include <algorithm>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "tests/support/full_disk.h"
@@ -24,7 +23,7 @@ constexpr unsigned int kBadValue = ODBC_ERROR_INVALID_KEYWORD_VALUE;
 constexpr const char* kTwo =
     "[ODBC Data Sources]\nSales=Drv\nStock=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/s.db\nOdd Key=kept = so\nEmpty=\n\n"
     "[Stock]\nDriver=/drv.so\nDatabase=/k.db\n\n[ODBC]\nTrace=0\n";
-// The same as read by summary().
+// The same as read by OdbcFiles::summary().
 const std::string kSales = "Sales{Driver=Drv|Database=/s.db|Odd Key=kept = so|Empty=}";
 const std::string kStock = "Stock{Driver=/drv.so|Database=/k.db}";
 const std::string kListed = "ODBC Data Sources{Sales=Drv|Stock=Drv}";
@@ -40,48 +39,22 @@ protected:
         files.write(OdbcFiles::kDrivers, "[Drv]\nDriver=/drv.so\n\n[Other]\nDriver=/other.so\n");
     }
 
-    // Calls ConfigDSN, or for a file ConfigFileDSN, as `command` says: "request|driver|attribute|attribute", "-" for no
-    // driver. The code of the installer error that it left, 0 for success.
-    unsigned int call(const std::string& command, const char* fileName = nullptr) {
-        std::istringstream words(command);
-        std::string verb;
-        std::string driverName;
-        std::getline(std::getline(words, verb, '|'), driverName, '|');
-        const std::map<std::string, WORD> verbs{
-            {"add", ODBC_ADD_DSN}, {"configure", ODBC_CONFIG_DSN}, {"remove", ODBC_REMOVE_DSN}};
-        const auto known = verbs.find(verb);
-        const WORD request = known != verbs.end() ? known->second : static_cast<WORD>(std::stoi(verb));
-        const char* driver = driverName == "-" ? nullptr : driverName.c_str();
-        std::string list;
-        for (std::string attribute; std::getline(words, attribute, '|');) {
-            list += attribute + '\0';
-        }
-        const char* given = list.empty() ? nullptr : list.c_str();
+    // Calls ConfigDSN, or for a file ConfigFileDSN, with attributes between bars, none for "". The code of the
+    // installer error that it left, 0 for success.
+    unsigned int call(WORD request, const char* driver, std::string attributes, const char* fileName = nullptr) {
+        std::replace(attributes.begin(), attributes.end(), '|', '\0');
+        attributes += '\0';
+        const char* list = attributes.size() == 1 ? nullptr : attributes.c_str();
         const BOOL done = fileName == nullptr
-                              ? entry<BOOL(HWND, WORD, LPCSTR, LPCSTR)>("ConfigDSN")(nullptr, request, driver, given)
+                              ? entry<BOOL(HWND, WORD, LPCSTR, LPCSTR)>("ConfigDSN")(nullptr, request, driver, list)
                               : entry<BOOL(HWND, WORD, LPCSTR, LPCSTR, LPCSTR)>("ConfigFileDSN")(
-                                    nullptr, request, driver, given, fileName);
-        if (done != 0) {
-            return 0;
-        }
+                                    nullptr, request, driver, list, fileName);
         char text[2000] = "";
         WORD length = 0;
         DWORD code = 0;
-        EXPECT_EQ(SQLInstallerError(1, &code, text, sizeof text, &length), SQL_SUCCESS) << "no reason was posted";
+        EXPECT_EQ(SQLInstallerError(1, &code, text, sizeof text, &length), done ? SQL_NO_DATA : SQL_SUCCESS);
         errorText = text;
-        return code;
-    }
-    // "Section{line|line} Section{line}", in file order.
-    std::string summary() const {
-        std::string text;
-        for (const auto& [name, lines] : files.userSections()) {
-            text += (text.empty() ? "" : " ") + name + "{";
-            for (const std::string& line : lines) {
-                text += (text.back() == '{' ? "" : "|") + line;
-            }
-            text += "}";
-        }
-        return text;
+        return done ? 0 : code;
     }
 
     OdbcFiles files;
@@ -101,75 +74,76 @@ TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
     struct Case {
         const char* about;
         std::string before;
-        std::string command;
-        std::string after;
+        WORD request;
+        const char* driver;
+        std::string attributes, after;
     };
     const std::string longest(995, 'v');
     const Case kCases[] = {
-        {"one more", kTwo, "add|Other|Server=h|dsn= New ",
+        {"one more", kTwo, ODBC_ADD_DSN, "Other", "Server=h|dsn= New ",
          "ODBC Data Sources{Sales=Drv|Stock=Drv|New=Other} " + kSales + " " + kStock + " " + kTrace +
              " New{Driver=Other|Server=h}"},
         {"the first of all; another driver and empty values do not count, of one key twice the later one does", "",
-         "add|Drv|DRIVER=/evil.so|DSN=New|A=|B= b |c=1|C=2", "New{Driver=Drv|B=b|c=2} ODBC Data Sources{New=Drv}"},
-        {"an existing name is replaced", kTwo, "add|Other|DSN=Sales|Server=h|Database=/s.db",
+         ODBC_ADD_DSN, "Drv", "DRIVER=/evil.so|DSN=New|A=|B= b |c=1|C=2",
+         "New{Driver=Drv|B=b|c=2} ODBC Data Sources{New=Drv}"},
+        {"an existing name is replaced", kTwo, ODBC_ADD_DSN, "Other", "DSN=Sales|Server=h|Database=/s.db",
          "ODBC Data Sources{Sales=Other|Stock=Drv} Sales{Driver=Other|Database=/s.db|Server=h} " + kStock + " " +
              kTrace},
-        {"configure keeps what is not named, whatever its spelling", kTwo,
-         "configure|Drv|DSN=Sales|DATABASE=/new.db|Extra=1",
+        {"configure keeps what is not named, whatever its spelling", kTwo, ODBC_CONFIG_DSN, "Drv",
+         "DSN=Sales|DATABASE=/new.db|Extra=1",
          kListed + " Sales{Driver=Drv|Database=/new.db|Odd Key=kept = so|Empty=|Extra=1} " + kStock + " " + kTrace},
-        {"an empty value deletes its key", kTwo, "configure|Drv|DSN=Sales|Database=|Empty=",
+        {"an empty value deletes its key", kTwo, ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Database=|Empty=",
          kListed + " Sales{Driver=Drv|Odd Key=kept = so|Empty=} " + kStock + " " + kTrace},
-        {"another driver", kTwo, "configure|Other|DSN=Stock",
+        {"another driver", kTwo, ODBC_CONFIG_DSN, "Other", "DSN=Stock",
          "ODBC Data Sources{Sales=Drv|Stock=Other} " + kSales + " Stock{Driver=Other|Database=/k.db} " + kTrace},
-        {"the same driver in another case is no other, and the driver's path stays", kTwo,
-         "configure|dRV|DSN=Stock|X=1", kListed + " " + kSales + " Stock{Driver=/drv.so|Database=/k.db|X=1} " + kTrace},
-        {"the longest value", "[L]\nDriver=Drv\nKey=" + longest + "\nZ=1\n",
-         "configure|Drv|DSN=L|Key2=" + longest.substr(1) + "|Z=2",
+        {"the same driver in another case is no other, and the driver's path stays", kTwo, ODBC_CONFIG_DSN, "dRV",
+         "DSN=Stock|X=1", kListed + " " + kSales + " Stock{Driver=/drv.so|Database=/k.db|X=1} " + kTrace},
+        {"the longest value", "[L]\nDriver=Drv\nKey=" + longest + "\nZ=1\n", ODBC_CONFIG_DSN, "Drv",
+         "DSN=L|Key2=" + longest.substr(1) + "|Z=2",
          "L{Driver=Drv|Key=" + longest + "|Z=2|Key2=" + longest.substr(1) + "} ODBC Data Sources{L=Drv}"},
-        {"remove takes the section and the name", kTwo, "remove|-|DSN=Sales",
+        {"remove takes the section and the name", kTwo, ODBC_REMOVE_DSN, nullptr, "DSN=Sales",
          "ODBC Data Sources{Stock=Drv} " + kStock + " " + kTrace},
         {"remove what is listed without settings", "[ODBC Data Sources]\nGhost=Drv\nB=Drv\n\n[B]\nDriver=Drv\n",
-         "remove|Drv|DSN=Ghost", "ODBC Data Sources{B=Drv} B{Driver=Drv}"}};
+         ODBC_REMOVE_DSN, "Drv", "DSN=Ghost", "ODBC Data Sources{B=Drv} B{Driver=Drv}"}};
     for (const Case& test : kCases) {
         SCOPED_TRACE(test.about);
         files.write(OdbcFiles::kUser, test.before);
-        EXPECT_EQ(call(test.command), 0U) << errorText;
-        EXPECT_EQ(summary(), test.after);
+        EXPECT_EQ(call(test.request, test.driver, test.attributes), 0U) << errorText;
+        EXPECT_EQ(files.summary(), test.after);
     }
 }
 
 TEST_F(ConfigDsnTest, WhatCanNotBeDoneHasItsReasonAndLeavesTheFileAlone) {
     struct Case {
         const char* about;
-        std::string command;
+        WORD request;
+        const char* driver;
+        std::string attributes;
         unsigned int code;
         const char* textPart;
     };
     const Case kCases[] = {
-        {"unknown request", "9|Drv|DSN=Sales", ODBC_ERROR_INVALID_REQUEST_TYPE, "9"},
-        {"system request codes are not for drivers", "4|Drv|DSN=X", ODBC_ERROR_INVALID_REQUEST_TYPE, "4"},
-        {"unknown driver", "add|Nobody|DSN=X", ODBC_ERROR_INVALID_NAME, "Nobody"},
-        {"no driver", "add|-|DSN=X", ODBC_ERROR_INVALID_NAME, ""},
-        {"no attributes", "add|Drv", kBadName, ""},
-        {"blank name", "add|Drv|DSN=  ", kBadName, ""},
-        {"forbidden character", "add|Drv|DSN=a;b", kBadName, "a;b"},
-        {"33 characters", "add|Drv|DSN=" + std::string(33, 'n'), kBadName, "32"},
-        {"a name that would be a comment in the list", "add|Drv|DSN=#1", kBadName, "#1"},
-        {"a section with a meaning", "add|Drv|DSN=odbc", kBadName, "odbc"},
-        {"the list itself", "add|Drv|DSN=ODBC Data Sources", kBadName, "section"},
-        {"configure nobody", "configure|Drv|DSN=Nobody|A=1", kBadName, "Nobody"},
-        {"configure without a name", "configure|Drv|A=1", kBadName, ""},
-        {"remove nobody", "remove|Drv|DSN=Nobody", kBadName, "Nobody"},
-        {"no equals sign", "configure|Drv|DSN=Sales|Trash", kBadValue, ""},
-        {"no key", "configure|Drv|DSN=Sales|=1", kBadValue, ""},
-        {"a key that would be a comment", "configure|Drv|DSN=Sales|B=2|#A=1", kBadValue, "#A"},
-        {"a key that would be a section", "configure|Drv|DSN=Sales|[A]=1", kBadValue, "[A]"},
-        {"line break", "configure|Drv|DSN=Sales|B=2|A=1\nTrace=1", kBadValue, "\"A\""},
-        {"too long", "configure|Drv|DSN=Sales|Key=" + std::string(996, 'v'), kBadValue, "\"Key\""}};
+        {"unknown request", 9, "Drv", "DSN=Sales", ODBC_ERROR_INVALID_REQUEST_TYPE, "9"},
+        {"system request codes are not for drivers", ODBC_ADD_SYS_DSN, "Drv", "DSN=X", ODBC_ERROR_INVALID_REQUEST_TYPE,
+         "4"},
+        {"unknown driver", ODBC_ADD_DSN, "Nobody", "DSN=X", ODBC_ERROR_INVALID_NAME, "Nobody"},
+        {"no driver", ODBC_ADD_DSN, nullptr, "DSN=X", ODBC_ERROR_INVALID_NAME, ""},
+        {"forbidden character", ODBC_ADD_DSN, "Drv", "DSN=a;b", kBadName, "a;b"},
+        {"33 characters", ODBC_ADD_DSN, "Drv", "DSN=" + std::string(33, 'n'), kBadName, "32"},
+        {"a name that would be a comment in the list", ODBC_ADD_DSN, "Drv", "DSN=#1", kBadName, "#1"},
+        {"a section with a meaning", ODBC_ADD_DSN, "Drv", "DSN=odbc", kBadName, "odbc"},
+        {"the list itself", ODBC_ADD_DSN, "Drv", "DSN=ODBC Data Sources", kBadName, "section"},
+        {"configure nobody", ODBC_CONFIG_DSN, "Drv", "DSN=Nobody|A=1", kBadName, "Nobody"},
+        {"remove nobody", ODBC_REMOVE_DSN, "Drv", "DSN=Nobody", kBadName, "Nobody"},
+        {"no equals sign", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Trash", kBadValue, ""},
+        {"a key that would be a comment", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|B=2|#A=1", kBadValue, "#A"},
+        {"a key that would be a section", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|[A]=1", kBadValue, "[A]"},
+        {"line break", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|B=2|A=1\nTrace=1", kBadValue, "\"A\""},
+        {"too long", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Key=" + std::string(996, 'v'), kBadValue, "\"Key\""}};
     for (const Case& test : kCases) {
         SCOPED_TRACE(test.about);
         files.write(OdbcFiles::kUser, kTwo);
-        EXPECT_EQ(call(test.command), test.code);
+        EXPECT_EQ(call(test.request, test.driver, test.attributes), test.code);
         EXPECT_NE(errorText.find(test.textPart), std::string::npos) << errorText;
         EXPECT_EQ(files.read(OdbcFiles::kUser), kTwo);
     }
@@ -181,16 +155,14 @@ TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
     const std::string text =
         "# mine\n[ODBC Data Sources]\n" + longName + " = Drv\n[" + longName + "]\nDriver = Drv\nA = 1\n";
     files.write(OdbcFiles::kUser, text);
-    EXPECT_EQ(call("configure|Drv|DSN=" + longName + "|Driver=Drv|a=1|B="), 0U) << errorText;
+    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", "DSN=" + longName + "|Driver=Drv|a=1|B="), 0U) << errorText;
     EXPECT_EQ(files.read(OdbcFiles::kUser), text);
-}
-
-TEST_F(ConfigDsnTest, OtherProgramsEditsAreSeen) {
+    // And other programs' edits are seen.
     files.write(OdbcFiles::kUser, kTwo);
-    EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
+    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Database=/s.db"), 0U);
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nSales=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/edited.db\n");
-    EXPECT_EQ(call("configure|Drv|DSN=Sales|Database=/s.db"), 0U);
-    EXPECT_EQ(summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
+    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Database=/s.db"), 0U);
+    EXPECT_EQ(files.summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
 }
 
 TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
@@ -199,7 +171,7 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
         files.write(OdbcFiles::kUser, "");
         files.write(OdbcFiles::kSystem, "");
         SQLSetConfigMode(mode);
-        EXPECT_EQ(call("add|Drv|DSN=New"), 0U);
+        EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", "DSN=New"), 0U);
         UWORD after = 99;
         SQLGetConfigMode(&after);
         EXPECT_EQ(after, mode);
@@ -208,36 +180,32 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
         EXPECT_EQ(files.read(isSystem ? OdbcFiles::kUser : OdbcFiles::kSystem), "");
     }
     SQLSetConfigMode(ODBC_BOTH_DSN);
-}
-
-TEST_F(ConfigDsnTest, AFileThatCanNotBeWrittenIsAFailure) {
     files.write("plain", "");
     const ScopedEnvironment unwritable{{"ODBCINI", files.path("plain/odbc.ini")}};
-    EXPECT_EQ(call("add|Drv|DSN=New"), unsigned{ODBC_ERROR_REQUEST_FAILED});
+    EXPECT_EQ(call(ODBC_ADD_DSN, "Drv", "DSN=New"), unsigned{ODBC_ERROR_REQUEST_FAILED});
     EXPECT_NE(errorText.find("New"), std::string::npos) << errorText;
 }
 
 TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAskedToSave) {
     struct Case {
-        const char* about;
-        const char* before;
-        std::string command;
-        std::string after;
+        const char *about, *before;
+        WORD request;
+        std::string attributes, after;
         mode_t mode;
     };
     for (const Case& test : {
-             Case{"new, as the administrator asks for it", nullptr,
-                  "add|Drv|FILEDSN=/else.dsn|DRIVER=Evil|Database= /n.db|PWD=geheim",
-                  "[ODBC]\nDriver=Drv\nDatabase=/n.db\n\n", 0644},
-             Case{"what is there is replaced, and its permission stays", "[ODBC]\nUID=old\n", "add|Drv",
+             Case{"new, as the administrator asks for it", nullptr, ODBC_ADD_DSN,
+                  "FILEDSN=/else.dsn|DRIVER=Evil|Database= /n.db|PWD=geheim", "[ODBC]\nDriver=Drv\nDatabase=/n.db\n\n",
+                  0644},
+             Case{"what is there is replaced, and its permission stays", "[ODBC]\nUID=old\n", ODBC_ADD_DSN, "",
                   "[ODBC]\nDriver=Drv\n\n", 0640},
              Case{"configured: what is not named stays, in other sections too",
-                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\n\n[More]\nA=1\n",
-                  "configure|Drv|DSN=/a.dsn|uid=v|Unknown=1|PASSWORD=geheim",
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\n\n[More]\nA=1\n", ODBC_CONFIG_DSN,
+                  "DSN=/a.dsn|uid=v|Unknown=1|PASSWORD=geheim",
                   "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\n\n[More]\nA=1\n\n", 0640},
              Case{"a password that is there stays, for its owner alone", "[ODBC]\nDriver=Drv\nPWD=geheim\n",
-                  "configure|Drv|UID=u|PWD=geheim", "[ODBC]\nDriver=Drv\nPWD=geheim\nUID=u\n\n", 0600},
-             Case{"nothing new", "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", "configure|Drv|DSN=a|pwd=x",
+                  ODBC_CONFIG_DSN, "UID=u|PWD=geheim", "[ODBC]\nDriver=Drv\nPWD=geheim\nUID=u\n\n", 0600},
+             Case{"nothing new", "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", ODBC_CONFIG_DSN, "DSN=a|pwd=x",
                   "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", 0640},
          }) {
         SCOPED_TRACE(test.about);
@@ -250,7 +218,7 @@ TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAsk
             chmod(target.c_str(), 0640);
             ASSERT_EQ(symlink("target.dsn", files.path("a.dsn").c_str()), 0);
         }
-        EXPECT_EQ(call(test.command, files.path("a").c_str()), 0U) << errorText;
+        EXPECT_EQ(call(test.request, "Drv", test.attributes, files.path("a").c_str()), 0U) << errorText;
         EXPECT_EQ(files.read("a.dsn"), test.after);
         struct stat status {};
         stat(files.path("a.dsn").c_str(), &status);
@@ -270,22 +238,22 @@ TEST_F(ConfigDsnTest, AFileThatCanNotBeSavedStaysAsItIs) {
     files.write("full.dsn", keys);
     mkdir(files.path("folder.dsn").c_str(), 0777);
     struct Case {
-        const char* request;
+        WORD request;
         std::string file;
         unsigned int code;
     };
-    for (const Case& test : {Case{"remove", files.path("full.dsn"), ODBC_ERROR_INVALID_REQUEST_TYPE},
-                             Case{"configure", files.path("gone.dsn"), ODBC_ERROR_INVALID_DSN},
-                             Case{"add", "relative.dsn", ODBC_ERROR_INVALID_PATH},
-                             Case{"add", "/" + std::string(1100, 'n'), ODBC_ERROR_INVALID_PATH},
-                             Case{"add", files.path("none/a.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{"add", files.path("folder.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{"configure", files.path("long.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{"configure", files.path("full.dsn"), ODBC_ERROR_REQUEST_FAILED}}) {
+    for (const Case& test : {Case{ODBC_REMOVE_DSN, files.path("full.dsn"), ODBC_ERROR_INVALID_REQUEST_TYPE},
+                             Case{ODBC_CONFIG_DSN, files.path("gone.dsn"), ODBC_ERROR_INVALID_DSN},
+                             Case{ODBC_ADD_DSN, "relative.dsn", ODBC_ERROR_INVALID_PATH},
+                             Case{ODBC_ADD_DSN, "/" + std::string(1100, 'n'), ODBC_ERROR_INVALID_PATH},
+                             Case{ODBC_ADD_DSN, files.path("none/a.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{ODBC_ADD_DSN, files.path("folder.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{ODBC_CONFIG_DSN, files.path("long.dsn"), ODBC_ERROR_REQUEST_FAILED},
+                             Case{ODBC_CONFIG_DSN, files.path("full.dsn"), ODBC_ERROR_REQUEST_FAILED}}) {
         SCOPED_TRACE(test.file.substr(0, 60));
         const FullDisk disk(2048);
-        EXPECT_EQ(call(test.request + "|Drv|UID=u"s, test.file.c_str()), test.code);
-        EXPECT_NE(errorText.find(test.request == "remove"s ? "3" : test.file.substr(0, 60)), std::string::npos)
+        EXPECT_EQ(call(test.request, "Drv", "UID=u", test.file.c_str()), test.code);
+        EXPECT_NE(errorText.find(test.request == ODBC_REMOVE_DSN ? "3" : test.file.substr(0, 60)), std::string::npos)
             << errorText;
     }
     EXPECT_EQ(files.read("long.dsn"), longLine);

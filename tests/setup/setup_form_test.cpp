@@ -3,10 +3,11 @@
 // Not before: X11 and the test library do not bear each other.
 #include <X11/keysym.h>
 #include <Xm/Text.h>
-#include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <deque>
+#include <filesystem>
 
 #include "admin/driver_chooser.h"
 #include "admin/file_dsn_page.h"
@@ -21,7 +22,6 @@
 
 namespace {
 
-constexpr std::size_t kLongRecord = 400;
 constexpr const char* kForm = "vhsetup23.FormSetup";
 
 class SetupFormTest : public WindowTest {
@@ -62,32 +62,33 @@ protected:
         Script& press(const std::string& button) {
             return then([button] { person().click(placeOf(child(ShODBCAdmin, std::string(kForm) + "." + button))); });
         }
+        // Checks the message over the dialog.
+        Script& expect(const std::string& text) {
+            return then([text] { EXPECT_NE(message().find(text), std::string::npos) << message(); });
+        }
+        void run(Widget button = BtnConfigure) { click(button); }
 
     private:
         void wait() { timer_ = XtAppAddTimeOut(app_context, 20, tick, this); }
-        static void tick(XtPointer self, XtIntervalId* /*timer*/) {
-            auto* script = static_cast<Script*>(self);
+        static void tick(XtPointer self, XtIntervalId* /*timer*/) { static_cast<Script*>(self)->tick(); }
+        void tick() {
             XSync(display, False);
-            script->quietTicks_ = (XtAppPending(app_context) & XtIMXEvent) != 0 ? 0 : script->quietTicks_ + 1;
-            if (script->quietTicks_ > 3 && script->isReady()) {
-                const std::function<void()> step = script->steps_.front();
-                script->steps_.pop_front();
-                script->quietTicks_ = 0;
-                script->ticks_ = 0;
+            quietTicks_ = (XtAppPending(app_context) & XtIMXEvent) != 0 ? 0 : quietTicks_ + 1;
+            if (quietTicks_ > 3 && isReady()) {
+                const std::function<void()> step = steps_.front();
+                steps_.pop_front();
+                quietTicks_ = ticks_ = 0;
                 step();
-            } else if (++script->ticks_ > kPatienceSeconds * 50) {
-                script->giveUp();
+            } else if (++ticks_ > kPatienceSeconds * 50) {
+                // Ends the dialog, lest the test hang.
+                ADD_FAILURE() << "stuck with " << steps_.size() << " steps to take";
+                steps_.clear();
+                if (Widget cancel = XtNameToWidget(ShODBCAdmin, "vhsetup23.FormSetup.BtnCancel")) {
+                    pressButton(cancel);
+                }
             }
-            if (!script->steps_.empty()) {
-                script->wait();
-            }
-        }
-        // Ends the dialog, lest the test hang.
-        void giveUp() {
-            ADD_FAILURE() << "stuck with " << steps_.size() << " steps to take";
-            steps_.clear();
-            if (Widget cancel = XtNameToWidget(ShODBCAdmin, "vhsetup23.FormSetup.BtnCancel")) {
-                pressButton(cancel);
+            if (!steps_.empty()) {
+                wait();
             }
         }
         // Whether the dialog, or a box over it, has the keyboard.
@@ -143,19 +144,6 @@ protected:
         std::replace(line.begin(), line.end(), '\n', ' ');
         return line;
     }
-    // The lines of a section of the user's file, joined by blanks; "(none)" without the section.
-    std::string section(const std::string& name) const {
-        for (const auto& [section, lines] : files.userSections()) {
-            if (section == name) {
-                std::string text;
-                for (const std::string& line : lines) {
-                    text += (text.empty() ? "" : " ") + line;
-                }
-                return text;
-            }
-        }
-        return "(none)";
-    }
 };
 
 // With a comment, which any write would drop.
@@ -164,118 +152,106 @@ constexpr const char* kTalker =
     "Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nDatabase=/a\nMode=odd\nPassword=geheim\nUnknown=1\n\n"
     "[B]\nDriver=Talker\nX=1\n";
 
+// What the box of a failed test says before the attributes that the driver was given.
+const std::string kNotMade = "The connection could not be made. 08001: No such server 01000: 0 ";
+
 TEST_F(SetupFormTest, OkWithoutAChangeAndEscapeAfterOneLeaveTheFileAlone) {
     openOnFirst(kTalker);
-    {
-        Script script;
-        script
-            .then([] {
-                EXPECT_EQ(field("TxtDataSourceName"), "A");
-                EXPECT_EQ(field("TxtDatabase"), "/a");
-                EXPECT_EQ(field("TxtPassword"), "******");
-            })
-            .enter({XK_Return});
-        click(BtnConfigure);
-    }
-    Script script;
-    script.enter({XK_End, "bc", XK_Tab, "text", XK_Escape});
-    click(BtnConfigure);
+    Script()
+        .then([] { EXPECT_EQ(field("TxtDataSourceName") + field("TxtDatabase") + field("TxtPassword"), "A/a******"); })
+        .enter({XK_Return})
+        .run();
+    Script().enter({XK_End, "bc", XK_Tab, "text", XK_Escape}).run();
     EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker);
 }
 
 TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
     openOnFirst(kTalker);
-    Script script;
-    script
-        .enter({XK_Tab, "My text", XK_Tab, XK_End, "bc ", XK_Tab})
+    Script()
+        .then([] { EXPECT_EQ(field("LblHint"), " "); })
+        .enter({XK_Tab, "My text ", XK_Tab, XK_End, "bc", XK_Tab})
+        .then([] { EXPECT_EQ(field("LblHint"), "help"); })
+        // A file is chosen in a dialog that may be left.
+        .enter({XK_space, "d", XK_Return})
+        .then([] { EXPECT_EQ(field("TxtDatabase"), "/abcd"); })
+        .enter({XK_Tab, XK_space, "x", XK_Escape})
+        .then([] { EXPECT_EQ(field("TxtDatabase"), "/abcd"); })
         // The list of choices, the first of which leaves the setting to the driver, and the one that can be typed into.
         .enter({XK_Tab, {XK_Up, 4}, XK_Tab, "own", XK_Tab, XK_Home, "xy", XK_Delete})
         .then([] { EXPECT_EQ(field("TxtPassword"), "*******"); })
-        .enter({XK_Return});
-    click(BtnConfigure);
-    EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Password=xyeheim Unknown=1 Description=My text Level=own");
-    EXPECT_EQ(section("B"), "Driver=Talker X=1");
+        .enter({XK_Return})
+        .run();
+    EXPECT_EQ(files.section("A"),
+              "Driver=Talker|Database=/abcd|Password=xyeheim|Unknown=1|Description=My text|Level=own");
+    EXPECT_EQ(files.section("B"), "Driver=Talker|X=1");
 }
 
 TEST_F(SetupFormTest, ARenamedDataSourceKeepsItsKeysAndReplacesAnotherOnlyWhenAllowed) {
     openOnFirst(kTalker);
     const std::string question = "A data source named \"B\" is already there. Replace it and all its settings?";
-    Script script;
-    script.enter({XK_BackSpace, XK_Delete, "a;b", XK_Return})
-        .then([] { EXPECT_NE(message().find("\"a;b\" cannot be the name"), std::string::npos) << message(); })
+    Script()
+        .enter({XK_BackSpace, XK_Delete, "a;b", XK_Return})
+        .expect("\"a;b\" cannot be the name")
         .enter({XK_Return, {XK_BackSpace, 3}, "B", XK_Return})
-        .then([question] { EXPECT_EQ(message(), question); })
+        .expect(question)
         .enter({XK_Escape})
         .then([this] { EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker); })
         .enter({XK_Return})
-        .then([question] { EXPECT_EQ(message(), question); })
-        .enter({XK_Return});
-    click(BtnConfigure);
-    EXPECT_EQ(section("ODBC Data Sources"), "B=Talker");
-    EXPECT_EQ(section("A"), "(none)");
-    EXPECT_EQ(section("B"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1");
-}
-
-TEST_F(SetupFormTest, ANameMayChangeItsCase) {
-    openOnFirst(kTalker);
-    Script script;
-    script.enter({XK_Delete, "a", XK_Return});
-    click(BtnConfigure);
-    EXPECT_EQ(section("ODBC Data Sources"), "B=Talker a=Talker");
-    EXPECT_EQ(section("a"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1");
+        .expect(question)
+        .enter({XK_Return})
+        .run();
+    const std::string settings = "{Driver=Talker|Database=/a|Mode=odd|Password=geheim|Unknown=1}";
+    EXPECT_EQ(files.summary(), "ODBC Data Sources{B=Talker} B" + settings);
+    // A name may change its case.
+    files.write(OdbcFiles::kUser, kTalker);
+    populateUserDSN(LstUName, LstUDesc);
+    clickRow(LstUName, 1);
+    Script().enter({XK_Delete, "a", XK_Return}).run();
+    EXPECT_EQ(files.summary(), "ODBC Data Sources{B=Talker|a=Talker} B{Driver=Talker|X=1} a" + settings);
 }
 
 TEST_F(SetupFormTest, ANewDataSourceStoresWhatTheDriverProposes) {
     openOnFirst(kTalker);
     click(BtnAdd);
     clickRow(LstDPName, 2);
-    Script script;
-    script.enter({XK_Return})
-        .then([] { EXPECT_EQ(message(), "Type a name for the data source."); })
-        .enter({XK_Return, "New", XK_Return});
-    click(BtnFinish);
-    EXPECT_EQ(section("New"), "Driver=Talker Mode=write Token=h1");
-    EXPECT_EQ(section("ODBC Data Sources"), "A=Talker B=Talker New=Talker");
+    Script()
+        .enter({XK_Return})
+        .expect("Type a name for the data source.")
+        .enter({XK_Return, "New", XK_Return})
+        .run(BtnFinish);
+    EXPECT_EQ(files.section("New"), "Driver=Talker|Mode=write|Token=h1");
+    EXPECT_EQ(files.section("ODBC Data Sources"), "A=Talker|B=Talker|New=Talker");
 }
 
 TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
     openOnFirst(
         "[ODBC Data Sources]\nS=Silent\nT=Silent\n\n[S]\nDriver=Silent\nServer=h\nPWD=p\nSSLPassword=q\nKeep=k = "
         "v\nEdit=1\nGone=2\n");
-    Script script;
-    script
+    Script()
         .then([] {
-            EXPECT_EQ(field("TxtServer"), "h");
-            EXPECT_EQ(field("TxtPWD"), "*");
-            EXPECT_EQ(field("TxtSSLPassword"), "*");
+            EXPECT_EQ(field("TxtServer") + field("TxtPWD") + field("TxtSSLPassword"), "h**");
             EXPECT_EQ(field("TxtFurtherSettings"), "Keep=k = v\nEdit=1\nGone=2\n");
         })
         .enter({{XK_Tab, 10}, XK_Down, XK_End, "23", XK_Down, {XK_BackSpace, 6}, "uid=x", {XK_Tab, 3}, XK_Return})
-        .then([] { EXPECT_NE(message().find("\"uid\" has a field of its own"), std::string::npos) << message(); })
-        .enter({XK_Return, XK_Home, {XK_Delete, 3}, "New", {XK_Tab, 3}, XK_Return});
-    click(BtnConfigure);
-    EXPECT_EQ(section("S"), "Driver=Silent Server=h PWD=p SSLPassword=q Keep=k = v Edit=123 New=x");
+        .expect("\"uid\" has a field of its own")
+        .enter({XK_Return, XK_Home, {XK_Delete, 3}, "New", {XK_Tab, 3}, XK_Return})
+        .run();
+    EXPECT_EQ(files.section("S"), "Driver=Silent|Server=h|PWD=p|SSLPassword=q|Keep=k = v|Edit=123|New=x");
 }
 
 TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
     openOnFirst("[ODBC Data Sources]\nA=Tds\nB=Working\n\n[A]\nDriver=Tds\nPWD=p\n\n[B]\nDriver=Working\n");
-    {
-        Script script;
-        script
-            .then([] {
-                EXPECT_EQ(field("LblServername") + field("LblServer"), "ServernameServer");
-                EXPECT_EQ(field("LblUID"), "User");
-                EXPECT_EQ(field("TxtPWD"), "*");
-                moveTo("TxtUID");
-            })
-            .enter({"me", XK_Return});
-        click(BtnConfigure);
-    }
-    EXPECT_EQ(section("A"), "Driver=Tds PWD=p UID=me");
+    Script()
+        .then([] {
+            EXPECT_EQ(field("LblServername") + field("LblServer") + field("LblUID"), "ServernameServerUser");
+            EXPECT_EQ(field("TxtPWD"), "*");
+            moveTo("TxtUID");
+        })
+        .enter({"me", XK_Return})
+        .run();
+    EXPECT_EQ(files.section("A"), "Driver=Tds|PWD=p|UID=me");
     clickRow(LstUName, 2);
-    Script script;
-    script.then([] { EXPECT_EQ(XtNameToWidget(ShODBCAdmin, "*TxtUID"), nullptr); }).enter({XK_Escape});
-    click(BtnConfigure);
+    Script().then([] { EXPECT_EQ(XtNameToWidget(ShODBCAdmin, "*TxtUID"), nullptr); }).enter({XK_Escape}).run();
 }
 
 TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
@@ -285,34 +261,20 @@ TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
         const Place window = placeOf(child(ShODBCAdmin, std::string(kForm) + ".scrWinSettings"));
         return row.y >= window.y && row.y + row.height <= window.y + window.height;
     };
-    Script script;
-    script
+    Script()
         .then([isInSight] {
             EXPECT_LE(placeOf(child(ShODBCAdmin, kForm)).height, 768 * 3 / 4);
-            EXPECT_TRUE(isInSight("TxtDatabase"));
-            EXPECT_FALSE(isInSight("TxtMany30"));
+            EXPECT_TRUE(isInSight("TxtDatabase") && !isInSight("TxtMany30"));
         })
         .enter({{XK_Tab, 37}})
-        .then([isInSight] {
-            EXPECT_TRUE(isInSight("TxtMany30"));
-            EXPECT_FALSE(isInSight("TxtDatabase"));
-        })
+        .then([isInSight] { EXPECT_TRUE(isInSight("TxtMany30") && !isInSight("TxtDatabase")); })
         .enter({"last", XK_Tab, "12"})
-        .then([] {
-            EXPECT_EQ(field("TxtRelease"), "r5");
-            EXPECT_EQ(field("TxtPin"), "**");
-        })
-        .enter({XK_Tab, XK_space, {XK_Tab, 6}, "C", XK_Return});
-    click(BtnConfigure);
-    EXPECT_EQ(section("CA"), "Driver=Talker Database=/a Mode=odd Password=geheim Unknown=1 Many30=last Pin=12");
-}
-
-TEST_F(SetupFormTest, AStoredPasswordGoesWhenItIsNoLongerWanted) {
-    openOnFirst("[ODBC Data Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nPassword=geheim\n");
-    Script script;
-    script.enter({{XK_Tab, 7}, XK_space, XK_Return});
-    click(BtnConfigure);
-    EXPECT_EQ(section("A"), "Driver=Talker");
+        .then([] { EXPECT_EQ(field("TxtRelease") + field("TxtPin"), "r5**"); })
+        .enter({XK_Tab, XK_space, {XK_Tab, 6}, "C"})
+        // A stored password goes when it is no longer wanted.
+        .enter({{XK_Tab, 7}, XK_space, XK_Return})
+        .run();
+    EXPECT_EQ(files.section("CA"), "Driver=Talker|Database=/a|Mode=odd|Unknown=1|Many30=last|Pin=12");
 }
 
 TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
@@ -321,30 +283,19 @@ TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
     open();
     click(TbFileDSN);
     clickRow(child(FSelect, "*ItemsList"), 1);
-    struct Case {
-        bool saved;
-        const char* added;
-        mode_t mode;
-    };
-    for (const Case& now : {Case{false, "Description=Books\nDatabase=/b\n", 0644},
-                            Case{true, "Description=Books\nDatabase=/b\nPassword=geheim\n", 0600}}) {
-        Script script;
-        script.then([&path] { EXPECT_EQ(field("TxtFileName"), path); })
-            .enter({now.saved ? "" : "Books", XK_Tab, now.saved ? "" : "/b", {XK_Tab, 4}, "geheim"})
-            .enter({XK_Tab, {XK_space, now.saved ? 1 : 0}})
+    for (const bool saved : {false, true}) {
+        Script()
+            .then([&path] { EXPECT_EQ(field("TxtFileName"), path); })
+            .enter({saved ? "" : "Books", XK_Tab, saved ? "" : "/b", {XK_Tab, 4}, "geheim"})
+            .enter({XK_Tab, {XK_space, saved ? 1 : 0}})
             .press("BtnTest")
-            .then([] {
-                EXPECT_EQ(message(),
-                          "The connection could not be made. 08001: No such server 01000: 0 "
-                          "DRIVER={Talker};Unknown=1;Database=/b;Password=geheim;");
-            })
+            .expect(kNotMade + "DRIVER={Talker};Unknown=1;Database=/b;Password=geheim;")
             .enter({XK_Escape})
-            .press("BtnOK");
-        click(BtnFDConfigure);
-        EXPECT_EQ(files.read("a.dsn"), before + now.added + "\n");
-        struct stat status {};
-        stat(path.c_str(), &status);
-        EXPECT_EQ(status.st_mode & 0777, now.mode);
+            .press("BtnOK")
+            .run(BtnFDConfigure);
+        EXPECT_EQ(files.read("a.dsn"),
+                  before + "Description=Books\nDatabase=/b\n" + (saved ? "Password=geheim\n" : "") + "\n");
+        EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(saved ? 0600 : 0644));
     }
 }
 
@@ -352,18 +303,14 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
     const std::string before =
         "[ODBC Data Sources]\nA=Talker\nB=Talker\n\n[A]\nDriver=Talker\nUnknown=1\nDescription=x\nSAVEFILE=/y\n";
     openOnFirst(before);
-    Script script;
-    // The password is to be saved, which such a one can't be; but it can be tried.
-    script.enter({{XK_Tab, 2}, "/a;(b)}", {XK_Tab, 4}, "p ", XK_Tab, XK_space})
+    Script()
+        // The password is to be saved, which such a one can't be; but it can be tried.
+        .enter({{XK_Tab, 2}, "/a;(b)}", {XK_Tab, 4}, "p ", XK_Tab, XK_space})
         .press("BtnTest")
-        .then([] {
-            EXPECT_EQ(message(),
-                      "The connection could not be made. 08001: No such server 01000: 0 "
-                      "DRIVER={Talker};Unknown=1;Database={/a;(b)}}};Password={p };");
-        })
+        .then([] { EXPECT_EQ(message(), kNotMade + "DRIVER={Talker};Unknown=1;Database={/a;(b)}}};Password={p };"); })
         .enter({XK_Escape})
         .press("BtnOK")
-        .then([] { EXPECT_NE(message().find("cannot begin or end with a blank"), std::string::npos) << message(); })
+        .expect("cannot begin or end with a blank")
         .enter({XK_Return})
         .then([] { moveTo("TxtDatabase"); })
         .enter({XK_End, "many"})
@@ -374,7 +321,7 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
             for (int i = 2; i < 30; ++i) {
                 last += "01000: once more ";
             }
-            EXPECT_TRUE(all.ends_with(last + "01000: " + std::string(kLongRecord, 'x') + " the end")) << all;
+            EXPECT_TRUE(all.ends_with(last + "01000: " + std::string(400, 'x') + " the end")) << all;
             const Place box = placeOf(XtParent(child(ShODBCAdmin, std::string(kForm) + "*dialog")));
             EXPECT_TRUE(box.y >= 0 && box.y + box.height <= 768) << box.y << " " << box.height;
         })
@@ -391,60 +338,43 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
         .enter({XK_End, " Connect=1"})
         .press("BtnTest")
         // The driver manager adds that this driver knows less than it asked for.
-        .then([] { EXPECT_TRUE(message().starts_with("The connection was made. The settings work.")) << message(); })
-        .enter({XK_Return, XK_Escape});
-    click(BtnConfigure);
+        .expect("The connection was made. The settings work.")
+        .enter({XK_Return, XK_Escape})
+        .run();
     EXPECT_EQ(files.read(OdbcFiles::kUser), before);
-}
-
-TEST_F(SetupFormTest, AFileIsChosenInADialogThatMayBeLeft) {
-    openOnFirst(kTalker);
-    Script script;
-    script.then([] { EXPECT_EQ(field("LblHint"), " "); })
-        .enter({{XK_Tab, 3}})
-        .then([] { EXPECT_EQ(field("LblHint"), "help"); })
-        .enter({XK_space, "bc", XK_Return})
-        .then([] { EXPECT_EQ(field("TxtDatabase"), "/abc"); })
-        .enter({XK_Tab, XK_space, "x", XK_Escape})
-        .then([] { EXPECT_EQ(field("TxtDatabase"), "/abc"); })
-        .key(XK_Tab, XK_Shift_L)
-        .enter({XK_Return});
-    click(BtnConfigure);
-    EXPECT_EQ(section("A"), "Driver=Talker Database=/abc Mode=odd Password=geheim Unknown=1");
 }
 
 TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDumbTheSetupLibrary) {
     const RecordingBrowser browser;
     openOnFirst("[ODBC Data Sources]\nA=Talker\nS=Silent\n\n[A]\nDriver=Talker\n\n[S]\nDriver=Silent\n");
-    struct Case {
-        int row;
-        std::string path, version, company;
-    };
-    for (const Case& now : {Case{1, VH_TEST_TALKING_DRIVER, "1.0", ""},
-                            Case{2, VH_TEST_SETUP_LIBRARY, "05.30.0002", "Varnholt Technologies"}}) {
-        clickRow(LstUName, now.row);
-        const std::string title = "About " + now.path.substr(now.path.rfind('/') + 1);
+    const std::array<std::string, 3> cases[] = {{VH_TEST_TALKING_DRIVER, "1.0", ""},
+                                                {VH_TEST_SETUP_LIBRARY, "05.30.0002", "Varnholt Technologies"}};
+    int row = 0;
+    for (const auto& [path, version, company] : cases) {
+        clickRow(LstUName, ++row);
+        const std::string title = "About " + path.substr(path.rfind('/') + 1);
         const std::string facts =
-            outputOf("date -r '" + now.path + "' +%x; echo $(($(stat -c %s '" + now.path + "') / 1024)) kb");
-        Script script;
-        script.press("BtnHelp")
+            path + "\n" + version + "\n" + company + "\n" +
+            outputOf("date -r '" + path + "' +%x; echo $(($(stat -c %s '" + path + "') / 1024)) kb");
+        Script()
+            .press("BtnHelp")
             .enter({XK_F1})
             .press("BtnAbout")
-            .then([now, title, facts] {
-                std::string path = field("TxtFile");
-                std::erase(path, '\n');  // Long ones are broken.
-                EXPECT_EQ(path, now.path);
-                EXPECT_EQ(field("TxtVersion"), now.version);
-                EXPECT_EQ(field("TxtCompany"), now.company);
-                EXPECT_EQ(field("TxtDate") + "\n" + field("TxtSize") + "\n", facts);
+            .then([title, facts] {
+                std::string shown = field("TxtFile");
+                std::erase(shown, '\n');  // Long ones are broken.
+                for (const char* name : {"TxtVersion", "TxtCompany", "TxtDate", "TxtSize"}) {
+                    shown += "\n" + field(name);
+                }
+                EXPECT_EQ(shown + "\n", facts);
                 EXPECT_EQ(field("LblAddress1"), catalogText(Message::kCompanyAddressLine1));
                 EXPECT_EQ(field("LblAddress2"), catalogText(Message::kCompanyAddressLine2));
                 EXPECT_EQ(person().windows(title, true).size(), 1U);
             })
             .enter({XK_Escape})
             .then([title] { EXPECT_TRUE(person().windows(title, true).empty()); })
-            .enter({XK_Escape});
-        click(BtnConfigure);
+            .enter({XK_Escape})
+            .run();
     }
     EXPECT_EQ(browser.topics(4), "setup\nsetup\nsetup\nsetup\n");
 }

@@ -29,16 +29,23 @@ void OdbcFiles::empty() {
     }
 }
 
-OdbcFiles::Sections OdbcFiles::userSections() const {
-    Sections sections;
+std::string OdbcFiles::summary() const {
+    std::string text;
     std::istringstream file(read(kUser));
     for (std::string line; std::getline(file, line);) {
         if (line.starts_with('[')) {
-            sections.push_back({line.substr(1, line.find(']') - 1), {}});
-        } else if (!line.empty() && !sections.empty()) {
-            sections.back().second.push_back(
-                std::regex_replace(line, std::regex("\\s*=\\s*"), "=", std::regex_constants::format_first_only));
+            text += (text.empty() ? "" : "} ") + line.substr(1, line.find(']') - 1) + "{";
+        } else if (!line.empty() && !text.empty()) {
+            text += text.back() == '{' ? "" : "|";
+            text += std::regex_replace(line, std::regex("\\s*=\\s*"), "=", std::regex_constants::format_first_only);
         }
     }
-    return sections;
+    return text + (text.empty() ? "" : "}");
+}
+
+std::string OdbcFiles::section(const std::string& name) const {
+    const std::string all = " " + summary();
+    const std::size_t at = all.find(" " + name + "{");
+    const std::size_t begin = at + name.size() + 2;
+    return at == std::string::npos ? "(none)" : all.substr(begin, all.find('}', begin) - begin);
 }

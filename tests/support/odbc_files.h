@@ -3,8 +3,6 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
@@ -23,9 +21,10 @@ public:
     std::string write(std::string_view name, std::string_view text) const { return folder().write(name, text); }
     std::string read(std::string_view name) const { return folder().read(name); }
 
-    // The sections of the user's file in order, each with its lines in order, without the blanks around "=".
-    using Sections = std::vector<std::pair<std::string, std::vector<std::string>>>;
-    Sections userSections() const;
+    // The sections of the user's file in order, without the blanks around "=": "Section{line|line} Section{line}".
+    std::string summary() const;
+    // The lines of one of them, "(none)" without it.
+    std::string section(const std::string& name) const;
 
 private:
     static const TemporaryFolder& folder();

@@ -10,18 +10,21 @@
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
-// What a script does with the address in $1: it appends it to `file` and removes the launcher's temporary file.
+// Makes a program of `name` in the folder.
+inline void writeScript(const TemporaryFolder& folder, const std::string& name, const std::string& actions) {
+    chmod(folder.write(name, "#!/bin/sh\n" + actions + "\n").c_str(), 0755);
+}
+
+// A browser without remote control: it appends the address to `file` and removes the launcher's temporary file.
 inline std::string recordAddress(const std::string& file) {
-    return "echo \"$1\" >>'" + file + "'\nrm -f \"$(readlink /proc/$$/fd/2)\"\n";
+    return "[ \"$1\" = -remote ] || {\necho \"$1\" >>'" + file + "'\nrm -f \"$(readlink /proc/$$/fd/2)\"\n}";
 }
 
 // The first browser of PATH while it lives; the help book is said to be in /book.
 class RecordingBrowser {
 public:
     RecordingBrowser() {
-        folder_.write("iexplorer",
-                      "#!/bin/sh\n[ \"$1\" = -remote ] || {\n" + recordAddress(folder_.path("opened")) + "}\n");
-        chmod(folder_.path("iexplorer").c_str(), 0755);
+        writeScript(folder_, "iexplorer", recordAddress(folder_.path("opened")));
         folder_.write("odbcinst.ini", "[Administrator]\nHelpRootDirectory=/book\n");
     }
     // The topics opened so far, as soon as there are so many.

@@ -10,7 +10,6 @@ enum class Fault {
     kActsAndFails,
     kDescriptorIsClosed,
     kDiskIsGone,
-    kActsAndDiskIsGone,
     kKilled,
     kFileEnds,
     kMemoryEnds
@@ -18,28 +17,28 @@ enum class Fault {
 
 // While it lives, the file call number `step` (from 0) meets the fault: it fails with `systemError`, and there may be
 // no memory left to tell it, or it did its work all the same, if it has a descriptor; or it finds its descriptor
-// closed; or all after it but unlink fail too; or the process is killed before it. With kFileEnds, read number `step`
-// and all after it find the end of the file; with kMemoryEnds, allocation number `step` throws. Every write ends after
-// a few bytes. For one thread at a time. The text of EDQUOT is too long for a string without an allocation.
+// closed; or it fails after its work, and all after it but unlink fail too; or the process is killed before it. With
+// kFileEnds, read number `step` and all after it find the end of the file; with kMemoryEnds, allocation number `step`
+// throws. Every write ends after a few bytes. For one thread at a time. The text of EDQUOT is too long for a string
+// without an allocation.
 class SystemFault {
 public:
-    SystemFault(Fault kind, int step, int systemError = EDQUOT);
-    ~SystemFault();
+    SystemFault(Fault kind, int step, int systemError = EDQUOT) : fault(kind), error(systemError), stepsLeft(step) {
+        active = this;
+    }
+    ~SystemFault() { active = nullptr; }
     SystemFault(const SystemFault&) = delete;
     SystemFault& operator=(const SystemFault&) = delete;
 
     // Whether there were enough calls.
-    bool happened() const;
+    bool happened() const { return stepsLeft < 0; }
 
-    // How often something was brought to the disk.
-    int syncs() const;
+    const Fault fault;
+    const int error;
+    int stepsLeft;
+    int syncs = 0;  // how often something was brought to the disk
+    static inline SystemFault* active = nullptr;
 };
 
-// While it lives, another program does `action` in the first pause that our own code makes.
-class InThePause {
-public:
-    explicit InThePause(std::function<void()> action);
-    ~InThePause();
-    InThePause(const InThePause&) = delete;
-    InThePause& operator=(const InThePause&) = delete;
-};
+// What another program does in the next pause that our own code makes.
+inline std::function<void()> inThePause;

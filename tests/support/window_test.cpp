@@ -171,7 +171,17 @@ bool WindowTest::isUp(Widget box) {
 }
 
 bool WindowTest::waitUntilUp(const Widget& box) {
-    return waitFor([&box] { return isUp(box); });
+    // For a moment the window manager may take the keyboard away again.
+    return waitUntil([&box] {
+        const bool wasUp = isUp(box);
+        settle();
+        return wasUp && isUp(box);
+    });
+}
+
+void WindowTest::clickFor(Widget button, const Widget& box) {
+    click(button);
+    EXPECT_TRUE(waitUntilUp(box));
 }
 
 void WindowTest::click(Widget widget) {
@@ -190,12 +200,20 @@ void WindowTest::clickRow(Widget list, int row, int times) {
     settle();
 }
 
+void WindowTest::waitForKeyboard() {
+    if (dialog != nullptr && XtIsManaged(dialog)) {
+        EXPECT_TRUE(waitUntilUp(dialog));
+    }
+}
+
 void WindowTest::key(KeySym symbol, KeySym modifier) {
+    waitForKeyboard();
     person().key(symbol, modifier);
     settle();
 }
 
 void WindowTest::type(std::string_view text) {
+    waitForKeyboard();
     person().type(text);
     settle();
 }
@@ -219,18 +237,20 @@ std::string WindowTest::dialogText() {
     return onOneLine(plainText(XmStringPtr(text).get()));
 }
 
-void WindowTest::answer(const char* button) {
-    ASSERT_TRUE(waitUntilUp(dialog));
-    Widget box = dialog;
-    const Window window = XtWindow(XtParent(box));
-    click(child(box, button));
-    ASSERT_TRUE(waitFor([window] { return !person().isVisible(window); }));
-    settle();
+std::string WindowTest::answer(const char* button) {
+    std::string text = dialogText();
+    EXPECT_TRUE(isUp(dialog));
+    if (isUp(dialog)) {
+        const Window window = XtWindow(XtParent(dialog));
+        click(child(dialog, button));
+        EXPECT_TRUE(waitFor([window] { return !person().isVisible(window); }));
+        settle();
+    }
+    return text;
 }
 
 void WindowTest::expectReport(Message::Number text) {
-    EXPECT_EQ(dialogText(), onOneLine(catalogText(text)));
-    answer("OK");
+    EXPECT_EQ(answer("OK"), onOneLine(catalogText(text)));
 }
 
 std::string WindowTest::calls() const {

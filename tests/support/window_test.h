@@ -37,11 +37,13 @@ protected:
     static Place placeOf(Widget widget);
     // What a label, a button, a text or a text field shows.
     static std::string textOf(Widget widget);
-    // Whether this box, if there is one, has the keyboard; waitUntilUp() waits until it has.
+    // Whether this box, if there is one, has the keyboard; waitUntilUp() waits until it has and keeps it.
     static bool isUp(Widget box);
     static bool waitUntilUp(const Widget& box);
+    // Presses a button, and checks that this box comes up.
+    static void clickFor(Widget button, const Widget& box);
 
-    // All of these wait until the windows have done what there is to do.
+    // All of these wait until the windows have done what there is to do; keys wait for the box that is to get them.
     static void click(Widget widget);
     static void clickRow(Widget list, int row, int times = 1);
     static void key(KeySym symbol, KeySym modifier = NoSymbol);
@@ -51,8 +53,8 @@ protected:
 
     // The text of the box that is up, lines joined by blanks; "(no dialog)" when none comes.
     static std::string dialogText();
-    // Presses a button ("OK", "Cancel") of the box that is up and waits until it is gone.
-    static void answer(const char* button);
+    // Presses a button ("OK", "Cancel") of the box that is up, waits until it is gone and returns its text.
+    static std::string answer(const char* button);
     // Checks that the box with this text comes up, and presses OK.
     static void expectReport(Message::Number text);
 
@@ -65,5 +67,7 @@ protected:
     OdbcFiles files;
 
 private:
+    static void waitForKeyboard();
+
     ScopedEnvironment record_{{"VH_TEST_RECORD", files.path("record")}, {"VH_TEST_RESULT", {}}};
 };

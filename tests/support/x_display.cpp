@@ -10,7 +10,6 @@
 #include <array>
 #include <stdexcept>
 #include <thread>
-#include <tuple>
 
 namespace {
 
@@ -160,42 +159,6 @@ std::vector<Window> XPerson::windows(const std::string& title, bool dialogs) {
                 found.push_back(window);
             }
             XFree(name);
-        }
-    }
-    return found;
-}
-
-std::vector<Place> XPerson::parts(Window window) {
-    std::vector<Place> found;
-    std::vector<Window> left{window};
-    while (!left.empty()) {
-        const Window next = left.back();
-        left.pop_back();
-        const std::vector<Window> inside = children(next);
-        left.insert(left.end(), inside.begin(), inside.end());
-        XWindowAttributes attributes{};
-        if (inside.empty() && XGetWindowAttributes(display_, next, &attributes) != 0) {
-            Place place{next, 0, 0, attributes.width, attributes.height};
-            Window ignored = None;
-            XTranslateCoordinates(display_, next, attributes.root, 0, 0, &place.x, &place.y, &ignored);
-            if (windowAt(place.x + place.width / 2, place.y + place.height / 2) == next) {
-                found.push_back(place);
-            }
-        }
-    }
-    std::sort(found.begin(), found.end(),
-              [](const Place& a, const Place& b) { return std::tie(a.y, a.x) < std::tie(b.y, b.x); });
-    return found;
-}
-
-Window XPerson::windowAt(int x, int y) {
-    const Window root = DefaultRootWindow(display_);
-    Window found = root;
-    int ignored = 0;
-    for (Window inside = root; inside != None;) {
-        found = inside;
-        if (XTranslateCoordinates(display_, root, found, x, y, &ignored, &ignored, &inside) == False) {
-            return None;
         }
     }
     return found;

@@ -68,8 +68,6 @@ public:
 
     // The windows on screen with this title: dialogs (that belong to another window) or main windows.
     std::vector<Window> windows(const std::string& title, bool dialogs);
-    // The windows without children inside of `window` that a click would reach, from top to bottom, from left to right.
-    std::vector<Place> parts(Window window);
     bool isVisible(Window window);
     bool hasFocus(Window window);
     unsigned long pixel(Window window, int x, int y);
@@ -77,7 +75,6 @@ public:
 private:
     void press(unsigned int code, bool down);
     std::vector<Window> children(Window window);
-    Window windowAt(int x, int y);
 
     Display* display_;
     std::chrono::steady_clock::time_point lastClick_{};
