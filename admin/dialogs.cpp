@@ -9,9 +9,20 @@
 
 namespace {
 
-// Makes a box with one button, keeps it in `Mdialog`, and leaves it to the caller to show.
+// The report of an end that waits for the window to be there; null when none does.
+Widget WaitingEnd = nullptr;
+
+void forgetWaitingEnd(Widget /*box*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    WaitingEnd = nullptr;
+}
+
+// Makes a box with one button, keeps it in `Mdialog`, and leaves it to the caller to show. Null when it can't be made,
+// or may not: there is one box at a time, and nothing takes the place of the one that ends the program.
 Widget createReport(unsigned long kind, const std::string& text, Message::Number okLabel = Message::kOk,
                     Message::Number title = Message::kDialogTitle) {
+    if (WaitingEnd != nullptr) {
+        return nullptr;
+    }
     Mdialog = createMessageDialogAdmin(static_cast<short>(kind), text.c_str(), catalogText(okLabel).c_str(), "",
                                        catalogText(title).c_str());
     return Mdialog;
@@ -61,6 +72,7 @@ Widget createMessageDialogAdmin(short kind, const char* message, const char* okL
 }
 
 void showWaitingReport() {
+    WaitingEnd = nullptr;
     show(Mdialog);
 }
 
@@ -104,6 +116,10 @@ void showODBCINSTError() {
 void showODBCINIError() {
     if (createReport(kErrorDialog, catalogText(Message::kDataSourceFileUnreadable)) != nullptr) {
         XtAddCallback(Mdialog, XmNokCallback, endProgram, nullptr);
+        if (!XtIsRealized(ShODBCAdmin)) {
+            WaitingEnd = Mdialog;
+            XtAddCallback(Mdialog, XmNdestroyCallback, forgetWaitingEnd, nullptr);
+        }
         show(Mdialog);
     }
 }

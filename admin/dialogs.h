@@ -29,7 +29,8 @@ void askQuestion(const std::string& question, const std::string& subject, XtCall
 void showResult(const std::string& text, Message::Number title, const std::string& subject,
                 XtCallbackProc acknowledged);
 
-// Shows the report that was raised last while the main window was being built; it waited for the window to be there.
+// Shows the report that waited for the main window to be there: of several the one that ends the program, else the
+// last.
 void showWaitingReport();
 
 // Frees the globals and shows the out-of-memory box; the caller returns at once.
@@ -49,6 +50,5 @@ void guarded(Work work) {
 void showODBCINSTError();
 
 // Reports that the data source file could not be read; the program ends when the person has seen it. Unlike the driver
-// file it is what the program is there to edit: going on with half of it read could lose the other half. Of several
-// reports that are raised while the window is being built the last one alone is seen, so there this one can be missed.
+// file it is what the program is there to edit: going on with half of it read could lose the other half.
 void showODBCINIError();

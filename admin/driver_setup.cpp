@@ -24,22 +24,24 @@ Function findFunction(void* library, const char* name) {
 // What went wrong, or nothing.
 std::optional<Message::Number> callSetup(void* library, short request, const char* driverName, const char* attributes,
                                          short dsnKind, const char* fileName) {
-    const auto code = static_cast<unsigned short>(request);
-    int succeeded = 0;
-    if (dsnKind == kFileDataSource) {
-        ConfigFileDSN = findFunction<ConfigFileDsnFunction>(library, "ConfigFileDSN");
-        if (ConfigFileDSN == nullptr) {
-            return Message::kNoConfigFileDsn;
-        }
-        succeeded = ConfigFileDSN(ShODBCAdmin, code, driverName, attributes, fileName);
-    } else {
-        ConfigureDSN = findFunction<ConfigDsnFunction>(library, "ConfigDSN");
-        if (ConfigureDSN == nullptr) {
-            return Message::kNoConfigDsn;
-        }
-        succeeded = ConfigureDSN(ShODBCAdmin, code, driverName, attributes);
+    ConfigureDSN = findFunction<ConfigDsnFunction>(library, "ConfigDSN");
+    ConfigFileDSN = findFunction<ConfigFileDsnFunction>(library, "ConfigFileDSN");
+    const bool isFile = dsnKind == kFileDataSource;
+    if (isFile && ConfigFileDSN == nullptr) {
+        return Message::kNoConfigFileDsn;
     }
-    return succeeded != 0 ? std::nullopt : std::optional(Message::kSetupFailed);
+    if (!isFile && ConfigureDSN == nullptr) {
+        return Message::kNoConfigDsn;
+    }
+    const auto code = static_cast<unsigned short>(request);
+    try {
+        const int succeeded = isFile ? ConfigFileDSN(ShODBCAdmin, code, driverName, attributes, fileName)
+                                     : ConfigureDSN(ShODBCAdmin, code, driverName, attributes);
+        return succeeded != 0 ? std::nullopt : std::optional(Message::kSetupFailed);
+    } catch (...) {
+        // Foreign code may throw anything. It ends here, while the library that knows how to destroy it is still there.
+        return Message::kSetupFailed;
+    }
 }
 
 }  // namespace

@@ -110,6 +110,8 @@ void populateDriverInfo(Widget nameList, Widget fileList, Widget versionList, Wi
         installer::NameList drivers = installer::listDrivers();
         if (drivers.length == 0) {
             showODBCINSTError();
+        } else if (drivers.isCut) {
+            showError(Message::kDriverListCut);
         }
         if (drivers.names.empty()) {
             for (Widget list : {nameList, fileList, versionList, companyList, dateList}) {

@@ -5,6 +5,7 @@
 #include <Xm/TextF.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <new>
 #include <tuple>
 
@@ -51,12 +52,6 @@ std::string directoryOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-void fileDoubleClicked(Widget list, XtPointer clientData, XtPointer callData) {
-    if (isDoubleClick(callData)) {
-        btnFDConfigure_Clicked(list, clientData, callData);
-    }
-}
-
 Widget createFileSelection(Widget parent) {
     char directory[kFileDsnNameSize];
     getFileDSNDefaultDir(directory);
@@ -65,7 +60,7 @@ Widget createFileSelection(Widget parent) {
     const XmStringPtr nothing = compoundString(catalogText(Message::kNoFileDsns));
     const XmStringPtr filter = compoundString("\nFilter");
     const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
-    const XmStringPtr files = compoundString(catalogText(Message::kFileList));
+    const XmStringPtr fileHeading = compoundString(catalogText(Message::kFileList));
     const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
     ArgumentList arguments;
     arguments.set(XmNdirMask, mask.get())
@@ -73,7 +68,7 @@ Widget createFileSelection(Widget parent) {
         .set(XmNnoMatchString, nothing.get())
         .set(XmNfilterLabelString, filter.get())
         .set(XmNselectionLabelString, selection.get())
-        .set(XmNfileListLabelString, files.get())
+        .set(XmNfileListLabelString, fileHeading.get())
         .set(XmNdirListLabelString, directories.get());
     static char name[] = "FSelect";
     Widget box = XmCreateFileSelectionBox(parent, name, arguments.data(), arguments.size());
@@ -91,15 +86,20 @@ Widget createFileSelection(Widget parent) {
     for (const char* field : {"Text", "FilterText"}) {
         hideIdleCursor(XtNameToWidget(box, field));
     }
-    XtAddCallback(XtNameToWidget(box, "*ItemsList"), XmNdefaultActionCallback, fileDoubleClicked, nullptr);
+    Widget files = XtNameToWidget(box, "*ItemsList");
+    XtAddCallback(files, XmNdefaultActionCallback, btnFDConfigure_Clicked, nullptr);
+    keepReturnInList(files);
+    XtAddCallback(XtNameToWidget(box, "Text"), XmNactivateCallback, btnFDConfigure_Clicked, nullptr);
     XtManageChild(box);
     return box;
 }
 
 // Hands every key of the file data source `path` to its driver.
 void configure(const std::string& path) {
-    // A name without a directory would mean a file of the installer library's own folder.
-    if (!path.starts_with('/') || access(path.c_str(), R_OK) != 0) {
+    // A name without a directory would mean a file of the installer library's own folder, and to open a pipe means to
+    // wait for whoever writes into it.
+    std::error_code ignored;
+    if (!path.starts_with('/') || !std::filesystem::is_regular_file(path, ignored) || access(path.c_str(), R_OK) != 0) {
         refreshFileDsnPage();
         showError(Message::kFileDsnUnreadable);
         return;
@@ -146,7 +146,10 @@ Widget createFileDsnPage(Widget notebook, XtCallbackProc add) {
 }
 
 void showFileDsnDirectory(const std::string& directory) {
-    const XmStringPtr mask = compoundString(directory + kPattern);
+    XmString pattern = nullptr;
+    XtVaGetValues(FSelect, XmNpattern, &pattern, nullptr);
+    const XmStringPtr owned(pattern);
+    const XmStringPtr mask = compoundString(directory + plainText(pattern));
     XmFileSelectionDoSearch(FSelect, mask.get());
 }
 

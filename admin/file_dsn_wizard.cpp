@@ -14,7 +14,6 @@
 #include "admin/file_name_screen.h"
 #include "admin/forms.h"
 #include "admin/globals.h"
-#include "admin/lists.h"
 #include "admin/wizard_finish.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -179,9 +178,6 @@ void Wizard_Back(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callDa
 }
 
 void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData) {
-    if (!isDoubleClick(callData)) {
-        return;
-    }
     if (DsnType == kFileDataSource) {
         Wizard_Next(list, clientData, callData);
     } else {

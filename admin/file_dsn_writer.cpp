@@ -137,13 +137,13 @@ bool createArray(const char* driver, const char* attributeText) {
     append(TempStr, ";DRIVER={");
     append(TempStr, driver != nullptr ? driver : "");
     append(TempStr, "};");
-    const std::vector<std::string> lines = split(attributeText != nullptr ? attributeText : "", '\n');
-    // A first line that names the driver again belongs to a text that was not cut from its own first line, and none of
-    // it is used then, whatever the other lines say.
-    if (lines.empty() || containsText(lines.front(), "Driver")) {
+    const std::string text = attributeText != nullptr ? attributeText : "";
+    // A first line, be it empty, that names the driver again belongs to a text that was not cut from its own first
+    // line, and none of it is used then, whatever the other lines say.
+    if (containsText(text.substr(0, text.find('\n')), "Driver")) {
         return true;
     }
-    for (const std::string& line : lines) {
+    for (const std::string& line : split(text, '\n')) {
         if (line.find('=') != std::string::npos) {
             append(TempStr, line);
             append(TempStr, ";");

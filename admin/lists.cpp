@@ -95,11 +95,6 @@ std::string rowText(Widget list, int position) {
     return position >= 1 && position <= count ? plainText(items[position - 1]) : std::string();
 }
 
-bool isDoubleClick(XtPointer callData) {
-    const auto* action = static_cast<const XmListCallbackStruct*>(callData);
-    return action == nullptr || action->event == nullptr || action->event->type != KeyPress;
-}
-
 void deleteRow(Widget list, int position) {
     XmListDeletePos(list, position);
     int count = 0;

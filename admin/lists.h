@@ -32,9 +32,5 @@ void sortRows(std::vector<std::string>& rows);
 // The text of the row at `position`, from 1; empty when there is no such row.
 [[nodiscard]] std::string rowText(Widget list, int position);
 
-// Whether a default action callback tells of a double click. Return in a list calls it too, and then presses the
-// default button of the window: that alone is what the key is for.
-bool isDoubleClick(XtPointer callData);
-
 // Deletes the row at `position`, from 1, and shows one row less.
 void deleteRow(Widget list, int position);

@@ -53,27 +53,48 @@ void useWholeHeight(Widget header) {
                   highlight + shadow, nullptr);
 }
 
-// How far the window around a list is scrolled to the right.
-int scrolledSideways(Widget list) {
+Widget windowAround(Widget list) {
     Widget window = XtParent(list);
     while (!XmIsScrolledWindow(window)) {
         window = XtParent(window);
     }
+    return window;
+}
+
+// How far the window around a list is scrolled to the right.
+int scrolledSideways(Widget list) {
     Widget scrollBar = nullptr;
-    XtVaGetValues(window, XmNhorizontalScrollBar, &scrollBar, nullptr);
+    XtVaGetValues(windowAround(list), XmNhorizontalScrollBar, &scrollBar, nullptr);
     int value = 0;
     XtVaGetValues(scrollBar, XmNvalue, &value, nullptr);
     return value;
 }
 
-// Moves the headers left by `scrolled` pixels, so that they stand above the columns of lists scrolled by as much.
-void placeHeaders(const std::vector<Column>& columns, int scrolled) {
-    int start = -scrolled;
+int rootX(Widget widget) {
+    Position x = 0;
+    Position y = 0;
+    XtTranslateCoords(widget, 0, 0, &x, &y);
+    return x;
+}
+
+std::vector<int> listWidths(const std::vector<Column>& columns) {
+    std::vector<int> widths;
     for (const Column& column : columns) {
-        const int width = widthOf(column.list);
-        Attach(column.header).strip(kHeaderHeight).span(start, width);
-        XtVaSetValues(column.header, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
-        start += width;
+        widths.push_back(widthOf(column.list));
+    }
+    return widths;
+}
+
+// Places the headers above columns of these widths when the lists are scrolled right by `scrolled` pixels.
+void placeHeaders(const std::vector<Column>& columns, const std::vector<int>& widths, int scrolled) {
+    // The windows around headers and lists have frames of their own.
+    Widget clipWindow = nullptr;
+    XtVaGetValues(windowAround(columns.front().list), XmNclipWindow, &clipWindow, nullptr);
+    int start = rootX(clipWindow) - rootX(XtParent(columns.front().header)) - scrolled;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        Attach(columns[i].header).strip(kHeaderHeight).span(start, widths[i]);
+        XtVaSetValues(columns[i].header, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
+        start += widths[i];
     }
 }
 
@@ -91,7 +112,7 @@ void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) 
     XtVaSetValues(XtParent(columns.front().list), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, XmNheight, height,
                   nullptr);
     XtVaSetValues(XtParent(columns.front().header), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, nullptr);
-    placeHeaders(columns, scrolledSideways(columns.front().list));
+    placeHeaders(columns, widths, scrolledSideways(columns.front().list));
 }
 
 // The size of a list without rows goes with the list, as its user data.
@@ -181,7 +202,7 @@ void Table::place() const {
 }
 
 void Table::scrollHeaders(XtPointer callData) const {
-    placeHeaders(columns_, static_cast<const XmScrollBarCallbackStruct*>(callData)->value);
+    placeHeaders(columns_, listWidths(columns_), static_cast<const XmScrollBarCallbackStruct*>(callData)->value);
 }
 
 void Table::followRow(Widget clicked) const {
@@ -201,11 +222,7 @@ void Table::followRow(Widget clicked) const {
 }
 
 void placeColumns(const std::vector<Column>& columns) {
-    std::vector<int> widths;
-    for (const Column& column : columns) {
-        widths.push_back(widthOf(column.list));
-    }
-    layOut(columns, widths);
+    layOut(columns, listWidths(columns));
 }
 
 Widget createHeaderWindow(Widget parent, const char* name) {

@@ -14,6 +14,10 @@ struct DSNInfoStruct {
 // when it returns SQL_ERROR; all other codes, SQL_INVALID_HANDLE included, count as success.
 class TestConnect {
 public:
+    // Whether the driver manager can take the connection string: with a FILEDSN= in it, one of 2,048 bytes or more ends
+    // the process.
+    static bool isTooLong(const char* connectionString);
+
     // Without a connection string: the attempt names no data source and fails.
     explicit TestConnect(DSNInfoStruct* info);
     // `window` is the parent of the driver's prompts. `connectionString` (ODBC SQLDriverConnect) is borrowed and must

@@ -5,6 +5,8 @@
 #include <Xm/Text.h>
 #include <Xm/ToggleB.h>
 
+#include <cstring>
+#include <optional>
 #include <string>
 
 #include "admin/dialogs.h"
@@ -40,6 +42,37 @@ bool writeSetting(const char* key, const std::string& value) {
     return installer::writeValue(kSection, key, value.c_str(), installer::kDataSourceFile);
 }
 
+// What is stored of a path, and how its field shows that: bytes that are no characters of the locale are not shown.
+struct StoredPath {
+    std::string value;
+    std::string shown;
+};
+StoredPath TraceFile;
+StoredPath TraceLibrary;
+
+void loadPath(const char* key, Widget field, StoredPath& path) {
+    path.value = readSetting(key, 1024);
+    XmTextSetString(field, path.value.data());
+    path.shown = fieldText(field);
+}
+
+// What is to be stored: the very bytes that were read as long as nobody changed the field.
+std::string pathToStore(Widget field, const StoredPath& path) {
+    const std::string text = fieldText(field);
+    return text == path.shown ? path.value : text;
+}
+
+// Why the text can't be stored under the key, if so.
+std::optional<Message::Number> problemOf(const char* key, const std::string& text) {
+    if (text.find_first_of("\r\n") != std::string::npos) {
+        return Message::kTraceTextHasLineBreak;
+    }
+    if (std::strlen(key) + 1 + text.size() > installer::kLongestLine) {
+        return Message::kTraceTextTooLong;
+    }
+    return std::nullopt;
+}
+
 bool isLibrary(XtPointer kind) {
     return reinterpret_cast<XtArgVal>(kind) == kBrowseTraceLibrary;
 }
@@ -68,9 +101,7 @@ void placePathRow(Widget label, Widget field, Widget button, Widget above) {
     Attach(field).below(label, kPageGap / 2).leftForm(kPageMargin).leftOf(button, kPageGap);
 }
 
-}  // namespace
-
-Widget createTraceTab(Widget notebook) {
+void createTraceWidgets(Widget notebook) {
     FrmTrace = createPage(notebook, "FrmTrace");
     BtnTrace = createTab(notebook, "BtnTrace", Message::kTracingTab);
 
@@ -97,29 +128,46 @@ Widget createTraceTab(Widget notebook) {
     XtAddCallback(TxtTraceFile, XmNvalueChangedCallback, Trace_activityNoticed, nullptr);
     XtAddCallback(TxtTraceLib, XmNvalueChangedCallback, Trace_activityNoticed, nullptr);
     followToggle();
-    Load_Trace();
-    // What is shown now is what is stored.
-    XtSetSensitive(BtnApply, False);
     XtAddCallback(BtnTFileBrowse, XmNactivateCallback, SelectTraceFile, reinterpret_cast<XtPointer>(kBrowseTraceFile));
     XtAddCallback(BtnTLibBrowse, XmNactivateCallback, SelectTraceFile,
                   reinterpret_cast<XtPointer>(kBrowseTraceLibrary));
-    return FrmTrace;
+}
+
+}  // namespace
+
+Widget createTraceTab(Widget notebook) {
+    bool isBuilt = false;
+    guarded([&] {
+        createTraceWidgets(notebook);
+        Load_Trace();
+        // What is shown now is what is stored.
+        XtSetSensitive(BtnApply, False);
+        isBuilt = true;
+    });
+    return isBuilt ? FrmTrace : nullptr;
 }
 
 void Load_Trace() {
     // One character is read, so "10" reads as "1", on.
     const std::string trace = readSetting(kTraceKey, 2);
     XmToggleButtonSetState(TgEnableTracing, trace == "1" ? True : False, True);
-    XmTextSetString(TxtTraceFile, readSetting(kFileKey, 1024).data());
-    XmTextSetString(TxtTraceLib, readSetting(kLibraryKey, 1024).data());
+    loadPath(kFileKey, TxtTraceFile, TraceFile);
+    loadPath(kLibraryKey, TxtTraceLib, TraceLibrary);
 }
 
 void Save_Trace() {
     guarded([] {
         const char* state = XmToggleButtonGetState(TgEnableTracing) != 0 ? "1" : "0";
-        if (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, fieldText(TxtTraceFile)) ||
-            !writeSetting(kLibraryKey, fieldText(TxtTraceLib))) {
-            showError(Message::kTraceNotSaved);
+        const std::string file = pathToStore(TxtTraceFile, TraceFile);
+        const std::string library = pathToStore(TxtTraceLib, TraceLibrary);
+        std::optional<Message::Number> problem = problemOf(kFileKey, file);
+        problem = problem ? problem : problemOf(kLibraryKey, library);
+        if (!problem &&
+            (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, file) || !writeSetting(kLibraryKey, library))) {
+            problem = Message::kTraceNotSaved;
+        }
+        if (problem) {
+            showError(*problem);
         }
     });
 }
@@ -156,7 +204,11 @@ void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) 
 
 void FileSelected(Widget box, XtPointer kind, XtPointer callData) {
     guarded([=] {
-        const std::string path = plainText(static_cast<XmFileSelectionBoxCallbackStruct*>(callData)->value);
+        std::string path = plainText(static_cast<XmFileSelectionBoxCallbackStruct*>(callData)->value);
+        if (!path.starts_with('/')) {
+            // A name that was typed belongs to the directory that the dialog shows.
+            path = plainText(static_cast<XmFileSelectionBoxCallbackStruct*>(callData)->dir) + path;
+        }
         XmTextSetString(fieldOf(kind), const_cast<char*>(path.c_str()));
         XtDestroyWidget(XtParent(box));
     });

@@ -65,6 +65,15 @@ bool fillLists(Widget nameList, Widget driverList) {
     return true;
 }
 
+// Whether the installer library would take another data source for this one: to it, case does not count in names.
+bool isTakenForAnother(const std::string& name) {
+    const std::vector<std::string> names =
+        installer::listKeys(installer::kDataSourceList, installer::kDataSourceFile, installer::Growth::kByKilobyte)
+            .names;
+    return std::count_if(names.begin(), names.end(),
+                         [&name](const std::string& other) { return installer::sameName(other, name); }) > 1;
+}
+
 void selectRow(Widget nameList, Widget driverList, int row) {
     XmListDeselectAllItems(nameList);
     XmListDeselectAllItems(driverList);
@@ -73,6 +82,10 @@ void selectRow(Widget nameList, Widget driverList, int row) {
 
 // Configures the data source `name`: hands every key that it has to its driver.
 void configure(const std::string& name) {
+    if (isTakenForAnother(name)) {
+        showError(Message::kNamesDifferInCase);
+        return;
+    }
     const std::vector<installer::Attribute> settings = installer::readSection(name, installer::kDataSourceFile);
     if (settings.empty()) {
         showODBCINIError();
@@ -99,8 +112,9 @@ void configure(const std::string& name) {
 }  // namespace
 
 Widget createUserDSNXmList(int flag, const char* name) {
-    Widget list = createList(FormLists, name, nullptr, UDSN_doubleClick);
-    XtVaSetValues(list, XmNlistSizePolicy, flag != 0 ? XmVARIABLE : XmCONSTANT, nullptr);
+    Widget list = nullptr;
+    guarded(
+        [&] { list = createList(FormLists, name, nullptr, UDSN_doubleClick, flag != 0 ? XmVARIABLE : XmCONSTANT); });
     return list;
 }
 
@@ -160,6 +174,10 @@ void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*
     }
     guarded([&row] {
         const std::string name = rowText(LstUName, *row);
+        if (isTakenForAnother(name)) {
+            showError(Message::kNamesDifferInCase);
+            return;
+        }
         askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + name + "\" " +
                         catalogText(Message::kRemoveQuestionEnd) + "?",
                     name, RemoveUserDsn);
@@ -177,6 +195,7 @@ void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/)
             deleteRow(LstUDesc, *row);
             deleteRow(LstUName, *row);
         }
+        DataSources.fit();
         setSizePosForUserDSNWidgets();
     });
 }
@@ -192,9 +211,7 @@ void btnConfigure_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer
 }
 
 void UDSN_doubleClick(Widget widget, XtPointer clientData, XtPointer callData) {
-    if (isDoubleClick(callData)) {
-        btnConfigure_Clicked(widget, clientData, callData);
-    }
+    btnConfigure_Clicked(widget, clientData, callData);
 }
 
 void lstUName_Selected(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {

@@ -95,6 +95,10 @@ void finishWithAttributes() {
         return;
     }
     std::string connectionString(TempStr.view());
+    if (IsVerificationNeeded && TestConnect::isTooLong(connectionString.c_str())) {
+        showError(Message::kConnectionStringTooLong);
+        return;
+    }
     writeDsnToFile(connectionString.c_str());
     if (!IsVerificationNeeded) {
         XtUnmanageChild(DlgDriverPopup);

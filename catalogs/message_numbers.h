@@ -48,6 +48,7 @@ enum Number : std::uint32_t {
     kRemoveQuestionBegin = 9016,
     kRemoveQuestionEnd = 9015,
     kRemoveFailed = 9021,
+    kNamesDifferInCase = 9099,
 
     // Calling a driver's setup library.
     kSetupFailed = 9078,
@@ -98,11 +99,13 @@ enum Number : std::uint32_t {
     kSummaryAttributes = 9089,
     kSummaryFileName = 9090,
     kTestSucceeded = 9091,
+    kConnectionStringTooLong = 9103,
 
     // Drivers page.
     kDriversTab = 9003,
     kDriversHeading = 9011,
     kDriversExplanation = 9012,
+    kDriverListCut = 9100,
 
     // Tracing page.
     kTracingTab = 9004,
@@ -115,6 +118,8 @@ enum Number : std::uint32_t {
     kTracingExplanation = 9042,
     kFilter = 9095,
     kTraceNotSaved = 9097,
+    kTraceTextTooLong = 9101,
+    kTraceTextHasLineBreak = 9102,
 
     // About page.
     kAboutTab = 9005,

@@ -86,10 +86,12 @@ NameList listKeys(const std::string& section, const std::string& file, Growth gr
         const int length = SQLGetPrivateProfileString(section.c_str(), nullptr, "", buffer.data(),
                                                       static_cast<int>(size), file.c_str());
         if (length < 1) {
-            return {length, {}};
+            return {.length = length, .isCut = false, .names = {}};
         }
         if (isComplete(static_cast<std::size_t>(length), size) || size > std::numeric_limits<int>::max() / 2) {
-            return {length, splitNames(std::string_view(buffer).substr(0, static_cast<std::size_t>(length)))};
+            return {.length = length,
+                    .isCut = false,
+                    .names = splitNames(std::string_view(buffer).substr(0, static_cast<std::size_t>(length)))};
         }
     }
 }
@@ -117,7 +119,9 @@ NameList listDrivers() {
             return {};
         }
         if (isComplete(length, size) || size == kLargest) {
-            NameList drivers{length, splitNames(std::string_view(buffer).substr(0, length))};
+            NameList drivers{.length = length,
+                             .isCut = !isComplete(length, size),
+                             .names = splitNames(std::string_view(buffer).substr(0, length))};
             // A list that fills the buffer was cut, within its last name as likely as not.
             if (length == size && !drivers.names.empty()) {
                 drivers.names.pop_back();

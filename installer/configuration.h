@@ -29,6 +29,7 @@ enum class Growth { kByKilobyte, kByDoubling };
 // below 1 for a list that could not be read or is empty.
 struct NameList {
     int length = 0;
+    bool isCut = false;  // There is more than the library can tell.
     std::vector<std::string> names;
 };
 
@@ -62,7 +63,7 @@ void keepMemoryBetweenReads() noexcept;
 [[nodiscard]] std::string readValue(const std::string& section, const std::string& key, const std::string& file,
                                     std::size_t size = 1024);
 
-// The installed drivers in file order; the library reports at most 65,535 bytes of them.
+// The installed drivers in file order; the library tells at most 65,535 bytes of them.
 [[nodiscard]] NameList listDrivers();
 
 // Removes a user data source, its section and its line in the list of names. False when the library refuses; the reason

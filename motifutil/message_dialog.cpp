@@ -19,28 +19,47 @@ Widget Mdialog = nullptr;
 
 namespace {
 
-// Longer lines are harder to read, and a message box would otherwise be as wide as its longest line.
-constexpr std::size_t kLineLength = 68;
+// The share of the screen's width that a line may have, in percent.
+constexpr int kWidestLine = 75;
 
-std::string wrapped(const std::string& text) {
-    std::string result;
+// The text with more line breaks, in the place of blanks, where a line of it would be wider than `most` pixels. What
+// stands between quotation marks stays as it is: it may be a name.
+std::string wrapped(const std::string& text, XmRenderTable fonts, int most) {
+    std::string result = text;
     std::size_t lineStart = 0;
     std::size_t lastBlank = std::string::npos;
-    for (const char byte : text) {
-        if (byte == ' ') {
-            lastBlank = result.size();
-        }
-        result.push_back(byte);
-        if (byte == '\n') {
-            lineStart = result.size();
+    bool isQuoted = false;
+    for (std::size_t at = 0; at < result.size(); ++at) {
+        if (result[at] == '\n') {
+            lineStart = at + 1;
             lastBlank = std::string::npos;
-        } else if (result.size() - lineStart > kLineLength && lastBlank != std::string::npos) {
+        }
+        isQuoted = isQuoted != (result[at] == '"');
+        const bool endsWord = at + 1 == result.size() || result[at + 1] == ' ' || result[at + 1] == '\n';
+        if (!endsWord) {
+            continue;
+        }
+        const std::string line = result.substr(lineStart, at + 1 - lineStart);
+        if (lastBlank != std::string::npos && XmStringWidth(fonts, compoundString(line).get()) > most) {
             result[lastBlank] = '\n';
             lineStart = lastBlank + 1;
             lastBlank = std::string::npos;
         }
+        if (!isQuoted && at + 1 < result.size() && result[at + 1] == ' ') {
+            lastBlank = at + 1;
+        }
     }
     return result;
+}
+
+// Keeps the box on the screen.
+void wrapMessage(Widget box, const char* message) {
+    XmRenderTable fonts = nullptr;
+    XtVaGetValues(XtNameToWidget(box, "Message"), XmNrenderTable, &fonts, nullptr);
+    const std::string text = wrapped(message, fonts, WidthOfScreen(XtScreen(box)) * kWidestLine / 100);
+    if (text != message) {
+        XtVaSetValues(box, XmNmessageString, compoundString(text).get(), nullptr);
+    }
 }
 
 void forgetDestroyed(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
@@ -98,7 +117,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, const char* messag
     }
     const Kind& kind = kKinds[type];
     {
-        const XmStringPtr messageString = compoundString(wrapped(message));
+        const XmStringPtr messageString = compoundString(message);
         const XmStringPtr okString = compoundString(okLabel);
         const XmStringPtr cancelString = compoundString(cancelLabel);
         ArgumentList arguments;
@@ -118,6 +137,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, const char* messag
         }
         return nullptr;
     }
+    wrapMessage(dialog, message);
     setIcon(dialog, XmNsymbolPixmap, createIconPixmap(dialog, kind.icon));
     XtUnmanageChild(XtNameToWidget(dialog, "Help"));
     if (type != kQuestionDialog) {

@@ -18,7 +18,8 @@ extern Widget dialog;
 extern Widget Mdialog;
 
 // Makes a message box, unmanaged: the caller adds its callbacks and manages it. `type` is one of the kinds above: a
-// question has OK and Cancel, the others have OK alone. Long lines are wrapped. Texts are in the encoding of the locale
+// question has OK and Cancel, the others have OK alone. The message stands as it is given, but for lines that would not
+// fit on the screen. Texts are in the encoding of the locale
 // and copied. With an unknown type the out-of-memory box is shown over `parent` and the result is null.
 Widget createMessageDialog(Widget parent, unsigned long type, const char* message, const char* okLabel,
                            const char* cancelLabel, const char* title);

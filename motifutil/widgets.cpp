@@ -15,6 +15,7 @@
 #include <Xm/ToggleB.h>
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 #include "motifutil/catalog_text.h"
@@ -40,6 +41,24 @@ void setCursorVisible(Widget text, XtPointer visible, XtPointer /*callData*/) {
     XtVaSetValues(text, XmNcursorPositionVisible, visible != nullptr, nullptr);
 }
 
+// The default action of a list's row that has the keyboard, which a list of browse selection has selected. Motif's own
+// action would press the window's default button as well.
+void raiseDefaultAction(Widget list, XEvent* event, String* /*parameters*/, Cardinal* /*count*/) {
+    const int position = XmListGetKbdItemPos(list);
+    int count = 0;
+    XmStringTable items = nullptr;
+    XtVaGetValues(list, XmNitemCount, &count, XmNitems, &items, nullptr);
+    if (position < 1 || position > count) {
+        return;
+    }
+    XmListCallbackStruct call{};
+    call.reason = XmCR_DEFAULT_ACTION;
+    call.event = event;
+    call.item = items[position - 1];
+    call.item_position = position;
+    XtCallCallbacks(list, XmNdefaultActionCallback, &call);
+}
+
 }  // namespace
 
 XmStringPtr compoundString(const std::string& text) {
@@ -51,15 +70,22 @@ XmStringPtr compoundString(const std::string& text) {
 }
 
 std::string plainText(XmString text) {
-    // Without a mapping Motif leaves the ends of lines out.
+    // Without a mapping Motif leaves the ends of lines, and tabs, out.
     static char newline[] = "\n";
+    static char tab[] = "\t";
     const XmStringPtr separator(XmStringSeparatorCreate());
-    ArgumentList arguments;
-    arguments.set(XmNpattern, newline).set(XmNsubstitute, separator.get()).set(XmNincludeStatus, XmINSERT);
-    XmParseMapping mapping = XmParseMappingCreate(arguments.data(), arguments.size());
-    const XtTextPtr plain(
-        static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, &mapping, 1, XmOUTPUT_ALL)));
-    XmParseMappingFree(mapping);
+    const XmStringPtr tabulator(XmStringComponentCreate(XmSTRING_COMPONENT_TAB, 0, nullptr));
+    const auto mapping = [](char* pattern, XmString substitute) {
+        ArgumentList arguments;
+        arguments.set(XmNpattern, pattern).set(XmNsubstitute, substitute).set(XmNincludeStatus, XmINSERT);
+        return XmParseMappingCreate(arguments.data(), arguments.size());
+    };
+    std::array mappings{mapping(newline, separator.get()), mapping(tab, tabulator.get())};
+    const XtTextPtr plain(static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT,
+                                                             mappings.data(), mappings.size(), XmOUTPUT_ALL)));
+    for (XmParseMapping each : mappings) {
+        XmParseMappingFree(each);
+    }
     return plain ? std::string(plain.get()) : std::string();
 }
 
@@ -169,18 +195,29 @@ Widget createScrolledWindow(Widget parent, const char* name) {
                                         XmNscrollBarDisplayPolicy, XmAS_NEEDED, nullptr));
 }
 
-Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc doubleClicked,
-                  XtPointer clientData) {
+Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc acted,
+                  unsigned char sizePolicy) {
     // Browse selection: the callbacks that keep parallel lists in step are those of this policy.
     Widget list = made(XtVaCreateManagedWidget(name, xmListWidgetClass, parent, XmNselectionPolicy, XmBROWSE_SELECT,
-                                               XmNlistSizePolicy, XmVARIABLE, nullptr));
+                                               XmNlistSizePolicy, sizePolicy, nullptr));
     if (selected != nullptr) {
-        XtAddCallback(list, XmNbrowseSelectionCallback, selected, clientData);
+        XtAddCallback(list, XmNbrowseSelectionCallback, selected, nullptr);
     }
-    if (doubleClicked != nullptr) {
-        XtAddCallback(list, XmNdefaultActionCallback, doubleClicked, clientData);
+    if (acted != nullptr) {
+        XtAddCallback(list, XmNdefaultActionCallback, acted, nullptr);
+        keepReturnInList(list);
     }
     return list;
+}
+
+void keepReturnInList(Widget list) {
+    static char name[] = "RaiseDefaultAction";
+    XtActionsRec action{name, raiseDefaultAction};
+    // Under the same name it takes the place of itself.
+    XtAppAddActions(XtWidgetToApplicationContext(list), &action, 1);
+    XtOverrideTranslations(list, XtParseTranslationTable("<Key>osfActivate: RaiseDefaultAction()\n"
+                                                         "<Key>Return: RaiseDefaultAction()\n"
+                                                         "<Key>KP_Enter: RaiseDefaultAction()"));
 }
 
 void setLabel(Widget widget, const std::string& text) {

@@ -72,9 +72,12 @@ Widget createScrolledText(Widget parent, const char* name, short rows, short col
 Widget createTemplateDialog(Widget parent, const char* name, Message::Number title, XtCallbackProc closed);
 // A scrolled window that clips its work area and shows scroll bars as they are needed.
 Widget createScrolledWindow(Widget parent, const char* name);
-// A single-selection list that is as wide as its widest item.
-Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc doubleClicked,
-                  XtPointer clientData = nullptr);
+// A single-selection list, as wide as its widest item or, with XmCONSTANT, of a width of its own. `acted` is its
+// default action: a double click, and Return, which then presses no button of the window.
+Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc acted,
+                  unsigned char sizePolicy = XmVARIABLE);
+// Makes Return and the keypad's Enter raise the default action of the list and nothing else.
+void keepReturnInList(Widget list);
 
 void setLabel(Widget widget, const std::string& text);
 

@@ -75,8 +75,9 @@ TEST_F(FileDsnFileTest, TypedAttributesBecomeAConnectionStringAndAList) {
     std::free(list);
 
     EXPECT_EQ(connectionString("\n\nA=b=c\n\nOdbcDriver=1\n"), begin + "A=b=c;OdbcDriver=1;");
-    // One line that names the driver first, and nothing counts.
-    EXPECT_EQ(connectionString("\nmydriveroption=1\nUID=u"), begin);
+    // A first line that names the driver, and nothing counts; an empty one is a first line too.
+    EXPECT_EQ(connectionString("mydriveroption=1\nUID=u"), begin);
+    EXPECT_EQ(connectionString("\nmydriveroption=1\nUID=u"), begin + "mydriveroption=1;UID=u;");
     EXPECT_EQ(connectionString(""), begin);
     EXPECT_TRUE(createArray("X", nullptr));
 

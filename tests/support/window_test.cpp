@@ -66,11 +66,6 @@ private:
 
 [[maybe_unused]] const auto* const Registered = testing::AddGlobalTestEnvironment(new WindowEnvironment);
 
-std::string onOneLine(std::string text) {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return text;
-}
-
 }  // namespace
 
 WindowTest::WindowTest() {
@@ -234,7 +229,7 @@ std::string WindowTest::dialogText() {
     }
     XmString text = nullptr;
     XtVaGetValues(dialog, XmNmessageString, &text, nullptr);
-    return onOneLine(plainText(XmStringPtr(text).get()));
+    return plainText(XmStringPtr(text).get());
 }
 
 std::string WindowTest::answer(const char* button) {
@@ -250,7 +245,7 @@ std::string WindowTest::answer(const char* button) {
 }
 
 void WindowTest::expectReport(Message::Number text) {
-    EXPECT_EQ(answer("OK"), onOneLine(catalogText(text)));
+    EXPECT_EQ(answer("OK"), catalogText(text));
 }
 
 std::string WindowTest::calls() const {

@@ -51,7 +51,7 @@ protected:
 
     static std::vector<std::string> rows(Widget list);
 
-    // The text of the box that is up, lines joined by blanks; "(no dialog)" when none comes.
+    // The text of the box that is up; "(no dialog)" when none comes.
     static std::string dialogText();
     // Presses a button ("OK", "Cancel") of the box that is up, waits until it is gone and returns its text.
     static std::string answer(const char* button);
