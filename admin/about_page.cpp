@@ -17,6 +17,12 @@ Widget LblSAbtFile = nullptr;
 Widget LstAbtDesc = nullptr;
 Widget LstAbtVersion = nullptr;
 Widget LstAbtFile = nullptr;
+Widget LblAboutText = nullptr;
+Widget ScrAboutLabels = nullptr;
+Widget FormAboutLabels = nullptr;
+Widget ScrAboutLists = nullptr;
+Widget FormAboutLists = nullptr;
+Widget TxtAboutDesc = nullptr;
 
 namespace {
 
@@ -31,24 +37,24 @@ void scrolled(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData
 
 Widget createAboutForm(Widget notebook) {
     FrmAbout = createPage(notebook, "FrmAbout");
-    Widget heading = createLabel(FrmAbout, "LblAboutText", Message::kAboutHeading);
+    LblAboutText = createLabel(FrmAbout, "LblAboutText", Message::kAboutHeading);
 
-    Widget headers = createHeaderWindow(FrmAbout, "ScrAboutLabels");
-    Widget headerForm = createForm(headers, "FormAboutLabels");
-    LblAbtDesc = createLabel(headerForm, "LblAbtDesc", Message::kColumnDescription);
-    LblAbtVersion = createLabel(headerForm, "LblAbtVersion", Message::kColumnVersion);
-    LblSAbtFile = createLabel(headerForm, "LblSAbtFile", Message::kColumnFile);
+    ScrAboutLabels = createHeaderWindow(FrmAbout, "ScrAboutLabels");
+    FormAboutLabels = createForm(ScrAboutLabels, "FormAboutLabels");
+    LblAbtDesc = createLabel(FormAboutLabels, "LblAbtDesc", Message::kColumnDescription);
+    LblAbtVersion = createLabel(FormAboutLabels, "LblAbtVersion", Message::kColumnVersion);
+    LblSAbtFile = createLabel(FormAboutLabels, "LblSAbtFile", Message::kColumnFile);
 
-    Widget lists = createScrolledWindow(FrmAbout, "ScrAboutLists");
-    Widget table = createForm(lists, "FormAboutLists");
-    LstAbtDesc = createList(table, "LstAbtDesc", AboutTabItemSelected, nullptr);
-    LstAbtVersion = createList(table, "LstAbtVersion", AboutTabItemSelected, nullptr);
-    LstAbtFile = createList(table, "LstAbtFile", AboutTabItemSelected, nullptr);
+    ScrAboutLists = createScrolledWindow(FrmAbout, "ScrAboutLists");
+    FormAboutLists = createForm(ScrAboutLists, "FormAboutLists");
+    LstAbtDesc = createList(FormAboutLists, "LstAbtDesc", AboutTabItemSelected, nullptr);
+    LstAbtVersion = createList(FormAboutLists, "LstAbtVersion", AboutTabItemSelected, nullptr);
+    LstAbtFile = createList(FormAboutLists, "LstAbtFile", AboutTabItemSelected, nullptr);
 
-    Widget explanation = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
-    placeTable({heading, headers, lists, explanation, {}});
-    Components.adopt({{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}}, lists,
-                     scrolled);
+    TxtAboutDesc = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
+    placeTable({LblAboutText, ScrAboutLabels, ScrAboutLists, TxtAboutDesc, {}});
+    Components.adopt({{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}},
+                     ScrAboutLists, scrolled);
     populateAboutTab();
     setSizePosAboutTabWidgets();
     return FrmAbout;

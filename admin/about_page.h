@@ -4,6 +4,12 @@
 #include <Xm/Xm.h>
 
 extern Widget FrmAbout;
+extern Widget LblAboutText;
+extern Widget ScrAboutLabels;
+extern Widget FormAboutLabels;
+extern Widget ScrAboutLists;
+extern Widget FormAboutLists;
+extern Widget TxtAboutDesc;
 extern Widget LblAbtDesc;
 extern Widget LblAbtVersion;
 extern Widget LblSAbtFile;

@@ -23,6 +23,12 @@ Widget LstVersion = nullptr;
 Widget LstCompany = nullptr;
 Widget LstFile = nullptr;
 Widget LstDate = nullptr;
+Widget LbDDesc = nullptr;
+Widget TxtDriversDesc = nullptr;
+Widget scrolledWin1 = nullptr;
+Widget frmLabel = nullptr;
+Widget scrolledWin2 = nullptr;
+Widget FrmTable = nullptr;
 
 namespace {
 
@@ -70,30 +76,30 @@ DriverColumns describeDrivers(const std::vector<std::string>& names) {
 
 Widget createDriversPage(Widget notebook) {
     FrmDrivers = createPage(notebook, "FrmDrivers");
-    Widget heading = createLabel(FrmDrivers, "LbDDesc", Message::kDriversHeading);
-    Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
+    LbDDesc = createLabel(FrmDrivers, "LbDDesc", Message::kDriversHeading);
+    Attach(LbDDesc).topForm(kPageMargin).leftForm(kPageMargin);
 
     FormDrivers = createForm(FrmDrivers, "FormDrivers");
-    Attach(FormDrivers).below(heading, 0).leftForm().rightForm().bottomForm();
-    Widget explanation = createReadOnlyText(FormDrivers, "TxtDriversDesc", Message::kDriversExplanation, 2);
+    Attach(FormDrivers).below(LbDDesc, 0).leftForm().rightForm().bottomForm();
+    TxtDriversDesc = createReadOnlyText(FormDrivers, "TxtDriversDesc", Message::kDriversExplanation, 2);
 
-    Widget headers = createHeaderWindow(FormDrivers, "scrolledWin1");
-    Widget headerForm = createForm(headers, "frmLabel");
-    LbColName = createLabel(headerForm, "LbColName", Message::kColumnName);
-    LbColVersion = createLabel(headerForm, "LbColVersion", Message::kColumnVersion);
-    LbColCompany = createLabel(headerForm, "LbColCompany", Message::kColumnCompany);
-    LbColFile = createLabel(headerForm, "LbColFile", Message::kColumnFile);
-    LbColDate = createLabel(headerForm, "LbColDate", Message::kColumnDate);
+    scrolledWin1 = createHeaderWindow(FormDrivers, "scrolledWin1");
+    frmLabel = createForm(scrolledWin1, "frmLabel");
+    LbColName = createLabel(frmLabel, "LbColName", Message::kColumnName);
+    LbColVersion = createLabel(frmLabel, "LbColVersion", Message::kColumnVersion);
+    LbColCompany = createLabel(frmLabel, "LbColCompany", Message::kColumnCompany);
+    LbColFile = createLabel(frmLabel, "LbColFile", Message::kColumnFile);
+    LbColDate = createLabel(frmLabel, "LbColDate", Message::kColumnDate);
 
-    Widget lists = createScrolledWindow(FormDrivers, "scrolledWin2");
-    Widget table = createForm(lists, "FrmTable");
-    LstName = createList(table, "LstName", DriversTabEntrySelected, nullptr);
-    LstVersion = createList(table, "LstVersion", DriversTabEntrySelected, nullptr);
-    LstCompany = createList(table, "LstCompany", DriversTabEntrySelected, nullptr);
-    LstFile = createList(table, "LstFile", DriversTabEntrySelected, nullptr);
-    LstDate = createList(table, "LstDate", DriversTabEntrySelected, nullptr);
+    scrolledWin2 = createScrolledWindow(FormDrivers, "scrolledWin2");
+    FrmTable = createForm(scrolledWin2, "FrmTable");
+    LstName = createList(FrmTable, "LstName", DriversTabEntrySelected, nullptr);
+    LstVersion = createList(FrmTable, "LstVersion", DriversTabEntrySelected, nullptr);
+    LstCompany = createList(FrmTable, "LstCompany", DriversTabEntrySelected, nullptr);
+    LstFile = createList(FrmTable, "LstFile", DriversTabEntrySelected, nullptr);
+    LstDate = createList(FrmTable, "LstDate", DriversTabEntrySelected, nullptr);
 
-    placeTable({nullptr, headers, lists, explanation, {}});
+    placeTable({nullptr, scrolledWin1, scrolledWin2, TxtDriversDesc, {}});
     setSizePosForDriversWidgets(LstName, LstVersion, LstCompany, LstFile, LstDate, LbColName, LbColVersion,
                                 LbColCompany, LbColFile, LbColDate);
     Drivers.adopt({{LstName, LbColName},
@@ -101,7 +107,7 @@ Widget createDriversPage(Widget notebook) {
                    {LstCompany, LbColCompany},
                    {LstFile, LbColFile},
                    {LstDate, LbColDate}},
-                  lists, synchonizeScrollDT);
+                  scrolledWin2, synchonizeScrollDT);
     return FrmDrivers;
 }
 

@@ -4,6 +4,12 @@
 #include <Xm/Xm.h>
 
 extern Widget FrmDrivers;
+extern Widget LbDDesc;
+extern Widget TxtDriversDesc;
+extern Widget scrolledWin1;
+extern Widget frmLabel;
+extern Widget scrolledWin2;
+extern Widget FrmTable;
 extern Widget FormDrivers;
 extern Widget LbColName;
 extern Widget LbColVersion;

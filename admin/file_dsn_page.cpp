@@ -27,6 +27,7 @@ Widget BtnFDAdd = nullptr;
 Widget BtnFDRemove = nullptr;
 Widget BtnFDConfigure = nullptr;
 Widget BtnSetDirectory = nullptr;
+Widget separator3 = nullptr;
 
 namespace {
 
@@ -88,8 +89,10 @@ Widget createFileSelection(Widget parent) {
     }
     Widget files = XtNameToWidget(box, "*ItemsList");
     XtAddCallback(files, XmNdefaultActionCallback, btnFDConfigure_Clicked, nullptr);
-    keepReturnInList(files);
-    XtAddCallback(XtNameToWidget(box, "Text"), XmNactivateCallback, btnFDConfigure_Clicked, nullptr);
+    keepReturn(files);
+    Widget selected = XtNameToWidget(box, "Text");
+    XtAddCallback(selected, XmNactivateCallback, btnFDConfigure_Clicked, nullptr);
+    keepReturn(selected);
     XtManageChild(box);
     return box;
 }
@@ -126,8 +129,8 @@ Widget createFileDsnPage(Widget notebook, XtCallbackProc add) {
 
     TxtFDDesc = createReadOnlyText(frmFileDSN, "TxtFDDesc", Message::kFileDsnExplanation, 2);
     Attach(TxtFDDesc).leftForm(kPageMargin).rightForm(kPageMargin).bottomForm(kPageMargin);
-    Widget separator = createSeparator(frmFileDSN, "separator3");
-    Attach(separator).leftForm(kPageMargin).rightForm(kPageMargin).above(TxtFDDesc, kPageGap);
+    separator3 = createSeparator(frmFileDSN, "separator3");
+    Attach(separator3).leftForm(kPageMargin).rightForm(kPageMargin).above(TxtFDDesc, kPageGap);
 
     BtnFDAdd = createPushButton(frmFileDSN, "BtnFDAdd", Message::kFileDsnAdd, add);
     BtnFDRemove = createPushButton(frmFileDSN, "BtnFDRemove", Message::kFileDsnRemove, btnFDRemove_Clicked);
@@ -141,7 +144,7 @@ Widget createFileDsnPage(Widget notebook, XtCallbackProc add) {
 
     FSelect = createFileSelection(frmFileDSN);
     TxtDirectory = XtNameToWidget(FSelect, "DirText");
-    Attach(FSelect).topForm(kPageGap).leftForm(kPageGap).leftOf(BtnFDAdd, kPageMargin).above(separator, kPageGap);
+    Attach(FSelect).topForm(kPageGap).leftForm(kPageGap).leftOf(BtnFDAdd, kPageMargin).above(separator3, kPageGap);
     return frmFileDSN;
 }
 
@@ -155,9 +158,14 @@ void showFileDsnDirectory(const std::string& directory) {
 
 void refreshFileDsnPage() {
     const XmStringPtr selected = compoundString(selectionText());
+    const bool hadKeyboard = XmGetFocusWidget(FSelect) == fileList();
     XmFileSelectionDoSearch(FSelect, nullptr);
     if (XmListItemExists(fileList(), selected.get())) {
         XmListSelectItem(fileList(), selected.get(), True);
+    }
+    // The list lost it while it was empty.
+    if (hadKeyboard) {
+        XmProcessTraversal(fileList(), XmTRAVERSE_CURRENT);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 extern Widget frmFileDSN;
+extern Widget separator3;
 extern Widget TxtFDDesc;
 extern Widget FSelect;
 // The directory text of the file selection box; null, since a box that shows full paths has none.

@@ -28,6 +28,7 @@ Widget TbUserDSN = nullptr;
 Widget TbFileDSN = nullptr;
 Widget TbDrivers = nullptr;
 Widget TbAbout = nullptr;
+Widget Separator = nullptr;
 
 namespace {
 
@@ -142,9 +143,9 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         XtAddCallback(FrmMain, XmNhelpCallback, helpRequested, nullptr);
         TabManager = createNotebook(FrmMain);
         createButtonRow();
-        Widget separator = createSeparator(FrmMain, "Separator");
-        Attach(separator).leftForm().rightForm().above(BtnOK, kWindowGap);
-        Attach(TabManager).topForm(kWindowGap).leftForm(kWindowGap).rightForm(kWindowGap).above(separator, kWindowGap);
+        Separator = createSeparator(FrmMain, "Separator");
+        Attach(Separator).leftForm().rightForm().above(BtnOK, kWindowGap);
+        Attach(TabManager).topForm(kWindowGap).leftForm(kWindowGap).rightForm(kWindowGap).above(Separator, kWindowGap);
 
         createPages();
         fillPages();

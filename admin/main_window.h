@@ -4,6 +4,7 @@
 #include <Xm/Xm.h>
 
 extern Widget FrmMain;
+extern Widget Separator;
 extern Widget TabManager;
 extern Widget BtnOK;
 extern Widget BtnCancel;

@@ -26,6 +26,7 @@ Widget ScrWinLists = nullptr;
 Widget FormLists = nullptr;
 Widget LstUName = nullptr;
 Widget LstUDesc = nullptr;
+Widget LbDesc = nullptr;
 
 namespace {
 
@@ -45,6 +46,10 @@ std::string driverOf(const std::string& dataSource, std::size_t size) {
 
 // Reads names and drivers and fills the lists; false after the error that ends the program was shown.
 bool fillLists(Widget nameList, Widget driverList) {
+    if (!installer::isDataSourceFileReadable()) {
+        showODBCINIError();
+        return false;
+    }
     installer::NameList list =
         installer::listKeys(installer::kDataSourceList, installer::kDataSourceFile, installer::Growth::kByKilobyte);
     if (list.length <= kLongestEmptyList) {
@@ -121,7 +126,7 @@ Widget createUserDSNXmList(int flag, const char* name) {
 Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
     FormUserDSN = createPage(notebook, "FormUserDSN");
 
-    Widget heading = createLabel(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
+    LbDesc = createLabel(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
 
     ScrWinLabels = createHeaderWindow(FormUserDSN, "ScrWinLabels");
     FormLabels = createForm(ScrWinLabels, "FormLabels");
@@ -142,7 +147,7 @@ Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
 
     TxtODBCDesc = createReadOnlyText(FormUserDSN, "TxtODBCDesc", Message::kUserDsnExplanation, 2);
 
-    placeTable({heading, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
+    placeTable({LbDesc, ScrWinLabels, ScrWinLists, TxtODBCDesc, {BtnAdd, BtnRemove, BtnConfigure}});
     DataSources.adopt({{LstUName, LblName}, {LstUDesc, LblDriver}}, ScrWinLists, synchonizeScrollUD);
     return FormUserDSN;
 }

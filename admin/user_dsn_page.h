@@ -4,6 +4,7 @@
 #include <Xm/Xm.h>
 
 extern Widget FormUserDSN;
+extern Widget LbDesc;
 extern Widget BtnAdd;
 extern Widget BtnRemove;
 extern Widget BtnConfigure;

@@ -2,9 +2,14 @@
 
 #include <malloc.h>
 #include <odbcinst.h>
+#include <pwd.h>
 #include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -42,6 +47,16 @@ bool isMissingPath(const std::string& file) {
     return file.starts_with('/') && !std::filesystem::exists(file, ignored);
 }
 
+// Where the library has the user's data sources (SQLSetConfigMode, ODBC_USER_DSN): it takes the home directory from the
+// password entry, not from HOME.
+std::string dataSourcePath() {
+    if (const char* path = std::getenv("ODBCINI")) {
+        return path;
+    }
+    const passwd* entry = getpwuid(getuid());
+    return std::string(entry != nullptr ? entry->pw_dir : "") + "/" + kDataSourceFile;
+}
+
 std::string terminatedList(const std::vector<std::string>& items) {
     std::string list;
     for (const std::string& item : items) {
@@ -71,6 +86,15 @@ WritableConfiguration::~WritableConfiguration() {
 void keepMemoryBetweenReads() noexcept {
     constexpr int kKeptBytes = 256 << 20;
     mallopt(M_TRIM_THRESHOLD, kKeptBytes);
+}
+
+bool isDataSourceFileReadable() {
+    const std::string path = dataSourcePath();
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return errno == ENOENT || errno == ENOTDIR;
+    }
+    return (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode)) && access(path.c_str(), R_OK) == 0;
 }
 
 NameList listKeys(const std::string& section, const std::string& file, Growth growth) {

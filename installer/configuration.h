@@ -55,6 +55,10 @@ private:
 // that a long list takes to fill. For the whole process, so only for programs: call it once at start-up (mallopt(3)).
 void keepMemoryBetweenReads() noexcept;
 
+// False when there is a user's ".odbc.ini" that can't be read, for want of permission or because it is no file. To the
+// library that looks like an empty one. One that is missing is no failure.
+[[nodiscard]] bool isDataSourceFileReadable();
+
 // The keys of `section` in `file`, in file order, never cut short. A file named by an absolute path is looked at only
 // when it exists, since reading a missing one would create it.
 [[nodiscard]] NameList listKeys(const std::string& section, const std::string& file, Growth growth);

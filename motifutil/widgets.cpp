@@ -59,6 +59,12 @@ void raiseDefaultAction(Widget list, XEvent* event, String* /*parameters*/, Card
     XtCallCallbacks(list, XmNdefaultActionCallback, &call);
 }
 
+// The same for a text.
+void raiseActivate(Widget text, XEvent* event, String* /*parameters*/, Cardinal* /*count*/) {
+    XmAnyCallbackStruct call{XmCR_ACTIVATE, event};
+    XtCallCallbacks(text, XmNactivateCallback, &call);
+}
+
 }  // namespace
 
 XmStringPtr compoundString(const std::string& text) {
@@ -205,19 +211,23 @@ Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCa
     }
     if (acted != nullptr) {
         XtAddCallback(list, XmNdefaultActionCallback, acted, nullptr);
-        keepReturnInList(list);
+        keepReturn(list);
     }
     return list;
 }
 
-void keepReturnInList(Widget list) {
-    static char name[] = "RaiseDefaultAction";
-    XtActionsRec action{name, raiseDefaultAction};
-    // Under the same name it takes the place of itself.
-    XtAppAddActions(XtWidgetToApplicationContext(list), &action, 1);
-    XtOverrideTranslations(list, XtParseTranslationTable("<Key>osfActivate: RaiseDefaultAction()\n"
-                                                         "<Key>Return: RaiseDefaultAction()\n"
-                                                         "<Key>KP_Enter: RaiseDefaultAction()"));
+void keepReturn(Widget widget) {
+    static char listAction[] = "RaiseDefaultAction";
+    static char textAction[] = "RaiseActivate";
+    XtActionsRec actions[] = {{listAction, raiseDefaultAction}, {textAction, raiseActivate}};
+    // Under the same names they take the places of themselves.
+    XtAppAddActions(XtWidgetToApplicationContext(widget), actions, XtNumber(actions));
+    const std::string action = XmIsList(widget) ? listAction : textAction;
+    std::string table;
+    for (const char* key : {"osfActivate", "Return", "KP_Enter"}) {
+        table += std::string("<Key>") + key + ": " + action + "()\n";
+    }
+    XtOverrideTranslations(widget, XtParseTranslationTable(table.c_str()));
 }
 
 void setLabel(Widget widget, const std::string& text) {

@@ -274,13 +274,20 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
                             "DSN=" + path_ + "\0DRIVER={Talker}\0UID=u\0Empty=\0Long="s + longest + "\0\0"s, path_));
     EXPECT_EQ(DsnType, kFileDataSource);
 
+    for (Widget reached : {list, child(FSelect, "Text")}) {
+        XmProcessTraversal(reached, XmTRAVERSE_CURRENT);
+        key(XK_Return);
+        EXPECT_EQ(calls().substr(0, 2), "2 ") << XtName(reached);
+        EXPECT_EQ(XmGetFocusWidget(ShODBCAdmin), reached);
+    }
     clickRow(list, 2);
     click(BtnFDConfigure);
     expectReport(Message::kSetupLibraryNotLoaded);
     remove(other.c_str());
+    mkfifo(other.c_str(), 0600);  // to be opened by nobody
     click(BtnFDConfigure);
     expectReport(Message::kFileDsnUnreadable);
-    EXPECT_EQ(files.read("b.dsn"), kMissing);
+    remove(other.c_str());
     EXPECT_EQ(listed(), Rows{"a.dsn"});
 
     click(BtnSetDirectory);

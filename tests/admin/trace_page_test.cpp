@@ -67,6 +67,27 @@ TEST_F(TracePageTest, ApplyWaitsForAChangeAndReportsAWriteThatFails) {
     expectOn(true);
 }
 
+TEST_F(TracePageTest, PathsAreStoredExactlyOrNotAtAll) {
+    const std::string latin = "/tmp/\xe4 \xff.log";
+    const std::string before = "[ODBC]\nTRACE=1\nTraceFile=" + latin + "\n";
+    openPage(before.substr(7));
+    click(TgEnableTracing);
+    click(BtnApply);
+    EXPECT_EQ(files.section("ODBC"), "TRACE=0|TraceFile=" + latin + "|TraceDll=");
+    const std::string stored = files.read(OdbcFiles::kUser);
+    const std::pair<std::string, Message::Number> kRefused[] = {
+        {"/tmp/a.log\n[Section]", Message::kTraceTextHasLineBreak},
+        {"/" + std::string(990, 'p'), Message::kTraceTextTooLong},
+    };
+    for (const auto& [path, reason] : kRefused) {
+        XmTextSetString(TxtTraceLib, const_cast<char*>(path.c_str()));
+        XmToggleButtonSetState(TgEnableTracing, True, True);
+        click(BtnApply);
+        expectReport(reason);
+        EXPECT_EQ(files.read(OdbcFiles::kUser), stored);
+    }
+}
+
 TEST_F(TracePageTest, BrowsingFillsTheFieldOrLeavesIt) {
     const std::string log = files.write("one.log", "");
     openPage("TRACE=1\nTraceFile=/old\n");

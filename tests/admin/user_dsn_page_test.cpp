@@ -2,6 +2,7 @@
 
 #include <X11/keysym.h>
 #include <Xm/List.h>
+#include <sys/stat.h>
 
 #include "admin/driver_chooser.h"
 #include "admin/file_dsn_wizard.h"
@@ -198,6 +199,54 @@ TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
         EXPECT_TRUE(waitFor([] { return !isVisible(XtParent(DlgDriverPopup)); }));
     }
     EXPECT_EQ(calls(), "");
+}
+
+TEST_F(UserDsnPageTest, ReturnInAListConfiguresItsRowAndPressesNothing) {
+    openWith(kThree);
+    clickRow(LstUName, 3);
+    for (const KeySym enter : {XK_Return, XK_KP_Enter}) {
+        key(enter);
+        EXPECT_EQ(calls(), call(2, "Recorder", "DSN=Zone\0Driver=Recorder\0\0"s));
+    }
+    // What the driver throws is a setup that failed, and its library is closed all the same.
+    const ScopedEnvironment throwing{{"VH_TEST_RESULT", "throw"}};
+    key(XK_Return);
+    expectReport(Message::kSetupFailed);
+    clickFor(BtnAdd, DlgDriverPopup);
+    clickRow(LstDPName, 1);
+    calls();
+    key(XK_Return);
+    EXPECT_EQ(calls(), call(1, "Recorder"));
+}
+
+TEST_F(UserDsnPageTest, OddNamesActOnThemselvesOrNotAtAll) {
+    const std::string before =
+        "[ODBC Data Sources]\na\tb=Recorder\nab=Recorder\nPair=Recorder\nPAIR=Recorder\n"
+        "[a\tb]\nX=1\n[ab]\nX=2\n[Pair]\nX=3\n";
+    openWith(before);
+    EXPECT_EQ(rows(LstUName), (Rows{"a\tb", "ab", "Pair", "PAIR"}));
+    clickRow(LstUName, 1, 2);
+    EXPECT_EQ(calls(), call(2, "Recorder", "DSN=a\tb\0X=1\0\0"s));
+    for (const int row : {3, 4}) {
+        clickRow(LstUName, row);
+        for (Widget button : {BtnConfigure, BtnRemove}) {
+            click(button);
+            expectReport(Message::kNamesDifferInCase);
+        }
+    }
+    EXPECT_EQ(files.read(OdbcFiles::kUser), before);
+    clickRow(LstUName, 1);
+    click(BtnRemove);
+    answer("OK");
+    EXPECT_EQ(files.summary(), "ODBC Data Sources{ab=Recorder|Pair=Recorder|PAIR=Recorder} ab{X=2} Pair{X=3}");
+}
+
+TEST_F(UserDsnPageTest, AFileThatCannotBeReadEndsTheProgramWhateverElseIsReported) {
+    mkdir(files.path(OdbcFiles::kUser).c_str(), 0700);
+    // The missing driver file is reported later, and must not hide it.
+    files.write(OdbcFiles::kDrivers, "");
+    open();
+    EXPECT_EQ(dialogText(), catalogText(Message::kDataSourceFileUnreadable));
 }
 
 }  // namespace
