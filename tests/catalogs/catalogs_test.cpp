@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 #include <nl_types.h>
 
+#include <array>
+#include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -17,17 +20,16 @@ std::string contents(const std::string& name) {
     return text.str();
 }
 
-std::vector<std::smatch> matches(const std::string& text, const std::regex& pattern) {
-    return {std::sregex_iterator(text.begin(), text.end(), pattern), {}};
-}
-
 // The numbers of each enumeration of the header.
 std::map<std::string, std::set<int>> declaredNumbers() {
     const std::string header = contents("message_numbers.h");
     std::map<std::string, std::set<int>> numbers;
     std::map<std::string, int> byName;
     std::string space;
-    for (const std::smatch& match : matches(header, std::regex(R"(namespace (\w+) \{|(k\w+) = (\d+|[\w:]+),)"))) {
+    const std::regex line(R"(namespace (\w+) \{|(k\w+) = (\d+|[\w:]+),)");
+    for (auto found = std::sregex_iterator(header.begin(), header.end(), line); found != std::sregex_iterator();
+         ++found) {
+        const std::smatch& match = *found;
         if (match[1].matched) {
             space = match[1];
             continue;
@@ -41,32 +43,25 @@ std::map<std::string, std::set<int>> declaredNumbers() {
 }
 
 TEST(CatalogsTest, EveryNumberHasATextAndEveryTextANumber) {
-    struct Case {
-        const char *space, *name, *compiled;
-    };
-    constexpr Case kCases[] = {{"Message", "odbc", "odbc.m"},
-                               {"LibraryMessage", "vhutl23", "vhutl23.mo"},
-                               {"SetupMessage", "vhsetup23", "vhsetup23.mo"}};
     std::map<std::string, std::set<int>> declared = declaredNumbers();
-    ASSERT_EQ(declared.size(), std::size(kCases));
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(test.name);
-        const std::string source = contents("en_US/" + std::string(test.name) + ".msg");
-        EXPECT_TRUE(source.starts_with("$ codeset=UTF-8\n"));  // else gencat drops what is not ASCII
-        std::set<int> written;
-        for (const std::smatch& match : matches(source, std::regex(R"((?:^|\n)(\d+) )"))) {
-            const int number = std::stoi(match[1]);
-            EXPECT_TRUE(written.insert(number).second) << number << " twice";
-        }
-        EXPECT_EQ(written, declared[test.space]);
-
-        nl_catd catalog = catopen((VH_TEST_CATALOGS "/" + std::string(test.compiled)).c_str(), 0);
+    ASSERT_EQ(declared.size(), 3U);
+    for (const auto& [space, name, compiled] : {std::array{"Message", "odbc", "odbc.m"},
+                                                {"LibraryMessage", "vhutl23", "vhutl23.mo"},
+                                                {"SetupMessage", "vhsetup23", "vhsetup23.mo"}}) {
+        SCOPED_TRACE(name);
+        // Else gencat drops what is not ASCII.
+        EXPECT_TRUE(contents("en_US/" + std::string(name) + ".msg").starts_with("$ codeset=UTF-8\n"));
+        const nl_catd catalog = catopen((VH_TEST_CATALOGS "/" + std::string(compiled)).c_str(), 0);
         ASSERT_NE(catalog, reinterpret_cast<nl_catd>(-1));
-        for (const int number : declared[test.space]) {
-            const std::string text = catgets(catalog, 1, number, "");
-            EXPECT_FALSE(text.empty()) << number;
-            EXPECT_LE(text.size(), number == 7300 || number == 7301 ? 49U : 511U) << number;
+        std::set<int> written;
+        for (int number = 0; number <= UINT16_MAX; ++number) {
+            if (const char* text = catgets(catalog, 1, number, nullptr)) {
+                written.insert(number);
+                EXPECT_TRUE(*text != '\0' && std::strlen(text) <= (number == 7300 || number == 7301 ? 49 : 511))
+                    << number;
+            }
         }
+        EXPECT_EQ(written, declared[space]);
         catclose(catalog);
     }
 }

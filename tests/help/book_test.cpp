@@ -31,21 +31,14 @@ protected:
         address.pop_back();
         addresses_ += "[\"" + name + "\", \"" + address + "\"],\n";
     }
-    void openTopic(const char* topic) {
-        kvDisplayHelp(bytes("Administrator"), bytes(topic));
-        expectOpened(topic);
-    }
     void openTab(const std::string& name, int (*display)(const char*, const char*), const char* topic) {
-        ASSERT_EQ(WWHelp_Startup(root().c_str()), 0);
-        EXPECT_EQ(display("ODBC", topic), 0);
-        WWHelp_Shutdown();
-        expectOpened(name);
-    }
-    static std::string root() {
         std::array<unsigned char, 1044> buffer{};
         unsigned char* url = buffer.data();
         EXPECT_EQ(kvFindHelpRoot(bytes("Administrator"), &url, buffer.size()), 0);
-        return reinterpret_cast<char*>(buffer.data());
+        ASSERT_EQ(WWHelp_Startup(reinterpret_cast<char*>(buffer.data())), 0);
+        EXPECT_EQ(display("ODBC", topic), 0);
+        WWHelp_Shutdown();
+        expectOpened(name);
     }
     // What the reader found out, line by line.
     std::vector<std::string> read() const {
@@ -76,7 +69,8 @@ protected:
 TEST_F(BookTest, ShowsTopicsFindsWordsAndKeepsFavorites) {
     const std::string end = " - Varnholt ODBC Administrator Help ";
     for (const char* topic : {"userdsn", "filedsn", "drivers", "trace", "about", "setup", "nonsense"}) {
-        openTopic(topic);
+        kvDisplayHelp(bytes("Administrator"), bytes(topic));
+        expectOpened(topic);
     }
     // As the program makes it, without the help of the script between it and the browsers of today.
     addresses_ += "[\"four slashes\", \"File:///" + folder_.path("link") + "/wwhelp/wwhimpl/api.htm?topic=add\"],\n";
@@ -86,11 +80,8 @@ TEST_F(BookTest, ShowsTopicsFindsWordsAndKeepsFavorites) {
         "other book", [](const char*, const char* topic) { return WWHelp_DisplayHelpWithSearch("XY", topic); }, "add");
     openTab("navigation", WWHelp_DisplayHelpWithNavigation, "trace");
 
-    struct Case {
-        std::string beginning;  // of a line
-        std::string text;       // in the same line
-    };
-    const Case kCases[] = {
+    // How a line begins, and what is in it.
+    const std::pair<std::string, std::string> kCases[] = {
         {"userdsn: User data sources" + end + "[] ", "Only you see them"},
         {"filedsn: File data sources" + end + "[] ", "Verifying deletes the old file."},
         {"drivers: Drivers" + end + "[] ", "A row without version and company"},
@@ -114,10 +105,9 @@ TEST_F(BookTest, ShowsTopicsFindsWordsAndKeepsFavorites) {
     const std::vector<std::string> lines = read();
     auto line =
         std::find_if(lines.begin(), lines.end(), [](const std::string& text) { return text.starts_with("userdsn"); });
-    for (const Case& row : kCases) {
-        ASSERT_NE(line, lines.end()) << row.beginning;
-        EXPECT_EQ(line->substr(0, row.beginning.size()), row.beginning);
-        EXPECT_NE(line->find(row.text), std::string::npos) << *line;
+    for (const auto& [beginning, text] : kCases) {
+        ASSERT_NE(line, lines.end()) << beginning;
+        EXPECT_TRUE(line->starts_with(beginning) && line->find(text) != std::string::npos) << beginning << *line;
         ++line;
     }
 }

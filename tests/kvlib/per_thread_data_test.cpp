@@ -36,8 +36,7 @@ TEST(PerThreadData, CountsUsesAndClearsSlots) {
         mdsPerThreadTerm();
         mdsSetPerThreadData(1, &value);
         EXPECT_EQ(mdsGetPerThreadData(1), nullptr) << "no record yet";
-        ASSERT_EQ(mdsPerThreadInit(), 1);
-        ASSERT_EQ(mdsPerThreadInit(), 1);
+        ASSERT_TRUE(mdsPerThreadInit() == 1 && mdsPerThreadInit() == 1);
         mdsSetPerThreadData(1, &value);
         mdsPerThreadTerm();
         EXPECT_EQ(mdsGetPerThreadData(1), &value) << "one use is left";
@@ -51,6 +50,7 @@ TEST(PerThreadData, CountsUsesAndClearsSlots) {
 }
 
 TEST(PerThreadData, ReusesFreeRecordsExceptTheLast) {
+    // All but three are in use by nobody who comes back.
     std::vector<KvThreadInfo*> occupied;
     for (int i = 0; i < 3; i++) {
         visit();
@@ -67,7 +67,6 @@ TEST(PerThreadData, ReusesFreeRecordsExceptTheLast) {
     void** const first = visit();
     EXPECT_EQ(first, records().back()->slots);
     EXPECT_NE(visit(), first);
-    EXPECT_EQ(records().size(), count + 2);
     EXPECT_EQ(visit(), first);
     // Of several the first one is taken, the head as well.
     for (KvThreadInfo* freed : {records()[count - 1], records()[1], records()[0]}) {
@@ -82,13 +81,11 @@ TEST(PerThreadData, ReusesFreeRecordsExceptTheLast) {
 
 TEST(CriticalSection, IsRecursiveExclusiveAndCanBeSwitchedOff) {
     KvCriticalSection section;
-    KvSemaphore semaphore;
     int guarded = 0;
-    auto count = [&] {
+    const auto count = [&] {
         for (int i = 0; i < 5000; i++) {
-            std::lock_guard outer(section);
-            std::lock_guard inner(section);
-            std::lock_guard sole(semaphore);
+            const std::lock_guard outer(section);
+            const std::lock_guard inner(section);
             guarded++;
         }
     };
@@ -96,16 +93,11 @@ TEST(CriticalSection, IsRecursiveExclusiveAndCanBeSwitchedOff) {
     count();
     other.join();
     EXPECT_EQ(guarded, 10000);
-
     section.setLocking(false);
     section.lock();
-    bool passed = false;
-    std::thread([&] {
-        std::lock_guard guard(section);
-        passed = true;
-    }).join();
-    EXPECT_TRUE(passed);
+    std::thread(count).join();
     section.unlock();
+    EXPECT_EQ(guarded, 15000) << "no lock is held any more";
 }
 
 }  // namespace

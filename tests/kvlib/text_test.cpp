@@ -15,21 +15,15 @@ long offset(const char* text, const char* hit) {
     return hit == nullptr ? -1 : hit - text;
 }
 
-TEST(Text, RawComparisonIsUnsignedAndNormalised) {
+TEST(Text, BytesAreComparedUnsignedAndCopiesFitTheirBuffer) {
     EXPECT_EQ(BUTMMCMP("\x61", "\xE1", 1), -1);
     EXPECT_EQ(BUTMMCMP("a", "b", 0), 0);
     EXPECT_EQ(BUTSTCMP("ab\xFF", "abz"), 1);
-}
-
-TEST(Text, CopiesReturnTheTerminatorMoveOverlappingRangesAndFitTheirBuffer) {
     char buffer[16];
-    char* end = BUTSTCAT(BUTSTCPY(buffer, "ab") - 1, "cd");
+    EXPECT_EQ(BUTSTCAT(BUTSTCPY(buffer, "ab") - 1, "cd"), buffer + 4);
     EXPECT_STREQ(buffer, "abcd");
-    EXPECT_EQ(end, buffer + 4);
     BUTMMCPD(buffer + 1, buffer, 5);
     EXPECT_STREQ(buffer, "aabcd");
-    BUTMEMCP(buffer, buffer + 2, 4);
-    EXPECT_STREQ(buffer, "bcd");
     EXPECT_EQ(strCopy(buffer, "xyz", std::size_t{2}), buffer + 2);
     EXPECT_STREQ(buffer, "xy");
     for (const auto& [size, expected] : {std::pair{5U, "abcd"}, {4U, "abc"}, {1U, ""}, {0U, "########"}}) {
@@ -41,54 +35,41 @@ TEST(Text, CopiesReturnTheTerminatorMoveOverlappingRangesAndFitTheirBuffer) {
 }
 
 TEST(Text, StepsByWholeCharactersAndNeverOverTheEnd) {
-    struct Row {
-        const char* text;
-        kvCPType cp;
-        long step;
-    };
-    const Row rows[] = {{"", kCPShiftJis, 0},      {"a", kCPShiftJis, 1},        {kSo, kCPShiftJis, 2},
-                        {kSo, kCPLocale, 1},       {"\xB1z", kCPShiftJis, 1},  // half-width katakana
-                        {"\xB1z", kCPGbk, 2},      {"\x83", kCPShiftJis, 1},   // a lead byte cut off by the end
-                        {"\xC3\xA9z", kCPUtf8, 2}, {"\xE2\x82\xAC", kCPUtf8, 3}, {"\xF0\x9F\x98\x80", kCPUtf8, 4},
-                        {"\xE2\x82", kCPUtf8, 1},  // cut off
-                        {"\xC3(", kCPUtf8, 1},     // malformed
-                        {"\xC0\x80", kCPUtf8, 1}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(offset(row.text, kvCharNext(row.text, row.cp)), row.step) << row.text << " in " << row.cp;
+    // Half-width katakana, a lead byte cut off by the end and malformed sequences are single bytes.
+    const std::tuple<const char*, kvCPType, long> rows[] = {
+        {"", kCPShiftJis, 0},      {kSo, kCPShiftJis, 2},        {kSo, kCPLocale, 1},
+        {"\xB1z", kCPShiftJis, 1}, {"\xB1z", kCPGbk, 2},         {"\x83", kCPShiftJis, 1},
+        {"\xC3\xA9z", kCPUtf8, 2}, {"\xE2\x82\xAC", kCPUtf8, 3}, {"\xF0\x9F\x98\x80", kCPUtf8, 4},
+        {"\xE2\x82", kCPUtf8, 1},  {"\xC3(", kCPUtf8, 1},        {"\xC0\x80", kCPUtf8, 1}};
+    for (const auto& [text, page, step] : rows) {
+        EXPECT_EQ(offset(text, kvCharNext(text, page)), step) << text << " in " << page;
     }
     // In counted text the limit ends a character and a zero byte does not end the text.
     EXPECT_EQ(offset(kSo, kvCharNext(kSo, kSo + 1, kCPShiftJis)), 1);
-    const char zero[2] = {'\0', 'a'};
-    EXPECT_EQ(offset(zero, kvCharNext(zero, zero + 2, kCPShiftJis)), 1);
+    const char zeros[] = {'\0', 'a', 'b'};
+    EXPECT_EQ(offset(zeros, kvCharNext(zeros, zeros + 2, kCPShiftJis)), 1);
+    EXPECT_EQ(offset(zeros, strFind(zeros, 3, "b", 1, kCPLocale)), 2);
+    EXPECT_EQ(strFind("abcd", 3, "cd", 2, kCPLocale), nullptr) << "a hit must lie within the counted text";
 }
 
 TEST(Text, Finding) {
-    struct Row {
-        const char *text, *sub;
-        kvCPType cp;
-        long first, last;  // the last of the single byte, when sub is one
-    };
-    const Row rows[] = {{"a=b=c", "=", kCPLocale, 1, 3},        {"", "x", kCPLocale, -1, -1},
-                        {"\x83\x5C", "\\", kCPLocale, 1, 1},    {"\x83\x5C\\\x83\x5C", "\\", kCPShiftJis, 2, 2},
-                        {"ends=", "=", kCPLocale, 4, 4},        {"aab", "ab", kCPLocale, 1, 0},
-                        {"ab", "abc", kCPLocale, -1, 0},        {"ab", "", kCPLocale, -1, 0},
-                        {"\x83\x61z", "az", kCPShiftJis, -1, 0}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(offset(row.text, strFind(row.text, row.sub, row.cp)), row.first) << row.text << ' ' << row.sub;
-        if (BUTSTLEN(row.sub) == 1) {
-            EXPECT_EQ(offset(row.text, strFind(row.text, row.sub[0], row.cp)), row.first) << row.text;
-            EXPECT_EQ(offset(row.text, strFindReverse(row.text, row.sub[0], row.cp)), row.last) << row.text;
+    // The first place, and the last one of a single byte.
+    const std::tuple<const char*, const char*, kvCPType, long, long> rows[] = {
+        {"a=b=c", "=", kCPLocale, 1, 3}, {"a\x83\x5C\\b\x83\x5C", "\\", kCPShiftJis, 3, 3},
+        {"", "x", kCPLocale, -1, -1},    {"aab", "ab", kCPLocale, 1, 0},
+        {"ab", "", kCPLocale, -1, 0},    {"\x83\x61z", "az", kCPShiftJis, -1, 0}};
+    for (const auto& [text, sub, page, first, last] : rows) {
+        EXPECT_EQ(offset(text, strFind(text, sub, page)), first) << text << ' ' << sub;
+        if (BUTSTLEN(sub) == 1) {
+            EXPECT_EQ(offset(text, strFind(text, sub[0], page)), first) << text;
+            EXPECT_EQ(offset(text, strFindReverse(text, sub[0], page)), last) << text;
         }
     }
-    EXPECT_EQ(strFind("abcd", 3, "cd", 2, kCPLocale), nullptr) << "a hit must lie within the counted text";
-    const char zeros[] = {'a', '\0', 'b'};
-    EXPECT_EQ(offset(zeros, strFind(zeros, 3, "b", 1, kCPLocale)), 2);
 }
 
-TEST(Text, RightTrim) {
+TEST(Text, RightTrimAndComparisonWithoutCase) {
     for (const auto& [text, page, expected] : {std::tuple{" a b\t", kCPLocale, " a b"},
                                                {" \t\r\n\v\f", kCPLocale, ""},
-                                               {"", kCPLocale, ""},
                                                {"a\xA0", kCPLocale, "a\xA0"},
                                                {"\x83\x20 ", kCPShiftJis, "\x83\x20"}}) {
         char buffer[16];
@@ -96,22 +77,18 @@ TEST(Text, RightTrim) {
         strRightTrim(buffer, page);
         EXPECT_STREQ(buffer, expected);
     }
-}
-
-TEST(Text, CaseInsensitiveComparison) {
-    struct Row {
-        const char *a, *b;
-        kvCPType cp;
-        int expected;
-    };
-    for (const Row& row : {Row{"abc", "ABD", kCPLocale, -1}, Row{"abc", "ABC", kCPLocale, 0},
-                           Row{"ab", "a", kCPLocale, 1}, Row{"a", "AB", kCPLocale, -1}, Row{"_", "a", kCPLocale, 1},
-                           Row{"a\xE4", "a\xC4", kCPLocale, 1},            // no characters before setlocale
-                           Row{"x\x83\x61", "X\x83\x41", kCPShiftJis, 1},  // trail bytes are not letters
-                           Row{"x\x83\x61", "X\x83\x41", kCPLocale, 0},    // but they are when read by bytes
-                           Row{"\x83\x41z", "\x83\x41Z", kCPShiftJis, 0}, Row{"\x83\x41", "\x83", kCPShiftJis, 1},
-                           Row{"\x83\x41", "", kCPShiftJis, 1}, Row{"\xC3\xA9", "\xC3\x89", kCPUtf8, 1}}) {
-        EXPECT_EQ(strCompareCi(row.a, row.b, row.cp), row.expected) << row.a << " against " << row.b;
+    // Trail bytes are not letters, but they are when read by bytes; before setlocale nothing beyond ASCII is one.
+    const std::tuple<const char*, const char*, kvCPType, int> rows[] = {{"abc", "ABD", kCPLocale, -1},
+                                                                        {"abc", "ABC", kCPLocale, 0},
+                                                                        {"ab", "a", kCPLocale, 1},
+                                                                        {"_", "a", kCPLocale, 1},
+                                                                        {"a\xE4", "a\xC4", kCPLocale, 1},
+                                                                        {"x\x83\x61", "X\x83\x41", kCPShiftJis, 1},
+                                                                        {"x\x83\x61", "X\x83\x41", kCPLocale, 0},
+                                                                        {"\x83\x41z", "\x83\x41Z", kCPShiftJis, 0},
+                                                                        {"\x83\x41", "\x83", kCPShiftJis, 1}};
+    for (const auto& [a, b, page, expected] : rows) {
+        EXPECT_EQ(strCompareCi(a, b, page), expected) << a << " against " << b;
     }
 }
 
@@ -131,24 +108,20 @@ TEST(Text, UpperCaseFollowsTheLocaleAndKeepsTheLength) {
 }
 
 TEST(Text, ConversionBothWays) {
-    struct Row {
-        kvCPType cp;
-        std::string bytes;
-        std::u16string wide;
-    };
     const std::string longBytes(5000, 'x');
-    const Row rows[] = {{kCPUtf8, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
-                        {kCPUtf8, longBytes + "\xC3\xA9", std::u16string(5000, u'x') + u"\u00E9"},
-                        {kCPUtf8, std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
-                        {kCPShiftJis, "\x83\x5C\xB1", u"\u30BD\uFF71"},
-                        {kCPGbk, "\xD6\xD0", u"\u4E2D"},
-                        {kCPKorean, "\xB0\xA1", u"\uAC00"},
-                        {kCPBig5, "\xA4\xA4", u"\u4E2D"},
-                        {kCPLocale, "plain", u"plain"},
-                        {kCPUtf8, "", u""}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(toUtf16(row.bytes, row.cp), row.wide) << row.cp;
-        EXPECT_EQ(fromUtf16(row.wide, row.cp), row.bytes) << row.cp;
+    const std::tuple<kvCPType, std::string, std::u16string> rows[] = {
+        {kCPUtf8, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
+        {kCPUtf8, longBytes + "\xC3\xA9", std::u16string(5000, u'x') + u"\u00E9"},
+        {kCPUtf8, std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
+        {kCPShiftJis, "\x83\x5C\xB1", u"\u30BD\uFF71"},
+        {kCPGbk, "\xD6\xD0", u"\u4E2D"},
+        {kCPKorean, "\xB0\xA1", u"\uAC00"},
+        {kCPBig5, "\xA4\xA4", u"\u4E2D"},
+        {kCPLocale, "plain", u"plain"},
+    };
+    for (const auto& [page, bytes, wide] : rows) {
+        EXPECT_EQ(toUtf16(bytes, page), wide) << page;
+        EXPECT_EQ(fromUtf16(wide, page), bytes) << page;
     }
     EXPECT_EQ(toUtf16("a\xFF\x62\xE2\x82", kCPUtf8), u"a\uFFFDb\uFFFD") << "malformed inside and cut off at the end";
     EXPECT_EQ(fromUtf16(u"\U0001F600z", kCPShiftJis).back(), 'z') << "what the page lacks is replaced";

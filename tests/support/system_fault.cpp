@@ -27,37 +27,28 @@ bool isNow(bool counts) {
 template <typename Call>
 auto meet(int descriptor, Call call) -> decltype(call()) {
     const SystemFault* const now = SystemFault::active;
-    if (now == nullptr) {
+    const bool isFirst = now != nullptr && isNow(now->fault != Fault::kFileEnds && now->fault != Fault::kMemoryEnds);
+    const bool diskIsGone = now != nullptr && now->fault == Fault::kDiskIsGone;
+    if (!isFirst && !(diskIsGone && now->happened() && descriptor != kRemoval)) {
         return call();
     }
-    const bool isFirst = isNow(now->fault != Fault::kFileEnds && now->fault != Fault::kMemoryEnds);
-    if (isFirst || (now->fault == Fault::kDiskIsGone && now->happened() && descriptor != kRemoval)) {
-        if (now->fault == Fault::kKilled) {
-            raise(SIGKILL);
-        }
-        if (now->fault != Fault::kDescriptorIsClosed || descriptor < 0) {
-            if (isFirst && descriptor >= 0 &&
-                (now->fault == Fault::kActsAndFails || now->fault == Fault::kDiskIsGone)) {
-                call();
-            }
-            errno = now->error;
-            return -1;
-        }
-        syscall(SYS_close, descriptor);
+    if (now->fault == Fault::kKilled) {
+        raise(SIGKILL);
     }
-    return call();
+    if (now->fault == Fault::kIsClosed && descriptor >= 0) {
+        syscall(SYS_close, descriptor);
+        return call();
+    }
+    if (isFirst && descriptor >= 0 && (now->fault == Fault::kActsAndFails || diskIsGone)) {
+        call();
+    }
+    errno = now->error;
+    return -1;
 }
 
 bool fileEnds() {
     SystemFault* const now = SystemFault::active;
     return now != nullptr && now->fault == Fault::kFileEnds && now->stepsLeft-- <= 0;
-}
-
-int counted(int descriptor) {
-    if (SystemFault::active != nullptr) {
-        ++SystemFault::active->syncs;
-    }
-    return descriptor;
 }
 
 }  // namespace
@@ -71,7 +62,7 @@ int counted(int descriptor) {
 
 extern "C" {
 WRAP(int, close, descriptor, (int descriptor), (descriptor))
-WRAP(int, fsync, counted(descriptor), (int descriptor), (descriptor))
+WRAP(int, fsync, (++syncs, descriptor), (int descriptor), (descriptor))
 WRAP(int, fchmod, descriptor, (int descriptor, mode_t mode), (descriptor, mode))
 WRAP(int, fchown, descriptor, (int descriptor, uid_t user, gid_t group), (descriptor, user, group))
 WRAP(int, ftruncate, descriptor, (int descriptor, off_t size), (descriptor, size))

@@ -4,20 +4,11 @@
 #include <cerrno>
 #include <functional>
 
-enum class Fault {
-    kFails,
-    kFailsWithoutMemory,
-    kActsAndFails,
-    kDescriptorIsClosed,
-    kDiskIsGone,
-    kKilled,
-    kFileEnds,
-    kMemoryEnds
-};
+enum class Fault { kFailsWithoutMemory, kActsAndFails, kIsClosed, kDiskIsGone, kKilled, kFileEnds, kMemoryEnds };
 
-// While it lives, the file call number `step` (from 0) meets the fault: it fails with `systemError`, and there may be
-// no memory left to tell it, or it did its work all the same, if it has a descriptor; or it finds its descriptor
-// closed; or it fails after its work, and all after it but unlink fail too; or the process is killed before it. With
+// While it lives, the file call number `step` (from 0) meets the fault: it fails with `systemError`, and there is no
+// memory left to tell it, or it did its work all the same, if it has a descriptor; or it finds its descriptor closed;
+// or it fails after its work, and all after it but unlink fail too; or the process is killed before it. With
 // kFileEnds, read number `step` and all after it find the end of the file; with kMemoryEnds, allocation number `step`
 // throws. Every write ends after a few bytes. For one thread at a time. The text of EDQUOT is too long for a string
 // without an allocation.
@@ -36,9 +27,11 @@ public:
     const Fault fault;
     const int error;
     int stepsLeft;
-    int syncs = 0;  // how often something was brought to the disk
     static inline SystemFault* active = nullptr;
 };
+
+// How often something was brought to the disk.
+inline int syncs = 0;
 
 // What another program does in the next pause that our own code makes.
 inline std::function<void()> inThePause;
