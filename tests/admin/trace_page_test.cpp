@@ -1,13 +1,6 @@
 #include "tests/support/window_test.h"
 
-#include <X11/keysym.h>
-#include <Xm/Text.h>
 #include <Xm/ToggleB.h>
-
-#include "admin/globals.h"
-#include "admin/trace_page.h"
-#include "motifutil/catalog_text.h"
-#include "motifutil/widgets.h"
 
 namespace {
 
@@ -30,11 +23,9 @@ TEST_F(TracePageTest, StoredSettingsAreShownAndWakeNothing) {
     struct Case {
         const char* section;
         bool on;
-        const char* file;
-        const char* library;
+        const char *file, *library;
     };
     const Case kCases[] = {
-        {"", false, "", ""},
         {"TRACE=\n", false, "", ""},
         {"TRACE=0\nTraceFile=/tmp/a b.log\n", false, "/tmp/a b.log", ""},
         {"TRACE=1\nTraceDll=/usr/lib/t.so\n", true, "", "/usr/lib/t.so"},

@@ -1,9 +1,9 @@
 #include "tests/support/child_process.h"
 
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdio>
 #include <stdexcept>
 
@@ -12,14 +12,6 @@ namespace {
 int exitStatus(pid_t pid) {
     int status = 0;
     return waitpid(pid, &status, 0) == pid && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::array<int, 2> makePipe() {
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    return ends;
 }
 
 }  // namespace
@@ -34,23 +26,23 @@ int runInChild(const std::function<int()>& work) {
 }
 
 StayingChild::StayingChild(const std::function<bool()>& work) {
-    const std::array<int, 2> answer = makePipe();
-    const std::array<int, 2> release = makePipe();
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) {
+        throw std::runtime_error("no sockets");
+    }
     std::fflush(nullptr);
     pid_ = fork();
     char byte = 0;
     if (pid_ == 0) {
-        close(release[1]);
+        close(ends[0]);
         byte = work() ? 1 : 0;
-        const bool told = write(answer[1], &byte, 1) == 1;
+        const bool told = write(ends[1], &byte, 1) == 1;
         // Ends when the parent closes its end.
-        _exit(told && read(release[0], &byte, 1) == 0 ? 0 : 1);
+        _exit(told && read(ends[1], &byte, 1) == 0 ? 0 : 1);
     }
-    close(answer[1]);
-    close(release[0]);
-    worked_ = read(answer[0], &byte, 1) == 1 && byte == 1;
-    close(answer[0]);
-    release_ = release[1];
+    close(ends[1]);
+    release_ = ends[0];
+    worked_ = read(release_, &byte, 1) == 1 && byte == 1;
 }
 
 StayingChild::~StayingChild() {

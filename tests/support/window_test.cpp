@@ -2,8 +2,6 @@
 
 #include <Xm/Label.h>
 #include <Xm/LabelG.h>
-#include <Xm/List.h>
-#include <Xm/Text.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,15 +12,10 @@
 #include <stdexcept>
 
 #include "admin/dialogs.h"
-#include "admin/file_dsn_wizard.h"
-#include "admin/globals.h"
-#include "admin/lists.h"
 #include "admin/look.h"
-#include "admin/main_window.h"
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
-#include "motifutil/widgets.h"
 
 namespace {
 
