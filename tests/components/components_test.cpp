@@ -2,8 +2,6 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <odbcinstext.h>
-#include <sql.h>
-#include <sqlext.h>
 
 #include <algorithm>
 #include <cctype>
@@ -32,34 +30,12 @@ std::basic_string<Text> answer(const Library& library, const char* question) {
     return function == nullptr ? std::basic_string<Text>() : std::basic_string<Text>(function());
 }
 
-// The version of SQLite that answers on a connection through the driver manager.
-std::string connectedVersion() {
-    const OdbcFiles files;
-    SQLHENV environment = nullptr;
-    SQLHDBC connection = nullptr;
-    SQLHSTMT statement = nullptr;
-    SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment);
-    SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
-    SQLAllocHandle(SQL_HANDLE_DBC, environment, &connection);
-    std::string text = "DRIVER=" VH_TEST_SQLITE_DRIVER ";Database=" + files.path("test.db");
-    SQLCHAR version[100] = "(not connected)";
-    if (SQL_SUCCEEDED(SQLDriverConnect(connection, nullptr, reinterpret_cast<SQLCHAR*>(text.data()), SQL_NTS, nullptr,
-                                       0, nullptr, SQL_DRIVER_NOPROMPT))) {
-        SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement);
-        SQLCHAR query[] = "select sqlite_version()";
-        if (SQL_SUCCEEDED(SQLExecDirect(statement, query, SQL_NTS)) && SQL_SUCCEEDED(SQLFetch(statement))) {
-            SQLGetData(statement, 1, SQL_C_CHAR, version, sizeof version, nullptr);
-        }
-        SQLFreeHandle(SQL_HANDLE_STMT, statement);
-        SQLDisconnect(connection);
-    }
-    SQLFreeHandle(SQL_HANDLE_DBC, connection);
-    SQLFreeHandle(SQL_HANDLE_ENV, environment);
-    return reinterpret_cast<const char*>(version);
-}
-
 TEST(Components, TheSqliteDriverConnectsAndNamesTheSqliteThatAnswersIfAny) {
-    const std::string sqlite = connectedVersion();
+    const OdbcFiles files;
+    std::string sqlite =
+        outputOf("echo 'select sqlite_version()' | isql -b -d, -k 'DRIVER=" VH_TEST_SQLITE_DRIVER ";Database=" +
+                 files.path("test.db") + "'");
+    std::erase(sqlite, '\n');
     ASSERT_EQ(sqlite.substr(0, 2), "3.");
     const Library driver = load(VH_TEST_SQLITE_DRIVER);
     const std::string version = "05.30.0002 (SQLite " + sqlite + ")";

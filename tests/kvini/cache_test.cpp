@@ -385,8 +385,9 @@ TEST_F(IniFileTest, TheCopyOfTheOldTextIsNobodyElsesFile) {
     EXPECT_EQ(cache_.bosPutProfileString("S", "A", "2"), 1);
     EXPECT_EQ(files(), taken);
     for (int number = 2; number < 100; ++number) {
-        taken.insert("file.ini.~" + std::to_string(number) + "~");
-        folder_.write("file.ini.~" + std::to_string(number) + "~", "an editor's");
+        const std::string name = "file.ini.~" + std::to_string(number) + "~";
+        taken.insert(name);
+        folder_.write(name, "an editor's");
     }
     EXPECT_EQ(cache_.bosPutProfileString("S", "A", "3"), 1);
     EXPECT_EQ(files(), taken);
