@@ -1,5 +1,7 @@
 #include "tests/support/window_test.h"
 
+#include <tuple>
+
 using namespace std::string_literals;
 using Rows = std::vector<std::string>;
 
@@ -19,11 +21,7 @@ protected:
 };
 
 TEST_F(UserDsnPageTest, NamesAreSortedAsTheyAlwaysWere) {
-    struct Case {
-        const char* about;
-        Rows listed, shown;
-    };
-    const Case kCases[] = {
+    const std::tuple<const char*, Rows, Rows> kCases[] = {
         {"case does not count", {"b", "ABD", "abc"}, {"abc", "ABD", "b"}},
         {"exchanging turns equal names around", {"same", "SAME", "b"}, {"b", "SAME", "same"}},
         {"and keeps them when nothing is exchanged", {"same", "SAME", "t"}, {"same", "SAME", "t"}},
@@ -34,15 +32,15 @@ TEST_F(UserDsnPageTest, NamesAreSortedAsTheyAlwaysWere) {
     files.write(OdbcFiles::kSystem, "[ODBC Data Sources]\nOf the system=Recorder\n");
     open();
     EXPECT_EQ(rows(LstUName), Rows());
-    for (const Case& test : kCases) {
+    for (const auto& [about, listed, shown] : kCases) {
         std::string list = "[ODBC Data Sources]\n";
-        for (const std::string& name : test.listed) {
+        for (const std::string& name : listed) {
             list += name + "=Recorder\n";
         }
         files.write(OdbcFiles::kUser, list);
         populateUserDSN(LstUName, LstUDesc);
-        EXPECT_EQ(rows(LstUName), test.shown) << test.about;
-        EXPECT_EQ(rows(LstUDesc), Rows(test.shown.size(), "Recorder")) << test.about;
+        EXPECT_EQ(rows(LstUName), shown) << about;
+        EXPECT_EQ(rows(LstUDesc), Rows(shown.size(), "Recorder")) << about;
     }
 }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <tuple>
 
 #include "bos/errno_mapping.h"
 #include "kvlib/catalog.h"
@@ -60,12 +61,7 @@ protected:
 };
 
 TEST_F(FileTest, OpenFlagsCreateAndEmpty) {
-    const struct {
-        const char* label;
-        bool exists;
-        std::uint32_t flags;
-        const char *errors, *textAfter;
-    } rows[] = {
+    const std::tuple<const char*, bool, std::uint32_t, const char*, const char*> rows[] = {
         {"read/write does not create", false, kReadWrite, "1509", "(missing)"},
         {"create missing", false, kReadWrite | kCreateMissing, "", ""},
         {"create missing keeps an existing file", true, kReadWrite | kCreateMissing, "", "old"},
@@ -75,14 +71,14 @@ TEST_F(FileTest, OpenFlagsCreateAndEmpty) {
         {"exclusive create", false, kCreate | kExclusive, "", ""},
         {"exclusive create of an existing file", true, kCreate | kExclusive, "1520", "old"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
+    for (const auto& [label, exists, flags, errors, textAfter] : rows) {
+        SCOPED_TRACE(label);
         std::filesystem::remove(folder_.path("file"));
-        if (row.exists) {
+        if (exists) {
             folder_.write("file", "old");
         }
-        EXPECT_EQ(tryOpen(folder_.path("file"), row.flags), row.errors);
-        EXPECT_EQ(folder_.read("file"), row.textAfter);
+        EXPECT_EQ(tryOpen(folder_.path("file"), flags), errors);
+        EXPECT_EQ(folder_.read("file"), textAfter);
     }
 }
 
@@ -142,11 +138,7 @@ TEST_F(FileTest, FailuresOfTheSystemHaveTheLibrarysNumbers) {
 }
 
 TEST_F(FileTest, ErrorsTellTheNameAndTheReason) {
-    const struct {
-        const char* format;
-        int systemError;
-        const char *name, *expected;
-    } rows[] = {
+    const std::tuple<const char*, int, const char*, const char*> rows[] = {
         {"%s (%s)", ENOENT, nullptr, "gone"},
         {"%s (%s)", EAGAIN, "/n", "busy"},
         {"%s (%s)", EIO, "/n", "bad: /n"},
@@ -154,14 +146,14 @@ TEST_F(FileTest, ErrorsTellTheNameAndTheReason) {
         {"only %s", ENOTDIR, "/n", "bad: only Not a directory"},
         {"100%% %n%d %s %s %s %", ENOTDIR, "/n", "bad: 100% %n%d Not a directory /n %s %"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [format, systemError, name, expected] : rows) {
         folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo",
-                            {{1509, "gone"}, {1512, "busy"}, {30041, "bad"}, {30050, row.format}});
+                            {{1509, "gone"}, {1512, "busy"}, {30041, "bad"}, {30050, format}});
         bosFreeResourceDLL(nullptr, nullptr);
         strCopy(InstallDirLocation, kInstallDirSize, folder_.path().c_str());
         ErrorCollector errors;
-        bosMapError(row.systemError, row.name);
-        EXPECT_EQ(errors.lastText(), row.expected) << row.format;
+        bosMapError(systemError, name);
+        EXPECT_EQ(errors.lastText(), expected) << format;
     }
     bosFreeResourceDLL(nullptr, nullptr);
     *InstallDirLocation = '\0';

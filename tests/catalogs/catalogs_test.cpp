@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -41,28 +42,25 @@ std::map<std::string, std::set<int>> declaredNumbers() {
 }
 
 TEST(CatalogsTest, EveryNumberHasATextAndEveryTextANumber) {
-    struct Case {
-        const char *space, *name, *compiled;
-    };
-    constexpr Case kCases[] = {{"Message", "odbc", "odbc.m"},
-                               {"LibraryMessage", "vhutl23", "vhutl23.mo"},
-                               {"SetupMessage", "vhsetup23", "vhsetup23.mo"}};
+    const std::tuple<const char*, const char*, const char*> kCases[] = {{"Message", "odbc", "odbc.m"},
+                                                                        {"LibraryMessage", "vhutl23", "vhutl23.mo"},
+                                                                        {"SetupMessage", "vhsetup23", "vhsetup23.mo"}};
     std::map<std::string, std::set<int>> declared = declaredNumbers();
     ASSERT_EQ(declared.size(), std::size(kCases));
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(test.name);
-        const std::string source = contents("en_US/" + std::string(test.name) + ".msg");
+    for (const auto& [space, name, compiled] : kCases) {
+        SCOPED_TRACE(name);
+        const std::string source = contents("en_US/" + std::string(name) + ".msg");
         EXPECT_TRUE(source.starts_with("$ codeset=UTF-8\n"));  // else gencat drops what is not ASCII
         std::set<int> written;
         for (const std::smatch& match : matches(source, std::regex(R"((?:^|\n)(\d+) )"))) {
             const int number = std::stoi(match[1]);
             EXPECT_TRUE(written.insert(number).second) << number << " twice";
         }
-        EXPECT_EQ(written, declared[test.space]);
+        EXPECT_EQ(written, declared[space]);
 
-        nl_catd catalog = catopen((VH_TEST_CATALOGS "/" + std::string(test.compiled)).c_str(), 0);
+        nl_catd catalog = catopen((VH_TEST_CATALOGS "/" + std::string(compiled)).c_str(), 0);
         ASSERT_NE(catalog, reinterpret_cast<nl_catd>(-1));
-        for (const int number : declared[test.space]) {
+        for (const int number : declared[space]) {
             const std::string text = catgets(catalog, 1, number, "");
             EXPECT_FALSE(text.empty()) << number;
             EXPECT_LE(text.size(), number == 7300 || number == 7301 ? 49U : 511U) << number;

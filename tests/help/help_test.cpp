@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <functional>
 #include <string>
+#include <tuple>
 
 #include "help/browser_platform.h"
 #include "help/help_locator.h"
@@ -31,12 +32,7 @@ std::string made(Routine routine, const std::string& text) {
 }
 
 TEST(HelpUrl, IsEscapedAndUnescaped) {
-    struct Case {
-        const char* about;
-        Routine routine;
-        std::string in, out;
-    };
-    const Case kCases[] = {
+    const std::tuple<const char*, Routine, std::string, std::string> kCases[] = {
         {"query", WWHelp_URL_EscapeForJavaScript, "a?b&c", "a%3fb%26c"},
         {"all that are escaped", WWHelp_URL_EscapeForJavaScript, "\"%&'?\\", "%22%25%26%27%3f%5c"},
         {"bytes above 127", WWHelp_URL_EscapeForJavaScript, "\xc3\xa4/x y", "\xc3\xa4/x y"},
@@ -51,8 +47,8 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
          "fSetContextDocument(x);}else{y=eval('document.open();document.writeln(\\'<a "
          "href=\"'+x+'\">'+x+'</a>\\');document.close();');}"},
     };
-    for (const Case& row : kCases) {
-        EXPECT_EQ(made(row.routine, row.in), row.out) << row.about;
+    for (const auto& [about, routine, in, out] : kCases) {
+        EXPECT_EQ(made(routine, in), out) << about;
     }
 }
 

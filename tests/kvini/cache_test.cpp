@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "bos/file.h"
@@ -67,12 +68,7 @@ constexpr const char* kDefault = "(default)";
 
 TEST_F(IniFileTest, Lookups) {
     const std::string longName(300, 'n');
-    const struct {
-        const char* label;
-        std::string text;
-        const char *section, *entry;
-        std::string expected;
-    } rows[] = {
+    const std::tuple<const char*, std::string, const char*, const char*, std::string> rows[] = {
         {"names without case, trailing blanks kept", "[ODBC]\ndir = /x  \n", "odbc", "Dir", "/x  "},
         {"many equal signs and blanks", "[S]\nA \t== =b=c\n", "S", "A", "b=c"},
         {"value of blanks is empty", "[S]\nA=  \nB=2\n", "S", "A", kDefault},
@@ -103,10 +99,10 @@ TEST_F(IniFileTest, Lookups) {
         {"values end at 2,047 bytes", "[S]\nA=" + std::string(3000, 'v') + "\n", "S", "A", std::string(2047, 'v')},
         {"letters beyond ASCII match exactly", "[S]\n\xC4=1\n\xE4=2\n", "S", "\xE4", "2"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        load(row.text);
-        EXPECT_EQ(value(row.section, row.entry), row.expected);
+    for (const auto& [label, text, section, entry, expected] : rows) {
+        SCOPED_TRACE(label);
+        load(text);
+        EXPECT_EQ(value(section, entry), expected);
     }
 }
 

@@ -72,13 +72,7 @@ TEST_F(MessageCatalogTest, TheLocaleIsTheProcessesOrElseTheEnvironments) {
 
 TEST_F(MessageCatalogTest, LookupsAreCutAndFallBackToTheNumber) {
     const nl_catd open = OpenStrings(nullptr, "test.m");
-    const struct {
-        const char* label;
-        nl_catd handle;
-        std::uint32_t id;
-        std::int32_t size;
-        const char* expected;
-    } rows[] = {
+    const std::tuple<const char*, nl_catd, std::uint32_t, std::int32_t, const char*> rows[] = {
         {"cut", open, 2, 5, "Conf"},
         {"exactly full", open, 2, 10, "Configure"},
         {"size 0 trusts the buffer", open, 2, 0, "Configure"},
@@ -88,9 +82,9 @@ TEST_F(MessageCatalogTest, LookupsAreCutAndFallBackToTheNumber) {
         {"no catalog, cut as well", invalidCatalog(), 1016, 3, "10"},
         {"numbers are shown signed", invalidCatalog(), 0xFFFFFFFF, 64, "-1"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        EXPECT_EQ(lookUp(row.handle, row.id, row.size), row.expected);
+    for (const auto& [label, handle, id, size, expected] : rows) {
+        SCOPED_TRACE(label);
+        EXPECT_EQ(lookUp(handle, id, size), expected);
     }
     CloseStrings(open);
     const nl_catd ofALibrary = OpenStrings("test23", nullptr);

@@ -41,20 +41,16 @@ TEST(Text, CopiesReturnTheTerminatorMoveOverlappingRangesAndFitTheirBuffer) {
 }
 
 TEST(Text, StepsByWholeCharactersAndNeverOverTheEnd) {
-    struct Row {
-        const char* text;
-        kvCPType cp;
-        long step;
-    };
-    const Row rows[] = {{"", kCPShiftJis, 0},      {"a", kCPShiftJis, 1},        {kSo, kCPShiftJis, 2},
-                        {kSo, kCPLocale, 1},       {"\xB1z", kCPShiftJis, 1},  // half-width katakana
-                        {"\xB1z", kCPGbk, 2},      {"\x83", kCPShiftJis, 1},   // a lead byte cut off by the end
-                        {"\xC3\xA9z", kCPUtf8, 2}, {"\xE2\x82\xAC", kCPUtf8, 3}, {"\xF0\x9F\x98\x80", kCPUtf8, 4},
-                        {"\xE2\x82", kCPUtf8, 1},  // cut off
-                        {"\xC3(", kCPUtf8, 1},     // malformed
-                        {"\xC0\x80", kCPUtf8, 1}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(offset(row.text, kvCharNext(row.text, row.cp)), row.step) << row.text << " in " << row.cp;
+    const std::tuple<const char*, kvCPType, long> rows[] = {
+        {"", kCPShiftJis, 0},      {"a", kCPShiftJis, 1},        {kSo, kCPShiftJis, 2},
+        {kSo, kCPLocale, 1},       {"\xB1z", kCPShiftJis, 1},  // half-width katakana
+        {"\xB1z", kCPGbk, 2},      {"\x83", kCPShiftJis, 1},   // a lead byte cut off by the end
+        {"\xC3\xA9z", kCPUtf8, 2}, {"\xE2\x82\xAC", kCPUtf8, 3}, {"\xF0\x9F\x98\x80", kCPUtf8, 4},
+        {"\xE2\x82", kCPUtf8, 1},  // cut off
+        {"\xC3(", kCPUtf8, 1},     // malformed
+        {"\xC0\x80", kCPUtf8, 1}};
+    for (const auto& [text, cp, step] : rows) {
+        EXPECT_EQ(offset(text, kvCharNext(text, cp)), step) << text << " in " << cp;
     }
     // In counted text the limit ends a character and a zero byte does not end the text.
     EXPECT_EQ(offset(kSo, kvCharNext(kSo, kSo + 1, kCPShiftJis)), 1);
@@ -131,24 +127,20 @@ TEST(Text, UpperCaseFollowsTheLocaleAndKeepsTheLength) {
 }
 
 TEST(Text, ConversionBothWays) {
-    struct Row {
-        kvCPType cp;
-        std::string bytes;
-        std::u16string wide;
-    };
     const std::string longBytes(5000, 'x');
-    const Row rows[] = {{kCPUtf8, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
-                        {kCPUtf8, longBytes + "\xC3\xA9", std::u16string(5000, u'x') + u"\u00E9"},
-                        {kCPUtf8, std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
-                        {kCPShiftJis, "\x83\x5C\xB1", u"\u30BD\uFF71"},
-                        {kCPGbk, "\xD6\xD0", u"\u4E2D"},
-                        {kCPKorean, "\xB0\xA1", u"\uAC00"},
-                        {kCPBig5, "\xA4\xA4", u"\u4E2D"},
-                        {kCPLocale, "plain", u"plain"},
-                        {kCPUtf8, "", u""}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(toUtf16(row.bytes, row.cp), row.wide) << row.cp;
-        EXPECT_EQ(fromUtf16(row.wide, row.cp), row.bytes) << row.cp;
+    const std::tuple<kvCPType, std::string, std::u16string> rows[] = {
+        {kCPUtf8, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
+        {kCPUtf8, longBytes + "\xC3\xA9", std::u16string(5000, u'x') + u"\u00E9"},
+        {kCPUtf8, std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
+        {kCPShiftJis, "\x83\x5C\xB1", u"\u30BD\uFF71"},
+        {kCPGbk, "\xD6\xD0", u"\u4E2D"},
+        {kCPKorean, "\xB0\xA1", u"\uAC00"},
+        {kCPBig5, "\xA4\xA4", u"\u4E2D"},
+        {kCPLocale, "plain", u"plain"},
+        {kCPUtf8, "", u""}};
+    for (const auto& [cp, bytes, wide] : rows) {
+        EXPECT_EQ(toUtf16(bytes, cp), wide) << cp;
+        EXPECT_EQ(fromUtf16(wide, cp), bytes) << cp;
     }
     EXPECT_EQ(toUtf16("a\xFF\x62\xE2\x82", kCPUtf8), u"a\uFFFDb\uFFFD") << "malformed inside and cut off at the end";
     EXPECT_EQ(fromUtf16(u"\U0001F600z", kCPShiftJis).back(), 'z') << "what the page lacks is replaced";
