@@ -166,7 +166,7 @@ TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
         .enter({XK_Tab, XK_space, "x", XK_Escape})
         .then([] { EXPECT_EQ(field("TxtDatabase"), "/abcd"); })
         // The list of choices, the first of which leaves the setting to the driver, and the one that can be typed into.
-        .enter({XK_Tab, {XK_Up, 4}, XK_Tab, "own", XK_Tab, XK_Home, "xy", XK_Delete})
+        .enter({XK_Tab, {XK_Up, 4}, XK_Tab, "own ", XK_Tab, XK_Home, "xy", XK_Delete})
         .then([] { EXPECT_EQ(field("TxtPassword"), "*******"); })
         .enter({XK_Return})
         .run();
