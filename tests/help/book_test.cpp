@@ -86,11 +86,8 @@ TEST_F(BookTest, ShowsTopicsFindsWordsAndKeepsFavorites) {
         "other book", [](const char*, const char* topic) { return WWHelp_DisplayHelpWithSearch("XY", topic); }, "add");
     openTab("navigation", WWHelp_DisplayHelpWithNavigation, "trace");
 
-    struct Case {
-        std::string beginning;  // of a line
-        std::string text;       // in the same line
-    };
-    const Case kCases[] = {
+    // The beginning of a line, and a text in the same line.
+    const std::pair<std::string, std::string> kCases[] = {
         {"userdsn: User data sources" + end + "[] ", "Only you see them"},
         {"filedsn: File data sources" + end + "[] ", "Verifying deletes the old file."},
         {"drivers: Drivers" + end + "[] ", "A row without version and company"},
@@ -114,10 +111,10 @@ TEST_F(BookTest, ShowsTopicsFindsWordsAndKeepsFavorites) {
     const std::vector<std::string> lines = read();
     auto line =
         std::find_if(lines.begin(), lines.end(), [](const std::string& text) { return text.starts_with("userdsn"); });
-    for (const Case& row : kCases) {
-        ASSERT_NE(line, lines.end()) << row.beginning;
-        EXPECT_EQ(line->substr(0, row.beginning.size()), row.beginning);
-        EXPECT_NE(line->find(row.text), std::string::npos) << *line;
+    for (const auto& [beginning, text] : kCases) {
+        ASSERT_NE(line, lines.end()) << beginning;
+        EXPECT_EQ(line->substr(0, beginning.size()), beginning);
+        EXPECT_NE(line->find(text), std::string::npos) << *line;
         ++line;
     }
 }

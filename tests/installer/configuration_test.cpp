@@ -72,8 +72,7 @@ TEST_F(ConfigurationTest, ReadingFollowsOtherPrograms) {
     }
     EXPECT_EQ(files.read(OdbcFiles::kUser), "[S]\nk=new\n");
     // Missing names are not taken for "all of them".
-    EXPECT_EQ(value("", "k"), "");
-    EXPECT_EQ(value("S", ""), "");
+    EXPECT_EQ(value("", "k") + value("S", ""), "");
     EXPECT_EQ(keys("").names, Names());
 }
 
@@ -140,8 +139,7 @@ TEST_F(ConfigurationTest, AttributeListsReadBackAsTheyWereMade) {
     EXPECT_EQ(list, "DSN=a b\0Empty=\0Eq=x=y\0\0"s);
     EXPECT_EQ(installer::attributeList(installer::parseAttributeList(list.c_str())), list);
     EXPECT_EQ(installer::parseAttributeList("no value\0a=1\0").size(), 1U);
-    EXPECT_TRUE(installer::parseAttributeList("").empty());
-    EXPECT_TRUE(installer::parseAttributeList(nullptr).empty());
+    EXPECT_TRUE(installer::parseAttributeList("").empty() && installer::parseAttributeList(nullptr).empty());
 }
 
 }  // namespace

@@ -60,18 +60,17 @@ protected:
     void start(const std::string& title = kTitle, bool dialog = false) {
         program = std::make_unique<Program>(std::vector<std::string>{stage("bin/odbcadmin")}, files.path("output"));
         window = waitFor(title, dialog);
-        if (dialog) {
-            // The window manager gives the keyboard to the main window for a moment, which comes up last.
-            usleep(200'000);
-            window = waitFor(title, dialog);
-        }
     }
-    // Waits until the only window, or dialog, with this title has the keyboard.
+    // Waits until the only window, or dialog, with this title has the keyboard and keeps it: the window manager may
+    // give it to the window below for a moment.
     static Window waitFor(const std::string& title, bool dialog) {
+        constexpr int kLooks = 15;
         std::vector<Window> found;
+        int looks = 0;
         EXPECT_TRUE(waitUntil([&] {
             found = person().windows(title, dialog);
-            return found.size() == 1 && person().hasFocus(found.front());
+            looks = found.size() == 1 && person().hasFocus(found.front()) ? looks + 1 : 0;
+            return looks == kLooks;
         })) << title;
         return found.empty() ? None : found.front();
     }
