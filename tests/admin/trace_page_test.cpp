@@ -1,13 +1,8 @@
 #include "tests/support/window_test.h"
 
-#include <X11/keysym.h>
-#include <Xm/Text.h>
-#include <Xm/ToggleB.h>
+#include <tuple>
 
-#include "admin/globals.h"
-#include "admin/trace_page.h"
-#include "motifutil/catalog_text.h"
-#include "motifutil/widgets.h"
+#include <Xm/ToggleB.h>
 
 namespace {
 
@@ -27,14 +22,7 @@ protected:
 };
 
 TEST_F(TracePageTest, StoredSettingsAreShownAndWakeNothing) {
-    struct Case {
-        const char* section;
-        bool on;
-        const char* file;
-        const char* library;
-    };
-    const Case kCases[] = {
-        {"", false, "", ""},
+    const std::tuple<const char*, bool, const char*, const char*> kCases[] = {
         {"TRACE=\n", false, "", ""},
         {"TRACE=0\nTraceFile=/tmp/a b.log\n", false, "/tmp/a b.log", ""},
         {"TRACE=1\nTraceDll=/usr/lib/t.so\n", true, "", "/usr/lib/t.so"},
@@ -44,13 +32,13 @@ TEST_F(TracePageTest, StoredSettingsAreShownAndWakeNothing) {
     openPage("TRACE=1\nTraceFile=/at/first\n");
     EXPECT_FALSE(XtIsSensitive(BtnApply));
     expectOn(true);
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(test.section);
-        files.write(OdbcFiles::kUser, std::string("[ODBC]\n") + test.section);
+    for (const auto& [section, on, file, library] : kCases) {
+        SCOPED_TRACE(section);
+        files.write(OdbcFiles::kUser, std::string("[ODBC]\n") + section);
         Load_Trace();
-        expectOn(test.on);
-        EXPECT_EQ(textOf(TxtTraceFile), test.file);
-        EXPECT_EQ(textOf(TxtTraceLib), test.library);
+        expectOn(on);
+        EXPECT_EQ(textOf(TxtTraceFile), file);
+        EXPECT_EQ(textOf(TxtTraceLib), library);
     }
 }
 

@@ -1,14 +1,9 @@
 #include "tests/support/window_test.h"
 
-#include <X11/keysym.h>
-
 #include "admin/dialogs.h"
-#include "admin/globals.h"
 #include "kvlib/catalog.h"
-#include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
-#include "motifutil/widgets.h"
 #include "tests/support/error_collector.h"
 
 namespace {
@@ -20,9 +15,10 @@ protected:
     static Widget show(unsigned long type, const char* text) {
         Widget box = createMessageDialog(ShODBCAdmin, type, text, "Yes", "No", "Title");
         if (box != nullptr) {
-            XtAddCallback(box, XmNokCallback, note, const_cast<char*>("ok"));
-            XtAddCallback(box, XmNcancelCallback, note, const_cast<char*>("cancel"));
-            XtAddCallback(box, XmNdestroyCallback, note, const_cast<char*>("gone"));
+            for (const auto& [callback, what] :
+                 {std::pair{XmNokCallback, "ok"}, {XmNcancelCallback, "cancel"}, {XmNdestroyCallback, "gone"}}) {
+                XtAddCallback(box, callback, note, const_cast<char*>(what));
+            }
             XtManageChild(box);
         }
         return box;
@@ -37,31 +33,21 @@ protected:
 };
 
 TEST_F(MessageDialogTest, KeysAndTheWindowManagerAnswer) {
-    struct Case {
-        unsigned long type;
-        KeySym symbol, modifier;
-        const char* answer;
-    };
-    constexpr Case kCases[] = {
-        {kQuestionDialog, XK_Return, NoSymbol, "ok"},    {kQuestionDialog, XK_Escape, NoSymbol, "cancel"},
-        {kQuestionDialog, XK_F4, XK_Alt_L, "cancel"},    {kInformationDialog, XK_Return, NoSymbol, "ok"},
-        {kInformationDialog, XK_Escape, NoSymbol, "ok"}, {kInformationDialog, XK_F4, XK_Alt_L, "ok"},
-        {kErrorDialog, XK_Return, NoSymbol, "ok"},       {kErrorDialog, XK_Escape, NoSymbol, "ok"},
-        {kErrorDialog, XK_F4, XK_Alt_L, "ok"},
-    };
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(std::to_string(test.type) + " " + XKeysymToString(test.symbol));
-        Widget box = show(test.type, "Well?");
-        EXPECT_EQ(dialogText(), "Well?");
-        EXPECT_EQ(person().windows("Title", true).size(), 1U);
-        EXPECT_EQ(XtIsManaged(child(box, "Cancel")), test.type == kQuestionDialog);
-        EXPECT_FALSE(XtIsManaged(child(box, "Help")));
-        key(test.symbol, test.modifier);
-        EXPECT_TRUE(waitFor([] { return person().windows("Title", true).empty(); }));
-        EXPECT_EQ(noted(), test.answer);
-        // The next one replaces it.
-        createMessageDialog(ShODBCAdmin, kErrorDialog, "", "", "", "");
-        EXPECT_EQ(noted(), "gone");
+    for (const unsigned long type : {kQuestionDialog, kInformationDialog, kErrorDialog}) {
+        for (const KeySym symbol : {XK_Return, XK_Escape, XK_F4}) {
+            SCOPED_TRACE(std::to_string(type) + " " + XKeysymToString(symbol));
+            Widget box = show(type, "Well?");
+            EXPECT_EQ(dialogText(), "Well?");
+            EXPECT_EQ(person().windows("Title", true).size(), 1U);
+            EXPECT_EQ(XtIsManaged(child(box, "Cancel")), type == kQuestionDialog);
+            EXPECT_FALSE(XtIsManaged(child(box, "Help")));
+            key(symbol, symbol == XK_F4 ? XK_Alt_L : NoSymbol);
+            EXPECT_TRUE(waitFor([] { return person().windows("Title", true).empty(); }));
+            EXPECT_EQ(noted(), type == kQuestionDialog && symbol != XK_Return ? "cancel" : "ok");
+            // The next one replaces it.
+            createMessageDialog(ShODBCAdmin, kErrorDialog, "", "", "", "");
+            EXPECT_EQ(noted(), "gone");
+        }
     }
 }
 

@@ -29,15 +29,9 @@ const std::string kStock = "Stock{Driver=/drv.so|Database=/k.db}";
 const std::string kListed = "ODBC Data Sources{Sales=Drv|Stock=Drv}";
 const std::string kTrace = "ODBC{Trace=0}";
 
-struct LibraryCloser {
-    void operator()(void* handle) const { dlclose(handle); }
-};
-
 class ConfigDsnTest : public testing::Test {
 protected:
-    ConfigDsnTest() : library_(dlopen(VH_TEST_SETUP_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
-        files.write(OdbcFiles::kDrivers, "[Drv]\nDriver=/drv.so\n\n[Other]\nDriver=/other.so\n");
-    }
+    ConfigDsnTest() { files.write(OdbcFiles::kDrivers, "[Drv]\nDriver=/drv.so\n\n[Other]\nDriver=/other.so\n"); }
 
     // Calls ConfigDSN, or for a file ConfigFileDSN, with attributes between bars, none for "". The code of the
     // installer error that it left, 0 for success.
@@ -67,7 +61,7 @@ private:
         return reinterpret_cast<Function*>(dlsym(library_.get(), name));
     }
 
-    std::unique_ptr<void, LibraryCloser> library_;
+    std::unique_ptr<void, int (*)(void*)> library_{dlopen(VH_TEST_SETUP_LIBRARY, RTLD_NOW | RTLD_LOCAL), dlclose};
 };
 
 TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {

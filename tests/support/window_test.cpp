@@ -2,8 +2,6 @@
 
 #include <Xm/Label.h>
 #include <Xm/LabelG.h>
-#include <Xm/List.h>
-#include <Xm/Text.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,15 +12,10 @@
 #include <stdexcept>
 
 #include "admin/dialogs.h"
-#include "admin/file_dsn_wizard.h"
-#include "admin/globals.h"
-#include "admin/lists.h"
 #include "admin/look.h"
-#include "admin/main_window.h"
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
-#include "motifutil/widgets.h"
 
 namespace {
 
@@ -139,15 +132,13 @@ bool WindowTest::isVisible(Widget widget) {
 }
 
 Place WindowTest::placeOf(Widget widget) {
-    Position x = 0;
-    Position y = 0;
-    Dimension width = 0;
-    Dimension height = 0;
-    XtVaGetValues(widget, XmNx, &x, XmNy, &y, XmNwidth, &width, XmNheight, &height, nullptr);
-    Place place{XtWindowOfObject(widget), 0, 0, width, height};
+    Position at[2];
+    Dimension size[2];
+    XtVaGetValues(widget, XmNx, &at[0], XmNy, &at[1], XmNwidth, &size[0], XmNheight, &size[1], nullptr);
+    Place place{XtWindowOfObject(widget), 0, 0, size[0], size[1]};
     Window ignored = 0;
     const bool isGadget = !XtIsWidget(widget);
-    XTranslateCoordinates(display, place.window, DefaultRootWindow(display), isGadget ? x : 0, isGadget ? y : 0,
+    XTranslateCoordinates(display, place.window, DefaultRootWindow(display), isGadget ? at[0] : 0, isGadget ? at[1] : 0,
                           &place.x, &place.y, &ignored);
     return place;
 }
@@ -186,12 +177,10 @@ void WindowTest::click(Widget widget) {
 
 void WindowTest::clickRow(Widget list, int row, int times) {
     const Place place = placeOf(list);
-    Position x = 0;
-    Position y = 0;
-    Dimension width = 0;
-    Dimension height = 0;
-    ASSERT_TRUE(XmListPosToBounds(list, row, &x, &y, &width, &height)) << "no row " << row;
-    person().click(place.x + x + 8, place.y + y + height / 2, times);
+    Position at[2];
+    Dimension size[2];
+    ASSERT_TRUE(XmListPosToBounds(list, row, &at[0], &at[1], &size[0], &size[1])) << "no row " << row;
+    person().click(place.x + at[0] + 8, place.y + at[1] + size[1] / 2, times);
     settle();
 }
 

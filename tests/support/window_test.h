@@ -2,14 +2,28 @@
 #pragma once
 
 #include "tests/support/x_display.h"
-// Before this line nothing of X11.
-#include <Xm/Xm.h>
+// Before this line nothing of X11. What follows is the window with its pages, and what reads their widgets.
+#include <X11/keysym.h>
+#include <Xm/List.h>
+#include <Xm/Text.h>
 
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "catalogs/message_numbers.h"
+#include "admin/about_page.h"
+#include "admin/driver_chooser.h"
+#include "admin/drivers_page.h"
+#include "admin/file_dsn_page.h"
+#include "admin/file_dsn_wizard.h"
+#include "admin/file_name_screen.h"
+#include "admin/globals.h"
+#include "admin/lists.h"
+#include "admin/main_window.h"
+#include "admin/trace_page.h"
+#include "admin/user_dsn_page.h"
+#include "motifutil/catalog_text.h"
+#include "motifutil/widgets.h"
 #include "tests/support/odbc_files.h"
 
 // Each test has a configuration of its own, with the one driver "Recorder", whose setup library writes down its calls,

@@ -33,13 +33,10 @@ bool windowManagerRuns() {
     if (display == nullptr) {
         return false;
     }
-    int count = 0;
-    Atom* properties = XListProperties(display, DefaultRootWindow(display), &count);
-    const Atom wanted = XInternAtom(display, "_MOTIF_WM_INFO", False);
-    const bool found = std::find(properties, properties + count, wanted) != properties + count;
-    if (properties != nullptr) {
-        XFree(properties);
-    }
+    XTextProperty info{};
+    const bool found = XGetTextProperty(display, DefaultRootWindow(display), &info,
+                                        XInternAtom(display, "_MOTIF_WM_INFO", False)) != 0;
+    XFree(info.value);
     XCloseDisplay(display);
     return found;
 }
@@ -75,10 +72,6 @@ XPerson::~XPerson() {
     XCloseDisplay(display_);
 }
 
-void XPerson::press(unsigned int code, bool down) {
-    XTestFakeKeyEvent(display_, code, down ? True : False, CurrentTime);
-}
-
 void XPerson::key(KeySym symbol, KeySym modifier) {
     KeyCode code = XKeysymToKeycode(display_, symbol);
     if (code == 0) {
@@ -93,13 +86,10 @@ void XPerson::key(KeySym symbol, KeySym modifier) {
     const KeyCode shift =
         XkbKeycodeToKeysym(display_, code, 0, 0) != symbol ? XKeysymToKeycode(display_, XK_Shift_L) : KeyCode{0};
     const KeyCode held = modifier != NoSymbol ? XKeysymToKeycode(display_, modifier) : shift;
-    if (held != 0) {
-        press(held, true);
-    }
-    press(code, true);
-    press(code, false);
-    if (held != 0) {
-        press(held, false);
+    for (const auto& [pressed, down] : {std::pair{held, True}, {code, True}, {code, False}, {held, False}}) {
+        if (pressed != 0) {
+            XTestFakeKeyEvent(display_, pressed, down, CurrentTime);
+        }
     }
     XSync(display_, False);
 }
@@ -145,12 +135,11 @@ std::vector<Window> XPerson::children(Window window) {
 
 std::vector<Window> XPerson::windows(const std::string& title, bool dialogs) {
     std::vector<Window> found;
-    std::vector<Window> left{DefaultRootWindow(display_)};
-    while (!left.empty()) {
-        const Window window = left.back();
-        left.pop_back();
+    std::vector<Window> all{DefaultRootWindow(display_)};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const Window window = all[i];
         const std::vector<Window> inside = children(window);
-        left.insert(left.end(), inside.begin(), inside.end());
+        all.insert(all.end(), inside.begin(), inside.end());
         char* name = nullptr;
         if (XFetchName(display_, window, &name) != 0 && name != nullptr) {
             Window owner = None;

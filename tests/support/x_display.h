@@ -73,7 +73,6 @@ public:
     unsigned long pixel(Window window, int x, int y);
 
 private:
-    void press(unsigned int code, bool down);
     std::vector<Window> children(Window window);
 
     Display* display_;
