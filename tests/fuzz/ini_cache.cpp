@@ -1,8 +1,7 @@
 // The INI cache: lines with a section, a key and a value, then the text of the file.
 #include <algorithm>
 #include <fstream>
-#include <map>
-#include <utility>
+#include <sstream>
 #include <vector>
 
 #include "kvini/cache.h"
@@ -14,48 +13,39 @@
 
 namespace {
 
-using Names = std::vector<std::string>;
-using Entries = std::map<std::pair<std::string, std::string>, std::string>;
-
 constexpr std::size_t kSmallSizes = 8;
 constexpr std::size_t kListSize = 5000;  // beyond the longest input
 constexpr const char* kNone = "(none)";
 
-std::string lookUp(KvIniFileCache& cache, const char* section, const char* entry, std::size_t size = 2100) {
+std::string lookUp(KvIniFileCache& cache, const char* section, const char* entry, std::size_t size = kListSize) {
     std::vector<char> buffer(size);
     const unsigned long length = cache.bosGetProfileString(section, entry, kNone, buffer.data(), size);
     require(length <= size, "a result fits its buffer");
-    return {buffer.data(), entry == nullptr || section == nullptr ? length : std::min(length, size - (size > 0))};
+    return {buffer.data(), length};
 }
 
-Names names(const std::string& list) {
-    Names result;
-    std::string_view rest = list;
-    while (!rest.empty() && list != kNone) {
-        result.emplace_back(rest.substr(0, rest.find('\0')));
-        rest.remove_prefix(std::min(result.back().size() + 1, rest.size()));
+std::vector<std::string> names(KvIniFileCache& cache, const char* section) {
+    std::vector<std::string> result;
+    std::istringstream list(lookUp(cache, section, nullptr));
+    for (std::string name; std::getline(list, name, '\0');) {
+        result.push_back(name);
     }
     return result;
 }
 
-std::string trimmed(const std::string& key) {
-    const std::size_t begin = key.find_first_not_of(" \t");
-    return begin == std::string::npos ? "" : key.substr(begin, key.find_last_not_of(" \t") + 1 - begin);
-}
-
 // Whatever can be reached by the lists.
-Entries allEntries(KvIniFileCache& cache) {
-    Entries entries;
-    for (const std::string& section : names(lookUp(cache, nullptr, nullptr, kListSize))) {
-        for (const std::string& key : names(lookUp(cache, section.c_str(), nullptr, kListSize))) {
-            entries[{section, trimmed(key)}] = lookUp(cache, section.c_str(), trimmed(key).c_str());
+std::string allEntries(KvIniFileCache& cache) {
+    std::string entries;
+    for (const std::string& section : names(cache, nullptr)) {
+        for (const std::string& key : names(cache, section.c_str())) {
+            entries += section + '\n' + key + '\n' + lookUp(cache, section.c_str(), key.c_str()) + '\n';
         }
     }
     return entries;
 }
 
 bool isPlain(const std::string& name) {
-    return !name.empty() && name == trimmed(name) && name.find_first_of("=[];#\r") == std::string::npos;
+    return !name.empty() && name.find_first_of("=[];#\r\t ") == std::string::npos;
 }
 
 // A header that is not closed takes in what is appended, and so does an open line.
@@ -86,15 +76,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         lookUp(cache, section.c_str(), nullptr, small);
         lookUp(cache, nullptr, nullptr, small);
     }
+    char16_t wide[20];
     cache.bosGetProfileInt(section.c_str(), key.c_str(), 0);
-    std::vector<char16_t> wide(20);
-    cache.bosGetProfileStringW(toUtf16(section, kCPLocale).c_str(), nullptr, nullptr, wide.data(), wide.size());
+    cache.bosGetProfileStringW(toUtf16(section, kCPLocale).c_str(), nullptr, nullptr, wide, std::size(wide));
 
-    const Names sections = names(lookUp(cache, nullptr, nullptr, kListSize));
     // A zero byte in a name looks like its end.
-    const bool known = text.find('\0') == std::string_view::npos &&
-                       std::any_of(sections.begin(), sections.end(),
-                                   [&](const std::string& name) { return iniNamesEqual(name, section); });
+    const std::vector<std::string> sections = names(cache, nullptr);
+    const auto isSection = [&](const std::string& name) { return iniNamesEqual(name, section); };
+    const bool known = text.find('\0') == std::string_view::npos && std::ranges::any_of(sections, isSection);
     const bool isReadBack = isPlain(section) && isPlain(key) && !value.empty() && value.size() < 2048 &&
                             std::string_view(" \t=").find(value.front()) == std::string_view::npos &&
                             (known || canBeAppendedTo(text));

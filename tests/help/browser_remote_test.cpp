@@ -16,7 +16,7 @@ namespace {
 constexpr auto kWhile = std::chrono::milliseconds(150);
 constexpr const char* kStranger = "pid1@elsewhere";
 
-// A browser's window on a connection of its own, and what the browser does, in a thread.
+// A browser's window on a connection of its own, and what the browser does.
 class FakeBrowser {
 public:
     FakeBrowser() {

@@ -52,12 +52,6 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
 // A PATH of folders "a" and "b" in which browsers are scripts that write down their arguments.
 class BrowserTest : public testing::Test {
 protected:
-    // Waits for the address that nobody else waits for.
-    std::string opened(const std::string& until) const {
-        waitUntil([&] { return folder_.read("opened").find(until) != std::string::npos; });
-        return folder_.read("opened");
-    }
-
     TemporaryFolder folder_;
     ScopedEnvironment environment_{{"PATH", folder_.path("a") + "::" + folder_.path("b") + ":/bin:/usr/bin"},
                                    {"DISPLAY", ""},
@@ -86,7 +80,7 @@ TEST_F(BrowserTest, DirectoriesGoBeforeNames) {
 
 TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     writeScript(folder_, "a/iexplorer", recordAddress(folder_.path("opened")));
-    folder_.write("odbcinst.ini", "[Administrator]\nHelpRootDirectory=/opt/help\n[Empty]\nHelpRootDirectory=\n");
+    folder_.write("odbcinst.ini", "[Administrator]\nHelpRootDirectory=/opt/help\n");
     const auto text = [](const char* s) { return reinterpret_cast<const unsigned char*>(s); };
     ASSERT_EQ(WWHelp_Startup("File:///h"), 0);
     EXPECT_EQ(WWHelp_Startup("File:///h"), -1);
@@ -107,7 +101,7 @@ TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     const auto expectOpened = [&](int result, const std::string& query) {
         EXPECT_EQ(result, 0);
         expected += "File:///h/wwhelp/wwhimpl/api.htm" + query + "\n";
-        EXPECT_EQ(opened(expected), expected);
+        EXPECT_TRUE(waitUntil([&] { return folder_.read("opened") == expected; })) << folder_.read("opened");
     };
     for (const auto& view : kViews) {
         EXPECT_EQ(view.withTopic("", "t"), -1);
@@ -123,9 +117,6 @@ TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     EXPECT_EQ(kvFindHelpRoot(text("Administrator"), &url, sizeof buffer), 0);
     EXPECT_STREQ(reinterpret_cast<char*>(buffer), "File:////opt/he");
     EXPECT_EQ(kvFindHelpRoot(text("Administrator"), &url, 0), 1);
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(kvFindHelpRoot(text("Empty"), &url, sizeof buffer), 1);
-    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
     environment_.set("ODBCINST", folder_.path("nothing.ini"));
     testing::internal::CaptureStdout();
     kvDisplayHelp(text("Administrator"), text("userdsn"));

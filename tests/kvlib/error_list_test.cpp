@@ -14,11 +14,27 @@
 
 namespace {
 
+// With a catalog of the library's own name in an install directory of its own.
 class ErrorListTest : public testing::Test {
 protected:
-    ErrorListTest() { KvErrorKeeper::setErrorList(&list_); }
-    ~ErrorListTest() override { KvErrorKeeper::giveUpErrorList(); }
+    ErrorListTest() {
+        std::map<int, std::string> texts{{8, "file %1 is missing"}, {10, "x"}};
+        int number = 0;
+        for (const char* state : {"08S01", "01S01", "HY001x", "IM002", "42000", "HZ010", "01004"}) {
+            texts[++number] = state;
+        }
+        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo", texts);
+        bosFreeResourceDLL(nullptr, nullptr);
+        strCopy(InstallDirLocation, sizeof InstallDirLocation, folder_.path().c_str());
+        KvErrorKeeper::setErrorList(&list_);
+    }
+    ~ErrorListTest() override {
+        KvErrorKeeper::giveUpErrorList();
+        bosFreeResourceDLL(nullptr, nullptr);
+        InstallDirLocation[0] = '\0';
+    }
 
+    TemporaryFolder folder_;
     int owner_ = 0;
     KvErrorList list_{&owner_};
 };
@@ -128,28 +144,7 @@ TEST_F(ErrorListTest, PlacesAreFilledWithEveryKindOfValue) {
     EXPECT_EQ(list_.getLastError()->getInterfaceCode()[0], u'\0') << "appending clears the state";
 }
 
-// A catalog of the library's own name in an install directory of its own.
-class LibraryTextTest : public ErrorListTest {
-protected:
-    LibraryTextTest() {
-        std::map<int, std::string> texts{{8, "file %1 is missing"}, {10, "x"}};
-        int number = 0;
-        for (const char* state : {"08S01", "01S01", "HY001x", "IM002", "42000", "HZ010", "01004"}) {
-            texts[++number] = state;
-        }
-        folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo", texts);
-        bosFreeResourceDLL(nullptr, nullptr);
-        strCopy(InstallDirLocation, sizeof InstallDirLocation, folder_.path().c_str());
-    }
-    ~LibraryTextTest() override {
-        bosFreeResourceDLL(nullptr, nullptr);
-        InstallDirLocation[0] = '\0';
-    }
-
-    TemporaryFolder folder_;
-};
-
-TEST_F(LibraryTextTest, TextsByNumberAreOpenedWhenFirstNeeded) {
+TEST_F(ErrorListTest, TextsByNumberAreOpenedWhenFirstNeeded) {
     char16_t wide[kLibraryTextSize];
     char narrow[kLibraryTextSize];
     for (const auto& [number, text] : {std::pair{10U, "x"}, {77U, ""}, {4000000000U, ""}}) {
@@ -163,7 +158,7 @@ TEST_F(LibraryTextTest, TextsByNumberAreOpenedWhenFirstNeeded) {
     EXPECT_STREQ(list_.getLastError()->getErrorText(), "file /etc/odbc.ini is missingxfile %1 is missing");
 }
 
-TEST_F(LibraryTextTest, ErrorsAreOrderedByPositionAndState) {
+TEST_F(ErrorListTest, ErrorsAreOrderedByPositionAndState) {
     // The states of two errors, null for none, and those by number.
     const struct {
         const char16_t *a, *b;
