@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "bos/errno_mapping.h"
@@ -130,23 +131,25 @@ TEST_F(FileTest, FailuresTellTheNameAndTheReason) {
 
 TEST_F(FileTest, ADescriptorIsNeverZero) {
     const std::string path = folder_.write("file", "text");
-    const auto openWithout0 = [&path](std::uint32_t flags, rlim_t limit) {
+    const auto openInChild = [&path](bool hasInput, rlim_t limit, std::uint32_t flags) {
         return runInChild([=] {
+            const auto errors = hasInput ? std::make_unique<ErrorCollector>() : nullptr;
             const rlimit descriptors = {limit, limit};
-            ErrorCollector errors;
             int descriptor = 0;
-            close(0);
+            if (!hasInput) {
+                close(0);
+            }
             setrlimit(RLIMIT_NOFILE, &descriptors);
             if (openNamed(path, flags, descriptor) != 0) {
-                return errors.numbers() == "30045" ? 2 : 1;
+                return !errors || errors->numbers() == "30045" ? 2 : 1;
             }
             return descriptor > 0 && fcntl(0, F_GETFD) == -1 ? 0 : 1;
         });
     };
-    EXPECT_EQ(openWithout0(0, 100), 0);
-    EXPECT_EQ(openWithout0(kCreate, 100), 0);
-    EXPECT_EQ(openWithout0(0, 0), 2);
-    EXPECT_EQ(openWithout0(kCreate | kTruncate, 1), 1);
+    EXPECT_EQ(openInChild(false, 100, 0), 0);
+    EXPECT_EQ(openInChild(false, 100, kCreate), 0);
+    EXPECT_EQ(openInChild(false, 1, kCreate | kTruncate), 2);
+    EXPECT_EQ(openInChild(true, 0, 0), 2);
     EXPECT_EQ(folder_.read("file"), "text") << "a file is emptied only for who gets it";
 }
 

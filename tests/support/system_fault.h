@@ -1,6 +1,7 @@
 // Faults between the steps of an operation. The linker leads the file calls of our own code through here (--wrap).
 #pragma once
 
+#include <atomic>
 #include <cerrno>
 #include <functional>
 
@@ -31,7 +32,7 @@ public:
 };
 
 // How often something was brought to the disk.
-inline int syncs = 0;
+inline std::atomic<int> syncs = 0;
 
 // What another program does in the next pause that our own code makes.
 inline std::function<void()> inThePause;
