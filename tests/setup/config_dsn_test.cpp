@@ -20,14 +20,15 @@ namespace {
 constexpr unsigned int kBadName = ODBC_ERROR_INVALID_DSN;
 constexpr unsigned int kBadValue = ODBC_ERROR_INVALID_KEYWORD_VALUE;
 
+// With a comment, which any write would drop.
 constexpr const char* kTwo =
-    "[ODBC Data Sources]\nSales=Drv\nStock=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/s.db\nOdd Key=kept = so\nEmpty=\n\n"
-    "[Stock]\nDriver=/drv.so\nDatabase=/k.db\n\n[ODBC]\nTrace=0\n";
+    "# mine\n[ODBC Data Sources]\nSales=Drv\nStock=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/s.db\nOdd Key=kept = "
+    "so\nEmpty=\n\n"
+    "[Stock]\nDriver=/drv.so\nDatabase=/k.db\nGone=1\n\n[ODBC]\nTrace=0\n";
 // The same as read by OdbcFiles::summary().
-const std::string kSales = "Sales{Driver=Drv|Database=/s.db|Odd Key=kept = so|Empty=}";
-const std::string kStock = "Stock{Driver=/drv.so|Database=/k.db}";
-const std::string kListed = "ODBC Data Sources{Sales=Drv|Stock=Drv}";
-const std::string kTrace = "ODBC{Trace=0}";
+const std::string kSales = "Sales{Driver=Drv|Database=/s.db|Odd Key=kept = so|Empty=} ";
+const std::string kStockAndTrace = "Stock{Driver=/drv.so|Database=/k.db|Gone=1} ODBC{Trace=0}";
+const std::string kListed = "ODBC Data Sources{Sales=Drv|Stock=Drv} ";
 
 class ConfigDsnTest : public testing::Test {
 protected:
@@ -65,102 +66,63 @@ private:
 };
 
 TEST_F(ConfigDsnTest, RequestsChangeWhatTheyNameAndNothingElse) {
-    struct Case {
-        const char* about;
-        std::string before;
-        WORD request;
-        const char* driver;
-        std::string attributes, after;
-    };
     const std::string longest(995, 'v');
-    const Case kCases[] = {
-        {"one more", kTwo, ODBC_ADD_DSN, "Other", "Server=h|dsn= New ",
-         "ODBC Data Sources{Sales=Drv|Stock=Drv|New=Other} " + kSales + " " + kStock + " " + kTrace +
-             " New{Driver=Other|Server=h}"},
-        {"the first of all; another driver and empty values do not count, of one key twice the later one does", "",
-         ODBC_ADD_DSN, "Drv", "DRIVER=/evil.so|DSN=New|A=|B= b |c=1|C=2",
-         "New{Driver=Drv|B=b|c=2} ODBC Data Sources{New=Drv}"},
-        {"an existing name is replaced", kTwo, ODBC_ADD_DSN, "Other", "DSN=Sales|Server=h|Database=/s.db",
-         "ODBC Data Sources{Sales=Other|Stock=Drv} Sales{Driver=Other|Database=/s.db|Server=h} " + kStock + " " +
-             kTrace},
-        {"configure keeps what is not named, whatever its spelling", kTwo, ODBC_CONFIG_DSN, "Drv",
-         "DSN=Sales|DATABASE=/new.db|Extra=1",
-         kListed + " Sales{Driver=Drv|Database=/new.db|Odd Key=kept = so|Empty=|Extra=1} " + kStock + " " + kTrace},
-        {"an empty value deletes its key", kTwo, ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Database=|Empty=",
-         kListed + " Sales{Driver=Drv|Odd Key=kept = so|Empty=} " + kStock + " " + kTrace},
-        {"another driver", kTwo, ODBC_CONFIG_DSN, "Other", "DSN=Stock",
-         "ODBC Data Sources{Sales=Drv|Stock=Other} " + kSales + " Stock{Driver=Other|Database=/k.db} " + kTrace},
-        {"the same driver in another case is no other, and the driver's path stays", kTwo, ODBC_CONFIG_DSN, "dRV",
-         "DSN=Stock|X=1", kListed + " " + kSales + " Stock{Driver=/drv.so|Database=/k.db|X=1} " + kTrace},
-        {"the longest value", "[L]\nDriver=Drv\nKey=" + longest + "\nZ=1\n", ODBC_CONFIG_DSN, "Drv",
-         "DSN=L|Key2=" + longest.substr(1) + "|Z=2",
-         "L{Driver=Drv|Key=" + longest + "|Z=2|Key2=" + longest.substr(1) + "} ODBC Data Sources{L=Drv}"},
-        {"remove takes the section and the name", kTwo, ODBC_REMOVE_DSN, nullptr, "DSN=Sales",
-         "ODBC Data Sources{Stock=Drv} " + kStock + " " + kTrace},
-        {"remove what is listed without settings", "[ODBC Data Sources]\nGhost=Drv\nB=Drv\n\n[B]\nDriver=Drv\n",
-         ODBC_REMOVE_DSN, "Drv", "DSN=Ghost", "ODBC Data Sources{B=Drv} B{Driver=Drv}"}};
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(test.about);
-        files.write(OdbcFiles::kUser, test.before);
-        EXPECT_EQ(call(test.request, test.driver, test.attributes), 0U) << errorText;
-        EXPECT_EQ(files.summary(), test.after);
-    }
-}
-
-TEST_F(ConfigDsnTest, WhatCanNotBeDoneHasItsReasonAndLeavesTheFileAlone) {
-    struct Case {
-        const char* about;
-        WORD request;
-        const char* driver;
-        std::string attributes;
-        unsigned int code;
-        const char* textPart;
-    };
-    const Case kCases[] = {
-        {"unknown request", 9, "Drv", "DSN=Sales", ODBC_ERROR_INVALID_REQUEST_TYPE, "9"},
-        {"system request codes are not for drivers", ODBC_ADD_SYS_DSN, "Drv", "DSN=X", ODBC_ERROR_INVALID_REQUEST_TYPE,
-         "4"},
-        {"unknown driver", ODBC_ADD_DSN, "Nobody", "DSN=X", ODBC_ERROR_INVALID_NAME, "Nobody"},
-        {"no driver", ODBC_ADD_DSN, nullptr, "DSN=X", ODBC_ERROR_INVALID_NAME, ""},
-        {"forbidden character", ODBC_ADD_DSN, "Drv", "DSN=a;b", kBadName, "a;b"},
-        {"33 characters", ODBC_ADD_DSN, "Drv", "DSN=" + std::string(33, 'n'), kBadName, "32"},
-        {"a name that would be a comment in the list", ODBC_ADD_DSN, "Drv", "DSN=#1", kBadName, "#1"},
-        {"a section with a meaning", ODBC_ADD_DSN, "Drv", "DSN=odbc", kBadName, "odbc"},
-        {"the list itself", ODBC_ADD_DSN, "Drv", "DSN=ODBC Data Sources", kBadName, "section"},
-        {"configure nobody", ODBC_CONFIG_DSN, "Drv", "DSN=Nobody|A=1", kBadName, "Nobody"},
-        {"remove nobody", ODBC_REMOVE_DSN, "Drv", "DSN=Nobody", kBadName, "Nobody"},
-        {"no equals sign", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Trash", kBadValue, ""},
-        {"a key that would be a comment", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|B=2|#A=1", kBadValue, "#A"},
-        {"a key that would be a section", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|[A]=1", kBadValue, "[A]"},
-        {"line break", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|B=2|A=1\nTrace=1", kBadValue, "\"A\""},
-        {"too long", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Key=" + std::string(996, 'v'), kBadValue, "\"Key\""}};
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(test.about);
-        files.write(OdbcFiles::kUser, kTwo);
-        EXPECT_EQ(call(test.request, test.driver, test.attributes), test.code);
-        EXPECT_NE(errorText.find(test.textPart), std::string::npos) << errorText;
-        EXPECT_EQ(files.read(OdbcFiles::kUser), kTwo);
-    }
-}
-
-TEST_F(ConfigDsnTest, ConfigureWithNothingNewDoesNotTouchTheFile) {
-    // A comment and odd spacing, which any write would drop; a name that could not be given today.
     const std::string longName(40, 'n');
-    const std::string text =
-        "# mine\n[ODBC Data Sources]\n" + longName + " = Drv\n[" + longName + "]\nDriver = Drv\nA = 1\n";
-    files.write(OdbcFiles::kUser, text);
-    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", "DSN=" + longName + "|Driver=Drv|a=1|B="), 0U) << errorText;
-    EXPECT_EQ(files.read(OdbcFiles::kUser), text);
-    // And other programs' edits are seen.
-    files.write(OdbcFiles::kUser, kTwo);
-    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Database=/s.db"), 0U);
-    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nSales=Drv\n\n[Sales]\nDriver=Drv\nDatabase=/edited.db\n");
-    EXPECT_EQ(call(ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Database=/s.db"), 0U);
-    EXPECT_EQ(files.summary(), "ODBC Data Sources{Sales=Drv} Sales{Driver=Drv|Database=/s.db}");
+    const auto expectChange = [this](const char* about, const std::string& before, WORD request, const char* driver,
+                                     const std::string& attributes, const std::string& after) {
+        files.write(OdbcFiles::kUser, before);
+        EXPECT_EQ(call(request, driver, attributes), 0U) << about << errorText;
+        EXPECT_EQ(files.summary(), after) << about;
+    };
+    expectChange("the first of all; another driver and empty values do not count, of one key twice the later one does",
+                 "", ODBC_ADD_DSN, "Drv", "DRIVER=/evil.so|dsn= New |A=|B= b |c=1|C=2",
+                 "New{Driver=Drv|B=b|c=2} ODBC Data Sources{New=Drv}");
+    expectChange(
+        "an existing name is replaced", kTwo, ODBC_ADD_DSN, "Other", "DSN=Sales|Server=h|Database=/s.db",
+        "ODBC Data Sources{Sales=Other|Stock=Drv} Sales{Driver=Other|Database=/s.db|Server=h} " + kStockAndTrace);
+    expectChange("configure keeps what is not named, whatever its spelling", kTwo, ODBC_CONFIG_DSN, "Drv",
+                 "DSN=Sales|DATABASE=/new.db|Empty=|Extra=1",
+                 kListed + "Sales{Driver=Drv|Database=/new.db|Odd Key=kept = so|Empty=|Extra=1} " + kStockAndTrace);
+    expectChange(
+        "another driver, and an empty value that deletes its key", kTwo, ODBC_CONFIG_DSN, "Other", "DSN=Stock|Gone=",
+        "ODBC Data Sources{Sales=Drv|Stock=Other} " + kSales + "Stock{Driver=Other|Database=/k.db} ODBC{Trace=0}");
+    expectChange("the same driver in another case is no other, and the driver's path stays", kTwo, ODBC_CONFIG_DSN,
+                 "dRV", "DSN=Stock|GONE=1", kListed + kSales + kStockAndTrace);
+    expectChange("the longest value, of a name that could not be given today",
+                 "[" + longName + "]\nDriver=Drv\nKey=" + longest + "\nZ=1\n", ODBC_CONFIG_DSN, "Drv",
+                 "DSN=" + longName + "|Key2=" + longest.substr(1) + "|Z=2",
+                 longName + "{Driver=Drv|Key=" + longest + "|Z=2|Key2=" + longest.substr(1) + "} ODBC Data Sources{" +
+                     longName + "=Drv}");
+    expectChange("remove what is listed without settings", "[ODBC Data Sources]\nGhost=Drv\nB=Drv\n\n[B]\nDriver=Drv\n",
+                 ODBC_REMOVE_DSN, nullptr, "DSN=Ghost", "ODBC Data Sources{B=Drv} B{Driver=Drv}");
+}
+
+TEST_F(ConfigDsnTest, WhatCanNotBeDoneHasItsReasonAndLikeNothingNewLeavesTheFileAlone) {
+    const auto expectSame = [this](const char* about, WORD request, const char* driver, const std::string& attributes,
+                                   unsigned int code, const char* textPart) {
+        files.write(OdbcFiles::kUser, kTwo);
+        EXPECT_EQ(call(request, driver, attributes), code) << about;
+        EXPECT_NE(errorText.find(textPart), std::string::npos) << about << errorText;
+        EXPECT_EQ(files.read(OdbcFiles::kUser), kTwo) << about;
+    };
+    expectSame("nothing new", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Driver=Drv|database=/s.db|B=", 0, "");
+    expectSame("system request codes are not for drivers", ODBC_ADD_SYS_DSN, "Drv", "DSN=X",
+               ODBC_ERROR_INVALID_REQUEST_TYPE, "4");
+    expectSame("unknown driver", ODBC_ADD_DSN, "Nobody", "DSN=X", ODBC_ERROR_INVALID_NAME, "Nobody");
+    expectSame("33 characters", ODBC_ADD_DSN, "Drv", "DSN=" + std::string(33, 'n'), kBadName, "32");
+    expectSame("a name that would be a comment in the list", ODBC_ADD_DSN, "Drv", "DSN=#1", kBadName, "#1");
+    expectSame("a section with a meaning", ODBC_ADD_DSN, "Drv", "DSN=odbc", kBadName, "odbc");
+    expectSame("the list itself", ODBC_ADD_DSN, "Drv", "DSN=ODBC Data Sources", kBadName, "section");
+    expectSame("remove nobody", ODBC_REMOVE_DSN, "Drv", "DSN=Nobody", kBadName, "Nobody");
+    expectSame("no equals sign", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Trash", kBadValue, "");
+    expectSame("a key that would be a comment", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|B=2|#A=1", kBadValue, "#A");
+    expectSame("a key that would be a section", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|[A]=1", kBadValue, "[A]");
+    expectSame("line break", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|B=2|A=1\nTrace=1", kBadValue, "\"A\"");
+    expectSame("too long", ODBC_CONFIG_DSN, "Drv", "DSN=Sales|Key=" + std::string(996, 'v'), kBadValue, "\"Key\"");
 }
 
 TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
-    for (const UWORD mode : {UWORD{ODBC_BOTH_DSN}, UWORD{ODBC_USER_DSN}, UWORD{ODBC_SYSTEM_DSN}}) {
+    for (const UWORD mode : std::initializer_list<UWORD>{ODBC_BOTH_DSN, ODBC_USER_DSN, ODBC_SYSTEM_DSN}) {
         SCOPED_TRACE(mode);
         files.write(OdbcFiles::kUser, "");
         files.write(OdbcFiles::kSystem, "");
@@ -169,9 +131,8 @@ TEST_F(ConfigDsnTest, TheCallersModeDecidesWhoseDataSourcesAreMeantAndStays) {
         UWORD after = 99;
         SQLGetConfigMode(&after);
         EXPECT_EQ(after, mode);
-        const bool isSystem = mode == ODBC_SYSTEM_DSN;
-        EXPECT_TRUE(files.read(isSystem ? OdbcFiles::kSystem : OdbcFiles::kUser).starts_with("[New]\nDriver=Drv\n"));
-        EXPECT_EQ(files.read(isSystem ? OdbcFiles::kUser : OdbcFiles::kSystem), "");
+        EXPECT_EQ(files.read(OdbcFiles::kUser).empty(), mode == ODBC_SYSTEM_DSN);
+        EXPECT_EQ(files.read(OdbcFiles::kSystem).empty(), mode != ODBC_SYSTEM_DSN);
     }
     SQLSetConfigMode(ODBC_BOTH_DSN);
     files.write("plain", "");
@@ -193,12 +154,11 @@ TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAsk
                   0644},
              Case{"what is there is replaced, and its permission stays", "[ODBC]\nUID=old\n", ODBC_ADD_DSN, "",
                   "[ODBC]\nDriver=Drv\n\n", 0640},
-             Case{"configured: what is not named stays, in other sections too",
-                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\n\n[More]\nA=1\n", ODBC_CONFIG_DSN,
-                  "DSN=/a.dsn|uid=v|Unknown=1|PASSWORD=geheim",
-                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\n\n[More]\nA=1\n\n", 0640},
-             Case{"a password that is there stays, for its owner alone", "[ODBC]\nDriver=Drv\nPWD=geheim\n",
-                  ODBC_CONFIG_DSN, "UID=u|PWD=geheim", "[ODBC]\nDriver=Drv\nPWD=geheim\nUID=u\n\n", 0600},
+             Case{"configured: what is not named stays, in other sections too, and a password makes it its owner's "
+                  "alone",
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\nPWD=p\n\n[More]\nA=1\n", ODBC_CONFIG_DSN,
+                  "DSN=/a.dsn|uid=v|PASSWORD=geheim|PWD=q",
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\nPWD=q\n\n[More]\nA=1\n\n", 0600},
              Case{"nothing new", "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", ODBC_CONFIG_DSN, "DSN=a|pwd=x",
                   "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", 0640},
          }) {
@@ -225,30 +185,26 @@ TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAsk
 TEST_F(ConfigDsnTest, AFileThatCanNotBeSavedStaysAsItIs) {
     const std::string longLine = "[ODBC]\nDriver=Drv\nLong=" + std::string(200000, 'l') + "\n";
     std::string keys = "[ODBC]\nDriver=Drv\n";
-    for (int i = 0; i < 300; ++i) {
-        keys += "Key" + std::to_string(i) + "=1\n";
+    while (keys.size() < 3000) {
+        keys += "Key" + std::to_string(keys.size()) + "=1\n";
     }
     files.write("long.dsn", longLine);
     files.write("full.dsn", keys);
     mkdir(files.path("folder.dsn").c_str(), 0777);
-    struct Case {
-        WORD request;
-        std::string file;
-        unsigned int code;
-    };
-    for (const Case& test : {Case{ODBC_REMOVE_DSN, files.path("full.dsn"), ODBC_ERROR_INVALID_REQUEST_TYPE},
-                             Case{ODBC_CONFIG_DSN, files.path("gone.dsn"), ODBC_ERROR_INVALID_DSN},
-                             Case{ODBC_ADD_DSN, "relative.dsn", ODBC_ERROR_INVALID_PATH},
-                             Case{ODBC_ADD_DSN, "/" + std::string(1100, 'n'), ODBC_ERROR_INVALID_PATH},
-                             Case{ODBC_ADD_DSN, files.path("none/a.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{ODBC_ADD_DSN, files.path("folder.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{ODBC_CONFIG_DSN, files.path("long.dsn"), ODBC_ERROR_REQUEST_FAILED},
-                             Case{ODBC_CONFIG_DSN, files.path("full.dsn"), ODBC_ERROR_REQUEST_FAILED}}) {
-        SCOPED_TRACE(test.file.substr(0, 60));
+    const auto expectRefused = [this](WORD request, const std::string& file, unsigned int code) {
         const FullDisk disk(2048);
-        EXPECT_EQ(call(test.request, "Drv", "UID=u", test.file.c_str()), test.code);
-        EXPECT_NE(errorText.find(test.request == ODBC_REMOVE_DSN ? "3" : test.file.substr(0, 60)), std::string::npos)
+        EXPECT_EQ(call(request, "Drv", "UID=u", file.c_str()), code) << file;
+        EXPECT_NE(errorText.find(code == ODBC_ERROR_INVALID_REQUEST_TYPE ? "3" : file.substr(0, 60)), std::string::npos)
             << errorText;
+    };
+    expectRefused(ODBC_REMOVE_DSN, files.path("full.dsn"), ODBC_ERROR_INVALID_REQUEST_TYPE);
+    expectRefused(ODBC_CONFIG_DSN, files.path("gone.dsn"), ODBC_ERROR_INVALID_DSN);
+    expectRefused(ODBC_ADD_DSN, "relative.dsn", ODBC_ERROR_INVALID_PATH);
+    expectRefused(ODBC_ADD_DSN, "/" + std::string(1100, 'n'), ODBC_ERROR_INVALID_PATH);
+    expectRefused(ODBC_ADD_DSN, files.path("none/a.dsn"), ODBC_ERROR_REQUEST_FAILED);
+    expectRefused(ODBC_ADD_DSN, files.path("folder.dsn"), ODBC_ERROR_REQUEST_FAILED);
+    for (const char* file : {"long.dsn", "full.dsn"}) {
+        expectRefused(ODBC_CONFIG_DSN, files.path(file), ODBC_ERROR_REQUEST_FAILED);
     }
     EXPECT_EQ(files.read("long.dsn"), longLine);
     EXPECT_EQ(files.read("full.dsn"), keys);
