@@ -29,8 +29,8 @@ void askQuestion(const std::string& question, const std::string& subject, XtCall
 void showResult(const std::string& text, Message::Number title, const std::string& subject,
                 XtCallbackProc acknowledged);
 
-// Shows the report that waited for the main window to be there: of several the one that ends the program, else the
-// last.
+// Shows the report that waited until the main window was there. There is one box at a time: of several reports it is
+// the one that ends the program, if there is one, and otherwise the last.
 void showWaitingReport();
 
 // Frees the globals and shows the out-of-memory box; the caller returns at once.

@@ -15,7 +15,7 @@ extern Widget LstDPDate;
 
 // Builds FormScr1 in `parent` and fills its lists; `doubleClicked` is the default action of each.
 void createDriverScreen(Widget parent, XtCallbackProc doubleClicked);
-// Shows or hides the button for attributes of one's own, and gives the lists the room.
+// Shows or hides the button behind which attributes are typed, and gives the lists the room.
 void offerAdvancedAttributes(bool offered);
 
 // Hides the dialog.

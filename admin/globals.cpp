@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "components/component.h"
 #include "kvlib/catalog.h"
@@ -69,12 +70,14 @@ void endProgram(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callDat
 }
 
 const char* getFileVersionString() {
-    return kAdministratorVersion;
+    static const std::string text = std::string(kProductVersion) + kAdministratorBuild;
+    return text.c_str();
 }
 
 const char16_t* getFileVersionStringW() {
     // Version texts are ASCII, so each byte is a unit.
-    static const std::u16string wide(kAdministratorVersion, kAdministratorVersion + std::strlen(kAdministratorVersion));
+    static const std::string_view text = getFileVersionString();
+    static const std::u16string wide(text.begin(), text.end());
     return wide.c_str();
 }
 

@@ -18,7 +18,8 @@ extern Widget TbAbout;
 // Toolkit takes its options out of the arguments.
 void create_shODBCAdmin(Display* connection, char* appName, int argc, char** argv);
 
-// The row of buttons: OK saves the trace settings and ends the program, Cancel ends it, Apply saves and goes to sleep.
+// The row of buttons: OK saves the trace settings and ends the program, Cancel ends it, Apply saves and becomes
+// insensitive.
 void btnOK_activate(Widget widget, XtPointer clientData, XtPointer callData);
 void btnCancel_activate(Widget widget, XtPointer clientData, XtPointer callData);
 void btnApply_activate(Widget widget, XtPointer clientData, XtPointer callData);

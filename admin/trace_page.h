@@ -23,9 +23,9 @@ void Save_Trace();
 // Shows the trace settings of ".odbc.ini"; what can't be read is off, or empty.
 void Load_Trace();
 
-// The toggle was switched: the controls below it follow, and Apply wakes.
+// The toggle was switched: the controls below it follow, and Apply becomes sensitive.
 void TraceConfigStateChanged(Widget toggle, XtPointer clientData, XtPointer callData);
-// Either text was changed: Apply wakes.
+// Either text was changed: Apply becomes sensitive.
 void Trace_activityNoticed(Widget text, XtPointer clientData, XtPointer callData);
 
 // What is browsed for, as client data of the browse buttons and of their dialog.

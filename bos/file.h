@@ -57,12 +57,12 @@ int bosFileClose(int descriptor);
 // Moves the position as lseek does (SEEK_SET, SEEK_CUR, SEEK_END); `position` (may be null) receives the new one.
 int bosFileSeek(int descriptor, std::int64_t offset, int whence, std::int64_t* position);
 
-int bosFileTruncate(int descriptor, std::uint64_t size);
-int bosFileTruncate(const char* name, std::uint64_t size);
-int bosFileTruncate(const char16_t* name, std::uint64_t size);
+[[nodiscard]] int bosFileTruncate(int descriptor, std::uint64_t size);
+[[nodiscard]] int bosFileTruncate(const char* name, std::uint64_t size);
+[[nodiscard]] int bosFileTruncate(const char16_t* name, std::uint64_t size);
 
 // Waits until the disk has what was written. A file system that can't tell counts as one that has it.
-int bosFileSync(int descriptor);
+[[nodiscard]] int bosFileSync(int descriptor);
 
 [[nodiscard]] int bosFileSize(int descriptor, std::uint64_t* size);
 

@@ -4,10 +4,9 @@
 
 #include <string>
 
-// The one place of the version: the one that all components of a delivery share, and the administrator's with its
-// build.
+// The one place of the version that all components of a delivery share, and of the administrator's build.
 inline constexpr const char* kProductVersion = "05.30.0002";
-inline constexpr const char* kAdministratorVersion = "05.30.0002 (B0023, U0021)";
+inline constexpr const char* kAdministratorBuild = " (B0023, U0021)";
 
 inline constexpr const char* kCompany = "Varnholt Technologies";
 

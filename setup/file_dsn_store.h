@@ -10,10 +10,10 @@
 // Nothing when `path` may name a file data source: absolute, and of the length that the installer library takes.
 [[nodiscard]] std::optional<SetupFailure> checkFileName(const std::string& path);
 
-bool fileExists(const std::string& path);
+[[nodiscard]] bool fileExists(const std::string& path);
 
 // All keys of the file's section, "Driver" included; none when there is no such file.
-Settings readFileDataSource(const std::string& path);
+[[nodiscard]] Settings readFileDataSource(const std::string& path);
 
 // Stores a change, after checking it; `change.name` is the path, and `change.storedName` the same when the file is to
 // keep what the change does not name. `change.stored` is not used: the file is read once more, with its text. The file

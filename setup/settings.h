@@ -25,9 +25,9 @@ struct SetupFailure {
 using Settings = std::vector<installer::Attribute>;
 
 // The value of `key`, whose case does not count; null when it is not there.
-const std::string* findValue(const Settings& settings, std::string_view key);
+[[nodiscard]] const std::string* findValue(const Settings& settings, std::string_view key);
 // The same with empty text for what is not there.
-std::string valueOf(const Settings& settings, std::string_view key);
+[[nodiscard]] std::string valueOf(const Settings& settings, std::string_view key);
 // Replaces the value of `key` or appends it. The key keeps the spelling that it has.
 void setValue(Settings& settings, const std::string& key, const std::string& value);
 
@@ -36,17 +36,17 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
 [[nodiscard]] std::string oneLine(std::string_view text);
 
 // Whether the key names a data source, its driver or its file, and so is no setting.
-bool isNamingKey(std::string_view key);
+[[nodiscard]] bool isNamingKey(std::string_view key);
 
 // Whether the key is one of a password: its value is never shown.
-bool isPasswordKey(std::string_view key);
+[[nodiscard]] bool isPasswordKey(std::string_view key);
 
 // What is wrong with a setting that is to be stored; nothing when it is right.
 [[nodiscard]] std::optional<SetupFailure> checkSetting(const installer::Attribute& setting);
 // The first thing that is wrong with any of them.
 [[nodiscard]] std::optional<SetupFailure> checkSettings(const Settings& settings);
 // Whether the text holds what no name and no key may: a control character.
-bool hasControlCharacter(std::string_view text);
+[[nodiscard]] bool hasControlCharacter(std::string_view text);
 
 // Makes the changes in `settings`: an empty value deletes its key, keys that name are passed over.
 void applyChanges(const Settings& changes, Settings& settings);

@@ -8,10 +8,10 @@
 #include "setup/settings.h"
 
 // Whether the list of data sources has the name, and whether a section has it or the list.
-bool isListed(const std::string& name);
-bool dataSourceExists(const std::string& name);
+[[nodiscard]] bool isListed(const std::string& name);
+[[nodiscard]] bool dataSourceExists(const std::string& name);
 // All keys of the section, "Driver" included.
-Settings readDataSource(const std::string& name);
+[[nodiscard]] Settings readDataSource(const std::string& name);
 
 // What is wrong with a new name; nothing when it is right.
 [[nodiscard]] std::optional<SetupFailure> checkName(const std::string& name);
