@@ -88,9 +88,7 @@ TEST_F(TracePageTest, BrowsingFillsTheFieldOrLeavesIt) {
     for (const auto& row : kBoxes) {
         click(row.button);
         ASSERT_TRUE(waitFor([] { return isUp(box()); }));
-        XmString pattern = nullptr;
-        XtVaGetValues(box(), XmNpattern, &pattern, nullptr);
-        EXPECT_EQ(plainText(XmStringPtr(pattern).get()), row.pattern);
+        EXPECT_EQ(stringOf(box(), XmNpattern), row.pattern);
         EXPECT_EQ(person().windows(catalogText(row.title), true).size(), 1U);
         for (const auto& [part, label] : {std::pair{"Selection", Message::kFileSelection},
                                           {"Items", Message::kFileList},

@@ -59,9 +59,7 @@ protected:
             return "(none)";
         }
         waitForDialog();
-        XmString text = nullptr;
-        XtVaGetValues(topBox(), XmNmessageString, &text, nullptr);
-        std::string line = plainText(XmStringPtr(text).get());
+        std::string line = stringOf(topBox(), XmNmessageString);
         if (Widget records = XtNameToWidget(topBox(), "*TxtDiagnostics")) {
             line += "\n" + textOf(records);
         }
