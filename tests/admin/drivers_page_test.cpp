@@ -25,8 +25,8 @@ protected:
     static Table chooser() {
         Table table{
             {LstDPName, LstDPVersion, LstDPCompany, LstDPFile, LstDPDate}, {}, child(DlgDriverPopup, "*scrWinDPLists")};
-        for (const char* name : {"*LblDPName", "*LblDPVersion", "*LblDPCompany", "*LblDPFile", "*LblDPDate"}) {
-            table.headers.push_back(child(DlgDriverPopup, name));
+        for (Widget list : table.lists) {
+            table.headers.push_back(child(DlgDriverPopup, "*Lbl" + std::string(XtName(list)).substr(3)));
         }
         return table;
     }
@@ -36,7 +36,7 @@ protected:
         }
     }
 
-    ScopedEnvironment identification_{{"KVLIB", VH_TEST_IDENTIFICATION}};
+    const ScopedEnvironment identification_{{"KVLIB", VH_TEST_IDENTIFICATION}};
 };
 
 TEST_F(ComponentPagesTest, DriversOfEveryKindStandInOrderWithAllTheirColumns) {
@@ -45,9 +45,7 @@ TEST_F(ComponentPagesTest, DriversOfEveryKindStandInOrderWithAllTheirColumns) {
                 "[b]\nDriver=/opt/x/lib/libdrv.so\n[ODBC]\nTrace=0\n[A]\nDriver=" VH_TEST_SQLITE_DRIVER
                 "\n[c]\nDriver=" VH_TEST_NO_COMPANY "\n[d]\nDriver=bare.so\n[f]\nDriver=" VH_TEST_LONG_COMPANY
                 "\n[e]\nDriver=" +
-                    longPath +
-                    "\n[No library]\nSetup=/s.so\n[Tds]\nDriver=" VH_TEST_FREETDS_DRIVER
-                    "\n[Pg]\nDriver=" VH_TEST_POSTGRESQL_DRIVER "\n");
+                    longPath + "\n[No library]\nSetup=/s.so\n");
     // Dates are written as the locale has it, here one of the test's own.
     outputOf("localedef -c -i '" + files.write("dates", "LC_TIME\nd_fmt \"%Y~%d~%m\"\nEND LC_TIME\n") + "' '" +
              files.path("locale") + "'");
@@ -56,18 +54,17 @@ TEST_F(ComponentPagesTest, DriversOfEveryKindStandInOrderWithAllTheirColumns) {
     open();
     std::setlocale(LC_TIME, "C.UTF-8");
     expectReport(Message::kDriverFileUnreadable);  // of the one without a library
-    const std::string us = "Varnholt Technologies";
     for (const Table& table : {page(), chooser()}) {
-        EXPECT_EQ(rows(table.lists[0]), (Rows{"A", "b", "c", "d", "e", "f", "No library", "Pg", "Tds"}));
+        EXPECT_EQ(rows(table.lists[0]), (Rows{"A", "b", "c", "d", "e", "f", "No library"}));
         Rows versions = rows(table.lists[1]);
         EXPECT_TRUE(versions[0].starts_with("05.30.0002 (SQLite 3.")) << versions[0];
         versions.erase(versions.begin());
-        EXPECT_EQ(versions, (Rows{" ", "7.1", " ", " ", "1", " ", "05.30.0002", "05.30.0002"}));
-        EXPECT_EQ(rows(table.lists[2]), (Rows{us, " ", " ", " ", " ", VH_TEST_LONG_COMPANY_NAME, " ", us, us}));
+        EXPECT_EQ(versions, (Rows{" ", "7.1", " ", " ", "1", " "}));
+        EXPECT_EQ(rows(table.lists[2]),
+                  (Rows{"Varnholt Technologies", " ", " ", " ", " ", VH_TEST_LONG_COMPANY_NAME, " "}));
         // A path is read into 128 bytes, of which the installer library leaves two.
-        EXPECT_EQ(rows(table.lists[3]),
-                  (Rows{"vhsqlite23.so", "libdrv.so", "component_without_company.so", "bare.so", std::string(121, 'p'),
-                        "component_of_a_long_company.so", " ", "vhpostgresql23.so", "vhfreetds23.so"}));
+        EXPECT_EQ(rows(table.lists[3]), (Rows{"vhsqlite23.so", "libdrv.so", "component_without_company.so", "bare.so",
+                                              std::string(121, 'p'), "component_of_a_long_company.so", " "}));
         EXPECT_EQ(rows(table.lists[4])[0] + "\n", outputOf("date -r '" VH_TEST_SQLITE_DRIVER "' '+%Y~%d~%m'"));
         EXPECT_EQ(rows(table.lists[4])[1], " ");
     }
@@ -79,7 +76,8 @@ TEST_F(ComponentPagesTest, DriversOfEveryKindStandInOrderWithAllTheirColumns) {
     }
 }
 
-TEST_F(ComponentPagesTest, WithoutADriverTheListsAreSmallAndEmpty) {
+TEST_F(ComponentPagesTest, WithoutDriversTheListsAreSmallAndEmptyAndWithoutItsLibrariesAboutShowsNoVersions) {
+    const ScopedEnvironment nowhere{{"KVLIB", "/nowhere"}};
     files.write(OdbcFiles::kDrivers, "");
     open();
     expectReport(Message::kDriverFileUnreadable);
@@ -91,6 +89,8 @@ TEST_F(ComponentPagesTest, WithoutADriverTheListsAreSmallAndEmpty) {
             EXPECT_EQ(rows(list), Rows{});
         }
     }
+    EXPECT_EQ(rows(LstAbtVersion).size(), 4U);
+    EXPECT_EQ(rows(LstAbtVersion)[3], "");
 }
 
 TEST_F(ComponentPagesTest, TheChooserIsUsedFromEachColumn) {
@@ -101,7 +101,6 @@ TEST_F(ComponentPagesTest, TheChooserIsUsedFromEachColumn) {
     const Place box = placeOf(XtParent(DlgDriverPopup));
     EXPECT_NEAR(box.x + box.width / 2, window.x + window.width / 2, 20);
     EXPECT_NEAR(box.y + box.height / 2, window.y + window.height / 2, 40);
-    EXPECT_EQ(XmGetFocusWidget(DlgDriverPopup), LstDPName);
 
     const char* const drivers[] = {"a", "b", "c"};
     for (std::size_t i = 0; i < 5; ++i) {
@@ -133,8 +132,7 @@ TEST_F(ComponentPagesTest, HeadersStayAboveTheColumnsAndAllOfThoseCanBeReached) 
         expectAligned(table, "at first");
         Widget scrollBar = nullptr;
         XtVaGetValues(table.scrolledWindow, XmNhorizontalScrollBar, &scrollBar, nullptr);
-        int slider = 0;
-        int maximum = 0;
+        int slider = 0, maximum = 0;
         XtVaGetValues(scrollBar, XmNsliderSize, &slider, XmNmaximum, &maximum, nullptr);
         Widget last = table.lists.back();
         const int before = placeOf(last).x;
@@ -146,19 +144,14 @@ TEST_F(ComponentPagesTest, HeadersStayAboveTheColumnsAndAllOfThoseCanBeReached) 
             const Place view = placeOf(table.scrolledWindow);
             EXPECT_TRUE(scrolled == 40 || placeOf(last).x + placeOf(last).width <= view.x + view.width);
         }
-        return scrollBar;
     };
     const Table user{{LstUName, LstUDesc}, {LblName, LblDriver}, ScrWinLists};
-    Widget scrollBar = scroll(user);
+    scroll(user);
     const int before = placeOf(LstUName).x;
     populateUserDSN(LstUName, LstUDesc);
     settle();
     EXPECT_EQ(placeOf(LstUName).x, before);
     expectAligned(user, "filled again");
-    click(scrollBar);
-    key(XK_Right, XK_Control_L);  // a page
-    EXPECT_NE(placeOf(LstUName).x, before);
-    expectAligned(user, "scrolled by a page");
     openChooser();
     scroll(chooser());
     key(XK_Escape);
@@ -182,13 +175,6 @@ TEST_F(ComponentPagesTest, AboutAlwaysHasItsFourRows) {
     EXPECT_EQ(rows(LstAbtVersion)[3].find(U_ICU_VERSION), 0U) << rows(LstAbtVersion)[3];
     clickRow(LstAbtVersion, 3);
     expectSelected({{LstAbtDesc, LstAbtFile}, {}, nullptr}, 3);
-}
-
-TEST_F(ComponentPagesTest, WithoutItsLibrariesAboutShowsNoVersions) {
-    identification_.set("KVLIB", "/nowhere");
-    open();
-    EXPECT_EQ(rows(LstAbtVersion).size(), 4U);
-    EXPECT_EQ(rows(LstAbtVersion)[3], "");
 }
 
 }  // namespace

@@ -88,26 +88,21 @@ TEST_F(MainWindowTest, TabsTurnPagesAndHelpAndF1AnywhereOpenTheTopicOfThePageInF
     expectInFront(0);
     key(XK_F1);
     expectTopic("userdsn");
-    int before = -1;
     for (const auto& page : kPages) {
-        EXPECT_GT(placeOf(page.tab).x, before) << page.topic;
-        before = placeOf(page.tab).x;
         click(page.tab);
         expectInFront(static_cast<std::size_t>(&page - kPages));
-        key(XK_F1);
-        expectTopic(page.topic);
         click(BtnHelp);
         expectTopic(page.topic);
         if (page.field != nullptr) {
             click(page.field);
-            key(XK_F1);
-            expectTopic(page.topic);
         }
+        key(XK_F1);
+        expectTopic(page.topic);
     }
     XtVaSetValues(TabManager, XmNcurrentPageNumber, 3, nullptr);
     settle();
     EXPECT_EQ(CurrentSelectedTab, 'D');
-    // Back from the fourth tab by the arrow keys.
+    // Back from the fourth tab by the arrow keys, in order.
     click(BtnTrace);
     for (const std::size_t page : {2U, 1U, 0U}) {
         key(XK_Left);

@@ -83,18 +83,6 @@ TEST_F(ConfigurationTest, RemovalTakesTheNameOutOfTheListToo) {
     EXPECT_EQ(files.read(OdbcFiles::kSystem), system);
 }
 
-TEST_F(ConfigurationTest, SystemDataSourcesAreNotTheUsers) {
-    files.write(OdbcFiles::kSystem, "[ODBC Data Sources]\ntheirs=D\n[theirs]\na=1\n");
-    // They would show while the user has none.
-    for (const std::string own : {"", "[ODBC Data Sources]\nmine=D\n"}) {
-        files.write(OdbcFiles::kUser, own + "[ODBC]\nTrace=0\n");
-        SQLSetConfigMode(ODBC_BOTH_DSN);  // as a driver's setup may do
-        installer::useUserConfiguration();
-        EXPECT_EQ(keys(installer::kDataSourceList).names, own.empty() ? Names{} : Names{"mine"});
-        EXPECT_EQ(value("theirs", "a"), "");
-    }
-}
-
 TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
     EXPECT_EQ(installer::listDrivers().names, Names());
     files.write(OdbcFiles::kDrivers, "[b]\nDriver=x\n[ODBC]\nTrace=0\n[A]\nDriver=y\n[Empty]\n");

@@ -145,11 +145,15 @@ Place WindowTest::placeOf(Widget widget) {
 
 std::string WindowTest::textOf(Widget widget) {
     if (XmIsLabel(widget) || XmIsLabelGadget(widget)) {
-        XmString label = nullptr;
-        XtVaGetValues(widget, XmNlabelString, &label, nullptr);
-        return plainText(XmStringPtr(label).get());
+        return stringOf(widget, XmNlabelString);
     }
     return XtTextPtr(XmTextGetString(widget)).get();
+}
+
+std::string WindowTest::stringOf(Widget widget, const char* resource) {
+    XmString text = nullptr;
+    XtVaGetValues(widget, resource, &text, nullptr);
+    return plainText(XmStringPtr(text).get());
 }
 
 bool WindowTest::isUp(Widget box) {
@@ -213,12 +217,7 @@ std::vector<std::string> WindowTest::rows(Widget list) {
 }
 
 std::string WindowTest::dialogText() {
-    if (!waitUntilUp(dialog)) {
-        return "(no dialog)";
-    }
-    XmString text = nullptr;
-    XtVaGetValues(dialog, XmNmessageString, &text, nullptr);
-    return plainText(XmStringPtr(text).get());
+    return waitUntilUp(dialog) ? stringOf(dialog, XmNmessageString) : "(no dialog)";
 }
 
 std::string WindowTest::answer(const char* button) {
@@ -245,9 +244,8 @@ std::string WindowTest::calls() const {
 
 std::string WindowTest::call(int request, const std::string& driver, const std::string& attributes,
                              const std::string& path) {
-    std::ostringstream text;
-    text << request << ' ' << static_cast<void*>(ShODBCAdmin) << ' ' << driver << (path.empty() ? "" : " ") << path
-         << '\n'
-         << attributes << '\n';
-    return text.str();
+    std::ostringstream window;
+    window << ' ' << static_cast<void*>(ShODBCAdmin) << ' ';
+    return std::to_string(request) + window.str() + driver + (path.empty() ? "" : " ") + path + "\n" + attributes +
+           "\n";
 }

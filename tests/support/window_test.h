@@ -51,6 +51,8 @@ protected:
     static Place placeOf(Widget widget);
     // What a label, a button, a text or a text field shows.
     static std::string textOf(Widget widget);
+    // A compound string among its resources, as plain text.
+    static std::string stringOf(Widget widget, const char* resource);
     // Whether this box, if there is one, has the keyboard; waitUntilUp() waits until it has and keeps it.
     static bool isUp(Widget box);
     static bool waitUntilUp(const Widget& box);

@@ -1,9 +1,12 @@
 #include "tests/support/window_test.h"
 
+#include <Xm/TextF.h>
+
 #include "admin/dialogs.h"
 #include "kvlib/catalog.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/text_verifiers.h"
 #include "tests/support/error_collector.h"
 
 namespace {
@@ -14,13 +17,11 @@ protected:
 
     static Widget show(unsigned long type, const char* text) {
         Widget box = createMessageDialog(ShODBCAdmin, type, text, "Yes", "No", "Title");
-        if (box != nullptr) {
-            for (const auto& [callback, what] :
-                 {std::pair{XmNokCallback, "ok"}, {XmNcancelCallback, "cancel"}, {XmNdestroyCallback, "gone"}}) {
-                XtAddCallback(box, callback, note, const_cast<char*>(what));
-            }
-            XtManageChild(box);
+        for (const auto& [callback, what] :
+             {std::pair{XmNokCallback, "ok"}, {XmNcancelCallback, "cancel"}, {XmNdestroyCallback, "gone"}}) {
+            XtAddCallback(box, callback, note, const_cast<char*>(what));
         }
+        XtManageChild(box);
         return box;
     }
     static void note(Widget /*widget*/, XtPointer what, XtPointer /*callData*/) {
@@ -57,7 +58,6 @@ TEST_F(MessageDialogTest, ThereIsOneAtATime) {
     Mdialog = show(kErrorDialog, "second");
     EXPECT_EQ(noted(), "gone");
     EXPECT_EQ(dialogText(), "second");
-    EXPECT_EQ(person().windows("Title", true).size(), 1U);
     XtDestroyWidget(Mdialog);
     EXPECT_EQ(dialog, nullptr);
     EXPECT_EQ(Mdialog, nullptr);
@@ -68,7 +68,7 @@ TEST_F(MessageDialogTest, ThereIsOneAtATime) {
 }
 
 TEST_F(MessageDialogTest, AnUnknownTypeIsShownAsLackOfMemory) {
-    EXPECT_EQ(show(3, "text"), nullptr);
+    EXPECT_EQ(createMessageDialog(ShODBCAdmin, 3, "text", "Yes", "No", "Title"), nullptr);
     ErrorCollector errors;
     EXPECT_EQ(dialogText(), catalogText(Message::kOutOfMemory));
     // The box stands over the main window, whose shell has no parent to be unmanaged from.
@@ -91,24 +91,22 @@ TEST_F(MessageDialogTest, GlobalsCanBeFreedTwiceAndReportsThenShowNumbers) {
     EXPECT_EQ(dialogText(), "7312");
 }
 
-// A driver's setup dialog: a shell, the loop, and buttons that end it.
+// A driver's setup dialog: a shell, the loop, and a button that ends it.
 struct SetupDialog {
     SetupDialog() {
         static char name[] = "setup";
-        shell = XtVaCreatePopupShell(name, topLevelShellWidgetClass, ShODBCAdmin, XmNtitle, "Setup", nullptr);
+        shell = XtVaCreatePopupShell(name, topLevelShellWidgetClass, ShODBCAdmin, nullptr);
         form = createForm(shell, "form");
-        Attach(createPushButton(form, "Done", "Done", pressed)).topForm(20).leftForm(20).rightForm(20).bottomForm(20);
+        createPushButton(form, "Done", "Done", [](Widget, XtPointer, XtPointer) {
+            ++Presses;
+            dialog_main_loop(ShODBCAdmin);  // returns at once: a loop runs already
+            exit_dialog_loop();
+        });
         XtPopup(shell, XtGrabNone);
     }
     ~SetupDialog() { XtDestroyWidget(shell); }
-    static void pressed(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-        ++Presses;
-        dialog_main_loop(ShODBCAdmin);  // returns at once: a loop runs already
-        exit_dialog_loop();
-    }
     static inline int Presses;
-    Widget shell;
-    Widget form;
+    Widget shell, form;
 };
 
 TEST_F(MessageDialogTest, TheModalLoopHoldsItsCallerUntilTheDialogIsDone) {
@@ -137,6 +135,70 @@ TEST_F(MessageDialogTest, TheModalLoopHoldsItsCallerUntilTheDialogIsDone) {
     outOfMemoryError(setup.form);
     EXPECT_FALSE(XtIsManaged(setup.form));
     EXPECT_EQ(errors.numbers(), "0 7312");
+}
+
+class TextVerifiersTest : public WindowTest {
+protected:
+    TextVerifiersTest() {
+        static char name[] = "odbcadmin";
+        ShODBCAdmin = XtAppCreateShell(name, name, applicationShellWidgetClass, display, nullptr, 0);
+        Widget form = createForm(ShODBCAdmin, "form");
+        field_ = createTextField(form, "field");
+        other_ = createTextField(form, "other");
+        Attach(field_).topForm().leftForm().rightForm();
+        Attach(other_).below(field_, 4).leftForm().rightForm();
+        XtRealizeWidget(ShODBCAdmin);
+        EXPECT_TRUE(waitFor([] { return person().hasFocus(XtWindow(ShODBCAdmin)); }));
+    }
+    static std::string textOf(Widget field) { return XtTextPtr(XmTextFieldGetString(field)).get(); }
+    void select(int first, int last) { XmTextFieldSetSelection(field_, first, last, CurrentTime); }
+
+    Widget field_, other_;
+};
+
+TEST_F(TextVerifiersTest, APasswordIsTypedAndEditedBehindAsterisks) {
+    char* password = nullptr;
+    XtAddCallback(field_, XmNmodifyVerifyCallback, checkPassword, &password);
+    const auto expectPassword = [&](const char* step, const std::string& real, std::size_t shown) {
+        EXPECT_EQ(password == nullptr ? "(null)" : password, real) << step;
+        EXPECT_EQ(textOf(field_), std::string(shown, '*')) << step;
+    };
+    click(field_);
+    type("abc");
+    select(1, 2);
+    type("X");
+    expectPassword("middle replaced", "aXc", 3);
+    key(XK_End);
+    key(XK_BackSpace);
+    expectPassword("end deleted", "aX", 2);
+    key(XK_Home);
+    key(XK_eacute);
+    type("b");
+    expectPassword("two bytes in front, and one behind them", "\u00e9baX", 4);
+    XmTextFieldSetString(other_, const_cast<char*>("p\u20acq"));
+    XmTextFieldSetSelection(other_, 0, 3, XtLastTimestampProcessed(display));
+    XmTextFieldCopy(other_, XtLastTimestampProcessed(display));
+    select(1, 3);
+    key(XK_Insert, XK_Shift_L);
+    expectPassword("pasted over the middle", "\u00e9p\u20acqX", 5);
+    key(XK_Home);
+    person().enter({{XK_Delete, 3}});
+    settle();
+    expectPassword("characters deleted whole", "qX", 2);
+    select(0, 2);
+    key(XK_BackSpace);
+    expectPassword("all deleted", "", 0);
+    type("Z1");
+    expectPassword("typed again", "Z1", 2);
+    XtFree(password);
+}
+
+TEST_F(TextVerifiersTest, OnlyALoneNewlineIsRefused) {
+    XtAddCallback(field_, XmNmodifyVerifyCallback, discardNewLine, nullptr);
+    for (const char* inserted : {"a", "\n\n", "\n"}) {
+        XmTextFieldInsert(field_, 0, const_cast<char*>(inserted));
+    }
+    EXPECT_EQ(textOf(field_), "\n\na");
 }
 
 }  // namespace
