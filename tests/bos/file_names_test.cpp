@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -32,13 +31,12 @@ TEST(ConfigurationFileNames, LeadToTheirFiles) {
         std::uint32_t flags = kResolve;
     } rows[] = {
         {"without the dot, in any case", "Odbc.ini", {}, {"home/Odbc.ini"}, "home/Odbc.ini"},
-        {"which is another file", "ODBCINST.INI", {}, {"home/.odbcinst.ini"}, "1509"},
-        {"first of two variables",
+        {"first variable, before home",
          ".odbc.ini",
          {{"ODBCINI", "v"}, {"ODBC_INI", "w"}},
-         {"home/.odbc.ini", "v", "w"},
+         {"home/.odbc.ini", "v"},
          "v"},
-        {"variable to nowhere does not lead home", ".odbc.ini", {{"ODBCINI", "v"}}, {"home/.odbc.ini"}, "1509"},
+        {"variable to nowhere does not lead home", ".ODBC.ini", {{"ODBC_INI", "v"}}, {"home/.ODBC.ini"}, "1509"},
         {"missing, though it is to be created", ".odbc.ini", {}, {}, "1509", kRecogniseNames | kCreate},
         {"driver file", "OdbcInst.ini", {{"ODBCINSTINI", "w"}}, {"w"}, "w"},
         {"own file: home wins", ".kvlib.ini", {{"KVLIB_INI", "v"}}, {"home/.kvlib.ini", "v"}, "home/.kvlib.ini"},
@@ -67,8 +65,7 @@ TEST(ConfigurationFileNames, LeadToTheirFiles) {
         char name[kPathSize];
         strCopy(name, sizeof name, row.name);
         int descriptor = -1;
-        const int failed = bosFileOpen(name, row.flags, &descriptor);
-        EXPECT_EQ(failed != 0 ? errors.numbers() : std::string(name), row.expected);
+        EXPECT_EQ(bosFileOpen(name, row.flags, &descriptor) != 0 ? errors.numbers() : std::string(name), row.expected);
         EXPECT_TRUE(errors.numbers() != "30041" || name == std::string(row.name)) << "changed on the way";
     }
     std::filesystem::current_path(before);
@@ -87,13 +84,8 @@ TEST(Paths, AreJoinedAndSplit) {
         const char* extension;
         std::string path;  // "" when it is too long
     } rows[] = {
-        {"/d", "n", "ini", "/d/n.ini"},
-        {"/d/", "n", ".ini", "/d/n.ini"},
-        {nullptr, "n.d/n", "ini", "n.d/n.ini"},
-        {"/d", "/n.old", "ini", "/n.old"},
-        {"d", ".n", "ini", "d/.n.ini"},
-        {"", longest, "", longest},
-        {"", longest, "i", ""},
+        {"/d", "n.d/n", "ini", "/d/n.d/n.ini"}, {"/d/", "n", ".ini", "/d/n.ini"},     {"/d", "/n.old", "ini", "/n.old"},
+        {"d", ".n", "ini", "d/.n.ini"},         {nullptr, longest, nullptr, longest}, {"", longest, "i", ""},
     };
     char path[kPathSize];
     for (const auto& row : rows) {
@@ -109,15 +101,13 @@ TEST(Paths, AreJoinedAndSplit) {
         EXPECT_EQ(boshpath(path), 0);
         EXPECT_EQ(std::string(path), expected);
     }
-    for (const auto& [whole, directoryPart, namePart] :
-         {std::array{"/a/b", "/a", "b"}, {"/b", "/", "b"}, {"b", "", "b"}}) {
+    for (const auto& [whole, directoryPart] : {std::pair{"/a/b", "/a"}, {"/b", "/"}, {"b", ""}}) {
         char name[kPathSize];
         EXPECT_EQ(bosParseName(whole, path, name), 0);
         EXPECT_STREQ(path, directoryPart);
-        EXPECT_STREQ(name, namePart);
+        EXPECT_STREQ(name, "b");
     }
     EXPECT_EQ(bosParseName((longest + "n/n").c_str(), path, nullptr), 1);
-    EXPECT_STREQ(path, "");
 }
 
 TEST(FoundFiles, AreNamedByAPatternAndNothingElse) {

@@ -30,7 +30,7 @@ protected:
 
 TEST_F(LibraryTest, FilesAreLookedForAlongTheFlaggedDirectories) {
     constexpr std::uint32_t kLibraries = LocateFlag::kProduct | LocateFlag::kLibraries;
-    for (const char* file : {"a/one", "b/one", "b/two", "top", "c/lib/x"}) {
+    for (const char* file : {"a/x", "b/two", "top", "c/lib/x"}) {
         folder_.write(file, "");
     }
     std::filesystem::create_directories(folder_.path("a/two"));
@@ -40,7 +40,6 @@ TEST_F(LibraryTest, FilesAreLookedForAlongTheFlaggedDirectories) {
         std::string name;
         const char* expected;
     } rows[] = {
-        {"first directory wins", "PATH", "@/a:@/b", LocateFlag::kPath, "one", "@/a/one"},
         {"a directory of that name is no hit", "PATH", "@/a:@/b", LocateFlag::kPath, "two", "@/b/two"},
         {"empty elements, and slashes at the end", "LD_LIBRARY_PATH", "::@/b/::", kLibraries, "two", "@/b/two"},
         {"parent of a library directory", "LD_LIBRARY_PATH", "@/c/lib", kLibraries, "../top", "@/c/lib/../../top"},
@@ -110,12 +109,12 @@ TEST_F(LibraryTest, LibrariesAreLoadedByTheirBareName) {
     EXPECT_EQ(errors.numbers(), "1523");
     // The path, then the loader's words, which begin with it.
     EXPECT_NE(errors.lastText().find(inFolder("@/b/broken.so: @/b/broken.so")), std::string::npos) << errors.lastText();
+    // A file of the current directory is what is loaded.
     EXPECT_EQ(runInChild([&] {
                   const bool moved = chdir(folder_.path("b").c_str()) == 0 && unsetenv("LD_LIBRARY_PATH") == 0;
                   return moved && bosLoadLibrary("vhtrc23.so", 0) != nullptr ? 0 : 1;
               }),
-              0)
-        << "a file of the current directory is what is loaded";
+              0);
 }
 
 }  // namespace
