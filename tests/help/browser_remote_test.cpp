@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr auto kWhile = std::chrono::milliseconds(150);
 constexpr const char* kStranger = "pid1@elsewhere";
 
 // A browser's window on a connection of its own, and what the browser does.
@@ -50,7 +49,7 @@ public:
         lock = get("_MOZILLA_LOCK");
         for (const std::string& response : responses) {
             set("_MOZILLA_RESPONSE", response);
-            std::this_thread::sleep_for(kWhile / 5);
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
         }
     }
     std::string get(const char* name) {
@@ -71,39 +70,31 @@ private:
 TEST(BrowserRemote, ARunningBrowserIsAskedAndOtherwiseOneIsStarted) {
     struct Case {
         const char* about;
-        std::string lockBefore;
+        bool isLocked;
         std::function<void(FakeBrowser&)> browser;
         bool shows;
-        std::string lockAfter = "(none)";
+        std::string lockAfter = "(none)";  // "" where no window is left
     };
+    const auto nap = [] { std::this_thread::sleep_for(std::chrono::milliseconds(150)); };
     const Case kCases[] = {
-        {"provisional answers", "",
-         [](FakeBrowser& b) {
-             b.answer({"100 wait", "1", "200"});
+        {"nearly success", false, [](auto& b) { b.answer({"20"}); }, false},
+        {"closed while asked", false, [](auto& b) { b.answer({}), b.close(); }, false, ""},
+        // The answer that the other one gets is none for us.
+        {"somebody else's turn", true,
+         [&](auto& b) {
+             nap(), b.set("_MOZILLA_RESPONSE", "500"), b.remove("_MOZILLA_LOCK"), b.answer({"100 wait", "1", "200"});
          },
          true},
-        {"nearly success", "", [](FakeBrowser& b) { b.answer({"20"}); }, false},
-        {"closed while asked", "", [](FakeBrowser& b) { b.answer({}), b.close(); }, false, ""},
-        {"somebody else's turn", kStranger,
-         [](FakeBrowser& b) {
-             // The answer that the other one gets is none for us.
-             std::this_thread::sleep_for(kWhile);
-             b.set("_MOZILLA_RESPONSE", "500 for the other");
-             b.remove("_MOZILLA_LOCK");
-             b.answer({"200"});
-         },
-         true},
-        {"closed while waiting", kStranger, [](FakeBrowser& b) { std::this_thread::sleep_for(kWhile), b.close(); },
-         false, ""},
-        {"lock taken over", "",
-         [](FakeBrowser& b) { b.answer({}), b.set("_MOZILLA_LOCK", kStranger), b.set("_MOZILLA_RESPONSE", "200"); },
-         true, kStranger},
+        {"closed while waiting", true, [&](auto& b) { nap(), b.close(); }, false, ""},
+        {"lock taken over", false,
+         [](auto& b) { b.answer({}), b.set("_MOZILLA_LOCK", kStranger), b.set("_MOZILLA_RESPONSE", "200"); }, true,
+         kStranger},
     };
     const XServer server;
     const TemporaryFolder folder;
     writeScript(folder, "mozilla", recordAddress(folder.path("started")));
     const ScopedEnvironment path{{"PATH", folder.path() + ":/bin:/usr/bin"}};
-    std::string started = "(missing)";
+    std::string started;
     for (const Case& row : kCases) {
         SCOPED_TRACE(row.about);
         alarm(20);
@@ -111,25 +102,23 @@ TEST(BrowserRemote, ARunningBrowserIsAskedAndOtherwiseOneIsStarted) {
         WWHelp_BrowserInfo info{};
         ASSERT_EQ(WWHelp_Platform_SetDefaultBrowserInfo(&info), 0);
         ASSERT_TRUE(waitUntil([&info] { return WWHelp_Platform_CheckBrowserRunning(&info) == 0; }));
-        if (!row.lockBefore.empty()) {
-            browser.set("_MOZILLA_LOCK", row.lockBefore);
+        if (row.isLocked) {
+            browser.set("_MOZILLA_LOCK", kStranger);
         }
         std::jthread actions(row.browser, std::ref(browser));
         ASSERT_EQ(WWHelp_Startup("File:///h"), 0);
         EXPECT_EQ(WWHelp_DisplayHelp("C", row.about), 0);
-        EXPECT_EQ(WWHelp_Shutdown(), 0);
+        WWHelp_Shutdown();
         actions.join();
         const std::string address =
             "File:///h/wwhelp/wwhimpl/api.htm?context=C&topic=" + std::string(row.about) + "&single=true";
-        const bool isCommanded = row.shows || row.lockBefore.empty();
+        const bool isCommanded = row.shows || !row.isLocked;
         EXPECT_EQ(browser.command, isCommanded ? "openURL(" + address + ")" : "");
         EXPECT_EQ(browser.lock, isCommanded ? info.processSignature : "");
         if (!row.lockAfter.empty()) {
             EXPECT_EQ(browser.get("_MOZILLA_LOCK"), row.lockAfter);
         }
-        if (!row.shows) {
-            started = (started == "(missing)" ? "" : started) + address + "\n";
-        }
+        started += row.shows ? "" : address + "\n";
         EXPECT_TRUE(waitUntil([&] { return folder.read("started") == started; })) << folder.read("started");
     }
     alarm(0);

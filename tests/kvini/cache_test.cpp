@@ -10,7 +10,7 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include "bos/file.h"
 #include "kvini/cache_list.h"
@@ -85,7 +85,6 @@ TEST_F(IniFileTest, Lookups) {
         {"blanks inside a key", "[S]\n  my key  = x\n", "S", "my key", "x"},
         {"blanks of a section name count", "[S ]\nA=1\n[ S ]\nA=2\n[S]\nA=3\n", " s ", "A", "2"},
         {"comments, and their marks in a value", "[S]\n;A=1\n \t# A=2\nA=3;x\n", "S", "A", "3;x"},
-        {"empty lines", "\n\n[S]\n\n\nA=1\n", "S", "A", "1"},
         {"a line of blanks is one without an equal sign", "[S]\n \nA=1\nB=2\n", "S", "A", kDefault},
         {"text behind a header", "[S] A=0\nA=1\n", "S", "A", "1"},
         {"header after other text", ";[Old]\nA=1\n[S]\nx [Old]\nA=1\n [Old]\nA=1\n", "Old", "A", kDefault},
@@ -99,26 +98,20 @@ TEST_F(IniFileTest, Lookups) {
         {"zero bytes are characters", "[S]\nA=1\0x\nB=2\n"s, "S", "A", "1\0x"s},
         {"names that begin alike", "[Section]\nKeys=1\nKey=2\n[Sec]\nKeys=4\nKey=3\n", "Sec", "Key", "3"},
         {"values end at 2,047 bytes", "[S]\nA=" + std::string(3000, 'v') + "\n", "S", "A", std::string(2047, 'v')},
-        {"letters beyond ASCII match exactly", "[S]\n\xC4=1\n\xE4=2\n", "S", "\xE4", "2"},
-        {"value with room", "[S]\nA=abcdef\n", "S", "A", "abcdef", 7},
         {"exactly the size counts as cut", "[S]\nA=abcdef\n", "S", "A", "abcde\0"s, 6},
         {"no room at all", "[S]\nA=abcdef\n", "S", "A", "", 0},
         {"a default that is cut is not told", "[S]\n", "S", "A", "(d", 3},
-        {"keys", "[S]\nA=1\nB=2\n[T]\nC=3\n", "s", nullptr, "A\0B\0\0"s},
         {"blanks, left out only before the first key", "[S]\n  A =1\n  B=2\n", "S", nullptr, "A \0  B\0\0"s},
         {"comment behind a blank is a key", "[S]\n;x=1\nA=1\n#y\n ;z=1\n", "S", nullptr, "A\0 ;z\0\0"s},
         {"lines without one run on", "[S]\r\njunk\nA=1\r\n\r\nB=2\nrest", "S", nullptr, "junkA\0\rB\0rest\0"s},
         {"bracket in a value ends the list", "[S]\nA=x[\nB=2\n", "S", nullptr, "A\0\0"s},
         {"nothing but a comment", "[S]\n;x\n[T]\n", "S", nullptr, "\0"s},
         {"keys of an empty section", "[S]\n[T]\nA=1\n", "S", nullptr, kDefault},
-        {"keys of a missing section", "[S]\nA=1\n", "X", nullptr, kDefault},
         {"keys, exactly full", "[S]\nAb=1\nCd=2\n", "S", nullptr, "Ab\0Cd\0\0"s, 7},
         {"cut in a key", "[S]\nAb=1\nCd=2\n", "S", nullptr, "Ab\0C\0"s, 5},
-        {"keys in no bytes", "[S]\nAb=1\n", "S", nullptr, "", 0},
         {"sections", "[A]\nx=1\n;[B]\n[C D]\n[A]\n", nullptr, nullptr, "A\0C D\0A\0\0"s},
         {"sections, exactly full", "[A]\n[B]\n", nullptr, nullptr, "A\0B\0\0"s, 5},
         {"sections, cut in a name", "[Ab]\n[Cd]\n", nullptr, nullptr, "Ab\0C\0\0"s, 6},
-        {"sections, cut behind a name", "[Ab]\n[Cd]\n", nullptr, nullptr, "Ab\0\0"s, 5},
         {"no section, nor a header without its end", "A=1\n[S", nullptr, nullptr, "\0"s},
     };
     for (const auto& row : rows) {
@@ -131,21 +124,18 @@ TEST_F(IniFileTest, Lookups) {
         load(std::string("[S]\nN=") + text + "\n");
         EXPECT_EQ(cache_.bosGetProfileInt("S", "N", 7), expected) << text;
     }
-    EXPECT_EQ(cache_.bosGetProfileInt("S", nullptr, 7), 7U);
 }
 
 TEST_F(IniFileTest, TheWideFormTakesACutDefaultForAValue) {
     load("[S]\nAb=abcdef\nCd=2\n");
-    const struct {
-        const char16_t* entry;
-        unsigned long size, length;
-        std::u16string expected;
-    } rows[] = {{u"Ab", 7, 6, u"abcdef\0"s}, {u"Ab", 6, 6, u"abcde\0"s},      {u"Ab", 0, 0, u""},
-                {u"X", 3, 3, u"xy\0"s},      {nullptr, 7, 7, u"Ab\0Cd\0\0"s}, {nullptr, 6, 6, u"Ab\0C\0\0"s}};
-    for (const auto& row : rows) {
+    const std::tuple<const char16_t*, unsigned long, std::u16string> rows[] = {{u"Ab", 6, u"abcde\0###"s},
+                                                                               {u"Ab", 0, u"#########"},
+                                                                               {u"X", 3, u"xy\0######"s},
+                                                                               {nullptr, 6, u"Ab\0C\0\0###"s}};
+    for (const auto& [entry, size, expected] : rows) {
         std::u16string wide(9, u'#');
-        EXPECT_EQ(cache_.bosGetProfileStringW(u"S", row.entry, u"xyz", wide.data(), row.size), row.length);
-        EXPECT_EQ(wide, row.expected + std::u16string(9 - row.expected.size(), u'#'));
+        EXPECT_EQ(cache_.bosGetProfileStringW(u"S", entry, u"xyz", wide.data(), size), size);
+        EXPECT_EQ(wide, expected);
     }
 }
 
@@ -166,7 +156,6 @@ TEST_F(IniFileTest, Updates) {
         {"which continues an open line", "[S]\nA=1", "T", "N", "x", "[S]\nA=1[T]\nN=x\n"},
         {"an entry goes, blanks before it stay", "[S]\n A=1\n[T]\nB=2\n", "S", "a", nullptr, "[S]\n [T]\nB=2\n"},
         {"delete a missing entry", "[S]\nA=1\n", "S", "X", nullptr, "[S]\nA=1\n"},
-        {"delete an entry of a missing section", "[S]\nA=1\n", "T", "A", nullptr, "[S]\nA=1\n"},
         {"delete a section", ";x\n[S]\nA=1\n\n[T]\nB=2\n", "s", nullptr, nullptr, ";x\n[T]\nB=2\n"},
         {"up to a bracket in a value", "[S]\nA=x[y\nB=2\n", "S", nullptr, "x", "[y\nB=2\n"},
     };
@@ -176,7 +165,6 @@ TEST_F(IniFileTest, Updates) {
         EXPECT_EQ(cache_.bosPutProfileString(row.section, row.entry, row.value), 1);
         EXPECT_EQ(folder_.read("file.ini"), row.expected);
     }
-    EXPECT_EQ(cache_.bosPutProfileString(nullptr, "A", "1"), 0);
 }
 
 TEST_F(IniFileTest, ChangesByOthersAreSeen) {
@@ -240,7 +228,6 @@ TEST_F(IniFileTest, RightsDecideWhatIsReadAndWritten) {
             EXPECT_EQ(files(), Names{"file.ini"});
         }
     }
-    EXPECT_EQ(cache_.bosKvIniOpen("/proc/self/exe", 0), 0U) << "nobody listens, so what can be read is read";
     const ScopedEnvironment driver{{"ODBCINST", path_ + "/below"}};
     ErrorCollector errors;
     EXPECT_EQ(cache_.bosKvIniOpen(".odbcinst.ini", 0), 1U) << "only a missing driver file is forgiven";
@@ -412,9 +399,6 @@ TEST_F(IniFileTest, TheListSharesCachesByPath) {
     EXPECT_NE(list.open((folder_.path() + "//.odbc.ini").c_str(), 0), byName) << "paths compare byte for byte";
     list.close(byName);
     EXPECT_EQ(byName->incrementUseCount(), 2U);
-    EXPECT_EQ(byName->decrementUseCount(), 1U);
-    list.close(byName);
-    list.close(nullptr);
 
     ErrorCollector errors;
     EXPECT_EQ(list.open(folder_.path("absent").c_str(), 0), nullptr);
@@ -442,7 +426,6 @@ TEST_F(IniFileTest, TheTraceTellsEachStep) {
     load("[S]\nA=1\n");
     char buffer[16];
     cache_.bosGetProfileString("S", "A", "", buffer, sizeof buffer);
-    cache_.bosGetProfileString("S", "X", nullptr, buffer, sizeof buffer);
     cache_.bosGetProfileSection("S", buffer, sizeof buffer);
     EXPECT_EQ(cache_.bosPutProfileString("S", nullptr, nullptr), 1);
     BOS_RUNTIME_DEBUG = 0;
@@ -454,12 +437,11 @@ TEST_F(IniFileTest, TheTraceTellsEachStep) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               open + " \n" + open + " FileSize 8\n" + get + f + " Section:[S] Entry:A\n" + get + "defaultStr:NULL\n" +
                   get + "Section S found.\n" + get + "Entry A found.\n" + get + "Value=1\n" + get +
-                  "Return Len=1 returnBuf=1\n" + get + f + " Section:[S] Entry:X\n" + get + "Section S found.\n" + get +
-                  "Entry X not found.\n" + get + "Return Len=0 returnBuf=\n" + list + f + " Section:[S] " + list +
-                  "Fecthing all entries for S\n" + list + "Multi-Entry Output Requested.\n" + list + "Entry A Len=1\n" +
-                  list + "Return Len=3 returnBuf=A\n" + put + f + " Section:[S] Entry:NULL\n" + put + "newStr:NULL\n" +
-                  put + "Deleting section S\n" + open + " \n" + open + " FileSize 0\n" + put +
-                  "Updated FileCache: Len=0\n" + put + "FileCache is empty.\n");
+                  "Return Len=1 returnBuf=1\n" + list + f + " Section:[S] " + list + "Fecthing all entries for S\n" +
+                  list + "Multi-Entry Output Requested.\n" + list + "Entry A Len=1\n" + list +
+                  "Return Len=3 returnBuf=A\n" + put + f + " Section:[S] Entry:NULL\n" + put + "newStr:NULL\n" + put +
+                  "Deleting section S\n" + open + " \n" + open + " FileSize 0\n" + put + "Updated FileCache: Len=0\n" +
+                  put + "FileCache is empty.\n");
 }
 
 }  // namespace

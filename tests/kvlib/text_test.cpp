@@ -17,14 +17,10 @@ long offset(const char* text, const char* hit) {
 
 TEST(Text, BytesAreComparedUnsignedAndCopiesFitTheirBuffer) {
     EXPECT_EQ(BUTMMCMP("\x61", "\xE1", 1), -1);
-    EXPECT_EQ(BUTMMCMP("a", "b", 0), 0);
     EXPECT_EQ(BUTSTCMP("ab\xFF", "abz"), 1);
     char buffer[16];
     EXPECT_EQ(BUTSTCAT(BUTSTCPY(buffer, "ab") - 1, "cd"), buffer + 4);
     EXPECT_STREQ(buffer, "abcd");
-    BUTMMCPD(buffer + 1, buffer, 5);
-    EXPECT_STREQ(buffer, "aabcd");
-    EXPECT_EQ(strCopy(buffer, "xyz", std::size_t{2}), buffer + 2);
     for (const auto& [size, expected] : {std::pair{5U, "abcd"}, {4U, "abc"}, {1U, ""}, {0U, "########"}}) {
         strCopy(buffer, "########", std::size_t{8});
         strCopy(buffer, size, "abcd");
@@ -35,11 +31,16 @@ TEST(Text, BytesAreComparedUnsignedAndCopiesFitTheirBuffer) {
 
 TEST(Text, StepsByWholeCharactersAndNeverOverTheEnd) {
     // Half-width katakana, a lead byte cut off by the end and malformed sequences are single bytes.
-    const std::tuple<const char*, kvCPType, long> rows[] = {
-        {"", kCPShiftJis, 0},      {kSo, kCPShiftJis, 2},        {kSo, kCPLocale, 1},
-        {"\xB1z", kCPShiftJis, 1}, {"\xB1z", kCPGbk, 2},         {"\x83", kCPShiftJis, 1},
-        {"\xC3\xA9z", kCPUtf8, 2}, {"\xE2\x82\xAC", kCPUtf8, 3}, {"\xF0\x9F\x98\x80", kCPUtf8, 4},
-        {"\xE2\x82", kCPUtf8, 1},  {"\xC3(", kCPUtf8, 1},        {"\xC0\x80", kCPUtf8, 1}};
+    const std::tuple<const char*, kvCPType, long> rows[] = {{"", kCPShiftJis, 0},
+                                                            {kSo, kCPLocale, 1},
+                                                            {"\xB1z", kCPShiftJis, 1},
+                                                            {"\xB1z", kCPGbk, 2},
+                                                            {"\x83", kCPShiftJis, 1},
+                                                            {"\xE2\x82\xAC", kCPUtf8, 3},
+                                                            {"\xF0\x9F\x98\x80", kCPUtf8, 4},
+                                                            {"\xE2\x82", kCPUtf8, 1},
+                                                            {"\xC3(", kCPUtf8, 1},
+                                                            {"\xC0\x80", kCPUtf8, 1}};
     for (const auto& [text, page, step] : rows) {
         EXPECT_EQ(offset(text, kvCharNext(text, page)), step) << text << " in " << page;
     }
@@ -69,7 +70,6 @@ TEST(Text, Finding) {
 TEST(Text, RightTrimAndComparisonWithoutCase) {
     for (const auto& [text, page, expected] : {std::tuple{" a b\t", kCPLocale, " a b"},
                                                {" \t\r\n\v\f", kCPLocale, ""},
-                                               {"a\xA0", kCPLocale, "a\xA0"},
                                                {"\x83\x20 ", kCPShiftJis, "\x83\x20"}}) {
         char buffer[16];
         strCopy(buffer, sizeof buffer, text);
@@ -78,9 +78,7 @@ TEST(Text, RightTrimAndComparisonWithoutCase) {
     }
     // Trail bytes are not letters, but they are when read by bytes; before setlocale nothing beyond ASCII is one.
     const std::tuple<const char*, const char*, kvCPType, int> rows[] = {{"abc", "ABD", kCPLocale, -1},
-                                                                        {"abc", "ABC", kCPLocale, 0},
                                                                         {"ab", "a", kCPLocale, 1},
-                                                                        {"_", "a", kCPLocale, 1},
                                                                         {"a\xE4", "a\xC4", kCPLocale, 1},
                                                                         {"x\x83\x61", "X\x83\x41", kCPShiftJis, 1},
                                                                         {"x\x83\x61", "X\x83\x41", kCPLocale, 0},
@@ -96,8 +94,6 @@ TEST(Text, UpperCaseFollowsTheLocaleAndKeepsTheLength) {
         strUpper(text.data());
         return text;
     };
-    EXPECT_EQ(upper("Driver=x1"), "DRIVER=X1");
-    EXPECT_EQ(upper("\xC3\xA9"), "\xC3\xA9") << "before setlocale";
     std::string before = std::setlocale(LC_CTYPE, nullptr);
     ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
     EXPECT_EQ(upper("caf\xC3\xA9 z"), "CAF\xC3\x89 Z");
@@ -109,14 +105,12 @@ TEST(Text, UpperCaseFollowsTheLocaleAndKeepsTheLength) {
 TEST(Text, ConversionBothWays) {
     const std::string longBytes(5000, 'x');
     const std::tuple<kvCPType, std::string, std::u16string> rows[] = {
-        {kCPUtf8, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
-        {kCPUtf8, longBytes + "\xC3\xA9", std::u16string(5000, u'x') + u"\u00E9"},
+        {kCPUtf8, longBytes + "\xC3\xA9\xF0\x9F\x98\x80", std::u16string(5000, u'x') + u"\u00E9\U0001F600"},
         {kCPUtf8, std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
         {kCPShiftJis, "\x83\x5C\xB1", u"\u30BD\uFF71"},
         {kCPGbk, "\xD6\xD0", u"\u4E2D"},
         {kCPKorean, "\xB0\xA1", u"\uAC00"},
         {kCPBig5, "\xA4\xA4", u"\u4E2D"},
-        {kCPLocale, "plain", u"plain"},
     };
     for (const auto& [page, bytes, wide] : rows) {
         EXPECT_EQ(toUtf16(bytes, page), wide) << page;
