@@ -179,7 +179,7 @@ TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
 TEST_F(UserDsnPageTest, ReturnInAListConfiguresItsRowAndPressesNothing) {
     openWith(kThree);
     clickRow(LstUName, 3);
-    for (const KeySym enter : {XK_Return, XK_KP_Enter}) {
+    for (const KeySym enter : {KeySym{XK_Return}, KeySym{XK_KP_Enter}}) {
         key(enter);
         EXPECT_EQ(calls(), call(2, "Recorder", "DSN=Zone\0Driver=Recorder\0\0"s));
     }
