@@ -1,4 +1,5 @@
-// The connection string of a file data source: lines with its file name and its driver, then the attributes typed.
+// The connection string of a file data source and its attribute list: lines with its file name and its driver, then the
+// attributes typed.
 #include "admin/file_dsn_writer.h"
 #include "admin/globals.h"
 #include "installer/configuration.h"
@@ -17,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     getAdvancedArgumentString(&list);
     require((list != nullptr) == (static_cast<short>(TempStr.view().size()) >= 3),
             "a list is made of what 16 bits can count");
-    installer::parseAttributeList(list);
+    const std::string again = installer::attributeList(installer::parseAttributeList(list));
+    require(installer::attributeList(installer::parseAttributeList(again.c_str())) == again, "it reads back as made");
     std::free(list);
     return 0;
 }
