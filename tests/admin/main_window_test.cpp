@@ -2,8 +2,6 @@
 
 #include <Xm/Notebook.h>
 
-#include <sstream>
-
 #include "tests/support/recording_browser.h"
 
 namespace {
@@ -20,46 +18,6 @@ protected:
         return front;
     }
 };
-
-// Scripts and people's resource files find widgets by these paths and read these labels.
-TEST_F(MainWindowTest, WidgetsHaveTheirNamesParentsAndTexts) {
-    // A path, and the children there, with the numbers of their texts where they show one.
-    constexpr std::pair<const char*, const char*> kParents[] = {
-        {"FrmMain", "Separator BtnOK=9060 BtnCancel=9061 BtnApply=9058 BtnHelp=9059"},
-        {"FrmMain.TabManager", "TbUserDSN=9023 TbFileDSN=9039 TbDrivers=9003 BtnTrace=9004 TbAbout=9005"},
-        {"*FormUserDSN", "LbDesc=9000 BtnAdd=9006 BtnRemove=9022 BtnConfigure=9031 TxtODBCDesc"},
-        {"*FormUserDSN.ScrWinLabels*FormLabels", "LblName=9063 LblDriver=9064"},
-        {"*FormUserDSN.ScrWinLists*FormLists", "lstUName lstUDesc"},
-        {"*frmFileDSN", "TxtFDDesc BtnFDAdd=9009 BtnFDRemove=9010 BtnFDConfigure=9040 BtnSetDirectory=9038 separator3"},
-        {"*frmFileDSN.FSelect", "Selection=9008 Items=9034 Dir=9094"},
-        {"*FrmDrivers", "LbDDesc=9011"},
-        {"*FrmDrivers.FormDrivers", "TxtDriversDesc"},
-        {"*FormDrivers.scrolledWin1*frmLabel",
-         "LbColName=9063 LbColVersion=9046 LbColCompany=9065 LbColFile=9066 LbColDate=9067"},
-        {"*FormDrivers.scrolledWin2*FrmTable", "LstName LstFile LstVersion LstCompany LstDate"},
-        {"*FrmTrace", "TgEnableTracing=9028 TxtTraceDesc"},
-        {"*FrmTrace.FramConfigTracing.FrmConfigTrace",
-         "LblTraceFile=9032 TxtTraceFile BtnTFileBrowse=9017 LblTraceLib=9033 TxtTraceLib BtnTLibBrowse=9017"},
-        {"*FrmAbout", "LblAboutText=9069 TxtAboutDesc"},
-        {"*FrmAbout.ScrAboutLabels*FormAboutLabels", "LblAbtDesc=9070 LblAbtVersion=9046 LblSAbtFile=9066"},
-        {"*FrmAbout.ScrAboutLists*FormAboutLists", "LstAbtDesc LstAbtVersion LstAbtFile"},
-    };
-    open();
-    for (const auto& [path, names] : kParents) {
-        std::istringstream children(names);
-        for (std::string name; children >> name;) {
-            const std::size_t equals = name.find('=');
-            Widget widget = child(ShODBCAdmin, std::string(path) + "." + name.substr(0, equals));
-            if (widget != nullptr && equals != std::string::npos) {
-                const auto number = static_cast<Message::Number>(std::stoi(name.substr(equals + 1)));
-                EXPECT_EQ(textOf(widget), catalogText(number)) << name;
-            }
-        }
-    }
-    EXPECT_EQ(person().windows(catalogText(Message::kWindowTitle), false).size(), 1U);
-    EXPECT_FALSE(XtIsManaged(child(TabManager, "PageScroller")));
-    EXPECT_FALSE(XtIsSensitive(BtnApply));
-}
 
 TEST_F(MainWindowTest, TabsTurnPagesAndHelpAndF1AnywhereOpenTheTopicOfThePageInFront) {
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nabc=Recorder\n[abc]\nA=b\n[ODBC]\nTRACE=1\n");
@@ -86,6 +44,8 @@ TEST_F(MainWindowTest, TabsTurnPagesAndHelpAndF1AnywhereOpenTheTopicOfThePageInF
         EXPECT_EQ(pageInFront(), XtWindow(kPages[page].form)) << page;
     };
     expectInFront(0);
+    EXPECT_EQ(person().windows(catalogText(Message::kWindowTitle), false).size(), 1U);
+    EXPECT_FALSE(XtIsManaged(child(TabManager, "PageScroller")));
     key(XK_F1);
     expectTopic("userdsn");
     for (const auto& page : kPages) {

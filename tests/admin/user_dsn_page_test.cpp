@@ -71,8 +71,6 @@ TEST_F(UserDsnPageTest, RemoveAsksAndLeavesAnEmptyPageThatTakesNeitherConfigureN
         EXPECT_EQ(rows(LstUDesc), drivers);
     }
     EXPECT_EQ(files.summary(), "ODBC Data Sources{} ODBC{Trace=0|InstallDir=/opt/a b}");
-    EXPECT_EQ(placeOf(LblName).width, placeOf(LstUName).width);
-    EXPECT_EQ(placeOf(LblDriver).width, placeOf(LstUDesc).width);
     EXPECT_EQ(rows(LstUName), Rows());
     click(BtnConfigure);
     expectReport(Message::kConfigureSelectOne);
@@ -146,7 +144,6 @@ TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
     openWith("[ODBC Data Sources]\nabc=Recorder\n");
     clickFor(BtnAdd, DlgDriverPopup);
     EXPECT_EQ(DsnType, kUserDataSource);
-    EXPECT_EQ(rows(LstDPName), (Rows{"Plain", "Recorder"}));
     EXPECT_EQ(textOf(BtnFinish), catalogText(Message::kFinish));
     XmListDeselectAllItems(LstDPName);
     click(BtnFinish);
@@ -167,13 +164,6 @@ TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
     clickRow(LstDPName, 2);
     key(XK_Return);
     EXPECT_EQ(calls(), call(1, "Recorder"));
-
-    for (const KeySym left : {XK_Escape, XK_F4, XK_Cancel}) {
-        clickFor(BtnAdd, DlgDriverPopup);
-        left == XK_Cancel ? click(BtnDPCancel) : key(left, left == XK_F4 ? XK_Alt_L : NoSymbol);
-        EXPECT_TRUE(waitFor([] { return !isVisible(XtParent(DlgDriverPopup)); }));
-    }
-    EXPECT_EQ(calls(), "");
 }
 
 TEST_F(UserDsnPageTest, ReturnInAListConfiguresItsRowAndPressesNothing) {

@@ -2,8 +2,6 @@
 
 #include <Xm/TextF.h>
 
-#include "admin/dialogs.h"
-#include "kvlib/catalog.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
 #include "motifutil/text_verifiers.h"
@@ -52,21 +50,6 @@ TEST_F(MessageDialogTest, KeysAndTheWindowManagerAnswer) {
     }
 }
 
-TEST_F(MessageDialogTest, ThereIsOneAtATime) {
-    Mdialog = show(kQuestionDialog, "first");
-    EXPECT_EQ(dialogText(), "first");
-    Mdialog = show(kErrorDialog, "second");
-    EXPECT_EQ(noted(), "gone");
-    EXPECT_EQ(dialogText(), "second");
-    XtDestroyWidget(Mdialog);
-    EXPECT_EQ(dialog, nullptr);
-    EXPECT_EQ(Mdialog, nullptr);
-    // The window works again, since nothing modal is left.
-    show(kInformationDialog, "third");
-    answer("OK");
-    EXPECT_EQ(noted(), "gone ok");
-}
-
 TEST_F(MessageDialogTest, AnUnknownTypeIsShownAsLackOfMemory) {
     EXPECT_EQ(createMessageDialog(ShODBCAdmin, 3, "text", "Yes", "No", "Title"), nullptr);
     ErrorCollector errors;
@@ -76,19 +59,6 @@ TEST_F(MessageDialogTest, AnUnknownTypeIsShownAsLackOfMemory) {
     EXPECT_EQ(errors.numbers(), "0");  // an error of a database, not of the system
     EXPECT_EQ(errors.lastText(), catalogText(Message::kOutOfMemory));
     EXPECT_TRUE(isVisible(ShODBCAdmin));
-}
-
-TEST_F(MessageDialogTest, GlobalsCanBeFreedTwiceAndReportsThenShowNumbers) {
-    Mdialog = show(kErrorDialog, "text");
-    freeGlobals();
-    freeGlobals();
-    EXPECT_EQ(dialog, nullptr);
-    EXPECT_EQ(Rfile, invalidCatalog());
-    showInformation(Message::kConfigureSelectOne);
-    EXPECT_EQ(dialogText(), "9020");
-    answer("OK");
-    showOutOfMemoryErrorAdmin();
-    EXPECT_EQ(dialogText(), "7312");
 }
 
 // A driver's setup dialog: a shell, the loop, and a button that ends it.

@@ -275,15 +275,6 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
             last += "01000: once more ";
         }
         EXPECT_TRUE(message().ends_with(last + "01000: " + std::string(400, 'x') + " the end")) << message();
-        const Place box = placeOf(XtParent(inForm("*dialog")));
-        EXPECT_TRUE(box.y >= 0 && box.y + box.height <= 768) << box.y << " " << box.height;
-        // From the button to what the driver says, all of which can be selected, to be copied.
-        enter({XK_Tab});
-        person().key(XK_slash, XK_Control_L);
-        settle();
-        Widget records = inForm("*dialog*TxtDiagnostics");
-        const XtTextPtr selected(XmTextGetSelection(records));
-        EXPECT_EQ(selected == nullptr ? "" : selected.get(), textOf(records));
         enter({XK_Escape});
         moveTo("TxtDatabase");
         enter({XK_End, " Connect=1"});
