@@ -218,6 +218,11 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
                             "DSN=" + path_ + "\0DRIVER={Talker}\0UID=u\0Empty=\0Long="s + longest + "\0\0"s, path_));
     EXPECT_EQ(DsnType, kFileDataSource);
 
+    for (Widget reached : {list, child(FSelect, "Text")}) {
+        XmProcessTraversal(reached, XmTRAVERSE_CURRENT);
+        key(XK_Return);
+        EXPECT_EQ(calls().substr(0, 2), "2 ") << XtName(reached);
+    }
     clickRow(list, 2);
     click(BtnFDConfigure);
     expectReport(Message::kSetupLibraryNotLoaded);

@@ -173,7 +173,6 @@ TEST_F(UserDsnPageTest, ReturnInAListConfiguresItsRowAndPressesNothing) {
         key(enter);
         EXPECT_EQ(calls(), call(2, "Recorder", "DSN=Zone\0Driver=Recorder\0\0"s));
     }
-    // What the driver throws is a setup that failed, and its library is closed all the same.
     const ScopedEnvironment throwing{{"VH_TEST_RESULT", "throw"}};
     key(XK_Return);
     expectReport(Message::kSetupFailed);

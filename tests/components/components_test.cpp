@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <odbcinstext.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>

@@ -1,5 +1,4 @@
-// The connection string of a file data source and its attribute list: lines with its file name and its driver, then the
-// attributes typed.
+// The connection string and the attribute list of a file data source: its name, its driver, the attributes, by lines.
 #include "admin/file_dsn_writer.h"
 #include "admin/globals.h"
 #include "installer/configuration.h"

@@ -1,5 +1,4 @@
 // The INI cache: lines with a section, a key and a value, then the text of the file.
-#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <vector>

@@ -4,7 +4,6 @@
 #include <Xm/LabelG.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <memory>

@@ -6,7 +6,6 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <thread>
