@@ -84,6 +84,7 @@ void createButtonRow() {
     BtnOK = createPushButton(FrmMain, "BtnOK", Message::kOk, btnOK_activate);
     BtnCancel = createPushButton(FrmMain, "BtnCancel", Message::kCancel, btnCancel_activate);
     BtnApply = createPushButton(FrmMain, "BtnApply", Message::kApply, btnApply_activate);
+    XtSetSensitive(BtnApply, False);
     BtnHelp = createPushButton(FrmMain, "BtnHelp", Message::kHelp, btnHelp_Clicked);
     equalizeWidths({BtnOK, BtnCancel, BtnApply, BtnHelp});
     Attach(BtnHelp).rightForm(kWindowMargin).bottomForm(kWindowMargin);

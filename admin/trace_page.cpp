@@ -89,6 +89,13 @@ void followToggle() {
     }
 }
 
+// Before the window is there what changes is what is being loaded.
+void offerApply() {
+    if (XtIsRealized(ShODBCAdmin)) {
+        XtSetSensitive(BtnApply, True);
+    }
+}
+
 // A label above a text field with a browse button on its right, below `above` (null: at the top of the form).
 void placePathRow(Widget label, Widget field, Widget button, Widget above) {
     Attach(label).leftForm(kPageMargin);
@@ -140,8 +147,6 @@ Widget createTraceTab(Widget notebook) {
     guarded([&] {
         createTraceWidgets(notebook);
         Load_Trace();
-        // What is shown now is what is stored.
-        XtSetSensitive(BtnApply, False);
         isBuilt = true;
     });
     return isBuilt ? FrmTrace : nullptr;
@@ -174,11 +179,11 @@ void Save_Trace() {
 
 void TraceConfigStateChanged(Widget /*toggle*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
     followToggle();
-    XtSetSensitive(BtnApply, True);
+    offerApply();
 }
 
 void Trace_activityNoticed(Widget /*text*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    XtSetSensitive(BtnApply, True);
+    offerApply();
 }
 
 void SelectTraceFile(Widget /*button*/, XtPointer kind, XtPointer /*callData*/) {

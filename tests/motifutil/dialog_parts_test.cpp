@@ -33,7 +33,7 @@ protected:
 
 TEST_F(MessageDialogTest, KeysAndTheWindowManagerAnswer) {
     for (const unsigned long type : {kQuestionDialog, kInformationDialog, kErrorDialog}) {
-        for (const KeySym symbol : {XK_Return, XK_Escape, XK_F4}) {
+        for (const KeySym symbol : {KeySym{XK_Return}, KeySym{XK_Escape}, KeySym{XK_F4}}) {
             SCOPED_TRACE(std::to_string(type) + " " + XKeysymToString(symbol));
             Widget box = show(type, "Well?");
             EXPECT_EQ(dialogText(), "Well?");
