@@ -88,6 +88,15 @@ void showError(Message::Number text, Message::Number okLabel, Message::Number ti
     show(createReport(kErrorDialog, catalogText(text), okLabel, title));
 }
 
+void showError(Message::Number text, std::string_view subject) {
+    std::string report = catalogText(text);
+    const std::size_t place = report.find("%1");
+    if (place != std::string::npos) {
+        report.replace(place, 2, subject);
+    }
+    show(createReport(kErrorDialog, report));
+}
+
 void askQuestion(const std::string& question, const std::string& subject, XtCallbackProc accepted,
                  XtCallbackProc declined) {
     Mdialog =

@@ -77,6 +77,8 @@ enum Number : std::uint32_t {
     kFileDsnUnreadable = 9055,
     kNoFileDsns = 9056,
     kFileIncomplete = 9037,
+    kFileNamesNoDriver = 9106,
+    kFileDriverUnknown = 9107,
 
     // Driver chooser and File DSN wizard.
     kChooserTitle = 9025,
@@ -100,6 +102,8 @@ enum Number : std::uint32_t {
     kSummaryFileName = 9090,
     kTestSucceeded = 9091,
     kConnectionStringTooLong = 9103,
+    kAttributesCut = 9104,
+    kFileNameHasSemicolon = 9105,
 
     // Drivers page.
     kDriversTab = 9003,
@@ -211,6 +215,9 @@ enum Number : std::uint32_t {
     kNoSuchFile = 48,
     kFileNotWritten = 49,
     kFileHasLongLine = 50,
+
+    // What was given and can't be stored.
+    kLeftOut = 51,
 
     // The connection test.
     kTestSucceeded = 60,

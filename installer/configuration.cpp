@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -199,17 +201,6 @@ std::vector<std::string> attributeItems(const char* list) {
     return items;
 }
 
-std::vector<Attribute> parseAttributeList(const char* list) {
-    std::vector<Attribute> attributes;
-    for (const std::string& item : attributeItems(list)) {
-        const std::size_t equals = item.find('=');
-        if (equals != std::string::npos) {
-            attributes.push_back({item.substr(0, equals), item.substr(equals + 1)});
-        }
-    }
-    return attributes;
-}
-
 std::string copyOfAttributeList(const char* list) {
     return list != nullptr ? terminatedList(attributeItems(list)) : std::string();
 }
@@ -220,6 +211,15 @@ std::string trimmed(std::string_view text) {
     return first == std::string_view::npos
                ? std::string()
                : std::string(text.substr(first, text.find_last_not_of(kBlanks) + 1 - first));
+}
+
+bool isPasswordKey(std::string_view key) {
+    constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
+    std::string lower(key);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    return std::any_of(kMarks.begin(), kMarks.end(),
+                       [&lower](std::string_view mark) { return lower.find(mark) != std::string::npos; });
 }
 
 bool isValidDataSourceName(const std::string& name) {

@@ -92,13 +92,14 @@ struct Attribute {
 
 // The items of such a list, whatever they hold; none of a null list.
 [[nodiscard]] std::vector<std::string> attributeItems(const char* list);
-// The attributes among them; items without "=" are left out.
-[[nodiscard]] std::vector<Attribute> parseAttributeList(const char* list);
 // The same list once more, with all its terminators; empty for a null list.
 [[nodiscard]] std::string copyOfAttributeList(const char* list);
 
 // Without the blanks at both ends, which configuration files do not keep.
 [[nodiscard]] std::string trimmed(std::string_view text);
+
+// Whether the key is one of a password: its value is never shown, and a file that holds one is its owner's alone.
+[[nodiscard]] bool isPasswordKey(std::string_view key);
 
 // Whether a data source may have this name (SQLValidDSN): its length and characters.
 [[nodiscard]] bool isValidDataSourceName(const std::string& name);

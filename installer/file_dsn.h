@@ -12,9 +12,9 @@ inline constexpr const char* kFileDsnSection = "ODBC";
 inline constexpr std::string_view kFileDsnExtension = ".dsn";
 
 // Writes one key of the file data source `path` (absolute, ending in ".dsn"), which is made when it is not there; a
-// null `value` deletes the key (SQLWriteFileDSN). A key that is there already moves to the end, unless it is the first.
-// Values that would make the line longer than kLongestLine are cut there, since the rest would become a line of its
-// own. False when the library refuses; a full disk it does not notice.
+// null `value` deletes the key, as often as it stands there (SQLWriteFileDSN). A key that is there already moves to the
+// end, unless it is the first. False when the library refuses, or when the line would be longer than kLongestLine: then
+// nothing is written, since the rest would become a line of its own. A full disk the library does not notice.
 [[nodiscard]] bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value);
 
 // The driver's name in the value of "Driver", without the one pair of braces that may quote it.

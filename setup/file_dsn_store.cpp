@@ -173,7 +173,7 @@ Settings merge(const Settings& stored, const DataSourceChange& change) {
 // Puts a file with these settings in its place.
 bool replace(const StoredFile& file, const Settings& wanted) {
     const bool holdsPassword = std::any_of(wanted.begin(), wanted.end(), [](const Attribute& setting) {
-        return isPasswordKey(setting.key) && !setting.value.empty();
+        return installer::isPasswordKey(setting.key) && !setting.value.empty();
     });
     Replacement replacement(file.path);
     return replacement && replacement.fill(file.text) && writeSection(replacement.path(), file.settings, wanted) &&
@@ -195,7 +195,14 @@ bool fileExists(const std::string& path) {
 }
 
 Settings readFileDataSource(const std::string& path) {
-    return installer::readSection(installer::kFileDsnSection, path);
+    Settings settings;
+    for (Attribute& setting : installer::readSection(installer::kFileDsnSection, path)) {
+        // Of a key that stands there twice every program reads the first.
+        if (findValue(settings, setting.key) == nullptr) {
+            settings.push_back(std::move(setting));
+        }
+    }
+    return settings;
 }
 
 std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change) {

@@ -12,7 +12,7 @@
 
 [[nodiscard]] bool fileExists(const std::string& path);
 
-// All keys of the file's section, "Driver" included; none when there is no such file.
+// All keys of the file's section, "Driver" included, each once; none when there is no such file.
 [[nodiscard]] Settings readFileDataSource(const std::string& path);
 
 // Stores a change, after checking it; `change.name` is the path, and `change.storedName` the same when the file is to

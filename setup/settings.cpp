@@ -48,15 +48,6 @@ bool isNamingKey(std::string_view key) {
     return std::any_of(kKeys.begin(), kKeys.end(), [key](const char* other) { return sameName(key, other); });
 }
 
-bool isPasswordKey(std::string_view key) {
-    constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
-    std::string lower(key);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
-    return std::any_of(kMarks.begin(), kMarks.end(),
-                       [&lower](std::string_view mark) { return lower.find(mark) != std::string::npos; });
-}
-
 std::optional<SetupFailure> checkSetting(const Attribute& setting) {
     const auto wrong = [&setting](SetupMessage::Number text) {
         return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(text, setting.key), setting.key};

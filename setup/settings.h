@@ -38,9 +38,6 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
 // Whether the key names a data source, its driver or its file, and so is no setting.
 [[nodiscard]] bool isNamingKey(std::string_view key);
 
-// Whether the key is one of a password: its value is never shown.
-[[nodiscard]] bool isPasswordKey(std::string_view key);
-
 // What is wrong with a setting that is to be stored; nothing when it is right.
 [[nodiscard]] std::optional<SetupFailure> checkSetting(const installer::Attribute& setting);
 // The first thing that is wrong with any of them.

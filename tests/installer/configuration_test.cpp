@@ -117,9 +117,9 @@ TEST_F(ConfigurationTest, WritingKeepsOneLineForAKeyWhateverItsCase) {
 TEST_F(ConfigurationTest, AttributeListsReadBackAsTheyWereMade) {
     const std::string list = installer::attributeList({{"DSN", "a b"}, {"Empty", ""}, {"Eq", "x=y"}});
     EXPECT_EQ(list, "DSN=a b\0Empty=\0Eq=x=y\0\0"s);
-    EXPECT_EQ(installer::attributeList(installer::parseAttributeList(list.c_str())), list);
-    EXPECT_EQ(installer::parseAttributeList("no value\0a=1\0").size(), 1U);
-    EXPECT_TRUE(installer::parseAttributeList("").empty() && installer::parseAttributeList(nullptr).empty());
+    EXPECT_EQ(installer::copyOfAttributeList(list.c_str()), list);
+    EXPECT_EQ(installer::attributeItems(list.c_str()).size(), 3U);
+    EXPECT_TRUE(installer::attributeItems("").empty() && installer::attributeItems(nullptr).empty());
 }
 
 }  // namespace

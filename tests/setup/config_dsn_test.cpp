@@ -156,8 +156,9 @@ TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAsk
                   "[ODBC]\nDriver=Drv\n\n", 0640},
              Case{"configured: what is not named stays, in other sections too, and a password makes it its owner's "
                   "alone",
-                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\nPWD=p\n\n[More]\nA=1\n", ODBC_CONFIG_DSN,
-                  "DSN=/a.dsn|uid=v|PASSWORD=geheim|PWD=q",
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/"
+                  "a.dsn\nUID=u\nGone=1\nUnknown=1\nUID=z\ngone=2\nPWD=p\n\n[More]\nA=1\n",
+                  ODBC_CONFIG_DSN, "DSN=/a.dsn| uid = v |PASSWORD=geheim|PWD=q|Gone=",
                   "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\nPWD=q\n\n[More]\nA=1\n\n", 0600},
              Case{"nothing new", "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", ODBC_CONFIG_DSN, "DSN=a|pwd=x",
                   "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", 0640},
