@@ -223,7 +223,7 @@ std::string cutAttributes(std::string_view connectionString) {
     std::string names;
     for (const std::string& item : split(connectionString, ';')) {
         const std::string key = installer::trimmed(item.substr(0, item.find('=')));
-        const std::size_t brace = item.find('{');
+        const std::size_t brace = item.find('{', std::min(item.find('='), item.size()));
         if (brace != std::string::npos && item.find('}', brace) == std::string::npos &&
             !installer::sameName(key, "FILEDSN") && !installer::sameName(key, "DRIVER")) {
             names += (names.empty() ? "" : ", ") + key;
