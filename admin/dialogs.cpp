@@ -5,6 +5,7 @@
 
 #include "admin/globals.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/change_report.h"
 #include "motifutil/message_dialog.h"
 
 namespace {
@@ -89,12 +90,11 @@ void showError(Message::Number text, Message::Number okLabel, Message::Number ti
 }
 
 void showError(Message::Number text, std::string_view subject) {
-    std::string report = catalogText(text);
-    const std::size_t place = report.find("%1");
-    if (place != std::string::npos) {
-        report.replace(place, 2, subject);
-    }
-    show(createReport(kErrorDialog, report));
+    show(createReport(kErrorDialog, catalogText(text, {std::string(subject)})));
+}
+
+void showError(Message::Number text, const installer::ChangeFailure& failure) {
+    show(createReport(kErrorDialog, catalogText(text) + "\n\n" + changeReport(failure)));
 }
 
 void askQuestion(const std::string& question, const std::string& subject, XtCallbackProc accepted,

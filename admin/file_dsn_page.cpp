@@ -15,6 +15,7 @@
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "installer/configuration.h"
+#include "installer/configuration_change.h"
 #include "installer/file_dsn.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -245,8 +246,9 @@ void change_default_Directory(Widget /*widget*/, XtPointer /*clientData*/, XtPoi
         const std::string directory = directoryOf(selectionText());
         if (!directory.empty()) {
             // Whether it could be written is not reported.
-            std::ignore =
-                installer::writeValue("ODBC FILE DSN", "DefaultDSNDir", directory.c_str(), installer::kDataSourceFile);
+            installer::ConfigurationChange change;
+            change.write("ODBC FILE DSN", "DefaultDSNDir", directory.c_str());
+            std::ignore = change.commit();
         }
     });
 }

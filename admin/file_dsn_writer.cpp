@@ -210,7 +210,7 @@ bool writeFileDsn(const std::string& path, const char* driver, const char* conne
     bool isComplete = true;
     std::vector<installer::Attribute> written;
     for (const auto& [key, value] : attributes) {
-        isComplete = key.size() <= kLongestKey && installer::writeFileDsnValue(path, key, value.c_str()) && isComplete;
+        isComplete = key.size() <= kLongestKey && installer::writeFileDsnValue(path, key, value) && isComplete;
         std::erase_if(written, [&key = key](const auto& old) { return installer::sameName(old.key, key); });
         written.push_back({key, value});
     }

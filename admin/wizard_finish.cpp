@@ -163,9 +163,13 @@ void writeDsnToFile(const char* connectionString) {
     }
     if (writeFileDsn(FileDSNName, CurrentDriver, connectionString)) {
         tellOfCutAttributes(connectionString);
-    } else {
-        showError(Message::kFileIncomplete);
+        return;
     }
+    if (!IsVerificationNeeded) {
+        // Half a data source is of no use. The one of a test goes after it.
+        std::ignore = deleteFileDSN(FileDSNName);
+    }
+    showError(Message::kFileIncomplete);
 }
 
 void overwriteFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {

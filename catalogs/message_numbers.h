@@ -27,6 +27,12 @@ enum Number : std::uint32_t {
     kAnswerNo = 9054,
     kDataSourceFileUnreadable = 9092,
     kDriverFileUnreadable = 9093,
+    kChangeFailed = 9108,
+    kChangeBadLine = 9109,
+    kChangeRefused = 9110,
+    kChangeLineTooLong = 9111,
+    kChangeBusy = 9112,
+    kChangeLeftHalf = 9113,
 
     // Headers above the columns of every page.
     kColumnName = 9063,
@@ -214,7 +220,6 @@ enum Number : std::uint32_t {
     kNoMemory = 47,
     kNoSuchFile = 48,
     kFileNotWritten = 49,
-    kFileHasLongLine = 50,
 
     // What was given and can't be stored.
     kLeftOut = 51,

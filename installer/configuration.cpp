@@ -49,16 +49,6 @@ bool isMissingPath(const std::string& file) {
     return file.starts_with('/') && !std::filesystem::exists(file, ignored);
 }
 
-// Where the library has the user's data sources (SQLSetConfigMode, ODBC_USER_DSN): it takes the home directory from the
-// password entry, not from HOME.
-std::string dataSourcePath() {
-    if (const char* path = std::getenv("ODBCINI")) {
-        return path;
-    }
-    const passwd* entry = getpwuid(getuid());
-    return std::string(entry != nullptr ? entry->pw_dir : "") + "/" + kDataSourceFile;
-}
-
 std::string terminatedList(const std::vector<std::string>& items) {
     std::string list;
     for (const std::string& item : items) {
@@ -90,8 +80,16 @@ void keepMemoryBetweenReads() noexcept {
     mallopt(M_TRIM_THRESHOLD, kKeptBytes);
 }
 
+std::string userDataSourcePath() {
+    if (const char* path = std::getenv("ODBCINI")) {
+        return path;
+    }
+    const passwd* entry = getpwuid(getuid());
+    return std::string(entry != nullptr ? entry->pw_dir : "") + "/" + kDataSourceFile;
+}
+
 bool isDataSourceFileReadable() {
-    const std::string path = dataSourcePath();
+    const std::string path = userDataSourcePath();
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
         return errno == ENOENT || errno == ENOTDIR;
@@ -155,22 +153,6 @@ NameList listDrivers() {
             return drivers;
         }
     }
-}
-
-bool removeDataSource(const std::string& name) {
-    if (!SQLRemoveDSNFromIni(name.c_str())) {
-        return false;
-    }
-    // The library deletes the section and leaves the name in the list: the data source would be back, without settings.
-    const NameList left = listKeys(kDataSourceList, kDataSourceFile, Growth::kByKilobyte);
-    const bool stillListed = std::any_of(left.names.begin(), left.names.end(),
-                                         [&name](const std::string& other) { return sameName(other, name); });
-    return !stillListed || writeValue(kDataSourceList, name, nullptr, kDataSourceFile);
-}
-
-bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file) {
-    const bool fits = value == nullptr || key.size() + 1 + std::strlen(value) <= kLongestLine;
-    return fits && SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
 }
 
 std::vector<Attribute> readSection(const std::string& section, const std::string& file) {

@@ -2,7 +2,7 @@
 
 #include <odbcinst.h>
 
-#include <cstring>
+#include <algorithm>
 #include <vector>
 
 #include "installer/configuration.h"
@@ -11,37 +11,24 @@ namespace installer {
 
 namespace {
 
-// Where the keys of that name stand in the section, of which a file made by hand may have several.
-std::vector<std::size_t> placesOf(const std::string& path, const std::string& key) {
+// Whether the section has the key, and not as its first.
+bool isLaterKey(const std::string& path, const std::string& key) {
     const std::vector<std::string> keys = listKeys(kFileDsnSection, path, Growth::kByDoubling).names;
-    std::vector<std::size_t> places;
-    for (std::size_t place = 0; place < keys.size(); ++place) {
-        if (sameName(keys[place], key)) {
-            places.push_back(place);
-        }
-    }
-    return places;
+    const auto found =
+        std::find_if(keys.begin(), keys.end(), [&key](const std::string& other) { return sameName(other, key); });
+    return found != keys.begin() && found != keys.end();
 }
 
 }  // namespace
 
-bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value) {
-    if (value != nullptr && key.size() + 1 + std::strlen(value) > kLongestLine) {
-        return false;
-    }
+bool writeFileDsnValue(const std::string& path, const std::string& key, const std::string& value) {
     const auto write = [&](const char* text) {
         return SQLWriteFileDSN(path.c_str(), kFileDsnSection, key.c_str(), text) != 0;
     };
-    const std::vector<std::size_t> places = placesOf(path, key);
     // A key that is there already must go first: the library would write its new value over the first key of the
     // section.
-    const bool staysInPlace = value != nullptr && !places.empty() && places.front() == 0;
-    for (std::size_t count = staysInPlace ? 0 : places.size(); count > 0; --count) {
-        if (!write(nullptr)) {
-            return false;
-        }
-    }
-    return value == nullptr || write(value);
+    return key.size() + 1 + value.size() <= kLongestLine && (!isLaterKey(path, key) || write(nullptr)) &&
+           write(value.c_str());
 }
 
 std::string driverName(const std::string& value) {

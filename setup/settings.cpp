@@ -89,16 +89,18 @@ void applyChanges(const Settings& changes, Settings& settings) {
     }
 }
 
-bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write) {
+void writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write) {
     for (const Attribute& old : present) {
-        if (findValue(wanted, old.key) == nullptr && !write(old.key, nullptr)) {
-            return false;
+        if (findValue(wanted, old.key) == nullptr) {
+            write(old.key, nullptr);
         }
     }
-    return std::all_of(wanted.begin(), wanted.end(), [&](const Attribute& setting) {
+    for (const Attribute& setting : wanted) {
         const std::string* old = findValue(present, setting.key);
-        return (old != nullptr && *old == setting.value) || write(setting.key, setting.value.c_str());
-    });
+        if (old == nullptr || *old != setting.value) {
+            write(setting.key, setting.value.c_str());
+        }
+    }
 }
 
 bool hasControlCharacter(std::string_view text) {
