@@ -60,9 +60,13 @@ int setLock(int descriptor, short type, std::int64_t offset, std::int64_t length
     return fcntl(descriptor, F_SETLK, &lock);
 }
 
-int lockAsFlagged(int descriptor, std::uint32_t flags) {
+bool wantsWriteLock(std::uint32_t flags) {
     constexpr std::uint32_t kWriteLock = OpenFlag::kExclusiveLock | OpenFlag::kReadWrite;
-    if ((flags & kWriteLock) == kWriteLock) {
+    return (flags & kWriteLock) == kWriteLock;
+}
+
+int lockAsFlagged(int descriptor, std::uint32_t flags) {
+    if (wantsWriteLock(flags)) {
         return setLock(descriptor, F_WRLCK, kLockOffset, 1);
     }
     if ((flags & OpenFlag::kSharedLock) != 0 && (flags & OpenFlag::kNoSharedLock) == 0) {
@@ -80,15 +84,17 @@ int createFile(const char* path, std::uint32_t flags, int* descriptor) {
     if (opened < 0) {
         return errno;
     }
-    // Last of what can fail, so that a file is emptied only for a caller who gets its descriptor. Devices have no
-    // length.
-    if ((flags & OpenFlag::kTruncate) != 0 && ftruncate(opened, 0) != 0 && errno != EINVAL) {
-        const int truncateError = errno;
+    // Emptied last of what can fail, and so only for a caller who gets its descriptor. Devices have no length.
+    if ((wantsWriteLock(flags) && setLock(opened, F_WRLCK, kLockOffset, 1) != 0) ||
+        ((flags & OpenFlag::kTruncate) != 0 && ftruncate(opened, 0) != 0 && errno != EINVAL)) {
+        const int systemError = errno;
         close(opened);
-        return truncateError;
+        return systemError;
     }
-    // Tried, but its failure is ignored: the lock of another program must not keep users from saving.
-    setLock(opened, F_RDLCK, kLockOffset, 1);
+    if (!wantsWriteLock(flags)) {
+        // Tried, but its failure is ignored: the lock of another program must not keep users from saving.
+        setLock(opened, F_RDLCK, kLockOffset, 1);
+    }
     *descriptor = opened;
     return 0;
 }

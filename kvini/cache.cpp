@@ -1,5 +1,6 @@
 #include "kvini/cache.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include "bos/file.h"
 #include "bos/file_names.h"
 #include "catalogs/message_numbers.h"
+#include "kvini/file_turn.h"
 #include "kvini/grammar.h"
 #include "kvini/lock.h"
 #include "kvini/rewriting.h"
@@ -59,10 +61,10 @@ unsigned long copyWide(std::u16string_view text, bool isList, char16_t* buffer, 
 }
 
 // A failure to open for writing that opening for reading alone may overcome. kReadOnlyFile stands for an error that
-// this platform does not have; a read-only file system has a number of its own and fails.
+// this platform does not have.
 bool isRefusal(std::uint16_t number) {
     return number == LibraryMessage::kNotPermitted || number == LibraryMessage::kAccessDenied ||
-           number == LibraryMessage::kReadOnlyFile;
+           number == LibraryMessage::kReadOnlyFile || number == LibraryMessage::kReadOnlyFileSystem;
 }
 
 }  // namespace
@@ -82,6 +84,7 @@ KvIniFileCache::~KvIniFileCache() {
 }
 
 std::uint32_t KvIniFileCache::bosKvIniOpen(const char* name, std::uint32_t flags) {
+    openLibraryCatalog();
     const std::uint32_t result = orMemoryError(1U, [&] { return load(name, flags); });
     if (result != 0) {
         closeDescriptor();
@@ -102,6 +105,12 @@ std::uint32_t KvIniFileCache::load(const std::string& name, std::uint32_t flags)
         case Opening::kOpened:
             break;
     }
+    struct stat status = {};
+    if (fstat(descriptor_, &status) != 0) {
+        bosMapError(errno, path_.c_str());
+        return 1;
+    }
+    const FileTurn turn(status);
     const std::uint32_t result = readText();
     closeDescriptor();
     if (result == 0) {
@@ -162,8 +171,7 @@ std::uint32_t KvIniFileCache::readText() {
         return 1;
     }
     text_.resize(got);
-    textIsIncomplete_ = got != size_;
-    if (textIsIncomplete_) {
+    if (got != size_) {
         // Another program is rewriting the file, perhaps to the same size in the same second. Without a date and a size
         // the next call reads it again.
         date_ = 0;
@@ -203,20 +211,26 @@ bool KvIniFileCache::isCurrent() {
     return state_ == State::kLoaded && sync() == 0 && state_ == State::kLoaded;
 }
 
-// For an update, which writes back what is in memory: what another program has not finished writing would be lost, and
-// the copy would lack it too. Other programs empty the file before they write it, so an empty file is read twice.
-bool KvIniFileCache::waitForWholeText() {
-    for (int reading = 0; textIsIncomplete_ || (text_.empty() && reading == 0); ++reading) {
-        if (reading == kReadings) {
-            bosMapError(EAGAIN, path_.c_str());
+// Updates what the file holds once it is locked: other programs may have changed it since it was loaded, even in the
+// same second and to the same size. Those that take no lock empty it before they write it: an empty file is read twice,
+// and one that changes its length is read until it no longer does. The file is not locked in the pauses.
+bool KvIniFileCache::rewrite(const char* section, const char* entry, const char* value, IniChange& change) {
+    for (int reading = 0; reading <= kReadings; ++reading) {
+        LockedIniFile file(path_);
+        bool isWhole = false;
+        if (!file.open() || !file.read(text_, isWhole)) {
             return false;
         }
+        if (isWhole && (!text_.empty() || reading > 0)) {
+            const IniUpdate update = updateIniText(text_, section, optionalView(entry), optionalView(value));
+            change = update.change;
+            return file.replaceText(text_, update.text);
+        }
+        file.close();
         std::this_thread::sleep_for(kReadingPause);
-        if (!isCurrent()) {
-            return false;
-        }
     }
-    return true;
+    bosMapError(EAGAIN, path_.c_str());
+    return false;
 }
 
 unsigned long KvIniFileCache::bosGetProfileString(const char* section, const char* entry, const char* defaultText,
@@ -321,22 +335,24 @@ int KvIniFileCache::bosPutProfileString(const char* section, const char* entry, 
         openLibraryCatalog();
         const IniLock hold(lock_);
         if (state_ != State::kLoaded || section == nullptr) {
+            // Without a path, the failed load told why.
+            if (section == nullptr || !path_.empty()) {
+                bosMapError(section == nullptr ? EINVAL : ENOENT, path_.c_str());
+            }
             return 0;
         }
         traceIniPut(path_.c_str(), section, entry, value);
-        if (!isCurrent() || !waitForWholeText()) {
+        if (!isCurrent()) {
             return 0;
         }
-        // Made before the file is emptied: what can fail without harm comes first.
-        const IniUpdate update = updateIniText(text_, section, optionalView(entry), optionalView(value));
-        const bool written = rewriteIniFile(path_, text_, update.text);
-        // Whatever date and size the file has now, the next call reads it again.
+        // Whatever comes of it, the next call reads the file again.
         date_ = 0;
         size_ = 0;
-        if (!written) {
+        IniChange change = IniChange::kNone;
+        if (!rewrite(section, entry, value, change)) {
             return 0;
         }
-        traceIniChange(update.change, section, entry, value);
+        traceIniChange(change, section, entry, value);
         sync();
         traceIniRewritten(text_);
         return 1;
@@ -356,7 +372,6 @@ void KvIniFileCache::Close() {
     text_.clear();
     date_ = 0;
     size_ = 0;
-    textIsIncomplete_ = false;
     state_ = State::kNotLoaded;
 }
 

@@ -6,13 +6,14 @@
 // thread while the cache exists. The text in memory is that of the file at the last call; a change by another program
 // that keeps both size and modification second is not seen.
 //
-// Other programs are not locked out: a rewrite asks for the lock on byte 1 (bos/file.h) and readers take none.
+// An update locks byte 1 of the file (bos/file.h) against the updates of other programs; readers take no lock.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "kvini/grammar.h"
 #include "kvlib/critical_section.h"
 #include "kvlib/kv_object.h"
 
@@ -54,8 +55,9 @@ public:
     // becomes the first of its section, a new section the last of the file. The file is rewritten even when nothing
     // changes, and a copy of the old text stands beside it meanwhile, where the folder takes one (kvini/backup.h).
     // When the new text can't be written whole, the old one is put back and the result is 0; where even that fails, the
-    // copy stays. A file that another program is rewriting is waited for, up to 0.1 seconds and under the lock; an
-    // empty one, which may be about to be rewritten, for 0.01 seconds.
+    // copy stays. What is updated is what the file holds once it is locked; while another program has it locked, the
+    // update fails at once. A file that another program rewrites without a lock is waited for, up to 0.1 seconds and
+    // under the cache's lock; an empty one, which may be about to be rewritten, for 0.01 seconds.
     [[nodiscard]] int bosPutProfileString(const char* section, const char* entry, const char* value);
 
     // Forgets path and text. Takes no lock, as bosKvIniOpen.
@@ -83,7 +85,7 @@ private:
     std::uint32_t readText();
     std::uint32_t sync();
     bool isCurrent();
-    bool waitForWholeText();
+    bool rewrite(const char* section, const char* entry, const char* value, IniChange& change);
     unsigned long read(const ReadCall& call);
     bool copyValue(const ReadCall& call, unsigned long& length) const;
     bool copyKeys(const ReadCall& call, unsigned long& length) const;
@@ -96,7 +98,6 @@ private:
     std::uint32_t date_ = 0;
     std::uint32_t useCount_ = 1;
     std::string text_;
-    bool textIsIncomplete_ = false;  // the file became shorter while it was read
     State state_ = State::kNotLoaded;
     KvSemaphore lock_;
 };
