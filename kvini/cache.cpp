@@ -40,7 +40,7 @@ std::optional<std::string_view> optionalView(const char* text) {
     return text == nullptr ? std::nullopt : std::optional<std::string_view>(text);
 }
 
-// The wide form of what a read returned: lists end in a zero of their own and may fill the buffer.
+// The wide form of what a read found: lists end in a zero of their own and may fill the buffer.
 unsigned long copyWide(std::u16string_view text, bool isList, char16_t* buffer, unsigned long size) {
     if (size == 0) {
         return 0;
@@ -195,16 +195,19 @@ std::uint32_t KvIniFileCache::sync() {
     if (date == date_ && size == size_) {
         return 0;
     }
-    return orMemoryError(1U, [this] {
-        std::string path = path_;
-        const std::uint32_t result = bosKvIniOpen(path.c_str(), 0);
-        if (result != 0) {
-            // Still the cache of this file, which the next call tries to read again.
-            path_ = std::move(path);
-            state_ = State::kLoaded;
-        }
-        return result;
-    });
+    return orMemoryError(1U, [this] { return reload(path_.c_str(), 0); });
+}
+
+// After a failure it still is the cache of this file, which the next call tries to read again.
+std::uint32_t KvIniFileCache::reload(const char* name, std::uint32_t flags) {
+    std::string path = path_;
+    const State state = state_;
+    const std::uint32_t result = bosKvIniOpen(name, flags);
+    if (result != 0) {
+        path_ = std::move(path);
+        state_ = state;
+    }
+    return result;
 }
 
 bool KvIniFileCache::isCurrent() {
@@ -235,11 +238,17 @@ bool KvIniFileCache::rewrite(const char* section, const char* entry, const char*
 
 unsigned long KvIniFileCache::bosGetProfileString(const char* section, const char* entry, const char* defaultText,
                                                   char* buffer, unsigned long size) {
+    bool found = false;
+    return readString(section, entry, defaultText, buffer, size, found);
+}
+
+unsigned long KvIniFileCache::readString(const char* section, const char* entry, const char* defaultText, char* buffer,
+                                         unsigned long size, bool& found) {
     const ReadCall call = {IniReadTrace("GetProfileString:"), section, entry, defaultText, buffer, size};
     openLibraryCatalog();
     const IniLock hold(lock_);
     call.trace.beginString(path_.c_str(), section, entry);
-    return read(call);
+    return read(call, found);
 }
 
 unsigned long KvIniFileCache::bosGetProfileSection(const char* section, char* buffer, unsigned long size) {
@@ -247,13 +256,14 @@ unsigned long KvIniFileCache::bosGetProfileSection(const char* section, char* bu
     openLibraryCatalog();
     const IniLock hold(lock_);
     call.trace.beginSection(path_.c_str(), section);
-    return read(call);
+    bool found = false;
+    return read(call, found);
 }
 
-unsigned long KvIniFileCache::read(const ReadCall& call) {
+unsigned long KvIniFileCache::read(const ReadCall& call, bool& found) {
     call.trace.defaultText(call.defaultText);
     unsigned long length = 0;
-    bool found = isCurrent();
+    found = isCurrent();
     if (found && call.section == nullptr) {
         length = listIniSections(text_, call.buffer, call.size);
     } else if (found) {
@@ -305,15 +315,18 @@ bool KvIniFileCache::copyKeys(const ReadCall& call, unsigned long& length) const
 
 unsigned long KvIniFileCache::bosGetProfileStringW(const char16_t* section, const char16_t* entry,
                                                    const char16_t* defaultText, char16_t* buffer, unsigned long size) {
-    const bool listAsked = section == nullptr || entry == nullptr;
+    bool found = false;
     const std::u16string text = orMemoryError(std::u16string(), [&] {
         // Room for any value, and for as many bytes as the units asked for can take.
         std::string bytes(kLongestValue + 1 + 3 * std::min(size, kLongestWideList), '\0');
-        bytes.resize(bosGetProfileString(Narrow(section).get(), Narrow(entry).get(), Narrow(defaultText).get(),
-                                         bytes.data(), bytes.size()));
+        bytes.resize(readString(Narrow(section).get(), Narrow(entry).get(), Narrow(defaultText).get(), bytes.data(),
+                                bytes.size(), found));
         return toUtf16(bytes, kCPLocale);
     });
-    return copyWide(text, listAsked && text.ends_with(u'\0'), buffer, size);
+    // A cut default is not told from a whole one.
+    const bool isList = found && (section == nullptr || entry == nullptr);
+    const std::size_t longest = found || size == 0 ? std::u16string_view::npos : size - 1;
+    return copyWide(std::u16string_view(text).substr(0, longest), isList, buffer, size);
 }
 
 std::uint32_t KvIniFileCache::bosGetProfileInt(const char* section, const char* entry, std::uint32_t defaultValue) {
@@ -385,17 +398,11 @@ std::uint32_t KvIniFileCache::decrementUseCount() {
     return --useCount_;
 }
 
-bool KvIniFileCache::hasPath(std::string_view path) {
+bool KvIniFileCache::openShared(const char* name, std::uint32_t flags) {
     const IniLock hold(lock_);
-    return path_ == path;
-}
-
-void KvIniFileCache::loadIfNotLoaded(const char* name, std::uint32_t flags) {
-    const IniLock hold(lock_);
-    if (state_ != State::kLoaded) {
-        std::string path = path_;
-        if (bosKvIniOpen(name, flags) != 0) {
-            path_ = std::move(path);
-        }
+    const bool isToCreate = (flags & OpenFlag::kCreateMissing) != 0;
+    if ((state_ != State::kLoaded || (isToCreate && bosexist(path_.c_str()) == 0)) && reload(name, flags) == 0) {
+        wasOpened_ = true;
     }
+    return wasOpened_;
 }

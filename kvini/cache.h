@@ -3,12 +3,13 @@
 //
 // Lookups never fail: whatever goes wrong yields the default. Updates return 1 when written, else 0 with the reason on
 // the calling thread's current error list. Unless a declaration says otherwise, everything may be called from any
-// thread while the cache exists. The text in memory is that of the file at the last call; a change by another program
-// that keeps both size and modification second is not seen.
+// thread while the cache exists. The text in memory is that of the file at the last call; lookups do not see a change
+// by another program that keeps both size and modification second.
 //
 // An update locks byte 1 of the file (bos/file.h) against the updates of other programs; readers take no lock.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -40,8 +41,8 @@ public:
     unsigned long bosGetProfileString(const char* section, const char* entry, const char* defaultText, char* buffer,
                                       unsigned long size);
 
-    // The same on UTF-16, converted by the code page of the locale; `size` and the result count units. A list that
-    // does not fit is cut to `size` units with two zero units at its end.
+    // The same on UTF-16, converted by the code page of the locale; `size` and the result count units, and a cut list
+    // has two zero units at its end.
     unsigned long bosGetProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* defaultText,
                                        char16_t* buffer, unsigned long size);
 
@@ -74,9 +75,9 @@ private:
     enum class Opening { kOpened, kNothingToRead, kFailed };
     struct ReadCall;
 
-    // For KvIniFileCacheList, under the list's lock.
-    bool hasPath(std::string_view path);
-    void loadIfNotLoaded(const char* name, std::uint32_t flags);
+    // For KvIniFileCacheList: loads the file unless that was done, also when `flags` are to create it and it is gone.
+    // False when it never could be opened.
+    bool openShared(const char* name, std::uint32_t flags);
 
     // All of these are called under the lock.
     std::uint32_t load(const std::string& name, std::uint32_t flags);
@@ -84,9 +85,12 @@ private:
     int tryToOpen(const std::string& name);
     std::uint32_t readText();
     std::uint32_t sync();
+    std::uint32_t reload(const char* name, std::uint32_t flags);
     bool isCurrent();
     bool rewrite(const char* section, const char* entry, const char* value, IniChange& change);
-    unsigned long read(const ReadCall& call);
+    unsigned long readString(const char* section, const char* entry, const char* defaultText, char* buffer,
+                             unsigned long size, bool& found);
+    unsigned long read(const ReadCall& call, bool& found);
     bool copyValue(const ReadCall& call, unsigned long& length) const;
     bool copyKeys(const ReadCall& call, unsigned long& length) const;
     void closeDescriptor();
@@ -96,7 +100,10 @@ private:
     std::uint32_t openFlags_ = 0;
     std::string path_;
     std::uint32_t date_ = 0;
-    std::uint32_t useCount_ = 1;
+    // Changed without the lock by the list, which must not wait for an update.
+    std::atomic<std::uint32_t> useCount_ = 1;
+    std::string listedPath_;  // the list's own, under its lock
+    bool wasOpened_ = false;
     std::string text_;
     State state_ = State::kNotLoaded;
     KvSemaphore lock_;

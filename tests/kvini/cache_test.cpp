@@ -131,15 +131,16 @@ TEST_F(IniFileTest, Lookups) {
     }
 }
 
-TEST_F(IniFileTest, TheWideFormTakesACutDefaultForAValue) {
+TEST_F(IniFileTest, TheWideFormReturnsWhatTheOtherDoes) {
     load("[S]\nAb=abcdef\nCd=2\n");
-    const std::tuple<const char16_t*, unsigned long, std::u16string> rows[] = {{u"Ab", 6, u"abcde\0###"s},
-                                                                               {u"Ab", 0, u"#########"},
-                                                                               {u"X", 3, u"xy\0######"s},
-                                                                               {nullptr, 6, u"Ab\0C\0\0###"s}};
-    for (const auto& [entry, size, expected] : rows) {
+    const std::tuple<const char16_t*, unsigned long, std::u16string, unsigned long> rows[] = {
+        {u"Ab", 6, u"abcde\0###"s, 6},
+        {u"Ab", 0, u"#########", 0},
+        {u"X", 3, u"xy\0######"s, 2},
+        {nullptr, 6, u"Ab\0C\0\0###"s, 6}};
+    for (const auto& [entry, size, expected, length] : rows) {
         std::u16string wide(9, u'#');
-        EXPECT_EQ(cache_.bosGetProfileStringW(u"S", entry, u"xyz", wide.data(), size), size);
+        EXPECT_EQ(cache_.bosGetProfileStringW(u"S", entry, u"xyz", wide.data(), size), length);
         EXPECT_EQ(wide, expected);
     }
 }

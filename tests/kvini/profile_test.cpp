@@ -5,7 +5,10 @@
 #include <algorithm>
 #include <atomic>
 #include <barrier>
+#include <chrono>
+#include <filesystem>
 #include <functional>
+#include <future>
 #include <memory>
 #include <string>
 #include <thread>
@@ -15,6 +18,7 @@
 #include "kvini/kv_ini.h"
 #include "kvlib/per_thread_data.h"
 #include "tests/support/error_collector.h"
+#include "tests/support/system_fault.h"
 #include "tests/support/temporary_folder.h"
 
 using namespace std::string_literals;
@@ -59,6 +63,9 @@ TEST_F(ProfileTest, AMissingFileGivesTheDefaultUntilItIsWritten) {
     folder_.write("absent.ini", "[S]\nB=333\n");
     EXPECT_EQ(kvGetProfileString("S", "B", "", buffer_, sizeof buffer_, file), 3U) << "a held cache follows the file";
     EXPECT_STREQ(buffer_, "333");
+    std::filesystem::remove(absent_);
+    EXPECT_EQ(kvWriteProfileString("S", "A", "1", file), 1) << "gone while it was held";
+    EXPECT_EQ(folder_.read("absent.ini"), "[S]\nA=1\n");
 }
 
 TEST_F(ProfileTest, WritersSayWhyTheyCouldNot) {
@@ -87,6 +94,21 @@ TEST_F(ProfileTest, HeldCachesAreShared) {
     kvPrivateProfileTerm(held);
     kvPrivateProfileTerm(held);
     kvPrivateProfileTerm(nullptr);
+}
+
+TEST_F(ProfileTest, AnUpdateKeepsNobodyFromAnotherFile) {
+    const std::string empty = folder_.write("empty.ini", "");  // read twice, with a pause between
+    const std::string other = folder_.write("other.ini", "[S]\nA=5\n");
+    const auto read = [](const std::string& file) { return kvGetPrivateProfileInt("S", "A", 7, file.c_str()); };
+    std::future<std::uint32_t> ofEmpty, ofOther;
+    inThePause = [&] {
+        ofEmpty = std::async(std::launch::async, read, empty);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ofOther = std::async(std::launch::async, read, other);
+        EXPECT_EQ(ofOther.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+    };
+    EXPECT_EQ(kvWriteProfileString("S", "A", "1", empty.c_str()), 1);
+    EXPECT_EQ(ofOther.get() + ofEmpty.get(), 6U);
 }
 
 TEST_F(ProfileTest, KvIniHoldsAFile) {
