@@ -114,7 +114,11 @@ TEST_F(ProfileTest, AnUpdateKeepsNobodyFromAnotherFile) {
 TEST_F(ProfileTest, KvIniHoldsAFile) {
     KvIni ini;
     std::int16_t number = 0;
+    ErrorCollector errors;
     EXPECT_EQ(ini.open(below_.c_str()), 1);
+    EXPECT_EQ(ini.getEntry("S", "Last", number, 7), 1);
+    EXPECT_EQ(ini.deleteEntry("S", "Big"), 0);
+    EXPECT_EQ(errors.numbers(), "30041w 1507 1507");
 
     const std::string file = folder_.write("a.ini", "[S]\nBig=32768\nText = two  words\n;x=1\nLast=9\n");
     ASSERT_EQ(ini.open(file.c_str()), 0);
