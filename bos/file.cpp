@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <new>
 #include <string>
@@ -13,6 +12,7 @@
 #include "bos/errno_mapping.h"
 #include "bos/file_names.h"
 #include "bos/library.h"
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/error_report.h"
 #include "kvlib/out_of_memory.h"
@@ -129,7 +129,7 @@ int createTemporary(char* name, std::uint32_t flags, int* descriptor) {
     for (int i = 0; i < kTemporaryNameTries && result == EEXIST; ++i) {
         result = storeResolvedName(name, temporaryName());
         if (debugEnabled(DebugBit::kFile)) {
-            std::printf("bosfopen: Temp File %s ", name);
+            printOnConsole("bosfopen: Temp File %s ", name);
         }
         if (result == 0) {
             result = createFile(name, flags | OpenFlag::kExclusive, descriptor);
@@ -166,7 +166,7 @@ int openFile(char* name, std::uint32_t flags, int* descriptor) {
     return orFailure(ENOMEM, [&] {
         *descriptor = 0;
         if (debugEnabled(DebugBit::kFile)) {
-            std::printf("bosfopen - File:%s\n", name);
+            printOnConsole("bosfopen - File:%s\n", name);
         }
         if ((flags & (OpenFlag::kTemporary | OpenFlag::kTemporaryToo)) != 0) {
             return createTemporary(name, flags, descriptor);
@@ -292,8 +292,8 @@ int bosFileDelete(const char16_t* name) {
 int bosexist(const char* name) {
     const int answer = access(name, F_OK) == 0 ? 1 : 0;
     if (debugEnabled(DebugBit::kFile)) {
-        std::printf("bosexist: Name=%s ", name);
-        std::printf(" exists: %d\n", answer);
+        printOnConsole("bosexist: Name=%s ", name);
+        printOnConsole(" exists: %d\n", answer);
     }
     return answer;
 }

@@ -8,11 +8,11 @@
 #include <chrono>
 #include <climits>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "bos/errno_mapping.h"
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
@@ -130,7 +130,7 @@ ResolvedName resolveFileName(const std::string& name, bool recogniseNames, bool 
     }
     const bool trace = debugEnabled(DebugBit::kFile);
     if (trace) {
-        std::printf("bosfopen: Replacing %s ", name.c_str());
+        printOnConsole("bosfopen: Replacing %s ", name.c_str());
     }
     ResolvedName resolved{inHome(name)};
     if (file != nullptr && (file->variableWins || !exists(resolved.path))) {
@@ -139,7 +139,7 @@ ResolvedName resolveFileName(const std::string& name, bool recogniseNames, bool 
         }
     }
     if (trace) {
-        std::printf("with %s\n", resolved.path.c_str());
+        printOnConsole("with %s\n", resolved.path.c_str());
     }
     if (file != nullptr && file->variableWins && !exists(resolved.path)) {
         resolved.systemError = errno;
@@ -186,12 +186,12 @@ int bospath(char* path, const char* directory, const char* name, const char* ext
     return orMemoryError(1, [&] {
         const bool trace = debugEnabled(DebugBit::kFile);
         if (trace) {
-            std::printf("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
-                        extension == nullptr ? "" : extension);
+            printOnConsole("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
+                           extension == nullptr ? "" : extension);
         }
         std::string result = joined(directory, name);
         if (trace) {
-            std::printf("bospath: after bosfpath path:%s\n", result.c_str());
+            printOnConsole("bospath: after bosfpath path:%s\n", result.c_str());
         }
         if (extension != nullptr && *extension != '\0' && !hasExtension(result)) {
             result.append(*extension == '.' ? "" : ".").append(extension);

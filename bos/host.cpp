@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "bos/errno_mapping.h"
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
@@ -31,7 +32,6 @@ int storeWhole(char* buffer, std::uint32_t size, std::string_view text) {
 // The lines that a shell command prints, without their line ends.
 std::vector<std::string> outputLines(const std::string& command) {
     std::vector<std::string> lines;
-    std::fflush(stdout);
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), [](FILE* f) { return pclose(f); });
     if (!pipe) {
         return lines;
@@ -121,7 +121,7 @@ int bosFindFiles(const char* pattern, std::vector<std::string>& result) {
     return orMemoryError(1, [&] {
         const bool trace = debugEnabled(DebugBit::kFile);
         if (trace) {
-            std::printf("bosFindFiles: Search for %s\n", pattern);
+            printOnConsole("bosFindFiles: Search for %s\n", pattern);
         }
         result.clear();
         const bool isPlain = isPlainPattern(pattern);
@@ -130,7 +130,7 @@ int bosFindFiles(const char* pattern, std::vector<std::string>& result) {
         }
         if (trace) {
             for (const std::string& name : result) {
-                std::printf("bosFindFiles: returns fileName=%s\n", name.c_str());
+                printOnConsole("bosFindFiles: returns fileName=%s\n", name.c_str());
             }
         }
         return result.empty() ? failed(isPlain ? ENOENT : EINVAL, pattern) : 0;
