@@ -2,16 +2,27 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <tuple>
+#include <vector>
 
+#include "bos/file.h"
+#include "bos/file_names.h"
+#include "bos/host.h"
+#include "bos/library.h"
 #include "help/browser_platform.h"
 #include "help/help_locator.h"
 #include "help/url_routines.h"
 #include "help/web_help.h"
+#include "kvini/kv_ini.h"
+#include "kvini/profile.h"
+#include "kvlib/debug_mask.h"
 #include "tests/support/child_process.h"
+#include "tests/support/error_collector.h"
 #include "tests/support/recording_browser.h"
 #include "tests/support/scoped_environment.h"
+#include "tests/support/system_fault.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -122,6 +133,41 @@ TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     const std::string printed = testing::internal::GetCapturedStdout();
     EXPECT_TRUE(printed.rfind("not printed yet") == 0 && printed.size() > 15) << printed;
     EXPECT_EQ(folder_.read("opened"), expected);
+}
+
+// Callers in C have nothing to catch an exception with.
+TEST(WithoutMemory, EveryCallEnds) {
+    const TemporaryFolder folder;
+    const ScopedEnvironment environment{{"KV_TMPDIR", folder.path()}, {"PATH", folder.path()}, {"DISPLAY", ""}};
+    const std::string file = folder.write("a.ini", "[Section]\nEntry=a value beyond any short string\n");
+    const char* const path = file.c_str();
+    char name[kPathSize];
+    int descriptor = 0;
+    std::vector<std::string> found;
+    WWHelp_BrowserInfo browser{};
+    const std::function<long()> calls[] = {
+        [&] { return kvGetPrivateProfileString("Section", "Entry", "", name, sizeof name, path); },
+        [&] { return kvGetPrivateProfileString("Section", nullptr, "", name, sizeof name, path); },
+        [&] { return KvIni::getSectionWithValues("Section", name, sizeof name, path); },
+        [&] { return bosFileOpen(name, OpenFlag::kTemporary, &descriptor) + bosFileClose(descriptor); },
+        [&] { return bospath(name, "/a/directory/beyond/any", "short/string", "ini") + bosftest(path); },
+        [&] { return bosParseName(path, name, nullptr) + boshpath(name) + bosFindFiles("/*", found); },
+        [&] { return bosLoadLibrary("a_library_beyond_any_short_string", 1) == nullptr ? 1 : 0; },
+        [&] { return WWHelp_Startup(path) + WWHelp_DisplayHelpContents() + WWHelp_Shutdown(); },
+        [&] { return WWHelp_Platform_SetDefaultBrowserInfo(&browser); }};
+    const ErrorCollector errors;
+    testing::internal::CaptureStdout();
+    BOS_RUNTIME_DEBUG = ~std::uint64_t{0};
+    for (const auto& call : calls) {
+        bool happened = true;
+        for (int step = 0; happened; ++step) {
+            const SystemFault fault(Fault::kMemoryEnds, step);
+            EXPECT_NO_THROW(call()) << &call - calls << ", step " << step;
+            happened = fault.happened();
+        }
+    }
+    BOS_RUNTIME_DEBUG = 0;
+    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
 }
 
 }  // namespace
