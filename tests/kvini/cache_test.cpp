@@ -20,7 +20,6 @@
 #include "bos/file.h"
 #include "kvini/cache_list.h"
 #include "kvini/profile.h"
-#include "kvlib/debug_mask.h"
 #include "kvlib/text.h"
 #include "tests/support/child_process.h"
 #include "tests/support/error_collector.h"
@@ -477,30 +476,6 @@ TEST_F(IniFileTest, TheListSharesCachesByPath) {
     std::filesystem::remove(path_);
     folder_.write("file.ini", "[D]\nN=2\n");
     EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 2U);
-}
-
-TEST_F(IniFileTest, TheTraceTellsEachStep) {
-    BOS_RUNTIME_DEBUG = DebugBit::kIniOpen | DebugBit::kIniRead | DebugBit::kIniWrite;
-    testing::internal::CaptureStdout();
-    load("[S]\nA=1\n");
-    char buffer[16];
-    cache_.bosGetProfileString("S", "A", "", buffer, sizeof buffer);
-    cache_.bosGetProfileSection("S", buffer, sizeof buffer);
-    EXPECT_EQ(cache_.bosPutProfileString("S", nullptr, nullptr), 1);
-    BOS_RUNTIME_DEBUG = 0;
-    const std::string f = "File:" + path_;
-    const std::string get = "GetProfileString: ";
-    const std::string list = "GetProfileSection: ";
-    const std::string put = "PutProfileString: ";
-    const std::string open = "KvIniOpen: " + f;
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              open + " \n" + open + " FileSize 8\n" + get + f + " Section:[S] Entry:A\n" + get + "defaultStr:NULL\n" +
-                  get + "Section S found.\n" + get + "Entry A found.\n" + get + "Value=1\n" + get +
-                  "Return Len=1 returnBuf=1\n" + list + f + " Section:[S] " + list + "Fecthing all entries for S\n" +
-                  list + "Multi-Entry Output Requested.\n" + list + "Entry A Len=1\n" + list +
-                  "Return Len=3 returnBuf=A\n" + put + f + " Section:[S] Entry:NULL\n" + put + "newStr:NULL\n" + put +
-                  "Deleting section S\n" + open + " \n" + open + " FileSize 0\n" + put + "Updated FileCache: Len=0\n" +
-                  put + "FileCache is empty.\n");
 }
 
 }  // namespace

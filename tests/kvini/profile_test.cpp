@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
-#include <barrier>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -14,9 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "kvini/cache_list.h"
 #include "kvini/kv_ini.h"
-#include "kvlib/per_thread_data.h"
 #include "tests/support/error_collector.h"
 #include "tests/support/system_fault.h"
 #include "tests/support/temporary_folder.h"
@@ -83,19 +79,6 @@ TEST_F(ProfileTest, WritersSayWhyTheyCouldNot) {
     EXPECT_STREQ(buffer_, "123");
 }
 
-TEST_F(ProfileTest, HeldCachesAreShared) {
-    KvIni ini;
-    ASSERT_EQ(ini.open(absent_.c_str()), 0);
-    KvIniFileCache* held = kvProfileInit(absent_.c_str());
-    EXPECT_EQ(kvWritePrivateProfileString("S", "A", "5", held), 1);
-    EXPECT_EQ(kvGetPrivateProfileInt("S", "A", 7, held), 5U);
-    ini.close();
-    EXPECT_EQ(held->incrementUseCount(), 2U);
-    kvPrivateProfileTerm(held);
-    kvPrivateProfileTerm(held);
-    kvPrivateProfileTerm(nullptr);
-}
-
 TEST_F(ProfileTest, AnUpdateKeepsNobodyFromAnotherFile) {
     const std::string empty = folder_.write("empty.ini", "");  // read twice, with a pause between
     const std::string other = folder_.write("other.ini", "[S]\nA=5\n");
@@ -156,31 +139,6 @@ TEST_F(ProfileTest, ThreadsThatComeAndGoReadAndWriteOneFile) {
         }
     });
     EXPECT_EQ(wrong, 0);
-}
-
-TEST_F(ProfileTest, ThreadsCreateOneList) {
-    // The moment in which two threads could both make one is short.
-    constexpr int kRounds = 4000;
-    const std::string file = folder_.write("a.ini", "[S]\nA=1\n");
-    // A list of before this test goes on to exist beside those that the threads make.
-    void* const before = mdsGetPerTaskData(kTaskSlotIniFiles);
-    std::vector<KvIniFileCache*> caches(kThreads);
-    int different = 0;
-    const auto endRound = [&]() noexcept {
-        different += std::count(caches.begin(), caches.end(), caches.front()) == std::ssize(caches) ? 0 : 1;
-        delete static_cast<KvIniFileCacheList*>(mdsGetPerTaskData(kTaskSlotIniFiles));
-        mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
-    };
-    mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
-    std::barrier round(kThreads, endRound);
-    inThreads([&](int thread) {
-        for (int i = 0; i < kRounds; ++i) {
-            caches[static_cast<std::size_t>(thread)] = kvProfileInit(file.c_str());
-            round.arrive_and_wait();
-        }
-    });
-    EXPECT_EQ(different, 0);
-    mdsSetPerTaskData(kTaskSlotIniFiles, before);
 }
 
 }  // namespace
