@@ -129,7 +129,7 @@ int runProgram(bool wait, const char* file, std::vector<char*>& arguments) {
 }
 
 int runWithArguments(bool wait, const char* file, std::va_list rest) {
-    return orFailure(-1, [&] {
+    return orFailure(-1, [=]() mutable {
         std::vector<char*> arguments{const_cast<char*>(file)};
         do {
             arguments.push_back(va_arg(rest, char*));
