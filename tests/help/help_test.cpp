@@ -39,7 +39,7 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
         {WWHelp_URL_BuildSmartURL, "u?",
          "javascript:x=unescape('u%3f');if(typeof(window.WWHFrame)!='undefined'){window.WWHFrame.WWHHelp."
          "fSetContextDocument(x);}else{y=eval('document.open();document.writeln(\\'<a "
-         "href=\"'+x+'\">'+x+'</a>\\');document.close();');}"},
+         "href=\\\"'+x+'\\\">'+x+'</a>\\');document.close();');}"},
     };
     for (const auto& [routine, in, out] : rows) {
         EXPECT_EQ(made(routine, in), out) << in;
