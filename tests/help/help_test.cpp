@@ -75,7 +75,7 @@ TEST_F(BrowserTest, DirectoriesGoBeforeNames) {
 TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     writeScript(folder_, "a/iexplorer", recordAddress(folder_.path("opened")));
     folder_.write("odbcinst.ini", "[Administrator]\nHelpRootDirectory=/opt/help\n");
-    const auto text = [](const char* s) { return reinterpret_cast<const unsigned char*>(s); };
+    const auto text = [](const char* s) { return reinterpret_cast<unsigned char*>(const_cast<char*>(s)); };
     ASSERT_EQ(WWHelp_Startup("File:///h"), 0);
     EXPECT_EQ(WWHelp_Startup("File:///h"), -1);
     EXPECT_EQ(WWHelp_DisplayHelp("ODBC", nullptr), 0);
