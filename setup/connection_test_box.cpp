@@ -114,8 +114,8 @@ void addRecords(Widget box, const std::vector<std::string>& records) {
 
 void showOutcome(Widget parent, const ConnectionOutcome& outcome) {
     Widget box = createMessageDialog(parent, outcome.connected ? kInformationDialog : kErrorDialog,
-                                     setupText(headingOf(outcome)).c_str(), catalogText(Message::kOk).c_str(), "",
-                                     setupText(SetupMessage::kTestTitle).c_str());
+                                     setupText(headingOf(outcome)).data(), catalogText(Message::kOk).data(),
+                                     std::string().data(), setupText(SetupMessage::kTestTitle).data());
     if (box == nullptr) {
         return;
     }

@@ -238,9 +238,9 @@ void SetupForm::accept() {
         return;
     }
     Widget question =
-        createMessageDialog(form_, kQuestionDialog, setupText(SetupMessage::kOverwriteQuestion, change_.name).c_str(),
-                            catalogText(Message::kAnswerYes).c_str(), catalogText(Message::kAnswerNo).c_str(),
-                            setupText(SetupMessage::kTitle, content_.driver).c_str());
+        createMessageDialog(form_, kQuestionDialog, setupText(SetupMessage::kOverwriteQuestion, change_.name).data(),
+                            catalogText(Message::kAnswerYes).data(), catalogText(Message::kAnswerNo).data(),
+                            setupText(SetupMessage::kTitle, content_.driver).data());
     if (question != nullptr) {
         XtAddCallback(question, XmNokCallback, replaceAccepted, this);
         XtManageChild(question);
@@ -271,8 +271,9 @@ void SetupForm::finish() {
 
 void SetupForm::report(const SetupFailure& failure) {
     focusOn(failure.key);
-    Widget box = createMessageDialog(form_, kErrorDialog, failure.text.c_str(), catalogText(Message::kOk).c_str(), "",
-                                     setupText(SetupMessage::kTitle, content_.driver).c_str());
+    Widget box =
+        createMessageDialog(form_, kErrorDialog, std::string(failure.text).data(), catalogText(Message::kOk).data(),
+                            std::string().data(), setupText(SetupMessage::kTitle, content_.driver).data());
     if (box != nullptr) {
         XtManageChild(box);
     }
