@@ -144,7 +144,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, char* message, cha
         XtUnmanageChild(XtNameToWidget(dialog, "Cancel"));
         // Escape leaves a box that only informs. Motif takes no other button than "Cancel" as a message box's cancel
         // button.
-        XtOverrideTranslations(dialog, XtParseTranslationTable("<Key>osfCancel: BulletinBoardReturn()"));
+        overrideTranslations(dialog, "<Key>osfCancel: BulletinBoardReturn()");
     }
     XtAddCallback(dialog, XmNdestroyCallback, forgetDestroyed, nullptr);
     onWindowManagerClose(XtParent(dialog), answerClosed, dialog);

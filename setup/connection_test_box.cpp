@@ -106,9 +106,9 @@ void addRecords(Widget box, const std::vector<std::string>& records) {
     }
     XtVaSetValues(field, XmNwidth, width + kTextFrame, nullptr);
     // What leaves the box leaves it from here too.
-    XtOverrideTranslations(field, XtParseTranslationTable("<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n"
-                                                          "<Key>Return: activate()\nShift<Key>Tab: prev-tab-group()\n"
-                                                          "<Key>Tab: next-tab-group()"));
+    overrideTranslations(field,
+                         "<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n<Key>Return: activate()\n"
+                         "Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()");
     XtManageChild(field);
 }
 
