@@ -6,6 +6,7 @@
 
 #include "admin/globals.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/change_report.h"
 #include "motifutil/message_dialog.h"
 
 namespace {
@@ -86,6 +87,14 @@ void showError(Message::Number text) {
 
 void showError(Message::Number text, Message::Number okLabel, Message::Number title) {
     show(createReport(kErrorDialog, catalogText(text), okLabel, title));
+}
+
+void showError(Message::Number text, std::string_view subject) {
+    show(createReport(kErrorDialog, catalogText(text, {std::string(subject)})));
+}
+
+void showError(Message::Number text, const installer::ChangeFailure& failure) {
+    show(createReport(kErrorDialog, catalogText(text) + "\n\n" + changeReport(failure)));
 }
 
 void askQuestion(std::string question, const std::string& subject, XtCallbackProc accepted, XtCallbackProc declined) {

@@ -5,8 +5,10 @@
 
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "catalogs/message_numbers.h"
+#include "installer/configuration_change.h"
 
 // A message box on the main window, unmanaged; kinds as in motifutil/message_dialog.h. `cancelLabel` is "" for a box
 // with one button. Callers store it in `Mdialog`.
@@ -17,6 +19,10 @@ void showInformation(Message::Number text);
 void showError(Message::Number text);
 // The same with another label of the button, or another title.
 void showError(Message::Number text, Message::Number okLabel, Message::Number title);
+// The same with what the report is about, in the place of "%1" in the text.
+void showError(Message::Number text, std::string_view subject);
+// The same with the reason why a configuration file was not changed.
+void showError(Message::Number text, const installer::ChangeFailure& failure);
 
 // The boxes that carry on what was begun, kept in `Mdialog`. Their callbacks get a copy of `subject` (a char*,
 // terminated; null when it is empty), which belongs to the box and goes with it, answered or replaced.

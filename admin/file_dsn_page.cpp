@@ -15,6 +15,7 @@
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "installer/configuration.h"
+#include "installer/configuration_change.h"
 #include "installer/file_dsn.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -51,6 +52,21 @@ std::string selectionText() {
 // The part of a path that ends with its last "/"; empty when it has none.
 std::string directoryOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
+}
+
+std::string shownDirectory() {
+    XmString directory = nullptr;
+    XtVaGetValues(FSelect, XmNdirectory, &directory, nullptr);
+    const XmStringPtr owned(directory);
+    return plainText(directory);
+}
+
+// Lets the list of files say that there is none, as the box itself does for an empty directory.
+void emptyFileList() {
+    XmString nothing = nullptr;
+    XtVaGetValues(FSelect, XmNnoMatchString, &nothing, nullptr);
+    const XmStringPtr owned(nothing);
+    XtVaSetValues(FSelect, XmNfileListItems, &nothing, XmNfileListItemCount, 1, nullptr);
 }
 
 Widget createFileSelection(Widget parent) {
@@ -117,6 +133,14 @@ void configure(const std::string& path) {
         }
         attributes.push_back(std::move(setting));
     }
+    if (driver.empty()) {
+        showError(Message::kFileNamesNoDriver);
+        return;
+    }
+    if (installer::listKeys(driver, installer::kDriverFile, installer::Growth::kByDoubling).names.empty()) {
+        showError(Message::kFileDriverUnknown, driver);
+        return;
+    }
     callDynamic(setup.c_str(), kConfigureDataSource, driver.c_str(), installer::attributeList(attributes).c_str(),
                 kFileDataSource, path.c_str());
     refreshFileDsnPage();
@@ -157,9 +181,14 @@ void showFileDsnDirectory(const std::string& directory) {
 }
 
 void refreshFileDsnPage() {
+    std::error_code ignored;
     const XmStringPtr selected = compoundString(selectionText());
     const bool hadKeyboard = XmGetFocusWidget(FSelect) == fileList();
     XmFileSelectionDoSearch(FSelect, nullptr);
+    if (!std::filesystem::is_directory(shownDirectory(), ignored)) {
+        // The search leaves the list as it is.
+        emptyFileList();
+    }
     if (XmListItemExists(fileList(), selected.get())) {
         XmListSelectItem(fileList(), selected.get(), True);
     }
@@ -217,8 +246,9 @@ void change_default_Directory(Widget /*widget*/, XtPointer /*clientData*/, XtPoi
         const std::string directory = directoryOf(selectionText());
         if (!directory.empty()) {
             // Whether it could be written is not reported.
-            std::ignore =
-                installer::writeValue("ODBC FILE DSN", "DefaultDSNDir", directory.c_str(), installer::kDataSourceFile);
+            installer::ConfigurationChange change;
+            change.write("ODBC FILE DSN", "DefaultDSNDir", directory.c_str());
+            std::ignore = change.commit();
         }
     });
 }

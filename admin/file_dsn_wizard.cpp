@@ -89,6 +89,12 @@ void showSummary() {
         showError(Message::kFileNameMissing, Message::kOk, Message::kFileNameMissingTitle);
         return;
     }
+    if (name.find(';') != std::string::npos) {
+        // It would end the path in the connection string.
+        XmProcessTraversal(Text7, XmTRAVERSE_CURRENT);
+        showError(Message::kFileNameHasSemicolon);
+        return;
+    }
     replaceText(FileDSNName, name.c_str());
     std::string summary = catalogText(Message::kSummaryFileName) + FileDSNName + "\n" +
                           catalogText(Message::kDriversTab) + ":" + (CurrentDriver != nullptr ? CurrentDriver : "");

@@ -1,6 +1,9 @@
 #include "admin/file_dsn_writer.h"
 
+#include <fcntl.h>
 #include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -25,9 +28,9 @@
 
 namespace {
 
-// A key and a value are written as far as they fit into these, their terminators included.
-constexpr std::size_t kKeySize = 128;
-constexpr std::size_t kValueSize = 1024;
+// A longer key is not written; a value is as long as its line may be.
+constexpr std::size_t kLongestKey = 127;
+constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 
 // Below this length a connection string holds no attribute.
 constexpr short kShortestList = 3;
@@ -62,11 +65,32 @@ std::string absolutePath(const std::string& path) {
     return failure ? path : absolute.lexically_normal().string();
 }
 
-// Whether the file holds the attribute, cut at most where the line is full.
-bool isStored(const std::string& path, const installer::Attribute& attribute) {
-    const std::string stored = installer::readValue(installer::kFileDsnSection, attribute.key, path);
-    return stored == attribute.value ||
-           (attribute.value.starts_with(stored) && attribute.key.size() + 1 + stored.size() >= installer::kLongestLine);
+// The attributes that the items of a connection string write: items with exactly one "=". No item is both the path and
+// the driver, so both are written too, as files that the administrator made always had them, and the driver's key takes
+// the spelling and the braces of the second writing.
+std::vector<installer::Attribute> writtenAttributes(const std::string& connectionString) {
+    std::vector<installer::Attribute> attributes;
+    for (const std::string& item : split(connectionString, ';')) {
+        if (containsText(item, "FILEDSN") && strncasecmp(item.c_str(), "Driver", 6) == 0) {
+            continue;
+        }
+        const std::size_t equals = item.find('=');
+        if (equals != std::string::npos && equals == item.rfind('=')) {
+            // A key with a blank that is there already would be written a second time.
+            attributes.push_back(
+                {installer::trimmed(item.substr(0, equals)), installer::trimmed(item.substr(equals + 1))});
+        }
+    }
+    return attributes;
+}
+
+// Makes the file, readable for its owner alone, before anything stands in it.
+void createPrivateFile(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kOwnerOnly);
+    if (descriptor >= 0) {
+        std::ignore = fchmod(descriptor, kOwnerOnly);
+        close(descriptor);
+    }
 }
 
 }  // namespace
@@ -176,29 +200,36 @@ void getAdvancedArgumentString(char** list) {
 }
 
 bool writeFileDsn(const std::string& path, const char* driver, const char* connectionString) {
+    std::vector<installer::Attribute> attributes = writtenAttributes(connectionString);
+    attributes.insert(attributes.begin(), {"Driver", driver != nullptr ? driver : ""});
+    if (std::any_of(attributes.begin(), attributes.end(), [](const auto& attribute) {
+            return installer::isPasswordKey(attribute.key) && !attribute.value.empty();
+        })) {
+        createPrivateFile(path);
+    }
+    bool isComplete = true;
     std::vector<installer::Attribute> written;
-    const auto write = [&](const std::string& key, const std::string& value) {
-        std::ignore = installer::writeFileDsnValue(path, key, value.c_str());
-        std::erase_if(written, [&key](const installer::Attribute& old) { return installer::sameName(old.key, key); });
+    for (const auto& [key, value] : attributes) {
+        isComplete = key.size() <= kLongestKey && installer::writeFileDsnValue(path, key, value) && isComplete;
+        std::erase_if(written, [&key = key](const auto& old) { return installer::sameName(old.key, key); });
         written.push_back({key, value});
-    };
-    write("Driver", driver != nullptr ? driver : "");
+    }
+    return isComplete && std::all_of(written.begin(), written.end(), [&path](const auto& attribute) {
+               return installer::readValue(installer::kFileDsnSection, attribute.key, path) == attribute.value;
+           });
+}
+
+std::string cutAttributes(std::string_view connectionString) {
+    std::string names;
     for (const std::string& item : split(connectionString, ';')) {
-        // No item is both. So the path and the braced name of the driver are written too, as files that the
-        // administrator made always had them, and the driver's key takes the spelling and the braces of the second
-        // writing.
-        if (containsText(item, "FILEDSN") && strncasecmp(item.c_str(), "Driver", 6) == 0) {
-            continue;
-        }
-        const std::size_t equals = item.find('=');
-        if (equals != std::string::npos && equals == item.rfind('=')) {
-            // A key with a blank that is there already would be written a second time.
-            write(installer::trimmed(item.substr(0, equals).substr(0, kKeySize - 1)),
-                  installer::trimmed(item.substr(equals + 1).substr(0, kValueSize - 1)));
+        const std::string key = installer::trimmed(item.substr(0, item.find('=')));
+        const std::size_t brace = item.find('{', std::min(item.find('='), item.size()));
+        if (brace != std::string::npos && item.find('}', brace) == std::string::npos &&
+            !installer::sameName(key, "FILEDSN") && !installer::sameName(key, "DRIVER")) {
+            names += (names.empty() ? "" : ", ") + key;
         }
     }
-    return std::all_of(written.begin(), written.end(),
-                       [&path](const auto& attribute) { return isStored(path, attribute); });
+    return names;
 }
 
 bool deleteFileDSN(const char* path) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 // Fills `buffer`, of kFileDsnNameSize bytes, with the directory of file data sources, "/" at its end: as it was set by
 // the user, else the install directory, else the home directory, else "./", where the program was started.
@@ -25,10 +26,14 @@ void getFileDSNDefaultDir(char* buffer);
 // Makes `*list`, from malloc, an attribute list of the items in TempStr; null when there are none.
 void getAdvancedArgumentString(char** list);
 
-// Writes the driver (null means "") and the items of the connection string to the file data source `path`. What the
-// installer library says of each key is not looked at, since it does not notice a full disk: the file is read again.
-// False when something is missing in it.
+// Writes the driver (null means "") and the items of the connection string to the file data source `path`, which its
+// owner alone may read when there is a password among them. The file is read again, since the installer library does
+// not notice a full disk. False when something is missing in it: what does not fit into a line is left out, never cut.
 [[nodiscard]] bool writeFileDsn(const std::string& path, const char* driver, const char* connectionString);
+
+// The names of the attributes in the connection string whose braces hold a ";", separated by ", ": splitting at every
+// ";" cuts them off there.
+[[nodiscard]] std::string cutAttributes(std::string_view connectionString);
 
 // Deletes the file. False when it could not be deleted.
 [[nodiscard]] bool deleteFileDSN(const char* path);

@@ -12,6 +12,7 @@
 #include "admin/dialogs.h"
 #include "admin/globals.h"
 #include "installer/configuration.h"
+#include "installer/configuration_change.h"
 #include "motifutil/file_dialog.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -36,10 +37,6 @@ constexpr const char* kLibraryKey = "TraceDll";
 
 std::string readSetting(const char* key, std::size_t size) {
     return installer::readValue(kSection, key, installer::kDataSourceFile, size);
-}
-
-bool writeSetting(const char* key, const std::string& value) {
-    return installer::writeValue(kSection, key, value.c_str(), installer::kDataSourceFile);
 }
 
 // What is stored of a path, and how its field shows that: bytes that are no characters of the locale are not shown.
@@ -167,12 +164,16 @@ void Save_Trace() {
         const std::string library = pathToStore(TxtTraceLib, TraceLibrary);
         std::optional<Message::Number> problem = problemOf(kFileKey, file);
         problem = problem ? problem : problemOf(kLibraryKey, library);
-        if (!problem &&
-            (!writeSetting(kTraceKey, state) || !writeSetting(kFileKey, file) || !writeSetting(kLibraryKey, library))) {
-            problem = Message::kTraceNotSaved;
-        }
         if (problem) {
             showError(*problem);
+            return;
+        }
+        installer::ConfigurationChange change;
+        change.write(kSection, kTraceKey, state);
+        change.write(kSection, kFileKey, file.c_str());
+        change.write(kSection, kLibraryKey, library.c_str());
+        if (const std::optional<installer::ChangeFailure> failure = change.commit()) {
+            showError(Message::kTraceNotSaved, *failure);
         }
     });
 }

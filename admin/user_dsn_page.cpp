@@ -11,6 +11,7 @@
 #include "admin/lists.h"
 #include "admin/table.h"
 #include "installer/configuration.h"
+#include "installer/configuration_change.h"
 #include "motifutil/widgets.h"
 
 Widget FormUserDSN = nullptr;
@@ -192,8 +193,10 @@ void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*
 void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/) {
     guarded([dsnName] {
         const std::optional<int> row = selectedRow(LstUName);
-        if (!installer::removeDataSource(static_cast<const char*>(dsnName))) {
-            showError(Message::kRemoveFailed);
+        installer::ConfigurationChange change;
+        change.removeDataSource(static_cast<const char*>(dsnName));
+        if (const std::optional<installer::ChangeFailure> failure = change.commit()) {
+            showError(Message::kRemoveFailed, *failure);
             return;
         }
         if (row) {

@@ -1,14 +1,17 @@
 #include "admin/wizard_finish.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 
 #include "admin/dialogs.h"
 #include "admin/driver_chooser.h"
 #include "admin/driver_setup.h"
+#include "admin/file_aside.h"
 #include "admin/file_dsn_page.h"
 #include "admin/file_dsn_writer.h"
 #include "admin/file_name_dialog.h"
@@ -32,6 +35,13 @@ std::string setupLibraryOf(const std::string& driver) {
         showError(Message::kDriverHasNoSetup);
     }
     return setup;
+}
+
+void tellOfCutAttributes(std::string_view connectionString) {
+    const std::string names = cutAttributes(connectionString);
+    if (!names.empty()) {
+        showError(Message::kAttributesCut, names);
+    }
 }
 
 void finishUserDataSource() {
@@ -63,9 +73,9 @@ void finishFileDataSource(const char* attributes) {
     if (!setup.empty()) {
         callDynamic(setup.c_str(), kAddDataSource, driver.c_str(), attributes, kFileDataSource, path.c_str());
         showFileDsnDirectory(directory);
-    } else {
-        // A file that was to be overwritten is gone.
-        refreshFileDsnPage();
+        if (attributes != nullptr && !isFreePath(path.c_str())) {
+            tellOfCutAttributes(TempStr.view());
+        }
     }
 }
 
@@ -92,6 +102,11 @@ void finishWithAttributes() {
         return;
     }
     if (!createArray(CurrentDriver, DsnInfo)) {
+        return;
+    }
+    if (std::strchr(FileDSNName, ';') != nullptr) {
+        // The directory's name has one.
+        showError(Message::kFileNameHasSemicolon);
         return;
     }
     std::string connectionString(TempStr.view());
@@ -134,26 +149,42 @@ bool checkPerm(const char* name) {
         showError(Message::kDirectoryNotWritable);
         return false;
     }
+    // Whoever agrees loses the old file, so there must be somebody who can make the new one.
+    if (setupLibraryOf(CurrentDriver != nullptr ? CurrentDriver : "").empty()) {
+        return false;
+    }
     askQuestion(catalogText(Message::kOverwriteQuestion), FileDSNName, overwriteFileDSN, openSaveAsControl);
     return false;
 }
 
 void writeDsnToFile(const char* connectionString) {
-    if (checkPerm(FileDSNName) && !writeFileDsn(FileDSNName, CurrentDriver, connectionString)) {
-        showError(Message::kFileIncomplete);
+    if (!checkPerm(FileDSNName)) {
+        return;
     }
+    if (writeFileDsn(FileDSNName, CurrentDriver, connectionString)) {
+        tellOfCutAttributes(connectionString);
+        return;
+    }
+    if (!IsVerificationNeeded) {
+        // Half a data source is of no use. The one of a test goes after it.
+        std::ignore = deleteFileDSN(FileDSNName);
+    }
+    showError(Message::kFileIncomplete);
 }
 
 void overwriteFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
     guarded([path] {
-        const auto* file = static_cast<const char*>(path);
-        if (!deleteFileDSN(file)) {
-            // The button reads as the answer did that led here.
-            showError(Message::kOverwriteFailed, Message::kAnswerYes, Message::kDialogTitle);
-            return;
+        replaceText(FileDSNName, static_cast<const char*>(path));
+        {
+            const FileAside old(FileDSNName);
+            if (!old) {
+                // The button reads as the answer did that led here.
+                showError(Message::kOverwriteFailed, Message::kAnswerYes, Message::kDialogTitle);
+                return;
+            }
+            finish(nullptr, nullptr);
         }
-        replaceText(FileDSNName, file);
-        finish(nullptr, nullptr);
+        refreshFileDsnPage();
     });
 }
 

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <new>
 #include <string>
@@ -13,6 +12,7 @@
 #include "bos/errno_mapping.h"
 #include "bos/file_names.h"
 #include "bos/library.h"
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/error_report.h"
 #include "kvlib/out_of_memory.h"
@@ -60,9 +60,13 @@ int setLock(int descriptor, short type, std::int64_t offset, std::int64_t length
     return fcntl(descriptor, F_SETLK, &lock);
 }
 
-int lockAsFlagged(int descriptor, std::uint32_t flags) {
+bool wantsWriteLock(std::uint32_t flags) {
     constexpr std::uint32_t kWriteLock = OpenFlag::kExclusiveLock | OpenFlag::kReadWrite;
-    if ((flags & kWriteLock) == kWriteLock) {
+    return (flags & kWriteLock) == kWriteLock;
+}
+
+int lockAsFlagged(int descriptor, std::uint32_t flags) {
+    if (wantsWriteLock(flags)) {
         return setLock(descriptor, F_WRLCK, kLockOffset, 1);
     }
     if ((flags & OpenFlag::kSharedLock) != 0 && (flags & OpenFlag::kNoSharedLock) == 0) {
@@ -80,15 +84,17 @@ int createFile(const char* path, std::uint32_t flags, int* descriptor) {
     if (opened < 0) {
         return errno;
     }
-    // Last of what can fail, so that a file is emptied only for a caller who gets its descriptor. Devices have no
-    // length.
-    if ((flags & OpenFlag::kTruncate) != 0 && ftruncate(opened, 0) != 0 && errno != EINVAL) {
-        const int truncateError = errno;
+    // Emptied last of what can fail, and so only for a caller who gets its descriptor. Devices have no length.
+    if ((wantsWriteLock(flags) && setLock(opened, F_WRLCK, kLockOffset, 1) != 0) ||
+        ((flags & OpenFlag::kTruncate) != 0 && ftruncate(opened, 0) != 0 && errno != EINVAL)) {
+        const int systemError = errno;
         close(opened);
-        return truncateError;
+        return systemError;
     }
-    // Tried, but its failure is ignored: the lock of another program must not keep users from saving.
-    setLock(opened, F_RDLCK, kLockOffset, 1);
+    if (!wantsWriteLock(flags)) {
+        // Tried, but its failure is ignored: the lock of another program must not keep users from saving.
+        setLock(opened, F_RDLCK, kLockOffset, 1);
+    }
     *descriptor = opened;
     return 0;
 }
@@ -123,7 +129,7 @@ int createTemporary(char* name, std::uint32_t flags, int* descriptor) {
     for (int i = 0; i < kTemporaryNameTries && result == EEXIST; ++i) {
         result = storeResolvedName(name, temporaryName());
         if (debugEnabled(DebugBit::kFile)) {
-            std::printf("bosfopen: Temp File %s ", name);
+            printOnConsole("bosfopen: Temp File %s ", name);
         }
         if (result == 0) {
             result = createFile(name, flags | OpenFlag::kExclusive, descriptor);
@@ -160,7 +166,7 @@ int openFile(char* name, std::uint32_t flags, int* descriptor) {
     return orFailure(ENOMEM, [&] {
         *descriptor = 0;
         if (debugEnabled(DebugBit::kFile)) {
-            std::printf("bosfopen - File:%s\n", name);
+            printOnConsole("bosfopen - File:%s\n", name);
         }
         if ((flags & (OpenFlag::kTemporary | OpenFlag::kTemporaryToo)) != 0) {
             return createTemporary(name, flags, descriptor);
@@ -286,8 +292,8 @@ int bosFileDelete(const char16_t* name) {
 int bosexist(const char* name) {
     const int answer = access(name, F_OK) == 0 ? 1 : 0;
     if (debugEnabled(DebugBit::kFile)) {
-        std::printf("bosexist: Name=%s ", name);
-        std::printf(" exists: %d\n", answer);
+        printOnConsole("bosexist: Name=%s ", name);
+        printOnConsole(" exists: %d\n", answer);
     }
     return answer;
 }

@@ -14,7 +14,7 @@
 // The bits of bosFileOpen's flag word; a plain enum, since callers combine the bits.
 namespace OpenFlag {
 enum Flag : std::uint32_t {
-    kCreate = 0x0001,          // open read/write, create (mode 0666), share-lock, and ignore the flags below kExclusive
+    kCreate = 0x0001,          // open read/write, create (mode 0666), share-lock; kSearchPath is ignored
     kReadWrite = 0x0002,       // read-only without it
     kCreateMissing = 0x0004,   // create the file when it does not exist
     kHomeRelative = 0x0008,    // the name is relative to the home directory
@@ -35,9 +35,9 @@ enum Flag : std::uint32_t {
 // (OpenFlag) say. The lock is a POSIX record lock (fcntl F_SETLK) on the byte at offset 1 and never waited for; it goes
 // with the first descriptor of the file that the process closes.
 //
-// Creating is different: its read lock is tried and its absence ignored, so that a program that holds a lock for long
-// can't keep others from saving. An exclusive lock that must hold is asked for without kCreate; that open fails
-// with kFileBusy while another process holds the lock.
+// A lock that can't be had fails the open with kFileBusy and leaves the file as it was. Creating is different where it
+// asks for no exclusive lock: its read lock is tried and its absence ignored, so that a program that holds a lock for
+// long can't keep others from saving.
 [[nodiscard]] int bosFileOpen(char* name, std::uint32_t flags, int* descriptor);
 [[nodiscard]] int bosFileOpen(char16_t* name, std::uint32_t flags, int* descriptor);
 

@@ -1,15 +1,18 @@
 #include "bos/file_names.h"
 
 #include <strings.h>
+#include <sys/random.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <climits>
-#include <cstdio>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <random>
 
+#include "bos/errno_mapping.h"
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
@@ -80,9 +83,14 @@ std::string inHome(const std::string& name) {
     return home == nullptr ? name : join(home, name);
 }
 
+int tooLong(const std::string& path) {
+    bosMapError(ENAMETOOLONG, path.c_str());
+    return 1;
+}
+
 // 0, or 1 with an empty path when `path` does not fit.
-int storePath(char* buffer, std::string_view path) {
-    return copyWhole(buffer, kPathSize, path) ? 0 : 1;
+int storePath(char* buffer, const std::string& path) {
+    return copyWhole(buffer, kPathSize, path) ? 0 : tooLong(path);
 }
 
 std::string currentDirectory() {
@@ -122,7 +130,7 @@ ResolvedName resolveFileName(const std::string& name, bool recogniseNames, bool 
     }
     const bool trace = debugEnabled(DebugBit::kFile);
     if (trace) {
-        std::printf("bosfopen: Replacing %s ", name.c_str());
+        printOnConsole("bosfopen: Replacing %s ", name.c_str());
     }
     ResolvedName resolved{inHome(name)};
     if (file != nullptr && (file->variableWins || !exists(resolved.path))) {
@@ -131,7 +139,7 @@ ResolvedName resolveFileName(const std::string& name, bool recogniseNames, bool 
         }
     }
     if (trace) {
-        std::printf("with %s\n", resolved.path.c_str());
+        printOnConsole("with %s\n", resolved.path.c_str());
     }
     if (file != nullptr && file->variableWins && !exists(resolved.path)) {
         resolved.systemError = errno;
@@ -146,13 +154,14 @@ bool isDriverFileName(std::string_view name) {
 
 std::string temporaryName() {
     constexpr std::string_view kCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
-    std::random_device random;
-    std::uniform_int_distribution<std::size_t> pick(0, kCharacters.size() - 1);
     const std::string stem = join(temporaryDirectory(), "kv");
     for (;;) {
+        // The clock stands in where the system gives no random numbers.
+        auto number = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+        [[maybe_unused]] const ssize_t got = getrandom(&number, sizeof number, GRND_NONBLOCK);
         std::string path = stem;
-        for (int i = 0; i < 8; ++i) {
-            path += kCharacters[pick(random)];
+        for (int i = 0; i < 8; ++i, number /= kCharacters.size()) {
+            path += kCharacters[number % kCharacters.size()];
         }
         if (!exists(path)) {
             return path;
@@ -165,7 +174,7 @@ int boshpath(char* name) {
         const char* home = std::getenv("HOME");
         const char* directory = home != nullptr ? home : std::getenv("KV");
         const std::string path = join(directory != nullptr ? directory : currentDirectory(), name);
-        return path.size() >= kPathSize ? 1 : storePath(name, path);
+        return path.size() >= kPathSize ? tooLong(path) : storePath(name, path);
     });
 }
 
@@ -177,12 +186,12 @@ int bospath(char* path, const char* directory, const char* name, const char* ext
     return orMemoryError(1, [&] {
         const bool trace = debugEnabled(DebugBit::kFile);
         if (trace) {
-            std::printf("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
-                        extension == nullptr ? "" : extension);
+            printOnConsole("BOSPATH: dir:%s name:%s default_ext:%s\n", directory == nullptr ? "" : directory, name,
+                           extension == nullptr ? "" : extension);
         }
         std::string result = joined(directory, name);
         if (trace) {
-            std::printf("bospath: after bosfpath path:%s\n", result.c_str());
+            printOnConsole("bospath: after bosfpath path:%s\n", result.c_str());
         }
         if (extension != nullptr && *extension != '\0' && !hasExtension(result)) {
             result.append(*extension == '.' ? "" : ".").append(extension);
@@ -200,11 +209,11 @@ int bosParseName(const char* path, char* directory, char* name) {
         const std::string namePart(hasDirectory ? whole.substr(slash + 1) : whole);
         const bool fits = directoryPart.size() < kPathSize && namePart.size() < kPathSize;
         if (directory != nullptr) {
-            storePath(directory, fits ? directoryPart : "");
+            copyCut(directory, kPathSize, fits ? directoryPart : "");
         }
         if (name != nullptr) {
-            storePath(name, fits ? namePart : "");
+            copyCut(name, kPathSize, fits ? namePart : "");
         }
-        return fits ? 0 : 1;
+        return fits ? 0 : tooLong(path);
     });
 }

@@ -1,6 +1,7 @@
 // File names: how the configuration files are found, paths put together and taken apart, and temporary names.
-// docs/ini-format.md tells the rules of the configuration files. All path buffers hold kPathSize bytes. Everything
-// here may be called from any thread as long as none changes the environment.
+// docs/ini-format.md tells the rules of the configuration files. All path buffers hold kPathSize bytes. A function that
+// returns 1 leaves the reason on the calling thread's current error list. Everything here may be called from any thread
+// as long as none changes the environment.
 #pragma once
 
 #include <cstddef>

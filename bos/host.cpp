@@ -3,6 +3,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -10,16 +11,27 @@
 #include <memory>
 #include <string_view>
 
+#include "bos/errno_mapping.h"
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
 
 namespace {
 
+// 1 with `systemError` recorded, which may concern `name` (null for nothing).
+int failed(int systemError, const char* name) {
+    bosMapError(systemError, name);
+    return 1;
+}
+
+int storeWhole(char* buffer, std::uint32_t size, std::string_view text) {
+    return copyWhole(buffer, size, text) ? 0 : failed(EOVERFLOW, nullptr);
+}
+
 // The lines that a shell command prints, without their line ends.
 std::vector<std::string> outputLines(const std::string& command) {
     std::vector<std::string> lines;
-    std::fflush(stdout);
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), [](FILE* f) { return pclose(f); });
     if (!pipe) {
         return lines;
@@ -59,13 +71,14 @@ int bosGetEnv(const char16_t* name, char16_t* buffer, std::uint32_t size) {
         if (size != 0) {
             *buffer = u'\0';
         }
-        const char* value = std::getenv(fromUtf16(name, kCPLocale).c_str());
+        const std::string narrow = fromUtf16(name, kCPLocale);
+        const char* value = std::getenv(narrow.c_str());
         if (value == nullptr) {
-            return 1;
+            return failed(ENODATA, narrow.c_str());
         }
         const std::u16string wide = toUtf16(value, kCPLocale);
         if (wide.size() >= size) {
-            return 1;
+            return failed(EOVERFLOW, narrow.c_str());
         }
         wide.copy(buffer, wide.size());
         buffer[wide.size()] = u'\0';
@@ -75,9 +88,12 @@ int bosGetEnv(const char16_t* name, char16_t* buffer, std::uint32_t size) {
 
 int bosGetMachineName(char* buffer, std::uint32_t size) {
     char name[HOST_NAME_MAX + 1] = "";
-    const int result = gethostname(name, sizeof name);
+    if (gethostname(name, sizeof name) != 0) {
+        copyCut(buffer, size, "");
+        return failed(errno, nullptr);
+    }
     name[HOST_NAME_MAX] = '\0';
-    return copyWhole(buffer, size, result == 0 ? name : "") && result == 0 ? 0 : 1;
+    return storeWhole(buffer, size, name);
 }
 
 int bosGetHostUser(char* buffer, std::uint32_t size) {
@@ -87,7 +103,7 @@ int bosGetHostUser(char* buffer, std::uint32_t size) {
         passwd* found = nullptr;
         const uid_t user = getuid();
         const bool isKnown = getpwuid_r(user, &entry, space.data(), space.size(), &found) == 0 && found != nullptr;
-        return copyWhole(buffer, size, isKnown ? found->pw_name : std::to_string(user)) ? 0 : 1;
+        return storeWhole(buffer, size, isKnown ? found->pw_name : std::to_string(user));
     });
 }
 
@@ -97,7 +113,7 @@ int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size) {
             outputLines("/bin/ps -p " + std::to_string(pid) + " -ocomm= 2>/dev/null");
         const std::string name = lines.empty() ? "" : lines.front();
         copyCut(buffer, size, name);
-        return name.empty() ? 1 : 0;
+        return name.empty() ? failed(ESRCH, nullptr) : 0;
     });
 }
 
@@ -105,17 +121,18 @@ int bosFindFiles(const char* pattern, std::vector<std::string>& result) {
     return orMemoryError(1, [&] {
         const bool trace = debugEnabled(DebugBit::kFile);
         if (trace) {
-            std::printf("bosFindFiles: Search for %s\n", pattern);
+            printOnConsole("bosFindFiles: Search for %s\n", pattern);
         }
         result.clear();
-        if (isPlainPattern(pattern)) {
+        const bool isPlain = isPlainPattern(pattern);
+        if (isPlain) {
             result = outputLines(std::string("/bin/sh 2>>/dev/null <<EOT\n/bin/ls ") + pattern + "\nEOT");
         }
         if (trace) {
             for (const std::string& name : result) {
-                std::printf("bosFindFiles: returns fileName=%s\n", name.c_str());
+                printOnConsole("bosFindFiles: returns fileName=%s\n", name.c_str());
             }
         }
-        return result.empty() ? 1 : 0;
+        return result.empty() ? failed(isPlain ? ENOENT : EINVAL, pattern) : 0;
     });
 }

@@ -1,7 +1,7 @@
 // What the platform says of itself: environment, host, user, processes, and the files that a shell pattern names.
 // Output buffers hold `size` bytes or units, are always terminated (unless `size` is 0), and get "" on failure.
-// Functions return 0, or 1 on failure; none records an error. Everything may be called from any thread as long as none
-// changes the environment.
+// Functions return 0, or 1 with the reason on the calling thread's current error list. Everything may be called from
+// any thread as long as none changes the environment.
 #pragma once
 
 #include <sys/types.h>

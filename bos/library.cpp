@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -15,6 +14,7 @@
 
 #include "catalogs/message_numbers.h"
 #include "kvlib/catalog.h"
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/error.h"
 #include "kvlib/error_report.h"
@@ -68,7 +68,7 @@ std::string searchList(std::uint32_t flags) {
 
 bool isHit(const std::string& candidate) {
     if (debugEnabled(DebugBit::kLocate)) {
-        std::printf("LocateFile: %s\n", candidate.c_str());
+        printOnConsole("LocateFile: %s\n", candidate.c_str());
     }
     return candidate.size() < kPathSize && isRegularFile(candidate.c_str());
 }
@@ -128,8 +128,8 @@ void reportLoaderError(const std::string& path) {
     KvError* error = addError(LibraryMessage::kLibraryNotLoadable);
     error->appendText((": " + path + ": " + detail).c_str());
     if (debugEnabled(DebugBit::kLibrary)) {
-        std::printf("Unable to open Shared Library:%s\n", path.c_str());
-        std::printf("Loader Error: %s\n", detail.c_str());
+        printOnConsole("Unable to open Shared Library:%s\n", path.c_str());
+        printOnConsole("Loader Error: %s\n", detail.c_str());
     }
 }
 
@@ -137,17 +137,17 @@ void* loadLibrary(std::string_view name, bool addVersion) {
     const std::string file = libraryFileName(name, addVersion);
     const bool trace = debugEnabled(DebugBit::kLibrary);
     if (trace) {
-        std::printf("LoadLibrary: Searching for %s.\n", file.c_str());
+        printOnConsole("LoadLibrary: Searching for %s.\n", file.c_str());
     }
     const std::string path = locate(file.c_str(), LocateFlag::kProduct | LocateFlag::kLibraries);
     if (path.empty()) {
         if (trace) {
-            std::printf("Unable to open Shared Library: %s\n", file.c_str());
+            printOnConsole("Unable to open Shared Library: %s\n", file.c_str());
         }
         return nullptr;
     }
     if (trace) {
-        std::printf("LoadLibrary: Found library %s.\n", path.c_str());
+        printOnConsole("LoadLibrary: Found library %s.\n", path.c_str());
     }
     // Without a slash the loader would search its own directories and not take the file found.
     void* handle = dlopen(path.find('/') == std::string::npos ? ("./" + path).c_str() : path.c_str(), RTLD_NOW);

@@ -27,6 +27,12 @@ enum Number : std::uint32_t {
     kAnswerNo = 9054,
     kDataSourceFileUnreadable = 9092,
     kDriverFileUnreadable = 9093,
+    kChangeFailed = 9108,
+    kChangeBadLine = 9109,
+    kChangeRefused = 9110,
+    kChangeLineTooLong = 9111,
+    kChangeBusy = 9112,
+    kChangeLeftHalf = 9113,
 
     // Headers above the columns of every page.
     kColumnName = 9063,
@@ -77,6 +83,8 @@ enum Number : std::uint32_t {
     kFileDsnUnreadable = 9055,
     kNoFileDsns = 9056,
     kFileIncomplete = 9037,
+    kFileNamesNoDriver = 9106,
+    kFileDriverUnknown = 9107,
 
     // Driver chooser and File DSN wizard.
     kChooserTitle = 9025,
@@ -100,6 +108,8 @@ enum Number : std::uint32_t {
     kSummaryFileName = 9090,
     kTestSucceeded = 9091,
     kConnectionStringTooLong = 9103,
+    kAttributesCut = 9104,
+    kFileNameHasSemicolon = 9105,
 
     // Drivers page.
     kDriversTab = 9003,
@@ -210,7 +220,9 @@ enum Number : std::uint32_t {
     kNoMemory = 47,
     kNoSuchFile = 48,
     kFileNotWritten = 49,
-    kFileHasLongLine = 50,
+
+    // What was given and can't be stored.
+    kLeftOut = 51,
 
     // The connection test.
     kTestSucceeded = 60,

@@ -1,5 +1,6 @@
 #include "help/browser_platform.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -78,9 +79,20 @@ int writeSignature(WWHelp_BrowserInfo* info) {
     return gethostname(info->processSignature + used, sizeof info->processSignature - 1 - used);
 }
 
+// Not by the streams, which would print once more what the parent process has not printed yet.
+bool redirect(int target, const char* file, int mode) {
+    const int descriptor = open(file, O_WRONLY | mode);
+    if (descriptor < 0 || descriptor == target) {
+        return descriptor == target;
+    }
+    const bool done = dup2(descriptor, target) == target;
+    close(descriptor);
+    return done;
+}
+
 // Never returns: the process becomes the program, or ends.
 [[noreturn]] void becomeProgram(const char* file, char** arguments, const char* errorFile) {
-    if (std::freopen("/dev/null", "a", stdout) != nullptr && std::freopen(errorFile, "w", stderr) != nullptr) {
+    if (redirect(STDOUT_FILENO, "/dev/null", O_APPEND) && redirect(STDERR_FILENO, errorFile, O_TRUNC)) {
         execvp(file, arguments);
     }
     _exit(255);
@@ -117,7 +129,7 @@ int runProgram(bool wait, const char* file, std::vector<char*>& arguments) {
 }
 
 int runWithArguments(bool wait, const char* file, std::va_list rest) {
-    return orFailure(-1, [&] {
+    return orFailure(-1, [=]() mutable {
         std::vector<char*> arguments{const_cast<char*>(file)};
         do {
             arguments.push_back(va_arg(rest, char*));

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -47,16 +49,6 @@ bool isMissingPath(const std::string& file) {
     return file.starts_with('/') && !std::filesystem::exists(file, ignored);
 }
 
-// Where the library has the user's data sources (SQLSetConfigMode, ODBC_USER_DSN): it takes the home directory from the
-// password entry, not from HOME.
-std::string dataSourcePath() {
-    if (const char* path = std::getenv("ODBCINI")) {
-        return path;
-    }
-    const passwd* entry = getpwuid(getuid());
-    return std::string(entry != nullptr ? entry->pw_dir : "") + "/" + kDataSourceFile;
-}
-
 std::string terminatedList(const std::vector<std::string>& items) {
     std::string list;
     for (const std::string& item : items) {
@@ -88,8 +80,16 @@ void keepMemoryBetweenReads() noexcept {
     mallopt(M_TRIM_THRESHOLD, kKeptBytes);
 }
 
+std::string userDataSourcePath() {
+    if (const char* path = std::getenv("ODBCINI")) {
+        return path;
+    }
+    const passwd* entry = getpwuid(getuid());
+    return std::string(entry != nullptr ? entry->pw_dir : "") + "/" + kDataSourceFile;
+}
+
 bool isDataSourceFileReadable() {
-    const std::string path = dataSourcePath();
+    const std::string path = userDataSourcePath();
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
         return errno == ENOENT || errno == ENOTDIR;
@@ -155,22 +155,6 @@ NameList listDrivers() {
     }
 }
 
-bool removeDataSource(const std::string& name) {
-    if (!SQLRemoveDSNFromIni(name.c_str())) {
-        return false;
-    }
-    // The library deletes the section and leaves the name in the list: the data source would be back, without settings.
-    const NameList left = listKeys(kDataSourceList, kDataSourceFile, Growth::kByKilobyte);
-    const bool stillListed = std::any_of(left.names.begin(), left.names.end(),
-                                         [&name](const std::string& other) { return sameName(other, name); });
-    return !stillListed || writeValue(kDataSourceList, name, nullptr, kDataSourceFile);
-}
-
-bool writeValue(const std::string& section, const std::string& key, const char* value, const std::string& file) {
-    const bool fits = value == nullptr || key.size() + 1 + std::strlen(value) <= kLongestLine;
-    return fits && SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
-}
-
 std::vector<Attribute> readSection(const std::string& section, const std::string& file) {
     const NameList keys = listKeys(section, file, Growth::kByDoubling);
     std::vector<Attribute> attributes;
@@ -199,17 +183,6 @@ std::vector<std::string> attributeItems(const char* list) {
     return items;
 }
 
-std::vector<Attribute> parseAttributeList(const char* list) {
-    std::vector<Attribute> attributes;
-    for (const std::string& item : attributeItems(list)) {
-        const std::size_t equals = item.find('=');
-        if (equals != std::string::npos) {
-            attributes.push_back({item.substr(0, equals), item.substr(equals + 1)});
-        }
-    }
-    return attributes;
-}
-
 std::string copyOfAttributeList(const char* list) {
     return list != nullptr ? terminatedList(attributeItems(list)) : std::string();
 }
@@ -220,6 +193,15 @@ std::string trimmed(std::string_view text) {
     return first == std::string_view::npos
                ? std::string()
                : std::string(text.substr(first, text.find_last_not_of(kBlanks) + 1 - first));
+}
+
+bool isPasswordKey(std::string_view key) {
+    constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
+    std::string lower(key);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    return std::any_of(kMarks.begin(), kMarks.end(),
+                       [&lower](std::string_view mark) { return lower.find(mark) != std::string::npos; });
 }
 
 bool isValidDataSourceName(const std::string& name) {

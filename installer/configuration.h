@@ -1,4 +1,5 @@
-// The one place that calls the ODBC installer library to read and change the configuration of data sources and drivers.
+// The one place that asks the ODBC installer library for the configuration of data sources and drivers, which
+// installer/configuration_change.h changes.
 // It knows what the library leaves to its callers: lists that are cut without a word, negative lengths, values cached
 // for seconds, names left behind by a removal. Every reading function looks into the files anew. GUI thread only: the
 // installer library keeps process-wide state.
@@ -55,6 +56,10 @@ private:
 // that a long list takes to fill. For the whole process, so only for programs: call it once at start-up (mallopt(3)).
 void keepMemoryBetweenReads() noexcept;
 
+// Where the library has the user's data sources (ODBC_USER_DSN): the file named by ODBCINI, else ".odbc.ini" in the
+// home directory of the password entry, whatever HOME says.
+[[nodiscard]] std::string userDataSourcePath();
+
 // False when there is a user's ".odbc.ini" that can't be read, for want of permission or because it is no file. To the
 // library that looks like an empty one. One that is missing is no failure.
 [[nodiscard]] bool isDataSourceFileReadable();
@@ -70,15 +75,6 @@ void keepMemoryBetweenReads() noexcept;
 // The installed drivers in file order; the library tells at most 65,535 bytes of them.
 [[nodiscard]] NameList listDrivers();
 
-// Removes a user data source, its section and its line in the list of names. False when the library refuses; the reason
-// then stands in SQLInstallerError.
-[[nodiscard]] bool removeDataSource(const std::string& name);
-
-// Writes the value of one key; a null `value` deletes the key. False when the library refuses, or when the line would
-// be longer than kLongestLine: what stood there stays.
-[[nodiscard]] bool writeValue(const std::string& section, const std::string& key, const char* value,
-                              const std::string& file);
-
 // Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.
 struct Attribute {
     std::string key;
@@ -92,13 +88,14 @@ struct Attribute {
 
 // The items of such a list, whatever they hold; none of a null list.
 [[nodiscard]] std::vector<std::string> attributeItems(const char* list);
-// The attributes among them; items without "=" are left out.
-[[nodiscard]] std::vector<Attribute> parseAttributeList(const char* list);
 // The same list once more, with all its terminators; empty for a null list.
 [[nodiscard]] std::string copyOfAttributeList(const char* list);
 
 // Without the blanks at both ends, which configuration files do not keep.
 [[nodiscard]] std::string trimmed(std::string_view text);
+
+// Whether the key is one of a password: its value is never shown, and a file that holds one is its owner's alone.
+[[nodiscard]] bool isPasswordKey(std::string_view key);
 
 // Whether a data source may have this name (SQLValidDSN): its length and characters.
 [[nodiscard]] bool isValidDataSourceName(const std::string& name);

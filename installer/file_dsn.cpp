@@ -21,20 +21,14 @@ bool isLaterKey(const std::string& path, const std::string& key) {
 
 }  // namespace
 
-bool writeFileDsnValue(const std::string& path, const std::string& key, const char* value) {
+bool writeFileDsnValue(const std::string& path, const std::string& key, const std::string& value) {
     const auto write = [&](const char* text) {
         return SQLWriteFileDSN(path.c_str(), kFileDsnSection, key.c_str(), text) != 0;
     };
-    if (value == nullptr) {
-        return write(nullptr);
-    }
-    std::string bounded = value;
-    if (key.size() + 1 + bounded.size() > kLongestLine) {
-        bounded.resize(kLongestLine - std::min(kLongestLine, key.size() + 1));
-    }
     // A key that is there already must go first: the library would write its new value over the first key of the
     // section.
-    return (!isLaterKey(path, key) || write(nullptr)) && write(bounded.c_str());
+    return key.size() + 1 + value.size() <= kLongestLine && (!isLaterKey(path, key) || write(nullptr)) &&
+           write(value.c_str());
 }
 
 std::string driverName(const std::string& value) {

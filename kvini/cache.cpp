@@ -1,5 +1,6 @@
 #include "kvini/cache.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include "bos/file.h"
 #include "bos/file_names.h"
 #include "catalogs/message_numbers.h"
+#include "kvini/file_turn.h"
 #include "kvini/grammar.h"
 #include "kvini/lock.h"
 #include "kvini/rewriting.h"
@@ -38,7 +40,7 @@ std::optional<std::string_view> optionalView(const char* text) {
     return text == nullptr ? std::nullopt : std::optional<std::string_view>(text);
 }
 
-// The wide form of what a read returned: lists end in a zero of their own and may fill the buffer.
+// The wide form of what a read found: lists end in a zero of their own and may fill the buffer.
 unsigned long copyWide(std::u16string_view text, bool isList, char16_t* buffer, unsigned long size) {
     if (size == 0) {
         return 0;
@@ -59,10 +61,10 @@ unsigned long copyWide(std::u16string_view text, bool isList, char16_t* buffer, 
 }
 
 // A failure to open for writing that opening for reading alone may overcome. kReadOnlyFile stands for an error that
-// this platform does not have; a read-only file system has a number of its own and fails.
+// this platform does not have.
 bool isRefusal(std::uint16_t number) {
     return number == LibraryMessage::kNotPermitted || number == LibraryMessage::kAccessDenied ||
-           number == LibraryMessage::kReadOnlyFile;
+           number == LibraryMessage::kReadOnlyFile || number == LibraryMessage::kReadOnlyFileSystem;
 }
 
 }  // namespace
@@ -82,6 +84,7 @@ KvIniFileCache::~KvIniFileCache() {
 }
 
 std::uint32_t KvIniFileCache::bosKvIniOpen(const char* name, std::uint32_t flags) {
+    openLibraryCatalog();
     const std::uint32_t result = orMemoryError(1U, [&] { return load(name, flags); });
     if (result != 0) {
         closeDescriptor();
@@ -102,6 +105,12 @@ std::uint32_t KvIniFileCache::load(const std::string& name, std::uint32_t flags)
         case Opening::kOpened:
             break;
     }
+    struct stat status = {};
+    if (fstat(descriptor_, &status) != 0) {
+        bosMapError(errno, path_.c_str());
+        return 1;
+    }
+    const FileTurn turn(status);
     const std::uint32_t result = readText();
     closeDescriptor();
     if (result == 0) {
@@ -162,8 +171,7 @@ std::uint32_t KvIniFileCache::readText() {
         return 1;
     }
     text_.resize(got);
-    textIsIncomplete_ = got != size_;
-    if (textIsIncomplete_) {
+    if (got != size_) {
         // Another program is rewriting the file, perhaps to the same size in the same second. Without a date and a size
         // the next call reads it again.
         date_ = 0;
@@ -187,45 +195,60 @@ std::uint32_t KvIniFileCache::sync() {
     if (date == date_ && size == size_) {
         return 0;
     }
-    return orMemoryError(1U, [this] {
-        std::string path = path_;
-        const std::uint32_t result = bosKvIniOpen(path.c_str(), 0);
-        if (result != 0) {
-            // Still the cache of this file, which the next call tries to read again.
-            path_ = std::move(path);
-            state_ = State::kLoaded;
-        }
-        return result;
-    });
+    return orMemoryError(1U, [this] { return reload(path_.c_str(), 0); });
+}
+
+// After a failure it still is the cache of this file, which the next call tries to read again.
+std::uint32_t KvIniFileCache::reload(const char* name, std::uint32_t flags) {
+    std::string path = path_;
+    const State state = state_;
+    const std::uint32_t result = bosKvIniOpen(name, flags);
+    if (result != 0) {
+        path_ = std::move(path);
+        state_ = state;
+    }
+    return result;
 }
 
 bool KvIniFileCache::isCurrent() {
     return state_ == State::kLoaded && sync() == 0 && state_ == State::kLoaded;
 }
 
-// For an update, which writes back what is in memory: what another program has not finished writing would be lost, and
-// the copy would lack it too. Other programs empty the file before they write it, so an empty file is read twice.
-bool KvIniFileCache::waitForWholeText() {
-    for (int reading = 0; textIsIncomplete_ || (text_.empty() && reading == 0); ++reading) {
-        if (reading == kReadings) {
-            bosMapError(EAGAIN, path_.c_str());
+// Updates what the file holds once it is locked: other programs may have changed it since it was loaded, even in the
+// same second and to the same size. Those that take no lock empty it before they write it: an empty file is read twice,
+// and one that changes its length is read until it no longer does. The file is not locked in the pauses.
+bool KvIniFileCache::rewrite(const char* section, const char* entry, const char* value, IniChange& change) {
+    for (int reading = 0; reading <= kReadings; ++reading) {
+        LockedIniFile file(path_);
+        bool isWhole = false;
+        if (!file.open() || !file.read(text_, isWhole)) {
             return false;
         }
+        if (isWhole && (!text_.empty() || reading > 0)) {
+            const IniUpdate update = updateIniText(text_, section, optionalView(entry), optionalView(value));
+            change = update.change;
+            return file.replaceText(text_, update.text);
+        }
+        file.close();
         std::this_thread::sleep_for(kReadingPause);
-        if (!isCurrent()) {
-            return false;
-        }
     }
-    return true;
+    bosMapError(EAGAIN, path_.c_str());
+    return false;
 }
 
 unsigned long KvIniFileCache::bosGetProfileString(const char* section, const char* entry, const char* defaultText,
                                                   char* buffer, unsigned long size) {
+    bool found = false;
+    return readString(section, entry, defaultText, buffer, size, found);
+}
+
+unsigned long KvIniFileCache::readString(const char* section, const char* entry, const char* defaultText, char* buffer,
+                                         unsigned long size, bool& found) {
     const ReadCall call = {IniReadTrace("GetProfileString:"), section, entry, defaultText, buffer, size};
     openLibraryCatalog();
     const IniLock hold(lock_);
     call.trace.beginString(path_.c_str(), section, entry);
-    return read(call);
+    return read(call, found);
 }
 
 unsigned long KvIniFileCache::bosGetProfileSection(const char* section, char* buffer, unsigned long size) {
@@ -233,13 +256,14 @@ unsigned long KvIniFileCache::bosGetProfileSection(const char* section, char* bu
     openLibraryCatalog();
     const IniLock hold(lock_);
     call.trace.beginSection(path_.c_str(), section);
-    return read(call);
+    bool found = false;
+    return read(call, found);
 }
 
-unsigned long KvIniFileCache::read(const ReadCall& call) {
+unsigned long KvIniFileCache::read(const ReadCall& call, bool& found) {
     call.trace.defaultText(call.defaultText);
     unsigned long length = 0;
-    bool found = isCurrent();
+    found = isCurrent();
     if (found && call.section == nullptr) {
         length = listIniSections(text_, call.buffer, call.size);
     } else if (found) {
@@ -291,15 +315,18 @@ bool KvIniFileCache::copyKeys(const ReadCall& call, unsigned long& length) const
 
 unsigned long KvIniFileCache::bosGetProfileStringW(const char16_t* section, const char16_t* entry,
                                                    const char16_t* defaultText, char16_t* buffer, unsigned long size) {
-    const bool listAsked = section == nullptr || entry == nullptr;
+    bool found = false;
     const std::u16string text = orMemoryError(std::u16string(), [&] {
         // Room for any value, and for as many bytes as the units asked for can take.
         std::string bytes(kLongestValue + 1 + 3 * std::min(size, kLongestWideList), '\0');
-        bytes.resize(bosGetProfileString(Narrow(section).get(), Narrow(entry).get(), Narrow(defaultText).get(),
-                                         bytes.data(), bytes.size()));
+        bytes.resize(readString(Narrow(section).get(), Narrow(entry).get(), Narrow(defaultText).get(), bytes.data(),
+                                bytes.size(), found));
         return toUtf16(bytes, kCPLocale);
     });
-    return copyWide(text, listAsked && text.ends_with(u'\0'), buffer, size);
+    // A cut default is not told from a whole one.
+    const bool isList = found && (section == nullptr || entry == nullptr);
+    const std::size_t longest = found || size == 0 ? std::u16string_view::npos : size - 1;
+    return copyWide(std::u16string_view(text).substr(0, longest), isList, buffer, size);
 }
 
 std::uint32_t KvIniFileCache::bosGetProfileInt(const char* section, const char* entry, std::uint32_t defaultValue) {
@@ -321,22 +348,24 @@ int KvIniFileCache::bosPutProfileString(const char* section, const char* entry, 
         openLibraryCatalog();
         const IniLock hold(lock_);
         if (state_ != State::kLoaded || section == nullptr) {
+            // Without a path, the failed load told why.
+            if (section == nullptr || !path_.empty()) {
+                bosMapError(section == nullptr ? EINVAL : ENOENT, path_.c_str());
+            }
             return 0;
         }
         traceIniPut(path_.c_str(), section, entry, value);
-        if (!isCurrent() || !waitForWholeText()) {
+        if (!isCurrent()) {
             return 0;
         }
-        // Made before the file is emptied: what can fail without harm comes first.
-        const IniUpdate update = updateIniText(text_, section, optionalView(entry), optionalView(value));
-        const bool written = rewriteIniFile(path_, text_, update.text);
-        // Whatever date and size the file has now, the next call reads it again.
+        // Whatever comes of it, the next call reads the file again.
         date_ = 0;
         size_ = 0;
-        if (!written) {
+        IniChange change = IniChange::kNone;
+        if (!rewrite(section, entry, value, change)) {
             return 0;
         }
-        traceIniChange(update.change, section, entry, value);
+        traceIniChange(change, section, entry, value);
         sync();
         traceIniRewritten(text_);
         return 1;
@@ -356,7 +385,6 @@ void KvIniFileCache::Close() {
     text_.clear();
     date_ = 0;
     size_ = 0;
-    textIsIncomplete_ = false;
     state_ = State::kNotLoaded;
 }
 
@@ -370,17 +398,11 @@ std::uint32_t KvIniFileCache::decrementUseCount() {
     return --useCount_;
 }
 
-bool KvIniFileCache::hasPath(std::string_view path) {
+bool KvIniFileCache::openShared(const char* name, std::uint32_t flags) {
     const IniLock hold(lock_);
-    return path_ == path;
-}
-
-void KvIniFileCache::loadIfNotLoaded(const char* name, std::uint32_t flags) {
-    const IniLock hold(lock_);
-    if (state_ != State::kLoaded) {
-        std::string path = path_;
-        if (bosKvIniOpen(name, flags) != 0) {
-            path_ = std::move(path);
-        }
+    const bool isToCreate = (flags & OpenFlag::kCreateMissing) != 0;
+    if ((state_ != State::kLoaded || (isToCreate && bosexist(path_.c_str()) == 0)) && reload(name, flags) == 0) {
+        wasOpened_ = true;
     }
+    return wasOpened_;
 }

@@ -3,16 +3,18 @@
 //
 // Lookups never fail: whatever goes wrong yields the default. Updates return 1 when written, else 0 with the reason on
 // the calling thread's current error list. Unless a declaration says otherwise, everything may be called from any
-// thread while the cache exists. The text in memory is that of the file at the last call; a change by another program
-// that keeps both size and modification second is not seen.
+// thread while the cache exists. The text in memory is that of the file at the last call; lookups do not see a change
+// by another program that keeps both size and modification second.
 //
-// Other programs are not locked out: a rewrite asks for the lock on byte 1 (bos/file.h) and readers take none.
+// An update locks byte 1 of the file (bos/file.h) against the updates of other programs; readers take no lock.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "kvini/grammar.h"
 #include "kvlib/critical_section.h"
 #include "kvlib/kv_object.h"
 
@@ -39,8 +41,8 @@ public:
     unsigned long bosGetProfileString(const char* section, const char* entry, const char* defaultText, char* buffer,
                                       unsigned long size);
 
-    // The same on UTF-16, converted by the code page of the locale; `size` and the result count units. A list that
-    // does not fit is cut to `size` units with two zero units at its end.
+    // The same on UTF-16, converted by the code page of the locale; `size` and the result count units, and a cut list
+    // has two zero units at its end.
     unsigned long bosGetProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* defaultText,
                                        char16_t* buffer, unsigned long size);
 
@@ -54,8 +56,9 @@ public:
     // becomes the first of its section, a new section the last of the file. The file is rewritten even when nothing
     // changes, and a copy of the old text stands beside it meanwhile, where the folder takes one (kvini/backup.h).
     // When the new text can't be written whole, the old one is put back and the result is 0; where even that fails, the
-    // copy stays. A file that another program is rewriting is waited for, up to 0.1 seconds and under the lock; an
-    // empty one, which may be about to be rewritten, for 0.01 seconds.
+    // copy stays. What is updated is what the file holds once it is locked; while another program has it locked, the
+    // update fails at once. A file that another program rewrites without a lock is waited for, up to 0.1 seconds and
+    // under the cache's lock; an empty one, which may be about to be rewritten, for 0.01 seconds.
     [[nodiscard]] int bosPutProfileString(const char* section, const char* entry, const char* value);
 
     // Forgets path and text. Takes no lock, as bosKvIniOpen.
@@ -72,9 +75,9 @@ private:
     enum class Opening { kOpened, kNothingToRead, kFailed };
     struct ReadCall;
 
-    // For KvIniFileCacheList, under the list's lock.
-    bool hasPath(std::string_view path);
-    void loadIfNotLoaded(const char* name, std::uint32_t flags);
+    // For KvIniFileCacheList: loads the file unless that was done, also when `flags` are to create it and it is gone.
+    // False when it never could be opened.
+    bool openShared(const char* name, std::uint32_t flags);
 
     // All of these are called under the lock.
     std::uint32_t load(const std::string& name, std::uint32_t flags);
@@ -82,9 +85,12 @@ private:
     int tryToOpen(const std::string& name);
     std::uint32_t readText();
     std::uint32_t sync();
+    std::uint32_t reload(const char* name, std::uint32_t flags);
     bool isCurrent();
-    bool waitForWholeText();
-    unsigned long read(const ReadCall& call);
+    bool rewrite(const char* section, const char* entry, const char* value, IniChange& change);
+    unsigned long readString(const char* section, const char* entry, const char* defaultText, char* buffer,
+                             unsigned long size, bool& found);
+    unsigned long read(const ReadCall& call, bool& found);
     bool copyValue(const ReadCall& call, unsigned long& length) const;
     bool copyKeys(const ReadCall& call, unsigned long& length) const;
     void closeDescriptor();
@@ -94,9 +100,11 @@ private:
     std::uint32_t openFlags_ = 0;
     std::string path_;
     std::uint32_t date_ = 0;
-    std::uint32_t useCount_ = 1;
+    // Changed without the lock by the list, which must not wait for an update.
+    std::atomic<std::uint32_t> useCount_ = 1;
+    std::string listedPath_;  // the list's own, under its lock
+    bool wasOpened_ = false;
     std::string text_;
-    bool textIsIncomplete_ = false;  // the file became shorter while it was read
     State state_ = State::kNotLoaded;
     KvSemaphore lock_;
 };

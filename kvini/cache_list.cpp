@@ -18,14 +18,18 @@ KvIniFileCacheList::KvIniFileCacheList() {
     caches_.setFlag(kArrayOwnsElements, true);
 }
 
-KvIniFileCache* KvIniFileCacheList::findShared(std::string_view path) const {
+KvIniFileCache* KvIniFileCacheList::share(std::string_view path) {
+    const IniLock hold(lock_);
     for (std::uint64_t i = 0; i < caches_.count(); ++i) {
         auto* cache = static_cast<KvIniFileCache*>(caches_.at(i));
-        if (cache->hasPath(path)) {
+        if (cache->listedPath_ == path) {
+            ++cache->useCount_;
             return cache;
         }
     }
-    return nullptr;
+    auto cache = std::make_unique<KvIniFileCache>();
+    cache->listedPath_ = path;
+    return caches_.addAtIndex(cache.get(), caches_.count()) == 0 ? cache.release() : nullptr;
 }
 
 KvIniFileCache* KvIniFileCacheList::open(const char* name, std::uint32_t flags) {
@@ -39,18 +43,10 @@ KvIniFileCache* KvIniFileCacheList::open(const char* name, std::uint32_t flags) 
     if (bosFileOpen(path, kResolveFlags, &ignored) != 0) {
         return nullptr;
     }
-    const IniLock hold(lock_);
     return orMemoryError<KvIniFileCache*>(nullptr, [&]() -> KvIniFileCache* {
-        if (KvIniFileCache* shared = findShared(path)) {
-            shared->loadIfNotLoaded(name, flags);
-            shared->incrementUseCount();
-            return shared;
-        }
-        auto cache = std::make_unique<KvIniFileCache>();
-        if (cache->bosKvIniOpen(name, flags) != 0 || caches_.addAtIndex(cache.get(), caches_.count()) != 0) {
-            return nullptr;
-        }
-        return cache.release();
+        const auto giveBack = [this](KvIniFileCache* cache) { close(cache); };
+        std::unique_ptr<KvIniFileCache, decltype(giveBack)> cache(share(path), giveBack);
+        return cache && cache->openShared(name, flags) ? cache.release() : nullptr;
     });
 }
 
@@ -59,7 +55,7 @@ void KvIniFileCacheList::close(KvIniFileCache* cache) {
         return;
     }
     const IniLock hold(lock_);
-    if (cache->decrementUseCount() != 0) {
+    if (--cache->useCount_ != 0) {
         return;
     }
     for (std::uint64_t i = 0; i < caches_.count(); ++i) {

@@ -22,8 +22,9 @@ public:
     void close(KvIniFileCache* cache);
 
 private:
-    KvIniFileCache* findShared(std::string_view path) const;
+    // The cache of that path, new ones unloaded, counted for one more user; null when memory ran out.
+    KvIniFileCache* share(std::string_view path);
 
-    KvSemaphore lock_;  // taken before a cache's lock
+    KvSemaphore lock_;  // never held while a cache's lock is waited for: the other files would wait as well
     KvArray caches_;    // in the order of creation
 };

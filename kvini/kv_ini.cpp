@@ -1,11 +1,13 @@
 #include "kvini/kv_ini.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bos/errno_mapping.h"
 #include "kvlib/out_of_memory.h"
 
 namespace {
@@ -37,10 +39,18 @@ int KvIni::open(const char* file) {
     return validState() ? 0 : 1;
 }
 
+// validState, and records an error when there is no file.
+bool KvIni::recordedState() const {
+    if (!validState()) {
+        bosMapError(EBADF, nullptr);
+    }
+    return validState();
+}
+
 int KvIni::getEntry(const char* section, const char* key, char* buffer, unsigned long size,
                     const char* defaultText) const {
     getEntryWithLen(section, key, buffer, size, defaultText);
-    return validState() ? 0 : 1;
+    return recordedState() ? 0 : 1;
 }
 
 unsigned long KvIni::getEntryWithLen(const char* section, const char* key, char* buffer, unsigned long size,
@@ -53,7 +63,7 @@ int KvIni::getEntry(const char* section, const char* key, std::int16_t& value, s
     const std::uint32_t number = kvGetPrivateProfileInt(section, key, kMissing, cache_.get());
     const bool fits = number <= std::numeric_limits<std::int16_t>::max();
     value = fits ? static_cast<std::int16_t>(number) : defaultValue;
-    return validState() ? 0 : 1;
+    return recordedState() ? 0 : 1;
 }
 
 unsigned long KvIni::getSectionWithValues(const char* section, char* buffer, unsigned long size, const char* file) {
@@ -85,5 +95,5 @@ unsigned long KvIni::getSectionWithValues(const char* section, char* buffer, uns
 }
 
 int KvIni::writeEntry(const char* section, const char* key, const char* value) {
-    return kvWritePrivateProfileString(section, key, value, cache_.get());
+    return recordedState() ? kvWritePrivateProfileString(section, key, value, cache_.get()) : 0;
 }

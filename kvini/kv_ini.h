@@ -5,8 +5,8 @@
 
 #include "kvini/profile.h"
 
-// Holds a cache from open to close. Reads of a KvIni without a file yield their defaults, writes fail. One KvIni
-// belongs to one thread; several may share a file.
+// Holds a cache from open to close. Reads of a KvIni without a file yield their defaults, writes fail; both record that
+// no file is open. One KvIni belongs to one thread; several may share a file.
 class KvIni {
 public:
     // Holds `file`, created when it does not exist, in place of the one held before. Returns 0, or 1 with the reason
@@ -34,5 +34,7 @@ public:
     [[nodiscard]] int deleteEntry(const char* section, const char* key) { return writeEntry(section, key, nullptr); }
 
 private:
+    bool recordedState() const;
+
     HeldIniCache cache_;
 };

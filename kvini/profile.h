@@ -22,7 +22,7 @@ unsigned long kvGetPrivateProfileString(const char* section, const char* entry, 
 unsigned long kvGetPrivateProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* defaultText,
                                          char16_t* buffer, unsigned long size, const char16_t* file);
 
-// Create the file when it does not exist, except the files of the ODBC environment.
+// Create the file when it does not exist, or no longer, except the files of the ODBC environment.
 [[nodiscard]] int kvWriteProfileString(const char* section, const char* entry, const char* value, const char* file);
 [[nodiscard]] int kvWritePrivateProfileString(const char* section, const char* entry, const char* value,
                                               const char* file);

@@ -3,7 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdint>
+#include <cerrno>
 
 #include "bos/errno_mapping.h"
 #include "bos/file.h"
@@ -13,99 +13,105 @@
 
 namespace {
 
-constexpr std::uint32_t kRewriteFlags =
-    OpenFlag::kCreate | OpenFlag::kReadWrite | OpenFlag::kExclusiveLock | OpenFlag::kTruncate;
+// The file is emptied later, when what it holds under the lock was read.
+constexpr std::uint32_t kRewriteFlags = OpenFlag::kCreate | OpenFlag::kReadWrite | OpenFlag::kExclusiveLock;
 
-// The file that is rewritten, open or not.
-class RewrittenFile {
-public:
-    RewrittenFile(const std::string& path, std::string_view oldText) : path_(path), oldText_(oldText) {}
-    ~RewrittenFile() { close(); }
-    RewrittenFile(const RewrittenFile&) = delete;
-    RewrittenFile& operator=(const RewrittenFile&) = delete;
+}  // namespace
 
-    // Opens and empties the file. False with the reason recorded.
-    bool open();
-    // Writes `text` over what is in the open file. False with the reason recorded.
-    bool replaceText(std::string_view text) const;
-    // Whether a failed `open` may have emptied the file all the same, as a file system on another machine can. A file
-    // whose size can't be asked counts as emptied.
-    bool mayBeEmptied() const;
-    // Writes the old text over what was written of the new one; the disk still has the room for it.
-    bool putBack();
-    void close();
-
-private:
-    int openAs(std::uint32_t flags);
-
-    const std::string& path_;
-    std::string_view oldText_;
-    int descriptor_ = 0;  // 0 when not open
-};
-
-int RewrittenFile::openAs(std::uint32_t flags) {
+int LockedIniFile::openAs(std::uint32_t flags) {
     char path[kPathSize];
     copyCut(path, sizeof path, path_);
+    flags_ = flags;
     return openFile(path, flags, &descriptor_);
 }
 
-bool RewrittenFile::open() {
-    int systemError = openAs(kRewriteFlags);
+int LockedIniFile::openLocked() {
+    const int systemError = openAs(kRewriteFlags);
     const std::uint16_t number = libraryErrorNumber(systemError);
-    // Where the lock may be what was refused, the file is written without it. Two of the numbers stand for errors that
-    // this platform does not have.
+    // Where locking as such may be what was refused, the file is written without it. Two of the numbers stand for
+    // errors that this platform does not have.
     if (systemError != 0 && (number == LibraryMessage::kLockRefused || number == LibraryMessage::kAccessDenied ||
                              number == LibraryMessage::kReadOnlyFile)) {
-        systemError = openAs(kRewriteFlags & ~std::uint32_t{OpenFlag::kExclusiveLock});
+        return openAs(kRewriteFlags & ~std::uint32_t{OpenFlag::kExclusiveLock});
     }
-    if (systemError != 0) {
-        bosMapError(systemError, path_.c_str());
-    }
-    return systemError == 0;
+    return systemError;
 }
 
-bool RewrittenFile::replaceText(std::string_view text) const {
+bool LockedIniFile::open() {
+    for (;;) {
+        struct stat status = {};
+        int systemError = stat(path_.c_str(), &status) == 0 ? 0 : errno;
+        if (systemError == 0) {
+            turn_.emplace(status);
+            systemError = openLocked();
+        }
+        if (systemError == 0 && fstat(descriptor_, &status) != 0) {
+            systemError = errno;
+        }
+        if (systemError != 0) {
+            bosMapError(systemError, path_.c_str());
+            close();
+            return false;
+        }
+        if (turn_->isWith(status)) {
+            return true;
+        }
+        // Somebody put another file in its place, which another thread may have locked.
+        turn_.emplace(status);
+        close();
+    }
+}
+
+bool LockedIniFile::read(std::string& text, bool& isWhole) const {
+    std::uint64_t size = 0;
+    std::uint64_t got = 0;
+    if (bosFileSize(descriptor_, &size) != 0) {
+        return false;
+    }
+    // One byte more, which tells that the file grew.
+    text.resize(size + 1);
+    if (bosFileRead(descriptor_, 0, text.data(), text.size(), &got) != 0) {
+        return false;
+    }
+    text.resize(got);
+    isWhole = got == size;
+    return true;
+}
+
+bool LockedIniFile::replaceText(std::string_view oldText, std::string_view text) {
+    IniBackup backup;
+    if (!backup.make(path_, oldText)) {
+        return false;
+    }
+    const bool written = bosFileTruncate(descriptor_, 0) == 0 && write(text);
+    // The copy goes only when the file is whole again, with the old text or the new.
+    if (written || putBack(oldText)) {
+        backup.remove();
+    }
+    return written;
+}
+
+bool LockedIniFile::write(std::string_view text) const {
     return bosFileWrite(descriptor_, 0, text.data(), text.size()) == 0 &&
            bosFileTruncate(descriptor_, text.size()) == 0 && bosFileSync(descriptor_) == 0;
 }
 
-bool RewrittenFile::mayBeEmptied() const {
-    struct stat status = {};
-    return !oldText_.empty() && (stat(path_.c_str(), &status) != 0 || status.st_size == 0);
-}
-
-bool RewrittenFile::putBack() {
-    if (descriptor_ != 0 && replaceText(oldText_)) {
+// Writes the old text over what was written of the new one; the disk still has the room for it.
+bool LockedIniFile::putBack(std::string_view oldText) {
+    if (write(oldText)) {
         return true;
     }
-    // The descriptor may be what failed.
-    close();
-    return openAs(OpenFlag::kReadWrite) == 0 && replaceText(oldText_);
+    // The descriptor may be what failed. With it went the lock, which another program may hold by now.
+    const std::uint32_t flags = flags_ & ~std::uint32_t{OpenFlag::kCreate};
+    ::close(descriptor_);
+    return openAs(flags) == 0 && write(oldText);
 }
 
-void RewrittenFile::close() {
+void LockedIniFile::close() {
     if (descriptor_ != 0) {
         // What close says changes nothing: the text is on the disk, or known not to be.
         ::close(descriptor_);
         descriptor_ = 0;
     }
-}
-
-}  // namespace
-
-bool rewriteIniFile(const std::string& path, std::string_view oldText, std::string_view text) {
-    IniBackup backup;
-    if (!backup.make(path, oldText)) {
-        return false;
-    }
-    RewrittenFile file(path, oldText);
-    const bool opened = file.open();
-    const bool written = opened && file.replaceText(text);
-    const bool isWhole = written || (!opened && !file.mayBeEmptied()) || file.putBack();
-    file.close();
-    // The copy goes only when the file is whole again, with the old text or the new.
-    if (isWhole) {
-        backup.remove();
-    }
-    return written;
+    turn_.reset();
 }

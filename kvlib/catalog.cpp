@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <clocale>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -12,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "kvlib/console.h"
 #include "kvlib/debug_mask.h"
 #include "kvlib/out_of_memory.h"
 #include "kvlib/text.h"
@@ -60,11 +60,10 @@ void traceOpening(const char* hinst) {
         return;
     }
     const char* current = std::setlocale(LC_MESSAGES, nullptr);
-    std::printf("OpenStrings: HINST=%s\n", hinst == nullptr ? "(null)" : hinst);
-    std::printf("OpenStrings: Default LC_MESSAGES=%s\n", current);
+    printOnConsole("OpenStrings: HINST=%s\n", hinst == nullptr ? "(null)" : hinst);
+    printOnConsole("OpenStrings: Default LC_MESSAGES=%s\n", current);
     // On purpose the locale of the process once more and not the chosen one, which the path of catopen shows.
-    std::printf("OpenStrings: Using LC_MESSAGES=%s\n", current);
-    std::fflush(stdout);
+    printOnConsole("OpenStrings: Using LC_MESSAGES=%s\n", current);
 }
 
 nl_catd openForLocale(const std::string& file) {
@@ -89,9 +88,8 @@ std::int32_t lookUp(nl_catd handle, std::uint32_t id, char* buffer, std::int32_t
         length = copyCut(buffer, size == 0 ? view.size() + 1 : static_cast<std::size_t>(size), view);
     }
     if (debugEnabled(DebugBit::kCatalog)) {
-        std::printf("LoadStringFromOpenFile: idResource=%s\n", number.c_str());
-        std::printf("LoadStringFromOpenFile: Lookup returns: %s\n", size < 0 ? "" : buffer);
-        std::fflush(stdout);
+        printOnConsole("LoadStringFromOpenFile: idResource=%s\n", number.c_str());
+        printOnConsole("LoadStringFromOpenFile: Lookup returns: %s\n", size < 0 ? "" : buffer);
     }
     return static_cast<std::int32_t>(length);
 }

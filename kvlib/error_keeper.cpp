@@ -59,7 +59,7 @@ KvError* KvErrorKeeper::addError(KvError* error) {
     if (error == nullptr) {
         return list->getDummyError();
     }
-    bool wanted = list->keepAll_ || list->isExistingError() == 0;
+    bool wanted = list->keepsAll() || list->isExistingError() == 0;
     if (!wanted || list->add(error) != 0) {
         destroyUnlessStatic(error);
         return list->getDummyError();
@@ -72,10 +72,10 @@ void KvErrorKeeper::addMemoryError() {
     if (list == nullptr) {
         return;
     }
-    if (!list->keepAll_ && list->isExistingError() != 0) {
+    if (!list->keepsAll() && list->isExistingError() != 0) {
         clearLastError();
     }
-    list->memoryErrorPending_ = true;
+    list->setMemoryErrorPending(true);
 }
 
 KvError* KvErrorKeeper::getLastError() {

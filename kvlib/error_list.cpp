@@ -9,13 +9,14 @@ namespace {
 constexpr std::uint64_t kInitialErrorSlots = 16;
 }  // namespace
 
-KvErrorList::KvErrorList(void* owner, unsigned flags) : owner_(owner), keepAll_((flags & kErrorListKeepAll) != 0) {
+KvErrorList::KvErrorList(void* owner, unsigned flags)
+    : owner_(owner), flags_(static_cast<std::uint8_t>(flags & kErrorListKeepAll)) {
     setFlag(kArrayOwnsElements, true);
     setInitialSize(kInitialErrorSlots);
 }
 
 KvErrorList::~KvErrorList() {
-    memoryErrorPending_ = false;
+    setMemoryErrorPending(false);
     // Here and not in the array: it would delete static elements as well.
     while (count() != 0) {
         destroyUnlessStatic(element(count() - 1));
@@ -49,20 +50,24 @@ KvError* KvErrorList::allocError(std::uint16_t number, const char* text, kvCPTyp
     return error;
 }
 
+void KvErrorList::setMemoryErrorPending(bool on) noexcept {
+    flags_ = static_cast<std::uint8_t>(on ? flags_ | kMemoryErrorPending : flags_ & ~kMemoryErrorPending);
+}
+
 KvError* KvErrorList::element(std::uint64_t index) const {
     return static_cast<KvError*>(at(index));
 }
 
 KvError* KvErrorList::takePendingMemoryError() {
-    if (!memoryErrorPending_) {
+    if (!isMemoryErrorPending()) {
         return nullptr;
     }
-    memoryErrorPending_ = false;
+    setMemoryErrorPending(false);
     return getMemoryError();
 }
 
 KvError* KvErrorList::getLastError() {
-    if (memoryErrorPending_) {
+    if (isMemoryErrorPending()) {
         return getMemoryError();
     }
     return count() == 0 ? nullptr : element(count() - 1);

@@ -66,14 +66,18 @@ public:
 private:
     friend class KvErrorKeeper;
 
+    static constexpr unsigned kMemoryErrorPending = 0x02;  // beside kErrorListKeepAll
+
     void install(void** slot);
     void uninstall();
+    bool keepsAll() const noexcept { return (flags_ & kErrorListKeepAll) != 0; }
+    bool isMemoryErrorPending() const noexcept { return (flags_ & kMemoryErrorPending) != 0; }
+    void setMemoryErrorPending(bool on) noexcept;
     KvError* element(std::uint64_t index) const;
     KvError* takePendingMemoryError();
 
     void* owner_;
-    bool keepAll_;
-    bool memoryErrorPending_ = false;
+    std::uint8_t flags_;
     KvErrorList* previous_ = nullptr;
     void** slot_ = nullptr;  // Where this list is installed.
     std::uint64_t iteration_ = 0;

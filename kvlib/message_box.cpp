@@ -1,6 +1,6 @@
 #include "kvlib/message_box.h"
 
-#include <cstdio>
+#include "kvlib/console.h"
 
 namespace {
 constexpr int kAnswerCancel = 2;
@@ -8,9 +8,9 @@ constexpr int kAnswerCancel = 2;
 
 int MessageBox(const void* /*window*/, const char* text, const char* caption, std::uint32_t style) {
     if (caption != nullptr && style != 0) {
-        std::printf("%s:\n%s\n", caption, text);
+        printOnConsole("%s:\n%s\n", caption, text);
     } else {
-        std::printf("\n%s\n", text);
+        printOnConsole("\n%s\n", text);
     }
     return kAnswerCancel;
 }

@@ -1,24 +1,23 @@
-// What a function that must not throw answers when memory runs out.
+// What a function that must not throw answers instead, for lack of memory above all.
 #pragma once
 
+#include <exception>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "kvlib/error_report.h"
 
-// Returns what `work` returns; `failure` when it throws for lack of memory (std::length_error is asking for more than
-// there can be).
+// Returns what `work` returns; `failure` when it throws.
 template <typename Result, typename Work>
 [[nodiscard]] Result orFailure(Result failure, Work&& work) try {
     return std::forward<Work>(work)();
-} catch (const std::bad_alloc&) {
-    return failure;
-} catch (const std::length_error&) {
+} catch (const std::exception&) {
     return failure;
 }
 
-// The same, and records a memory error before `failure` is returned.
+// Returns what `work` returns; `failure` when it throws for lack of memory (std::length_error is asking for more than
+// there can be), with a memory error recorded.
 template <typename Result, typename Work>
 [[nodiscard]] Result orMemoryError(Result failure, Work&& work) try {
     return std::forward<Work>(work)();

@@ -45,6 +45,20 @@ std::size_t utf8SequenceLength(const char* s, std::size_t available) {
     return length;
 }
 
+// The same for the encoding of the process locale.
+std::size_t localeSequenceLength(const char* s, std::size_t available) {
+    std::mbstate_t state{};
+    const std::size_t length = std::mbrlen(s, available, &state);
+    return length > 1 && length <= available ? length : 1;
+}
+
+// Whether more bytes must follow `c` in the encoding of the process locale.
+bool isIncompleteInLocale(char c) {
+    constexpr auto kIncomplete = static_cast<std::size_t>(-2);
+    std::mbstate_t state{};
+    return std::mbrlen(&c, 1, &state) == kIncomplete;
+}
+
 Converter openConverter(kvCPType cp) {
     const char* name = nullptr;  // ICU's default converter
     switch (cp) {
@@ -160,6 +174,7 @@ bool kvIsLeadByte(char c, kvCPType cp) noexcept {
         case kCPBig5:
             return isByteBetween(byte, 0x81, 0xFE);
         case kCPLocale:
+            return MB_CUR_MAX == 2 && isIncompleteInLocale(c);
         case kCPUtf8:
         case kCPUtf16:
             break;
@@ -190,6 +205,9 @@ const char* kvCharNext(const char* s, const char* end, kvCPType cp) noexcept {
     auto available = static_cast<std::size_t>(end - s);
     if (cp == kCPUtf8) {
         return s + utf8SequenceLength(s, available);
+    }
+    if (cp == kCPLocale) {
+        return s + localeSequenceLength(s, available);
     }
     return s + (available > 1 && kvIsLeadByte(*s, cp) ? 2 : 1);
 }

@@ -9,7 +9,8 @@
 
 // How 8-bit text is encoded, and so how the str* routines step through it.
 enum kvCPType : short {
-    kCPLocale = 1,  // The text of the process locale; stepped by one byte, converted with ICU's default converter.
+    kCPLocale = 1,  // The text of the process locale (mbrlen), by one byte before setlocale; converted with ICU's
+                    // default converter.
     kCPUtf8 = 2,
     kCPUtf16 = 3,  // Marks text that was given as UTF-16; as 8-bit text it is stepped by one byte.
     kCPShiftJis = 932,
@@ -57,14 +58,15 @@ std::size_t copyCut(char* dst, std::size_t size, std::string_view text) noexcept
 // Length of a zero-terminated UTF-16 text in 16-bit units.
 std::size_t strLen(const char16_t* s) noexcept;
 
-// True when `c` begins a double-byte character of the code page; never for single-byte pages and UTF-8.
+// True when `c` begins a character of a double-byte code page; never for single-byte pages and UTF-8.
 bool kvIsLeadByte(char c, kvCPType cp) noexcept;
 
 // True for blank, tab, line feed, vertical tab, form feed and carriage return, in every code page: a byte from 0x80
 // up may be part of a longer character, so it never counts.
 bool kvIsWhiteSpace(char c, kvCPType cp) noexcept;
 
-// The start of the character after the one at `s`: one byte on, two at a lead byte, a whole sequence in UTF-8.
+// The start of the character after the one at `s`: one byte on, two at a lead byte, a whole sequence in UTF-8 and in
+// other encodings of the locale.
 // Never steps over the terminator: at the terminator `s` itself is returned.
 const char* kvCharNext(const char* s, kvCPType cp) noexcept;
 char* kvCharNext(char* s, kvCPType cp) noexcept;

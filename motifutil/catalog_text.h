@@ -3,6 +3,7 @@
 
 #include <nl_types.h>
 
+#include <initializer_list>
 #include <string>
 
 #include "catalogs/message_numbers.h"
@@ -13,3 +14,5 @@ extern nl_catd Rfile;
 
 // The text with this number in `Rfile`, at most 511 bytes; the number as text when the catalog or the text is missing.
 [[nodiscard]] std::string catalogText(Message::Number number);
+// The same with what it is about in the places of "%1", "%2" and so on.
+[[nodiscard]] std::string catalogText(Message::Number number, std::initializer_list<std::string> subjects);

@@ -13,6 +13,7 @@
 
 #include "bos/file.h"
 #include "bos/library.h"
+#include "kvlib/catalog.h"
 #include "kvlib/private_error_list.h"
 #include "kvlib/text.h"
 #include "motifutil/catalog_text.h"
@@ -111,7 +112,7 @@ int setAboutInfo(unsigned char* path) {
         fileDate[0] = '\0';
     }
     getCompNameAndVersion(name, CompanyName, FileVersion, 0);
-    strCopy(compAddr1, sizeof compAddr1, catalogText(Message::kCompanyAddressLine1).c_str());
-    strCopy(compAddr2, sizeof compAddr2, catalogText(Message::kCompanyAddressLine2).c_str());
+    LoadStringFromOpenFile(Rfile, Message::kCompanyAddressLine1, compAddr1, sizeof compAddr1);
+    LoadStringFromOpenFile(Rfile, Message::kCompanyAddressLine2, compAddr2, sizeof compAddr2);
     return status;
 }

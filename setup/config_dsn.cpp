@@ -23,16 +23,42 @@ SetupFailure failure(unsigned int code, SetupMessage::Number text, const std::st
     return {code, setupText(text, subject), {}};
 }
 
-// Whether every item of the list is "key=value". Null is the empty list.
-bool isAttributeList(const char* list) {
-    const std::vector<std::string> items = installer::attributeItems(list);
-    return std::all_of(items.begin(), items.end(), [](const std::string& item) {
+// What a caller gave. Blanks around keys and values do not count: no file keeps them.
+struct GivenAttributes {
+    std::string name;
+    Settings settings;
+    std::vector<std::string> unstorable;    // What no file can keep, without values: one may be a password.
+    std::optional<SetupFailure> problem{};  // What is wrong with the first of these.
+};
+
+GivenAttributes parse(const char* list) {
+    GivenAttributes given;
+    const auto leaveOut = [&given](const std::string& item, const SetupFailure& problem) {
+        given.unstorable.push_back(item);
+        given.problem = given.problem ? given.problem : problem;
+    };
+    for (const std::string& item : installer::attributeItems(list)) {
         const std::size_t equals = item.find('=');
-        return equals != 0 && equals != std::string::npos;
-    });
+        if (equals == std::string::npos) {
+            leaveOut(item, failure(ODBC_ERROR_INVALID_KEYWORD_VALUE, SetupMessage::kBadAttributes));
+            continue;
+        }
+        const installer::Attribute attribute{installer::trimmed(std::string_view(item).substr(0, equals)),
+                                             installer::trimmed(std::string_view(item).substr(equals + 1))};
+        if (isNamingKey(attribute.key)) {
+            if (installer::sameName(attribute.key, kNameKey) && given.name.empty()) {
+                given.name = attribute.value;
+            }
+        } else if (const std::optional<SetupFailure> problem = checkSetting(attribute)) {
+            leaveOut(item.substr(0, equals + 1), *problem);
+        } else {
+            setValue(given.settings, attribute.key, attribute.value);
+        }
+    }
+    return given;
 }
 
-// The attributes that are settings.
+// Those of the attributes that are settings.
 Settings settingsOf(const Settings& attributes) {
     Settings result;
     for (const installer::Attribute& attribute : attributes) {
@@ -49,6 +75,7 @@ struct Request {
     bool isFile = false;
     std::string name;  // The path of a file data source.
     Settings attributes;
+    std::vector<std::string> leftOut;  // What was given and can't be stored.
 };
 
 // A data source that is to be configured, as the file has it.
@@ -58,13 +85,10 @@ struct Stored {
 };
 
 // Passwords that came with a connection string are not to end up in a file that many may read, unless they are there
-// already or the person asks for it, which takes a row of the form.
-Settings withoutUnaskedPasswords(Settings attributes, const Settings& stored, const std::vector<DriverProperty>& rows) {
-    std::erase_if(attributes, [&](const installer::Attribute& attribute) {
-        const bool hasRow = std::any_of(rows.begin(), rows.end(), [&attribute](const DriverProperty& property) {
-            return installer::sameName(property.key, attribute.key);
-        });
-        return isPasswordKey(attribute.key) && !hasRow && findValue(stored, attribute.key) == nullptr;
+// already or the person asks for it, which takes the form.
+Settings withoutUnaskedPasswords(Settings attributes, const Settings& stored) {
+    std::erase_if(attributes, [&stored](const installer::Attribute& attribute) {
+        return installer::isPasswordKey(attribute.key) && findValue(stored, attribute.key) == nullptr;
     });
     return attributes;
 }
@@ -79,6 +103,7 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
     content.storedName = stored.name;
     content.stored = stored.settings;
     content.name = request.name;
+    content.leftOut = request.leftOut;
     if (std::optional<std::vector<DriverProperty>> described = askDriver(library)) {
         content.rows.properties = *std::move(described);
     } else {
@@ -95,10 +120,7 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
             }
         }
     }
-    const bool canAskForAll = !request.isFile || content.rows.hasFurtherSettings;
-    for (const installer::Attribute& attribute :
-         canAskForAll ? request.attributes
-                      : withoutUnaskedPasswords(request.attributes, content.rows.stored, content.rows.properties)) {
+    for (const installer::Attribute& attribute : request.attributes) {
         if (stored.name.empty() || valueOf(content.rows.stored, attribute.key) != attribute.value) {
             setValue(content.pending, attribute.key, attribute.value);
         }
@@ -120,7 +142,7 @@ std::optional<SetupFailure> setUp(const Request& request, const Stored& stored) 
     }
     DataSourceChange change{stored.name, stored.settings, request.name, request.driver, request.attributes};
     if (request.isFile) {
-        change.values = withoutUnaskedPasswords(request.attributes, stored.settings, {});
+        change.values = withoutUnaskedPasswords(request.attributes, stored.settings);
         return saveFileDataSource(change);
     }
     // Adding a name that exists replaces the data source: nobody can be asked, and that is what ODBC tells callers to
@@ -164,14 +186,14 @@ std::optional<SetupFailure> configure(HWND parent, WORD code, const char* driver
     try {
         const SetupCatalogs catalogs;
         const installer::WritableConfiguration configuration;
-        if (!isAttributeList(attributes)) {
-            return failure(ODBC_ERROR_INVALID_KEYWORD_VALUE, SetupMessage::kBadAttributes);
+        const GivenAttributes given = parse(attributes);
+        // The dialog names what it leaves out; without one nobody would learn of it.
+        if (parent == nullptr && given.problem) {
+            return given.problem;
         }
-        const Settings given = installer::parseAttributeList(attributes);
         return carryOut(code, {static_cast<Widget>(parent), driver != nullptr ? driver : "", fileName != nullptr,
-                               fileName != nullptr ? installer::withFileDsnExtension(fileName)
-                                                   : installer::trimmed(valueOf(given, kNameKey)),
-                               settingsOf(given)});
+                               fileName != nullptr ? installer::withFileDsnExtension(fileName) : given.name,
+                               given.settings, given.unstorable});
     } catch (const std::exception&) {
         // Nothing here throws but for want of memory.
         return SetupFailure{ODBC_ERROR_OUT_OF_MEM, "Out of memory", {}};

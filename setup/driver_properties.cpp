@@ -70,7 +70,7 @@ PropertyKind kindOf(int promptType, const std::string& key, bool hasChoices) {
             return PropertyKind::kFile;
         default:
             // Older drivers describe their passwords as plain text.
-            return isPasswordKey(key) ? PropertyKind::kPassword : PropertyKind::kText;
+            return installer::isPasswordKey(key) ? PropertyKind::kPassword : PropertyKind::kText;
     }
 }
 

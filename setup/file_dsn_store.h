@@ -12,11 +12,10 @@
 
 [[nodiscard]] bool fileExists(const std::string& path);
 
-// All keys of the file's section, "Driver" included; none when there is no such file.
+// All keys of the file's section, "Driver" included, each once; none when there is no such file.
 [[nodiscard]] Settings readFileDataSource(const std::string& path);
 
 // Stores a change, after checking it; `change.name` is the path, and `change.storedName` the same when the file is to
-// keep what the change does not name. `change.stored` is not used: the file is read once more, with its text. The file
-// is complete at every moment: what is new is made beside it and takes its place. It keeps its permission, or becomes
-// readable for its owner alone when it holds a password. Returns what went wrong.
+// keep what the change does not name. `change.stored` is not used: the file is read once more. It keeps its permission,
+// or becomes readable for its owner alone when it holds a password. Returns what went wrong.
 [[nodiscard]] std::optional<SetupFailure> saveFileDataSource(const DataSourceChange& change);

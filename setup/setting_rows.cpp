@@ -81,12 +81,11 @@ void SettingRows::createWindow(Widget dialogForm) {
 }
 
 void SettingRows::createRows(const RowContent& content) {
-    if (content.hasFurtherSettings) {
-        // A password never stands in plain text, so it can't stand among the further settings.
-        for (const installer::Attribute& setting : content.shown) {
-            if (isPasswordKey(setting.key) && !hasRow(setting.key)) {
-                properties_.push_back({setting.key, "", PropertyKind::kPassword, {}});
-            }
+    // A password never stands in plain text, so it can't stand among the further settings, and none is stored without
+    // the person's seeing it.
+    for (const installer::Attribute& setting : content.shown) {
+        if (installer::isPasswordKey(setting.key) && !hasRow(setting.key)) {
+            properties_.push_back({setting.key, "", PropertyKind::kPassword, {}});
         }
     }
     for (const DriverProperty& property : properties_) {

@@ -48,15 +48,6 @@ bool isNamingKey(std::string_view key) {
     return std::any_of(kKeys.begin(), kKeys.end(), [key](const char* other) { return sameName(key, other); });
 }
 
-bool isPasswordKey(std::string_view key) {
-    constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
-    std::string lower(key);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
-    return std::any_of(kMarks.begin(), kMarks.end(),
-                       [&lower](std::string_view mark) { return lower.find(mark) != std::string::npos; });
-}
-
 std::optional<SetupFailure> checkSetting(const Attribute& setting) {
     const auto wrong = [&setting](SetupMessage::Number text) {
         return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(text, setting.key), setting.key};
@@ -98,16 +89,18 @@ void applyChanges(const Settings& changes, Settings& settings) {
     }
 }
 
-bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write) {
+void writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write) {
     for (const Attribute& old : present) {
-        if (findValue(wanted, old.key) == nullptr && !write(old.key, nullptr)) {
-            return false;
+        if (findValue(wanted, old.key) == nullptr) {
+            write(old.key, nullptr);
         }
     }
-    return std::all_of(wanted.begin(), wanted.end(), [&](const Attribute& setting) {
+    for (const Attribute& setting : wanted) {
         const std::string* old = findValue(present, setting.key);
-        return (old != nullptr && *old == setting.value) || write(setting.key, setting.value.c_str());
-    });
+        if (old == nullptr || *old != setting.value) {
+            write(setting.key, setting.value.c_str());
+        }
+    }
 }
 
 bool hasControlCharacter(std::string_view text) {

@@ -38,9 +38,6 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
 // Whether the key names a data source, its driver or its file, and so is no setting.
 [[nodiscard]] bool isNamingKey(std::string_view key);
 
-// Whether the key is one of a password: its value is never shown.
-[[nodiscard]] bool isPasswordKey(std::string_view key);
-
 // What is wrong with a setting that is to be stored; nothing when it is right.
 [[nodiscard]] std::optional<SetupFailure> checkSetting(const installer::Attribute& setting);
 // The first thing that is wrong with any of them.
@@ -51,7 +48,7 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
 // Makes the changes in `settings`: an empty value deletes its key, keys that name are passed over.
 void applyChanges(const Settings& changes, Settings& settings);
 
-// Writes the value of a key, or deletes it when the value is null. False when that failed.
-using SettingWriter = std::function<bool(const std::string& key, const char* value)>;
-// Deletes and writes what differs between the two, and nothing else. False at the first failure.
-[[nodiscard]] bool writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write);
+// Writes the value of a key, or deletes it when the value is null.
+using SettingWriter = std::function<void(const std::string& key, const char* value)>;
+// Deletes and writes what differs between the two, and nothing else.
+void writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write);

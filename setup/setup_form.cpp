@@ -30,6 +30,9 @@ namespace {
 constexpr int kLargestShare = 70;
 // What is seen of the rows at least, in pixels, however small the screen or the window.
 constexpr int kLeastRows = 110;
+// What is told of attributes that are left out: so many, so many bytes of each.
+constexpr std::size_t kMostItemsTold = 8;
+constexpr std::size_t kLongestItemTold = 60;
 
 struct WidgetDestroyer {
     void operator()(Widget widget) const { XtDestroyWidget(widget); }
@@ -60,6 +63,8 @@ private:
     void save();
     void finish();
     void report(const SetupFailure& failure);
+    void showBox(unsigned long kind, const std::string& text);
+    void tellOfWhatIsLeftOut();
     void focusOn(const std::string& key);
 
     static void okPressed(Widget widget, XtPointer form, XtPointer callData);
@@ -107,6 +112,7 @@ bool SetupForm::run() {
                   (content_.isFile ? description_ : name_)->field(), nullptr);
     setSizes();
     XtManageChild(form_);
+    tellOfWhatIsLeftOut();
     dialog_main_loop(shell_);
     XtUnmanageChild(form_);
     return finished_;
@@ -271,12 +277,31 @@ void SetupForm::finish() {
 
 void SetupForm::report(const SetupFailure& failure) {
     focusOn(failure.key);
-    Widget box =
-        createMessageDialog(form_, kErrorDialog, std::string(failure.text).data(), catalogText(Message::kOk).data(),
-                            std::string().data(), setupText(SetupMessage::kTitle, content_.driver).data());
+    showBox(kErrorDialog, failure.text);
+}
+
+// Shows a box with one button.
+void SetupForm::showBox(unsigned long kind, const std::string& text) {
+    Widget box = createMessageDialog(form_, kind, std::string(text).data(), catalogText(Message::kOk).data(),
+                                     std::string().data(), setupText(SetupMessage::kTitle, content_.driver).data());
     if (box != nullptr) {
         XtManageChild(box);
     }
+}
+
+void SetupForm::tellOfWhatIsLeftOut() {
+    if (content_.leftOut.empty()) {
+        return;
+    }
+    std::string items;
+    for (std::size_t place = 0; place < content_.leftOut.size(); ++place) {
+        if (place == kMostItemsTold) {
+            items += "\n...";
+            break;
+        }
+        items += "\n" + content_.leftOut[place].substr(0, kLongestItemTold);
+    }
+    showBox(kInformationDialog, setupText(SetupMessage::kLeftOut, items));
 }
 
 // Leaves the user in the field that has to be mended.

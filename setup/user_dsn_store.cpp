@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "installer/configuration_change.h"
+#include "motifutil/change_report.h"
 #include "setup/setup_texts.h"
 
 using installer::sameName;
@@ -21,33 +23,13 @@ std::string listedDriver(const std::string& name) {
     return installer::readValue(installer::kDataSourceList, name, installer::kDataSourceFile);
 }
 
-// Makes the section `name`, which holds `present`, hold exactly `wanted`, and lists it. The list comes last: a data
-// source that is listed without settings can't be read. SQLWriteDSNToIni is of no use, it empties the section and
-// leaves the list as it is.
-bool writeSection(const std::string& name, const std::string& driver, const Settings& present, const Settings& wanted) {
-    const auto write = [&name](const std::string& key, const char* value) {
-        return installer::writeValue(name, key, value, installer::kDataSourceFile);
-    };
-    if (!writeChanges(present, wanted, write)) {
-        return false;
+// Carries out the change; the text of a failure is about the data source `name`.
+std::optional<SetupFailure> commit(const installer::ConfigurationChange& file, SetupMessage::Number text,
+                                   const std::string& name) {
+    if (const std::optional<installer::ChangeFailure> failure = file.commit()) {
+        return SetupFailure{ODBC_ERROR_REQUEST_FAILED, setupText(text, name) + "\n\n" + changeReport(*failure), {}};
     }
-    return sameName(listedDriver(name), driver) ||
-           installer::writeValue(installer::kDataSourceList, name, driver.c_str(), installer::kDataSourceFile);
-}
-
-// Gives a data source a name that differs in case alone. To the files that is the same section, so the old one has to
-// go first; should the new one fail, the old one is written again.
-bool respell(const std::string& oldName, const std::string& newName, const std::string& driver, const Settings& before,
-             const Settings& wanted) {
-    const std::string oldDriver = listedDriver(oldName);
-    if (!installer::removeDataSource(oldName)) {
-        return false;
-    }
-    if (!writeSection(newName, driver, {}, wanted)) {
-        writeSection(oldName, oldDriver, readDataSource(oldName), before);
-        return false;
-    }
-    return true;
+    return std::nullopt;
 }
 
 }  // namespace
@@ -98,28 +80,26 @@ std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {
     }
     applyChanges(change.values, wanted);
 
-    const bool respelled = renamed && sameName(change.storedName, change.name);
-    bool written = false;
-    if (respelled) {
-        written = respell(change.storedName, change.name, change.driver, change.stored, wanted);
-    } else {
-        // One that went while the dialog was open is written whole.
-        const bool isThere = !isNew && !renamed && isListed(change.name);
-        written =
-            writeSection(change.name, change.driver, isThere ? change.stored : readDataSource(change.name), wanted);
+    installer::ConfigurationChange file;
+    if (renamed) {
+        // First, since a name that differs in case alone is the same section to the file.
+        file.removeDataSource(change.storedName);
     }
-    if (!written) {
-        return SetupFailure{ODBC_ERROR_REQUEST_FAILED, setupText(SetupMessage::kWriteFailed, change.name), {}};
+    const bool isRespelled = renamed && sameName(change.storedName, change.name);
+    // One that went while the dialog was open is written whole.
+    const bool isThere = !isNew && !renamed && isListed(change.name);
+    const Settings present = isThere ? change.stored : readDataSource(change.name);
+    // SQLWriteDSNToIni is of no use, it empties the section and leaves the list as it is.
+    writeChanges(isRespelled ? Settings() : present, wanted,
+                 [&](const std::string& key, const char* value) { file.write(change.name, key, value); });
+    if (isRespelled || !sameName(listedDriver(change.name), change.driver)) {
+        file.write(installer::kDataSourceList, change.name, change.driver.c_str());
     }
-    if (renamed && !respelled) {
-        return deleteDataSource(change.storedName);
-    }
-    return std::nullopt;
+    return commit(file, SetupMessage::kWriteFailed, change.name);
 }
 
 std::optional<SetupFailure> deleteDataSource(const std::string& name) {
-    if (!installer::removeDataSource(name)) {
-        return SetupFailure{ODBC_ERROR_REQUEST_FAILED, setupText(SetupMessage::kRemoveFailed, name), {}};
-    }
-    return std::nullopt;
+    installer::ConfigurationChange file;
+    file.removeDataSource(name);
+    return commit(file, SetupMessage::kRemoveFailed, name);
 }

@@ -16,7 +16,7 @@ add_subdirectory(installer)
 add_subdirectory(help)
 
 # The real windows in the test's own process.
-add_executable(widget_tests ${display_support} support/window_test.cpp)
+add_executable(widget_tests ${display_support} support/child_process.cpp support/window_test.cpp)
 target_link_libraries(widget_tests PRIVATE project_flags admin ${XTST_LIBRARY} GTest::gtest_main)
 target_compile_definitions(widget_tests PRIVATE
   VH_TEST_INSTALL_DIR="${CMAKE_BINARY_DIR}"

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <optional>
 
 #include "admin/advanced_dialog.h"
@@ -84,6 +85,9 @@ TEST_F(FileDsnWizardTest, TheScreensFollowOneAnother) {
     expectScreen(2, Message::kNext, true, Text7);
     click(BtnFinish);
     expectReport(Message::kFileNameMissing);
+    type("a;b");
+    click(BtnFinish);
+    expectReport(Message::kFileNameHasSemicolon);
     ASSERT_TRUE(waitUntilUp(DlgDriverPopup));
     clickFor(child(FormScr2, "BtnBrowse"), Fdialog);
     XmTextSetString(child(Fdialog, "Text"), files.path("x").data());
@@ -176,11 +180,24 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
     expectReport(Message::kOverwriteFailed);
     finish(XK_Escape);
 
-    // Attributes that were typed are not used when a file is overwritten.
+    // Attributes that were typed are not used when a file is overwritten. It comes back when the driver makes none.
     finishOver("Driver={Talker}\nUID=u", false, question, "OK");
     EXPECT_EQ(calls(), call(1, "Talker", "null", path_));
-    EXPECT_EQ(files.read("a.dsn"), kMissing);
-    EXPECT_NE(listed(), Rows{"a.dsn"});
+    EXPECT_EQ(files.read("a.dsn"), before);
+    EXPECT_EQ(listed(), Rows{"a.dsn"});
+    {
+        const ScopedEnvironment writing{{"VH_TEST_RESULT", "write"}};
+        finishOver(nullptr, false, question, "OK");
+        expectReport(Message::kSetupFailed);
+    }
+    EXPECT_NE(calls(), "");
+    EXPECT_EQ(files.read("a.dsn"), "new");
+    EXPECT_EQ(outputOf("ls -A '" + files.path("") + "' | grep -c aside"), "0\n");
+    // Without a driver that could make the new one nobody is asked.
+    goToSummary(kPlain, "a");
+    key(XK_Return);
+    expectReport(Message::kDriverHasNoSetup);
+    finish(XK_Escape);
     finishOver("Driver={Talker}\nConnect=1", true, catalogText(Message::kTestSucceeded), "OK");
     EXPECT_NE(calls(), "");
 
@@ -225,7 +242,10 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     }
     clickRow(list, 2);
     click(BtnFDConfigure);
-    expectReport(Message::kSetupLibraryNotLoaded);
+    expectReport(Message::kFileNamesNoDriver);
+    files.write("b.dsn", "[ODBC]\nDriver=Nobody\n");
+    click(BtnFDConfigure);
+    EXPECT_NE(answer("OK").find("\"Nobody\""), std::string::npos);
     remove(other.c_str());
     mkfifo(other.c_str(), 0600);  // to be opened by nobody
     click(BtnFDConfigure);
@@ -248,6 +268,16 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     clickRow(list, 1);
     click(BtnFDRemove);
     expectReport(Message::kRemoveSelectOne);
+
+    // The directory that is shown goes.
+    mkdir(files.path("sub").c_str(), 0777);
+    files.write("sub/c.dsn", "");
+    showFileDsnDirectory(files.path("sub/"));
+    clickRow(list, 1);
+    std::filesystem::remove_all(files.path("sub"));
+    click(BtnFDConfigure);
+    expectReport(Message::kFileDsnUnreadable);
+    EXPECT_EQ(listed(), Rows{catalogText(Message::kNoFileDsns)});
 }
 
 }  // namespace

@@ -2,12 +2,16 @@
 
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
+#include <optional>
 
+#include "admin/file_aside.h"
 #include "admin/file_dsn_writer.h"
 #include "admin/test_connect.h"
 #include "admin/wizard_finish.h"
 #include "installer/configuration.h"
+#include "tests/support/child_process.h"
 #include "tests/support/full_disk.h"
 #include "tests/support/scoped_environment.h"
 
@@ -76,21 +80,31 @@ TEST_F(FileDsnFileTest, TypedAttributesBecomeAConnectionString) {
     EXPECT_EQ(list, nullptr);
 }
 
-TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
+TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndWhatIsMissingInItIsTold) {
     replaceText(CurrentDriver, "X");
     replaceText(FileDSNName, files.path("a").c_str());
     const std::string path = files.path("a.dsn");
-    const std::string longKey(200, 'k');
-    EXPECT_TRUE(
-        createArray("X", ("UID=t\nUID = u \nA=b=c\n" + longKey + "=1\nLong=" + std::string(2000, 'v')).c_str()));
-    writeDsnToFile(std::string(TempStr.view()).c_str());
-    EXPECT_EQ(files.read("a.dsn"), "[ODBC]\nDRIVER={X}\nFILEDSN=" + path + "\nUID=u\n" + longKey.substr(0, 127) +
-                                       "=1\nLong=" + std::string(994, 'v') + "\n\n");
-    // What was read before it was written does not count.
-    EXPECT_EQ(installer::readValue("ODBC", "UID", path), "u");
-    EXPECT_TRUE(deleteFileDSN(path.c_str()));
-    EXPECT_FALSE(deleteFileDSN(path.c_str()));
-    EXPECT_EQ(dialog, nullptr);
+    const std::string begin = "[ODBC]\nDRIVER={X}\nFILEDSN=" + path + "\n";
+    struct Case {
+        std::string attributes, lines;
+        std::optional<Message::Number> report;
+    };
+    for (const Case& test : {Case{"UID=t\nUID = u \nA=b=c", "UID=u\n", {}},
+                             Case{"UID=t\nLong=" + std::string(995, 'v'), "UID=t\n", Message::kFileIncomplete},
+                             Case{"PWD={p;q}\nUID={u}", "PWD={p\nUID={u}\n", Message::kAttributesCut}}) {
+        EXPECT_TRUE(createArray("X", test.attributes.c_str()));
+        writeDsnToFile(std::string(TempStr.view()).c_str());
+        EXPECT_EQ(files.read("a.dsn"), begin + test.lines + "\n");
+        const bool isPrivate = test.attributes.starts_with("PWD");
+        EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(isPrivate ? 0600 : 0644));
+        if (test.report) {
+            EXPECT_EQ(answer("OK").substr(0, 30), catalogText(*test.report).substr(0, 30));
+        }
+        // What was read before it was written does not count.
+        EXPECT_NE(installer::readValue("ODBC", "UID", path), "");
+        EXPECT_TRUE(deleteFileDSN(path.c_str()));
+        EXPECT_FALSE(deleteFileDSN(path.c_str()));
+    }
     {
         const FullDisk disk(path.size() + 30);
         writeDsnToFile(("FILEDSN=" + path + ";DRIVER={X};UID=user").c_str());
@@ -103,11 +117,25 @@ TEST_F(FileDsnFileTest, AFileIsWrittenInOrderAndNeverWithLinesThatSpill) {
     writeDsnToFile("UID=u");
     expectReport(Message::kDirectoryNotWritable);
     // Nor where a link leads that has nothing at its end.
+    files.write(OdbcFiles::kDrivers, "[X]\nSetup=/x.so\n");
     ASSERT_EQ(symlink("nothing", path.c_str()), 0);
     replaceText(FileDSNName, path.c_str());
     writeDsnToFile("UID=u");
     EXPECT_EQ(dialogText(), catalogText(Message::kOverwriteQuestion));
     EXPECT_FALSE(std::filesystem::exists(files.path("nothing")));
+}
+
+TEST_F(FileDsnFileTest, WhatIsAsideComesBackAlsoWhenTheProgramDies) {
+    const std::string path = files.write("a.dsn", "old");
+    const auto die = [&path] {
+        const FileAside aside(path);
+        EXPECT_TRUE(aside);
+        EXPECT_FALSE(std::filesystem::exists(path));
+        return raise(SIGKILL);
+    };
+    EXPECT_EQ(runInChild(die), -1);
+    EXPECT_TRUE(waitUntil([this] { return files.read("a.dsn") == "old"; }));
+    EXPECT_EQ(outputOf("ls -A '" + files.path("") + "'"), ".odbc.ini\na.dsn\nodbcinst.ini\n");
 }
 
 TEST_F(FileDsnFileTest, AConnectionTestTellsEveryRecordAndKeepsTheLast) {

@@ -88,6 +88,7 @@ TEST(Paths, AreJoinedAndSplit) {
         {"d", ".n", "ini", "d/.n.ini"},         {nullptr, longest, nullptr, longest}, {"", longest, "i", ""},
     };
     char path[kPathSize];
+    ErrorCollector errors;
     for (const auto& row : rows) {
         EXPECT_EQ(bospath(path, row.directory, row.name.c_str(), row.extension), row.path.empty() ? 1 : 0);
         EXPECT_EQ(std::string(path), row.path);
@@ -108,6 +109,7 @@ TEST(Paths, AreJoinedAndSplit) {
         EXPECT_STREQ(name, "b");
     }
     EXPECT_EQ(bosParseName((longest + "n/n").c_str(), path, nullptr), 1);
+    EXPECT_EQ(errors.numbers(), "30041 30041");
 }
 
 TEST(FoundFiles, AreNamedByAPatternAndNothingElse) {
@@ -126,6 +128,12 @@ TEST(FoundFiles, AreNamedByAPatternAndNothingElse) {
     char command[6];
     EXPECT_EQ(bosGetCommand(getpid(), command, sizeof command), 0);
     EXPECT_STREQ(command, "unit_");
+    ErrorCollector errors;
+    EXPECT_EQ(bosFindFiles(folder.path("*.ini").c_str(), found) + bosGetMachineName(command, 1) +
+                  bosGetHostUser(command, 1) + bosGetCommand(-1, command, sizeof command) +
+                  bosGetEnv(u"KV_UNSET", nullptr, 0),
+              5);
+    EXPECT_EQ(errors.numbers(), "1509 30041 30041 30041 30041");
 }
 
 }  // namespace

@@ -68,6 +68,7 @@ TEST_F(FileTest, OpenFlagsCreateEmptyAndLock) {
         {"exclusive lock needs read/write", kWriter, kExclusiveLock, "", "text"},
         {"creating takes a shared lock", kCreate, kWriter, "1512", "text"},
         {"creating goes on without its lock", kWriter, kCreate | kTruncate, "", ""},
+        {"but not without an exclusive one", kCreate, kCreate | kTruncate | kWriter, "1512", "text"},
     };
     const std::string path = folder_.path("file");
     for (const auto& row : rows) {

@@ -1,15 +1,27 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <tuple>
+#include <vector>
 
+#include "bos/file.h"
+#include "bos/file_names.h"
+#include "bos/host.h"
+#include "bos/library.h"
 #include "help/browser_platform.h"
 #include "help/help_locator.h"
 #include "help/url_routines.h"
 #include "help/web_help.h"
+#include "kvini/kv_ini.h"
+#include "kvini/profile.h"
+#include "kvlib/debug_mask.h"
+#include "tests/support/child_process.h"
 #include "tests/support/recording_browser.h"
 #include "tests/support/scoped_environment.h"
+#include "tests/support/system_fault.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -111,9 +123,48 @@ TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     EXPECT_STREQ(reinterpret_cast<char*>(buffer), "File:////opt/he");
     environment_.set("ODBCINST", folder_.path("nothing.ini"));
     testing::internal::CaptureStdout();
-    kvDisplayHelp(text("Administrator"), text("userdsn"));
-    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+    std::fputs("not printed yet", stdout);
+    EXPECT_EQ(private_WWHelp_Platform_Command(1, "true", static_cast<char*>(nullptr)), 0);
+    runInChild([&] {
+        kvDisplayHelp(text("Administrator"), text("userdsn"));
+        return 0;
+    });
+    const std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(printed.rfind("not printed yet") == 0 && printed.size() > 15) << printed;
     EXPECT_EQ(folder_.read("opened"), expected);
+}
+
+// Callers in C have nothing to catch an exception with.
+TEST_F(BrowserTest, WithoutMemoryEveryCallEnds) {
+    const std::string file = folder_.write("a.ini", "[S]\nEntry=a value beyond any short string\n");
+    char name[kPathSize];
+    int descriptor = 0;
+    std::vector<std::string> found;
+    std::string thrown;  // and told later, when standard output is free
+    const std::function<long()> calls[] = {
+        [&] { return kvGetPrivateProfileString("S", "Entry", "", name, sizeof name, file.c_str()); },
+        [&] { return KvIni::getSectionWithValues("S", name, sizeof name, file.c_str()); },
+        [&] { return bosFileOpen(name, OpenFlag::kTemporary, &descriptor) + bosFileClose(descriptor); },
+        [&] { return bosParseName(file.c_str(), name, nullptr) + boshpath(name) + bosFindFiles("/etc/host*", found); },
+        [&] { return bosLoadLibrary("a_library_beyond_any_short_string", 1) == nullptr ? 1 : 0; },
+        [&] { return WWHelp_Startup(file.c_str()) + WWHelp_DisplayHelpContents() + WWHelp_Shutdown(); }};
+    testing::internal::CaptureStdout();
+    BOS_RUNTIME_DEBUG = ~std::uint64_t{0};
+    for (const auto& call : calls) {
+        bool happened = true;
+        for (int step = 0; happened; ++step) {
+            const SystemFault fault(Fault::kMemoryEnds, step);
+            try {
+                call();
+            } catch (const std::exception&) {
+                thrown += std::to_string(&call - calls) + " at " + std::to_string(step) + "\n";
+            }
+            happened = fault.happened();
+        }
+    }
+    BOS_RUNTIME_DEBUG = 0;
+    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(thrown, "");
 }
 
 }  // namespace

@@ -49,7 +49,6 @@ TEST_F(ConfigurationTest, WhatCanNotBeReadIsEmptyAndNotCreated) {
     EXPECT_LT(keys("S").length, 1);
     EXPECT_EQ(keys("S").names, Names());
     EXPECT_EQ(value("S", "k"), "");
-    EXPECT_FALSE(installer::writeValue("S", "k", "v", installer::kDataSourceFile));
     const std::string file = files.path("a.dsn");
     EXPECT_EQ(installer::readValue("ODBC", "Driver", file), "");
     EXPECT_EQ(installer::listKeys("ODBC", file, installer::Growth::kByDoubling).names, Names());
@@ -70,19 +69,6 @@ TEST_F(ConfigurationTest, ReadingFollowsOtherPrograms) {
     EXPECT_EQ(keys("").names, Names());
 }
 
-TEST_F(ConfigurationTest, RemovalTakesTheNameOutOfTheListToo) {
-    const std::string all =
-        "[ODBC Data Sources]\nGone=D\nGone too=D\nstays=D\n[gone]\na=1\n[GONE TOO]\na=1\n[stays]\na=1\n";
-    const std::string system = "[ODBC Data Sources]\nGone=D\n[Gone]\na=1\n";
-    files.write(OdbcFiles::kUser, all);
-    files.write(OdbcFiles::kSystem, system);
-    for (const char* name : {"Gone", "gone TOO", "never there"}) {
-        EXPECT_TRUE(installer::removeDataSource(name));
-    }
-    EXPECT_EQ(files.summary(), "ODBC Data Sources{stays=D} stays{a=1}");
-    EXPECT_EQ(files.read(OdbcFiles::kSystem), system);
-}
-
 TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
     EXPECT_EQ(installer::listDrivers().names, Names());
     files.write(OdbcFiles::kDrivers, "[b]\nDriver=x\n[ODBC]\nTrace=0\n[A]\nDriver=y\n[Empty]\n");
@@ -100,26 +86,12 @@ TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
     }
 }
 
-TEST_F(ConfigurationTest, WritingKeepsOneLineForAKeyWhateverItsCase) {
-    files.write(OdbcFiles::kUser, "[S]\nDriver=X\nb=1\n");
-    EXPECT_TRUE(installer::writeValue("S", "DRIVER", "{X}", installer::kDataSourceFile));
-    EXPECT_EQ(files.summary(), "S{DRIVER={X}|b=1}");
-    EXPECT_TRUE(installer::writeValue("S", "driver", nullptr, installer::kDataSourceFile));
-    EXPECT_EQ(files.summary(), "S{b=1}");
-    // Of a longer line the library would make two.
-    EXPECT_TRUE(installer::writeValue("S", "b", std::string(997, 'v').c_str(), installer::kDataSourceFile));
-    EXPECT_FALSE(installer::writeValue("S", "b", std::string(998, 'w').c_str(), installer::kDataSourceFile));
-    EXPECT_EQ(value("S", "b"), std::string(997, 'v'));
-    EXPECT_TRUE(installer::sameName("PoRt", "port"));
-    EXPECT_FALSE(installer::sameName("port", "ports"));
-}
-
 TEST_F(ConfigurationTest, AttributeListsReadBackAsTheyWereMade) {
     const std::string list = installer::attributeList({{"DSN", "a b"}, {"Empty", ""}, {"Eq", "x=y"}});
     EXPECT_EQ(list, "DSN=a b\0Empty=\0Eq=x=y\0\0"s);
-    EXPECT_EQ(installer::attributeList(installer::parseAttributeList(list.c_str())), list);
-    EXPECT_EQ(installer::parseAttributeList("no value\0a=1\0").size(), 1U);
-    EXPECT_TRUE(installer::parseAttributeList("").empty() && installer::parseAttributeList(nullptr).empty());
+    EXPECT_EQ(installer::copyOfAttributeList(list.c_str()), list);
+    EXPECT_EQ(installer::attributeItems(list.c_str()).size(), 3U);
+    EXPECT_TRUE(installer::attributeItems("").empty() && installer::attributeItems(nullptr).empty());
 }
 
 }  // namespace

@@ -3,19 +3,23 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <tuple>
 
 #include "bos/file.h"
 #include "kvini/cache_list.h"
 #include "kvini/profile.h"
-#include "kvlib/debug_mask.h"
 #include "kvlib/text.h"
 #include "tests/support/child_process.h"
 #include "tests/support/error_collector.h"
@@ -126,15 +130,16 @@ TEST_F(IniFileTest, Lookups) {
     }
 }
 
-TEST_F(IniFileTest, TheWideFormTakesACutDefaultForAValue) {
+TEST_F(IniFileTest, TheWideFormReturnsWhatTheOtherDoes) {
     load("[S]\nAb=abcdef\nCd=2\n");
-    const std::tuple<const char16_t*, unsigned long, std::u16string> rows[] = {{u"Ab", 6, u"abcde\0###"s},
-                                                                               {u"Ab", 0, u"#########"},
-                                                                               {u"X", 3, u"xy\0######"s},
-                                                                               {nullptr, 6, u"Ab\0C\0\0###"s}};
-    for (const auto& [entry, size, expected] : rows) {
+    const std::tuple<const char16_t*, unsigned long, std::u16string, unsigned long> rows[] = {
+        {u"Ab", 6, u"abcde\0###"s, 6},
+        {u"Ab", 0, u"#########", 0},
+        {u"X", 3, u"xy\0######"s, 2},
+        {nullptr, 6, u"Ab\0C\0\0###"s, 6}};
+    for (const auto& [entry, size, expected, length] : rows) {
         std::u16string wide(9, u'#');
-        EXPECT_EQ(cache_.bosGetProfileStringW(u"S", entry, u"xyz", wide.data(), size), size);
+        EXPECT_EQ(cache_.bosGetProfileStringW(u"S", entry, u"xyz", wide.data(), size), length);
         EXPECT_EQ(wide, expected);
     }
 }
@@ -181,10 +186,23 @@ TEST_F(IniFileTest, ChangesByOthersAreSeen) {
             const int descriptor = open(path_.c_str(), O_RDWR);
             return bosRegionLock(descriptor, RegionLock::kExclusive, 1, 1) == 0;
         });
-        EXPECT_TRUE(other.worked() && put("5") == 1) << "a lock does not stop an update";
+        ErrorCollector errors;
+        EXPECT_TRUE(other.worked() && put("5") == 0 && errors.numbers() == "1512") << errors.numbers();
+        EXPECT_EQ(folder_.read("file.ini"), "[T]\nB=1\n");
     }
-    EXPECT_EQ(folder_.read("file.ini"), "[T]\nB=1\n[S]\nA=5\n") << "an update builds on what is there now";
+    // Between the look at its date and the lock, in the same second and to the same size.
+    value();
+    changeFile("[U]\nB=1\n", 3);
+    EXPECT_EQ(put("5"), 1);
+    EXPECT_EQ(folder_.read("file.ini"), "[U]\nB=1\n[S]\nA=5\n") << "an update builds on what is there now";
 
+    for (const bool isListening : {true, false}) {
+        changeFile(isListening ? "[S]\nA=77\n" : "[S]\nA=7\n", 4);
+        const auto errors = isListening ? std::make_unique<ErrorCollector>() : nullptr;
+        const SystemFault fault(Fault::kActsAndFails, 1, EROFS);
+        EXPECT_EQ(value(), isListening ? "77" : "7") << "a file system that can only be read";
+        EXPECT_TRUE(!isListening || errors->numbers().empty()) << errors->numbers();
+    }
     std::filesystem::remove(path_);
     EXPECT_EQ(cache_.proFileSync(), 1U);
     EXPECT_EQ(value(), kDefault);
@@ -209,7 +227,7 @@ TEST_F(IniFileTest, RightsDecideWhatIsReadAndWritten) {
         {"neither", path_, 0755, 0600, "", "1508w"},
         {"missing", folder_.path("absent"), 0755, 0644, "", "1509w"},
         {"a folder", folder_.path(), 0755, 0644, "", "30041w"},
-        {"missing driver file is no failure", ".odbcinst.ini", 0755, 0644, "", ""},
+        {"missing driver file fails when it is written", ".odbcinst.ini", 0755, 0644, "", "1509"},
     };
     for (const auto& row : rows) {
         for (const bool isListening : {true, false}) {
@@ -294,6 +312,46 @@ TEST_F(IniFileTest, AFileReadInTheMiddleOfARewriteIsReadAgain) {
     EXPECT_EQ(folder_.read("file.ini"), "[S]\nA=2\nB=1\n");
 }
 
+TEST_F(IniFileTest, NoEntryIsLostAmongProgramsAndThreads) {
+    std::string old = "[S]\n";
+    for (int i = 0; i < 250; ++i) {
+        old += "Old" + std::to_string(i) + "=" + std::string(50, 'x') + "\n";
+    }
+    folder_.write("file.ini", old);
+    const pid_t other = fork();
+    const auto write = [&](const std::string& name) {
+        KvIniFileCache cache;
+        std::string done = cache.bosKvIniOpen(path_.c_str(), 0) == 0 ? "" : "not loaded";
+        for (int i = 0, left = 100; left > 0; ++i) {
+            const std::string entry = name + std::to_string(i);
+            if (cache.bosPutProfileString("S", entry.c_str(), "1") == 1) {
+                done += entry + "=1\n";
+                --left;
+            } else {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        }
+        folder_.write(name, done);
+    };
+    {
+        const std::jthread a(write, other == 0 ? "a" : "b");
+        const std::jthread b(write, other == 0 ? "c" : "d");
+    }
+    if (other == 0) {
+        _exit(0);
+    }
+    EXPECT_EQ(waitpid(other, nullptr, 0), other);
+    const auto lines = [](const std::string& text) {
+        std::istringstream stream(text);
+        return std::multiset<std::string>(std::istream_iterator<std::string>(stream), {});
+    };
+    std::string expected = old;
+    for (const char* name : {"a", "b", "c", "d"}) {
+        expected += folder_.read(name);
+    }
+    EXPECT_EQ(lines(folder_.read("file.ini")), lines(expected));
+}
+
 TEST_F(IniFileTest, TheCopyOfTheOldTextIsNobodyElsesFile) {
     load("[S]\nA=1\n");
     Names taken{"file.ini~", "file.ini", "file.ini.~1~"};
@@ -324,7 +382,7 @@ TEST_F(IniFileTest, TheCopyOfTheOldTextIsNobodyElsesFile) {
     EXPECT_EQ(folder_.read("file.ini") + folder_.read(std::string(255, 'n')), "[S]\nA=4\n[S]\nA=4\n");
     EXPECT_EQ(files(), before);
 
-    constexpr int kOpeningOfTheCopy = 2;  // after two looks at the file
+    constexpr int kOpeningOfTheCopy = 7;  // after the file was opened and read
     for (const auto& [systemError, result] : {std::pair{EROFS, 1}, {EPERM, 1}, {ENOSPC, 0}}) {
         load("[S]\nA=1\n");
         const SystemFault fault(Fault::kActsAndFails, kOpeningOfTheCopy, systemError);
@@ -418,30 +476,6 @@ TEST_F(IniFileTest, TheListSharesCachesByPath) {
     std::filesystem::remove(path_);
     folder_.write("file.ini", "[D]\nN=2\n");
     EXPECT_EQ(early->bosGetProfileInt("D", "N", 7), 2U);
-}
-
-TEST_F(IniFileTest, TheTraceTellsEachStep) {
-    BOS_RUNTIME_DEBUG = DebugBit::kIniOpen | DebugBit::kIniRead | DebugBit::kIniWrite;
-    testing::internal::CaptureStdout();
-    load("[S]\nA=1\n");
-    char buffer[16];
-    cache_.bosGetProfileString("S", "A", "", buffer, sizeof buffer);
-    cache_.bosGetProfileSection("S", buffer, sizeof buffer);
-    EXPECT_EQ(cache_.bosPutProfileString("S", nullptr, nullptr), 1);
-    BOS_RUNTIME_DEBUG = 0;
-    const std::string f = "File:" + path_;
-    const std::string get = "GetProfileString: ";
-    const std::string list = "GetProfileSection: ";
-    const std::string put = "PutProfileString: ";
-    const std::string open = "KvIniOpen: " + f;
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              open + " \n" + open + " FileSize 8\n" + get + f + " Section:[S] Entry:A\n" + get + "defaultStr:NULL\n" +
-                  get + "Section S found.\n" + get + "Entry A found.\n" + get + "Value=1\n" + get +
-                  "Return Len=1 returnBuf=1\n" + list + f + " Section:[S] " + list + "Fecthing all entries for S\n" +
-                  list + "Multi-Entry Output Requested.\n" + list + "Entry A Len=1\n" + list +
-                  "Return Len=3 returnBuf=A\n" + put + f + " Section:[S] Entry:NULL\n" + put + "newStr:NULL\n" + put +
-                  "Deleting section S\n" + open + " \n" + open + " FileSize 0\n" + put + "Updated FileCache: Len=0\n" +
-                  put + "FileCache is empty.\n");
 }
 
 }  // namespace

@@ -2,19 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
-#include <barrier>
+#include <chrono>
+#include <filesystem>
 #include <functional>
+#include <future>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "kvini/cache_list.h"
 #include "kvini/kv_ini.h"
-#include "kvlib/per_thread_data.h"
 #include "tests/support/error_collector.h"
+#include "tests/support/system_fault.h"
 #include "tests/support/temporary_folder.h"
 
 using namespace std::string_literals;
@@ -59,6 +59,9 @@ TEST_F(ProfileTest, AMissingFileGivesTheDefaultUntilItIsWritten) {
     folder_.write("absent.ini", "[S]\nB=333\n");
     EXPECT_EQ(kvGetProfileString("S", "B", "", buffer_, sizeof buffer_, file), 3U) << "a held cache follows the file";
     EXPECT_STREQ(buffer_, "333");
+    std::filesystem::remove(absent_);
+    EXPECT_EQ(kvWriteProfileString("S", "A", "1", file), 1) << "gone while it was held";
+    EXPECT_EQ(folder_.read("absent.ini"), "[S]\nA=1\n");
 }
 
 TEST_F(ProfileTest, WritersSayWhyTheyCouldNot) {
@@ -76,23 +79,29 @@ TEST_F(ProfileTest, WritersSayWhyTheyCouldNot) {
     EXPECT_STREQ(buffer_, "123");
 }
 
-TEST_F(ProfileTest, HeldCachesAreShared) {
-    KvIni ini;
-    ASSERT_EQ(ini.open(absent_.c_str()), 0);
-    KvIniFileCache* held = kvProfileInit(absent_.c_str());
-    EXPECT_EQ(kvWritePrivateProfileString("S", "A", "5", held), 1);
-    EXPECT_EQ(kvGetPrivateProfileInt("S", "A", 7, held), 5U);
-    ini.close();
-    EXPECT_EQ(held->incrementUseCount(), 2U);
-    kvPrivateProfileTerm(held);
-    kvPrivateProfileTerm(held);
-    kvPrivateProfileTerm(nullptr);
+TEST_F(ProfileTest, AnUpdateKeepsNobodyFromAnotherFile) {
+    const std::string empty = folder_.write("empty.ini", "");  // read twice, with a pause between
+    const std::string other = folder_.write("other.ini", "[S]\nA=5\n");
+    const auto read = [](const std::string& file) { return kvGetPrivateProfileInt("S", "A", 7, file.c_str()); };
+    std::future<std::uint32_t> ofEmpty, ofOther;
+    inThePause = [&] {
+        ofEmpty = std::async(std::launch::async, read, empty);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ofOther = std::async(std::launch::async, read, other);
+        EXPECT_EQ(ofOther.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+    };
+    EXPECT_EQ(kvWriteProfileString("S", "A", "1", empty.c_str()), 1);
+    EXPECT_EQ(ofOther.get() + ofEmpty.get(), 6U);
 }
 
 TEST_F(ProfileTest, KvIniHoldsAFile) {
     KvIni ini;
     std::int16_t number = 0;
+    ErrorCollector errors;
     EXPECT_EQ(ini.open(below_.c_str()), 1);
+    EXPECT_EQ(ini.getEntry("S", "Last", number, 7), 1);
+    EXPECT_EQ(ini.deleteEntry("S", "Big"), 0);
+    EXPECT_EQ(errors.numbers(), "30041w 1507 1507");
 
     const std::string file = folder_.write("a.ini", "[S]\nBig=32768\nText = two  words\n;x=1\nLast=9\n");
     ASSERT_EQ(ini.open(file.c_str()), 0);
@@ -130,31 +139,6 @@ TEST_F(ProfileTest, ThreadsThatComeAndGoReadAndWriteOneFile) {
         }
     });
     EXPECT_EQ(wrong, 0);
-}
-
-TEST_F(ProfileTest, ThreadsCreateOneList) {
-    // The moment in which two threads could both make one is short.
-    constexpr int kRounds = 4000;
-    const std::string file = folder_.write("a.ini", "[S]\nA=1\n");
-    // A list of before this test goes on to exist beside those that the threads make.
-    void* const before = mdsGetPerTaskData(kTaskSlotIniFiles);
-    std::vector<KvIniFileCache*> caches(kThreads);
-    int different = 0;
-    const auto endRound = [&]() noexcept {
-        different += std::count(caches.begin(), caches.end(), caches.front()) == std::ssize(caches) ? 0 : 1;
-        delete static_cast<KvIniFileCacheList*>(mdsGetPerTaskData(kTaskSlotIniFiles));
-        mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
-    };
-    mdsSetPerTaskData(kTaskSlotIniFiles, nullptr);
-    std::barrier round(kThreads, endRound);
-    inThreads([&](int thread) {
-        for (int i = 0; i < kRounds; ++i) {
-            caches[static_cast<std::size_t>(thread)] = kvProfileInit(file.c_str());
-            round.arrive_and_wait();
-        }
-    });
-    EXPECT_EQ(different, 0);
-    mdsSetPerTaskData(kTaskSlotIniFiles, before);
 }
 
 }  // namespace

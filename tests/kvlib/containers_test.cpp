@@ -82,19 +82,6 @@ std::string names(const KvArray& array) {
     return result;
 }
 
-TEST(KvArray, GrowsByDoublingUpToALimit) {
-    ErrorCollector errors;
-    KvArray array;
-    array.setGrowthIncrement(0);
-    for (std::uint64_t expected : {1U, 2U, 4U, 4U, 8U}) {
-        ASSERT_EQ(array.addAtIndex(nullptr, 0), 0);
-        EXPECT_EQ(array.capacity(), expected);
-    }
-    EXPECT_EQ(array.setInitialSize(65536), 1);
-    EXPECT_EQ(array.increaseSize(UINT64_MAX / 8, true), 1);
-    EXPECT_EQ(KvErrorKeeper::getLastErrorNumber(), 30190);
-}
-
 TEST(KvArray, InsertsRemovesSortsAndTakesOutDuplicates) {
     KvSortedArray array;
     array.setFlag(kArrayOwnsElements, true);

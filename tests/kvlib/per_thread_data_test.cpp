@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <mutex>
 #include <thread>
 #include <vector>
-
-#include "kvlib/critical_section.h"
 
 namespace {
 
@@ -50,25 +47,6 @@ TEST(PerThreadData, ReusesFreeRecords) {
         visit();
     }
     EXPECT_LE(records().size(), count + 1) << "the last one is left alone";
-}
-
-TEST(CriticalSection, IsRecursiveExclusiveAndCanBeSwitchedOff) {
-    KvCriticalSection section;
-    int guarded = 0;
-    const auto count = [&] {
-        for (int i = 0; i < 5000; i++) {
-            const std::lock_guard outer(section);
-            const std::lock_guard inner(section);
-            guarded++;
-        }
-    };
-    std::thread other(count);
-    count();
-    other.join();
-    EXPECT_EQ(guarded, 10000);
-    section.setLocking(false);
-    section.lock();
-    std::thread(count).join();
 }
 
 }  // namespace

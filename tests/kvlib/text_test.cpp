@@ -5,6 +5,10 @@
 #include <clocale>
 #include <tuple>
 
+#include "tests/support/program.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temporary_folder.h"
+
 namespace {
 
 // Katakana SO in Shift-JIS: its trail byte is a backslash.
@@ -99,6 +103,13 @@ TEST(Text, UpperCaseFollowsTheLocaleAndKeepsTheLength) {
     EXPECT_EQ(upper("caf\xC3\xA9 z"), "CAF\xC3\x89 Z");
     EXPECT_EQ(upper("\xC4\xB1 \xC3\x9F"), "\xC4\xB1 \xC3\x9F") << "dotless i would need one byte less";
     EXPECT_EQ(upper("a\xE9z \xE2\x82"), "A\xE9Z \xE2\x82") << "malformed bytes";
+    const TemporaryFolder folder;
+    const ScopedEnvironment environment{{"LOCPATH", folder.path()}};
+    outputOf("localedef -c -f GBK -i " + folder.write("source", "LC_CTYPE\nEND LC_CTYPE\n") + " " + folder.path("gbk"));
+    ASSERT_NE(std::setlocale(LC_CTYPE, "gbk"), nullptr) << "needs the package locales";
+    EXPECT_EQ(upper("\x83\x61\xA8\xA2z"), "\x83\x61\xA8\xA2Z") << "trail bytes are no letters";
+    EXPECT_EQ(strFind("\x83\x61z", 'a', kCPLocale), nullptr);
+    EXPECT_TRUE(kvIsLeadByte('\x83', kCPLocale) && !kvIsLeadByte('a', kCPLocale));
     std::setlocale(LC_CTYPE, before.c_str());
 }
 

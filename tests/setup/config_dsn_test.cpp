@@ -150,15 +150,16 @@ TEST_F(ConfigDsnTest, AFileDataSourceHoldsWhatItIsToldAndNoPasswordThatNobodyAsk
     };
     for (const Case& test : {
              Case{"new, as the administrator asks for it", nullptr, ODBC_ADD_DSN,
-                  "FILEDSN=/else.dsn|DRIVER=Evil|Database= /n.db|PWD=geheim", "[ODBC]\nDriver=Drv\nDatabase=/n.db\n\n",
+                  "FILEDSN=/else.dsn|DRIVER=Evil|Database= /n.db|PWD=geheim", "[ODBC]\nDriver=Drv\nDatabase=/n.db\n",
                   0644},
              Case{"what is there is replaced, and its permission stays", "[ODBC]\nUID=old\n", ODBC_ADD_DSN, "",
-                  "[ODBC]\nDriver=Drv\n\n", 0640},
+                  "[ODBC]\nDriver=Drv\n", 0640},
              Case{"configured: what is not named stays, in other sections too, and a password makes it its owner's "
                   "alone",
-                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=u\nUnknown=1\nPWD=p\n\n[More]\nA=1\n", ODBC_CONFIG_DSN,
-                  "DSN=/a.dsn|uid=v|PASSWORD=geheim|PWD=q",
-                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUnknown=1\nUID=v\nPWD=q\n\n[More]\nA=1\n\n", 0600},
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/"
+                  "a.dsn\nUID=u\nGone=1\nUnknown=1\nUID=z\ngone=2\nPWD=p\n\n[More]\nA=1\n",
+                  ODBC_CONFIG_DSN, "DSN=/a.dsn| uid = v |PASSWORD=geheim|PWD=q|Gone=",
+                  "[ODBC]\nDRIVER={Drv}\nFILEDSN=/a.dsn\nUID=v\nUnknown=1\nUID=z\nPWD=q\n\n[More]\nA=1\n", 0600},
              Case{"nothing new", "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", ODBC_CONFIG_DSN, "DSN=a|pwd=x",
                   "# mine\n[ODBC]\nDriver = Drv\nPWD=x\n", 0640},
          }) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <filesystem>
 
+#include "admin/wizard_finish.h"
 #include "tests/support/recording_browser.h"
 
 namespace {
@@ -27,9 +28,12 @@ protected:
     // Opens the dialog, does the steps while it runs an event loop of its own inside of the click, and checks that they
     // end it.
     static void inDialog(const std::function<void()>& steps, Widget button = BtnConfigure) {
+        inDialog(steps, [button] { click(button); });
+    }
+    static void inDialog(const std::function<void()>& steps, const std::function<void()>& open) {
         Steps = steps;
         wait();
-        click(button);
+        open();
         XtRemoveTimeOut(Timer);
         EXPECT_FALSE(Steps) << "no dialog";
     }
@@ -249,9 +253,26 @@ TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
             },
             BtnFDConfigure);
         EXPECT_EQ(files.read("a.dsn"),
-                  before + "Description=Books\nDatabase=/b\n" + (saved ? "Password=geheim\n" : "") + "\n");
+                  before + "Description=Books\nDatabase=/b\n" + (saved ? "Password=geheim\n" : ""));
         EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(saved ? 0600 : 0644));
     }
+    // A new one with attributes that were typed: what can't be stored is named, and a password has a row.
+    replaceText(CurrentDriver, "Talker");
+    replaceText(FileDSNName, files.path("new").c_str());
+    DsnType = kFileDataSource;
+    std::string list = "FILEDSN=" + files.path("new.dsn");
+    for (const char* item : {"DRIVER=Talker", " Mode = read", "tail", "#k=secret", "KeyPassword=q", "X=1", ""}) {
+        list += '\0' + std::string(item);
+    }
+    inDialog(
+        [] {
+            expectMessage(" tail #k=");
+            enter({XK_Return});
+            EXPECT_EQ(field("TxtKeyPassword"), "*");
+            enter({XK_Return});
+        },
+        [&list] { finish(nullptr, list.data()); });
+    EXPECT_EQ(files.read("new.dsn"), "[ODBC]\nDriver=Talker\nMode=read\nToken=h1\nX=1\n");
 }
 
 TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing) {

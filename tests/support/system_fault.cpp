@@ -62,7 +62,15 @@ bool fileEnds() {
 
 extern "C" {
 WRAP(int, close, descriptor, (int descriptor), (descriptor))
-WRAP(int, fsync, (++syncs, descriptor), (int descriptor), (descriptor))
+int __real_fsync(int descriptor);
+int __wrap_fsync(int descriptor);
+int __wrap_fsync(int descriptor) {
+    ++syncs;
+    if (inTheSync) {
+        std::exchange(inTheSync, nullptr)();
+    }
+    return meet(descriptor, [=] { return __real_fsync(descriptor); });
+}
 WRAP(int, fchmod, descriptor, (int descriptor, mode_t mode), (descriptor, mode))
 WRAP(int, fchown, descriptor, (int descriptor, uid_t user, gid_t group), (descriptor, user, group))
 WRAP(int, ftruncate, descriptor, (int descriptor, off_t size), (descriptor, size))
@@ -71,6 +79,14 @@ WRAP(ssize_t, read, descriptor, (int descriptor, void* buffer, size_t size),
      (descriptor, buffer, fileEnds() ? 0 : size))
 WRAP(ssize_t, write, descriptor, (int descriptor, const void* buffer, size_t size),
      (descriptor, buffer, SystemFault::active != nullptr ? std::min(size, kLongestWrite) : size))
+WRAP(ssize_t, pread, descriptor, (int descriptor, void* buffer, size_t size, off_t offset),
+     (descriptor, buffer, size, offset))
+WRAP(ssize_t, pwrite, descriptor, (int descriptor, const void* buffer, size_t size, off_t offset),
+     (descriptor, buffer, size, offset))
+WRAP(int, mkostemp, kNamed, (char* name, int flags), (name, flags))
+WRAP(int, rename, kNamed, (const char* from, const char* to), (from, to))
+WRAP(int, renameat2, kNamed, (int folder, const char* from, int other, const char* to, unsigned flags),
+     (folder, from, other, to, flags))
 WRAP(int, open, kNamed, (const char* path, int flags, mode_t mode), (path, flags, mode))
 WRAP(int, stat, kNamed, (const char* path, struct stat* status), (path, status))
 WRAP(int, unlink, kRemoval, (const char* path), (path))

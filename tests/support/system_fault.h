@@ -34,5 +34,6 @@ public:
 // How often something was brought to the disk.
 inline std::atomic<int> syncs = 0;
 
-// What another program does in the next pause that our own code makes.
+// What another program does in the next pause that our own code makes, and while it brings a file to the disk.
 inline std::function<void()> inThePause;
+inline std::function<void()> inTheSync;

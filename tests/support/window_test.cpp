@@ -232,7 +232,8 @@ std::string WindowTest::answer(const char* button) {
 }
 
 void WindowTest::expectReport(Message::Number text) {
-    EXPECT_EQ(answer("OK"), catalogText(text));
+    const std::string shown = answer("OK");
+    EXPECT_TRUE(shown.starts_with(catalogText(text))) << shown;
 }
 
 std::string WindowTest::calls() const {

@@ -71,7 +71,7 @@ protected:
     static std::string dialogText();
     // Presses a button ("OK", "Cancel") of the box that is up, waits until it is gone and returns its text.
     static std::string answer(const char* button);
-    // Checks that the box with this text comes up, and presses OK.
+    // Checks that a box comes up whose text begins so, and presses OK.
     static void expectReport(Message::Number text);
 
     // What the recording setup library was called with since the last time.

@@ -1,0 +1,327 @@
+#include "installer/configuration_change.h"
+
+#include <odbcinst.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <set>
+
+#include "installer/configuration.h"
+
+// Where the library has its system's files: what the command "odbcinst -j" shows. Only the library's own programs have
+// a declaration of it.
+extern "C" char* odbcinst_system_file_path(char* buffer);
+
+namespace installer {
+
+// A file in memory alone, which nobody else can open, and which goes with the process whatever ends it.
+class ConfigurationChange::PrivateFile {
+public:
+    PrivateFile() : descriptor_(memfd_create("odbc.ini", MFD_CLOEXEC)) {}
+    ~PrivateFile() {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+    PrivateFile(const PrivateFile&) = delete;
+    PrivateFile& operator=(const PrivateFile&) = delete;
+
+    // Under which the library opens it.
+    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+    // Both false with errno set.
+    bool write(const std::string& text) const {
+        std::string rest = text;
+        off_t offset = 0;
+        while (!rest.empty()) {
+            const ssize_t count = pwrite(descriptor_, rest.data(), rest.size(), offset);
+            if (count <= 0) {
+                return false;
+            }
+            offset += count;
+            rest.erase(0, static_cast<std::size_t>(count));
+        }
+        return ftruncate(descriptor_, offset) == 0;
+    }
+    bool read(std::string& text) const {
+        const off_t size = lseek(descriptor_, 0, SEEK_END);
+        if (size < 0) {
+            return false;
+        }
+        text.assign(static_cast<std::size_t>(size), '\0');
+        return pread(descriptor_, text.data(), text.size(), 0) == size;
+    }
+
+private:
+    int descriptor_;
+};
+
+namespace {
+
+constexpr const char* kPathVariable = "ODBCINI";
+// Says which file's first text a process has kept: its number and the path. A setup library is loaded anew for each
+// call, so nothing but the process can remember that.
+constexpr const char* kKeptVariable = "VH_KEPT_SETTINGS";
+
+std::string dataSourcePath() {
+    UWORD mode = ODBC_BOTH_DSN;
+    SQLGetConfigMode(&mode);
+    if (mode != ODBC_SYSTEM_DSN) {
+        return userDataSourcePath();
+    }
+    char folder[PATH_MAX + 1] = "";
+    return std::string(odbcinst_system_file_path(folder)) + "/odbc.ini";
+}
+
+// The library takes the copy for the user's file, whatever its mode is, while this lives.
+class CopyForLibrary {
+public:
+    explicit CopyForLibrary(const std::string& path) {
+        if (const char* before = std::getenv(kPathVariable)) {
+            before_ = before;
+        }
+        SQLGetConfigMode(&mode_);
+        SQLSetConfigMode(ODBC_USER_DSN);
+        setenv(kPathVariable, path.c_str(), 1);
+    }
+    ~CopyForLibrary() {
+        if (before_) {
+            setenv(kPathVariable, before_->c_str(), 1);
+        } else {
+            unsetenv(kPathVariable);
+        }
+        SQLSetConfigMode(mode_);
+    }
+    CopyForLibrary(const CopyForLibrary&) = delete;
+    CopyForLibrary& operator=(const CopyForLibrary&) = delete;
+
+private:
+    std::optional<std::string> before_;
+    UWORD mode_ = ODBC_BOTH_DSN;
+};
+
+// Lets the library write all that it reads in the file once more: it deletes a section that can't be there.
+bool rewriteByLibrary(const std::string& file) {
+    return SQLWritePrivateProfileString("\001", nullptr, nullptr, file.c_str()) != 0;
+}
+
+// The first line that says something, from 1; the library can read a file only when that begins a section.
+int findFirstLine(const std::string& text) {
+    const std::vector<std::string> lines = splitLines(text);
+    const auto first = std::find_if(lines.begin(), lines.end(), [](const std::string& line) {
+        return parseIniLine(line).kind != IniLineKind::kNothing;
+    });
+    return first == lines.end() ? 0 : static_cast<int>(first - lines.begin()) + 1;
+}
+
+std::string normalized(const IniLine& line) {
+    return line.kind == IniLineKind::kSection ? "[" + line.name + "]" : line.name + "=" + line.value;
+}
+
+// Keeps the old text under its name with a "~", once in a run of the program. False, with errno set, when the disk is
+// full; a directory that takes no new file is no reason to refuse a change.
+bool keepFirstText(const FileText& old, const DirectoryLock& lock) {
+    const std::string mark = std::to_string(getpid()) + " " + old.path;
+    const char* kept = std::getenv(kKeptVariable);
+    if (!old.status || (kept != nullptr && mark == kept)) {
+        return true;
+    }
+    if (!writeCopy(old, old.path + "~", lock) && errno != EACCES && errno != EPERM && errno != EROFS) {
+        return false;
+    }
+    setenv(kKeptVariable, mark.c_str(), 1);
+    return true;
+}
+
+}  // namespace
+
+ConfigurationChange::ConfigurationChange() : path_(dataSourcePath()), isDataSourceFile_(true) {}
+
+ConfigurationChange::ConfigurationChange(const std::string& path, bool startsAnew)
+    : path_(path), isDataSourceFile_(false), startsAnew_(startsAnew) {}
+
+void ConfigurationChange::write(const std::string& section, const std::string& key, const char* value) {
+    steps_.push_back({value != nullptr ? Step::kSet : Step::kDeleteKey, section, key, value != nullptr ? value : ""});
+}
+
+void ConfigurationChange::removeDataSource(const std::string& name) {
+    steps_.push_back({Step::kRemoveDataSource, name, {}, {}});
+}
+
+ConfigurationChange::Removed ConfigurationChange::apply(const Step& step, IniText& text) {
+    switch (step.kind) {
+        case Step::kSet:
+            text.set(step.section, step.key, step.value);
+            return {};
+        case Step::kDeleteKey:
+            return {0, text.removeKey(step.section, step.key)};
+        default:
+            return {text.removeSection(step.section), text.removeKey(kDataSourceList, step.section)};
+    }
+}
+
+bool ConfigurationChange::applyByLibrary(const Step& step, const Removed& removed, const std::string& file) {
+    const auto write = [&file](const std::string& section, const std::string& key, const char* value) {
+        return SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
+    };
+    if (step.kind == Step::kSet) {
+        return write(step.section, step.key, step.value.c_str());
+    }
+    const bool isKey = step.kind == Step::kDeleteKey;
+    bool done = true;
+    for (std::size_t count = 0; !isKey && count < std::max<std::size_t>(removed.sections, 1); ++count) {
+        done = SQLRemoveDSNFromIni(step.section.c_str()) != 0 && done;
+    }
+    // The library deletes the section and leaves the name in the list: the data source would be back, without settings.
+    for (std::size_t count = 0; count < removed.keys; ++count) {
+        done = write(isKey ? step.section : kDataSourceList, isKey ? step.key : step.section, nullptr) && done;
+    }
+    return done;
+}
+
+bool ConfigurationChange::fitsIntoLines() const {
+    return std::all_of(steps_.begin(), steps_.end(), [](const Step& step) {
+        const std::string_view breaks("\r\n\0", 3);
+        return step.kind != Step::kSet ||
+               (step.key.size() + 1 + step.value.size() <= kLongestLine && step.section.size() + 2 <= kLongestLine &&
+                (step.section + step.key + step.value).find_first_of(breaks) == std::string::npos);
+    });
+}
+
+// Whether the step is about this line of the section.
+bool ConfigurationChange::isMeant(const Step& step, const std::string& section, const IniLine& line) const {
+    if (step.kind == Step::kRemoveDataSource) {
+        return sameName(section, step.section) ||
+               (sameName(section, kDataSourceList) && sameName(line.name, step.section));
+    }
+    return line.kind == IniLineKind::kEntry && sameName(section, step.section) && sameName(line.name, step.key);
+}
+
+// The number of the first line, from 1, that the library can't write as it is; that is one too long, or else one that
+// says something which is not in `after` and which no step is about. 0 when there is none.
+int ConfigurationChange::findLostLine(const std::string& before, const std::string& after) const {
+    std::multiset<std::string> left;
+    for (const std::string& text : splitLines(after)) {
+        left.insert(normalized(parseIniLine(text)));
+    }
+    std::string section;
+    const std::vector<std::string> lines = splitLines(before);
+    const auto tooLong = std::find_if(lines.begin(), lines.end(),
+                                      [](const std::string& line) { return line.size() > kLongestLine + 1; });
+    if (tooLong != lines.end()) {
+        return static_cast<int>(tooLong - lines.begin()) + 1;
+    }
+    for (std::size_t place = 0; place < lines.size(); ++place) {
+        const IniLine line = parseIniLine(lines[place]);
+        if (line.kind == IniLineKind::kSection) {
+            section = line.name;
+        }
+        const bool counts =
+            line.kind != IniLineKind::kNothing &&
+            std::none_of(steps_.begin(), steps_.end(), [&](const Step& step) { return isMeant(step, section, line); });
+        if (counts) {
+            const auto found = left.find(normalized(line));
+            if (found == left.end()) {
+                return static_cast<int>(place) + 1;
+            }
+            left.erase(found);
+        }
+    }
+    return 0;
+}
+
+// Makes the steps from `first` to before `last` in `text`, and in the copy by the library. What the library then says
+// of its own text is what it is to say of ours. Returns what stands in the way.
+std::optional<ChangeFailure> ConfigurationChange::make(std::size_t first, std::size_t last, const PrivateFile& copy,
+                                                       std::string& text) const {
+    const std::string file = isDataSourceFile_ ? kDataSourceFile : copy.path();
+    const std::string before = text;
+    const auto systemFailure = [this] { return ChangeFailure{ChangeFailure::kSystem, path_, errno}; };
+    if (!copy.write(before)) {
+        return systemFailure();
+    }
+    IniText edited(before);
+    for (std::size_t place = first; place < last; ++place) {
+        const Removed removed = apply(steps_[place], edited);
+        if (!applyByLibrary(steps_[place], removed, file)) {
+            const int line = findFirstLine(before);
+            return line == 0 || rewriteByLibrary(file) ? ChangeFailure{ChangeFailure::kRefused, path_}
+                                                       : ChangeFailure{ChangeFailure::kBadLine, path_, 0, line};
+        }
+    }
+    std::string judged;
+    std::string readBack;
+    text = edited.text();
+    if (!copy.read(judged) || !copy.write(text) || !rewriteByLibrary(file) || !copy.read(readBack)) {
+        return systemFailure();
+    }
+    if (readBack == judged) {
+        return std::nullopt;
+    }
+    if (const int line = findLostLine(before, judged)) {
+        return ChangeFailure{ChangeFailure::kBadLine, path_, 0, line};
+    }
+    // Only comments go, and the library knows best what it does with such a file.
+    text = judged;
+    return std::nullopt;
+}
+
+std::optional<ChangeFailure> ConfigurationChange::findNewText(const FileText& old, std::string& text) const {
+    const PrivateFile copy;
+    const CopyForLibrary asUsers(copy.path());
+    const std::string before = startsAnew_ ? std::string() : old.text;
+    text = before;
+    if (!make(0, steps_.size(), copy, text)) {
+        return std::nullopt;
+    }
+    // With each write of its own the library cuts a long line once more, so each step begins with our text.
+    text = before;
+    for (std::size_t place = 0; place < steps_.size(); ++place) {
+        if (std::optional<ChangeFailure> failure = make(place, place + 1, copy, text)) {
+            return failure;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<ChangeFailure> ConfigurationChange::commit() const {
+    constexpr int kMostTries = 10;
+    if (!fitsIntoLines()) {
+        return ChangeFailure{ChangeFailure::kLineTooLong, path_};
+    }
+    const std::string target = followLinks(path_);
+    const DirectoryLock lock(target);
+    for (int count = 0; count < kMostTries; ++count) {
+        FileText old;
+        if (!readFile(target, old)) {
+            return ChangeFailure{ChangeFailure::kSystem, path_, errno};
+        }
+        std::string text;
+        if (std::optional<ChangeFailure> failure = findNewText(old, text)) {
+            return failure;
+        }
+        if (old.status && text == old.text) {
+            return std::nullopt;
+        }
+        if (isDataSourceFile_ && !keepFirstText(old, lock)) {
+            return ChangeFailure{ChangeFailure::kSystem, path_, errno};
+        }
+        const ReplaceResult result = replaceFile(old, text, permission_, lock);
+        switch (result.outcome) {
+            case ReplaceOutcome::kDone:
+                return std::nullopt;
+            case ReplaceOutcome::kChangedMeanwhile:
+                break;
+            case ReplaceOutcome::kFailed:
+                return ChangeFailure{ChangeFailure::kSystem, path_, result.error};
+            default:
+                return ChangeFailure{ChangeFailure::kLeftHalf, path_, result.error, 0, result.copy};
+        }
+    }
+    return ChangeFailure{ChangeFailure::kBusy, path_};
+}
+
+}  // namespace installer

@@ -1,0 +1,170 @@
+#include "installer/ini_text.h"
+
+#include <algorithm>
+
+#include "installer/configuration.h"
+
+namespace installer {
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\n";
+
+bool isBlank(const std::string& line) {
+    return trimmed(line).empty();
+}
+
+bool isHeaderOf(const std::string& line, std::string_view section) {
+    const IniLine parsed = parseIniLine(line);
+    return parsed.kind == IniLineKind::kSection && sameName(parsed.name, section);
+}
+
+bool isEntryOf(const std::string& line, std::string_view key) {
+    const IniLine parsed = parseIniLine(line);
+    return parsed.kind == IniLineKind::kEntry && sameName(parsed.name, key);
+}
+
+// The end of a line: "\n", "\r\n", or nothing for a last line that is open.
+std::string_view endOfLine(std::string_view line) {
+    if (line.ends_with("\r\n")) {
+        return "\r\n";
+    }
+    return line.ends_with('\n') ? kLineEnd : std::string_view();
+}
+
+// The line with another value. A key that is spelled the same keeps the blanks that somebody put around it.
+std::string withValue(const std::string& line, std::string_view key, std::string_view value) {
+    const std::size_t equals = line.find('=');
+    const std::string end(endOfLine(line));
+    if (equals == std::string::npos || trimmed(line.substr(0, equals)) != key) {
+        return std::string(key) + "=" + std::string(value) + end;
+    }
+    const std::size_t start = std::min(line.find_first_not_of(" \t", equals + 1), line.size() - end.size());
+    return line.substr(0, start) + std::string(value) + end;
+}
+
+}  // namespace
+
+IniLine parseIniLine(std::string_view line) {
+    const std::string text = trimmed(line);
+    if (text.empty() || text.front() == '#' || text.front() == ';') {
+        return {};
+    }
+    if (text.front() == '[') {
+        return {IniLineKind::kSection, trimmed(std::string_view(text).substr(1, text.find(']') - 1)), {}};
+    }
+    const std::size_t equals = std::min(text.find('='), text.size());
+    return {IniLineKind::kEntry, trimmed(std::string_view(text).substr(0, equals)),
+            trimmed(std::string_view(text).substr(std::min(equals + 1, text.size())))};
+}
+
+std::vector<std::string> splitLines(std::string_view text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const std::size_t size = std::min(text.find('\n'), text.size() - 1) + 1;
+        lines.emplace_back(text.substr(0, size));
+        text.remove_prefix(size);
+    }
+    return lines;
+}
+
+IniText::IniText(std::string_view text) : lines_(splitLines(text)), lastIsOpen_(!text.empty() && text.back() != '\n') {
+    if (lastIsOpen_) {
+        // Until the text is asked for all lines are alike.
+        lines_.back() += lines_.size() > 1 ? endOfLine(lines_.front()) : kLineEnd;
+    }
+}
+
+std::string IniText::text() const {
+    std::string text;
+    for (const std::string& line : lines_) {
+        text += line;
+    }
+    if (lastIsOpen_ && !lines_.empty()) {
+        text.resize(text.size() - endOfLine(lines_.back()).size());
+    }
+    return text;
+}
+
+// The place of the first header of the section from there on; the number of lines when there is none.
+std::size_t IniText::findHeader(std::string_view section, std::size_t from) const {
+    const auto found = std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(from), lines_.end(),
+                                    [section](const std::string& line) { return isHeaderOf(line, section); });
+    return static_cast<std::size_t>(found - lines_.begin());
+}
+
+std::size_t IniText::endOf(std::size_t header) const {
+    const auto next =
+        std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, lines_.end(),
+                     [](const std::string& line) { return parseIniLine(line).kind == IniLineKind::kSection; });
+    return static_cast<std::size_t>(next - lines_.begin());
+}
+
+// Adds a line, with the line end that the file has.
+void IniText::insert(std::size_t place, const std::string& text) {
+    const std::string end(lines_.empty() ? kLineEnd : endOfLine(lines_[place > 0 ? place - 1 : 0]));
+    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(place), text + end);
+}
+
+void IniText::set(std::string_view section, std::string_view key, std::string_view value) {
+    const std::string entry = std::string(key) + "=" + std::string(value);
+    const std::size_t header = findHeader(section, 0);
+    if (header == lines_.size()) {
+        // Blank lines set it off as they do the sections before, so that removeSection() can take them away again.
+        const bool endsBlank = !lines_.empty() && isBlank(lines_.back());
+        if (!lines_.empty() && !endsBlank) {
+            insert(lines_.size(), "");
+        }
+        insert(lines_.size(), "[" + std::string(section) + "]");
+        insert(lines_.size(), entry);
+        if (endsBlank) {
+            insert(lines_.size(), "");
+        }
+        return;
+    }
+    std::size_t last = header;
+    const std::size_t end = endOf(header);
+    for (std::size_t place = header + 1; place < end; ++place) {
+        if (isEntryOf(lines_[place], key)) {
+            lines_[place] = withValue(lines_[place], key, value);
+            return;
+        }
+        if (parseIniLine(lines_[place]).kind == IniLineKind::kEntry) {
+            last = place;
+        }
+    }
+    insert(last + 1, entry);
+}
+
+std::size_t IniText::removeKey(std::string_view section, std::string_view key) {
+    const std::size_t header = findHeader(section, 0);
+    if (header == lines_.size()) {
+        return 0;
+    }
+    const auto end = lines_.begin() + static_cast<std::ptrdiff_t>(endOf(header));
+    const auto kept = std::remove_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, end,
+                                     [key](const std::string& line) { return isEntryOf(line, key); });
+    const auto count = static_cast<std::size_t>(end - kept);
+    lines_.erase(kept, end);
+    return count;
+}
+
+std::size_t IniText::removeSection(std::string_view section) {
+    std::size_t count = 0;
+    for (std::size_t header = findHeader(section, 0); header < lines_.size(); header = findHeader(section, header)) {
+        const std::size_t end = endOf(header);
+        const auto at = [this](std::size_t place) { return lines_.begin() + static_cast<std::ptrdiff_t>(place); };
+        const auto kept = std::remove_if(at(header), at(end), [](const std::string& line) {
+            return parseIniLine(line).kind != IniLineKind::kNothing;
+        });
+        lines_.erase(kept, at(end));
+        const bool isSetOff = header > 0 && isBlank(lines_[header - 1]);
+        if (isSetOff && (header == lines_.size() || isBlank(lines_[header]))) {
+            lines_.erase(at(--header));
+        }
+        ++count;
+    }
+    return count;
+}
+
+}  // namespace installer

@@ -1,0 +1,46 @@
+// The text of a configuration file, changed line by line: whatever a change does not name stays the same byte for byte,
+// comments, blank lines, line ends and lines that nobody understands included. docs/careful-writing.md tells the rules.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace installer {
+
+class IniText {
+public:
+    explicit IniText(std::string_view text);
+
+    // Gives the first `key` of the first `section` the value. What is not there is added: a key behind the last one of
+    // its section, a section at the end.
+    void set(std::string_view section, std::string_view key, std::string_view value);
+    // Both return how many there were and are no more. Comments stay; with a section goes a blank line that set it off.
+    std::size_t removeKey(std::string_view section, std::string_view key);
+    std::size_t removeSection(std::string_view section);
+
+    std::string text() const;
+
+private:
+    std::size_t findHeader(std::string_view section, std::size_t from) const;
+    std::size_t endOf(std::size_t header) const;
+    void insert(std::size_t place, const std::string& text);
+
+    std::vector<std::string> lines_;  // With their ends.
+    bool lastIsOpen_;                 // The last line has no end.
+};
+
+// What the installer library makes of a line: it takes no notice of blanks at both ends and around the first "=".
+enum class IniLineKind { kNothing, kSection, kEntry };
+struct IniLine {
+    IniLineKind kind = IniLineKind::kNothing;  // Blank lines and comments.
+    std::string name;                          // Of the section, or the key.
+    std::string value;
+};
+IniLine parseIniLine(std::string_view line);
+
+// The lines of a text, with their ends.
+std::vector<std::string> splitLines(std::string_view text);
+
+}  // namespace installer
