@@ -57,14 +57,14 @@ std::string modificationDate(const std::string& path) {
 DriverColumns describeDrivers(const std::vector<std::string>& names) {
     DriverColumns columns;
     for (const std::string& name : names) {
-        const std::string library = installer::readValue(name, "Driver", installer::kDriverFile, kLibraryPathSize);
+        std::string library = installer::readValue(name, "Driver", installer::kDriverFile, kLibraryPathSize);
         if (library.empty()) {
             showODBCINSTError();
         }
         columns.files.push_back(library.substr(library.rfind('/') + 1));
         char company[kComponentTextSize];
         char version[kComponentTextSize];
-        getCompNameAndVersion(library.c_str(), company, version, 0);
+        getCompNameAndVersion(library.data(), company, version, 0);
         columns.versions.emplace_back(version);
         columns.companies.emplace_back(company);
         columns.dates.push_back(modificationDate(library));

@@ -13,6 +13,7 @@
 #include "admin/file_dsn_page.h"
 #include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
+#include "admin/look.h"
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "help/help_locator.h"
@@ -137,6 +138,7 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         if (ShODBCAdmin == nullptr) {
             throw std::bad_alloc();
         }
+        setFont(ShODBCAdmin);
         onWindowManagerClose(ShODBCAdmin, btnCancel_activate, nullptr);
 
         FrmMain = createForm(ShODBCAdmin, "FrmMain");
