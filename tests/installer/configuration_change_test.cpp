@@ -85,11 +85,12 @@ TEST_F(ConfigurationChangeTest, ADataSourceComesChangesAndGoes) {
         thousand += "S" + std::to_string(i) + "=D\n";
     }
     for (int i = 0; i < 1000; ++i) {
-        thousand += "\n# of " + std::to_string(i) + "\n[S" + std::to_string(i) + "]\nDriver = D\n";
+        thousand += "\n# next\n[S" + std::to_string(i) + "]\nDriver = D\n";
     }
     const std::string list = "; mine\n[ODBC Data Sources]\nA=D\n";
+    const std::string longLine = list + "[A]\n" + kLongLine + "# c\n";
     for (const std::string& before :
-         {thousand, list, list + "[A]\n" + kLongLine + "# c\n", list + "[A]\nk=1\n[A]\nk=2\nk=3",
+         {thousand, list, longLine, list + "[A]\nk=1\n[A]\nk=2\nk=3",
           std::string("[ODBC Data Sources]\r\n\r\n[A]\r\nk=1\r\n\r\n"), list + "[A]\n\xff\x80=\xc3\n\tnoise\n[]\n\n"}) {
         files.write(OdbcFiles::kUser, before);
         EXPECT_FALSE(change({"New/Driver=D", "New/k=1", "ODBC Data Sources/New=D"}));
@@ -169,8 +170,10 @@ TEST_F(ConfigurationChangeTest, AFailureOrAKillAtAnyCallLeavesOneTextWhole) {
     const std::string home = files.path("");
     const ScopedEnvironment copies{{"HOME", home}};
     const std::string before = "[A]\nk=1\n# c\nz=1\n";
-    for (const auto& [step, after] :
-         {std::pair<std::string, std::string>{"A/k=22", "[A]\nk=22\n# c\nz=1\n"}, {"A/k", "[A]\n# c\nz=1\n"}}) {
+    using Case = std::pair<std::string, std::string>;
+    for (const Case& test : {Case{"A/k=22", "[A]\nk=22\n# c\nz=1\n"}, {"A/k", "[A]\n# c\nz=1\n"}}) {
+        const std::string& step = test.first;
+        const std::string& after = test.second;
         for (const bool isInPlace : {false, true}) {
             for (const Fault kind : {Fault::kActsAndFails, Fault::kDiskIsGone, Fault::kKilled}) {
                 int count = 0;
