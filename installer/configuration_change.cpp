@@ -108,17 +108,26 @@ bool rewriteByLibrary(const std::string& file) {
     return SQLWritePrivateProfileString("\001", nullptr, nullptr, file.c_str()) != 0;
 }
 
+// Whether the library reads each line whole. Then what it wrote tells how it reads them, and there is no need to ask it
+// again, which takes as long as the change itself.
+bool isPlain(const std::string& text) {
+    const std::vector<std::string_view> lines = splitLines(text);
+    return text.find('\0') == std::string::npos &&
+           std::none_of(lines.begin(), lines.end(), [](std::string_view line) { return line.size() > kLongestLine; });
+}
+
 // The first line that says something, from 1; the library can read a file only when that begins a section.
 int findFirstLine(const std::string& text) {
-    const std::vector<std::string> lines = splitLines(text);
-    const auto first = std::find_if(lines.begin(), lines.end(), [](const std::string& line) {
+    const std::vector<std::string_view> lines = splitLines(text);
+    const auto first = std::find_if(lines.begin(), lines.end(), [](std::string_view line) {
         return parseIniLine(line).kind != IniLineKind::kNothing;
     });
     return first == lines.end() ? 0 : static_cast<int>(first - lines.begin()) + 1;
 }
 
 std::string normalized(const IniLine& line) {
-    return line.kind == IniLineKind::kSection ? "[" + line.name + "]" : line.name + "=" + line.value;
+    return line.kind == IniLineKind::kSection ? "[" + std::string(line.name) + "]"
+                                              : std::string(line.name) + "=" + std::string(line.value);
 }
 
 // Keeps the old text under its name with a "~", once in a run of the program. False, with errno set, when the disk is
@@ -204,13 +213,13 @@ bool ConfigurationChange::isMeant(const Step& step, const std::string& section, 
 // says something which is not in `after` and which no step is about. 0 when there is none.
 int ConfigurationChange::findLostLine(const std::string& before, const std::string& after) const {
     std::multiset<std::string> left;
-    for (const std::string& text : splitLines(after)) {
+    for (const std::string_view text : splitLines(after)) {
         left.insert(normalized(parseIniLine(text)));
     }
     std::string section;
-    const std::vector<std::string> lines = splitLines(before);
-    const auto tooLong = std::find_if(lines.begin(), lines.end(),
-                                      [](const std::string& line) { return line.size() > kLongestLine + 1; });
+    const std::vector<std::string_view> lines = splitLines(before);
+    const auto tooLong =
+        std::find_if(lines.begin(), lines.end(), [](std::string_view line) { return line.size() > kLongestLine + 1; });
     if (tooLong != lines.end()) {
         return static_cast<int>(tooLong - lines.begin()) + 1;
     }
@@ -253,9 +262,15 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::size_t first, std::s
         }
     }
     std::string judged;
-    std::string readBack;
     text = edited.text();
-    if (!copy.read(judged) || !copy.write(text) || !rewriteByLibrary(file) || !copy.read(readBack)) {
+    if (!copy.read(judged)) {
+        return systemFailure();
+    }
+    if (isPlain(text) && asTheLibraryWrites(text) == judged) {
+        return std::nullopt;
+    }
+    std::string readBack;
+    if (!copy.write(text) || !rewriteByLibrary(file) || !copy.read(readBack)) {
         return systemFailure();
     }
     if (readBack == judged) {

@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kLineEnd = "\n";
 
 bool isBlank(const std::string& line) {
-    return trimmed(line).empty();
+    return trimmedView(line).empty();
 }
 
 bool isHeaderOf(const std::string& line, std::string_view section) {
@@ -46,29 +46,44 @@ std::string withValue(const std::string& line, std::string_view key, std::string
 }  // namespace
 
 IniLine parseIniLine(std::string_view line) {
-    const std::string text = trimmed(line);
+    const std::string_view text = trimmedView(line);
     if (text.empty() || text.front() == '#' || text.front() == ';') {
         return {};
     }
     if (text.front() == '[') {
-        return {IniLineKind::kSection, trimmed(std::string_view(text).substr(1, text.find(']') - 1)), {}};
+        return {IniLineKind::kSection, trimmedView(text.substr(1, text.find(']') - 1)), {}};
     }
     const std::size_t equals = std::min(text.find('='), text.size());
-    return {IniLineKind::kEntry, trimmed(std::string_view(text).substr(0, equals)),
-            trimmed(std::string_view(text).substr(std::min(equals + 1, text.size())))};
+    return {IniLineKind::kEntry, trimmedView(text.substr(0, equals)),
+            trimmedView(text.substr(std::min(equals + 1, text.size())))};
 }
 
-std::vector<std::string> splitLines(std::string_view text) {
-    std::vector<std::string> lines;
+std::string asTheLibraryWrites(std::string_view text) {
+    std::string written;
+    for (const std::string_view line : splitLines(text)) {
+        const IniLine parsed = parseIniLine(line);
+        if (parsed.kind == IniLineKind::kSection) {
+            written.append(written.empty() ? "[" : "\n[").append(parsed.name).append("]\n");
+        } else if (parsed.kind == IniLineKind::kEntry) {
+            written.append(parsed.name).append("=").append(parsed.value).append("\n");
+        }
+    }
+    return written.empty() ? written : written + "\n";
+}
+
+std::vector<std::string_view> splitLines(std::string_view text) {
+    std::vector<std::string_view> lines;
     while (!text.empty()) {
         const std::size_t size = std::min(text.find('\n'), text.size() - 1) + 1;
-        lines.emplace_back(text.substr(0, size));
+        lines.push_back(text.substr(0, size));
         text.remove_prefix(size);
     }
     return lines;
 }
 
-IniText::IniText(std::string_view text) : lines_(splitLines(text)), lastIsOpen_(!text.empty() && text.back() != '\n') {
+IniText::IniText(std::string_view text) : lastIsOpen_(!text.empty() && text.back() != '\n') {
+    const std::vector<std::string_view> lines = splitLines(text);
+    lines_.assign(lines.begin(), lines.end());
     if (lastIsOpen_) {
         // Until the text is asked for all lines are alike.
         lines_.back() += lines_.size() > 1 ? endOfLine(lines_.front()) : kLineEnd;

@@ -35,12 +35,17 @@ private:
 enum class IniLineKind { kNothing, kSection, kEntry };
 struct IniLine {
     IniLineKind kind = IniLineKind::kNothing;  // Blank lines and comments.
-    std::string name;                          // Of the section, or the key.
-    std::string value;
+    std::string_view name;                     // Of the section, or the key.
+    std::string_view value;
 };
+// The result points into `line`.
 IniLine parseIniLine(std::string_view line);
 
+// What the installer library writes when it has read the text, as long as no line is too long for it. Each line says
+// the same to it wherever it stands, but for the section that it is in.
+std::string asTheLibraryWrites(std::string_view text);
+
 // The lines of a text, with their ends.
-std::vector<std::string> splitLines(std::string_view text);
+std::vector<std::string_view> splitLines(std::string_view text);
 
 }  // namespace installer
