@@ -160,7 +160,7 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
 }
 
 void btnOK_activate(Widget widget, XtPointer clientData, XtPointer callData) {
-    // The program ends at once, so a report of a failed write is not seen.
+    // The program ends at once, so a box that reports a failed write is not seen.
     Save_Trace();
     endProgram(widget, clientData, callData);
 }
