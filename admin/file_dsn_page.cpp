@@ -17,6 +17,7 @@
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
 #include "installer/file_dsn.h"
+#include "motifutil/file_dialog.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -104,6 +105,7 @@ Widget createFileSelection(Widget parent) {
         hideIdleCursor(XtNameToWidget(box, field));
     }
     Widget files = XtNameToWidget(box, "*ItemsList");
+    keepTabs(box);
     XtAddCallback(files, XmNdefaultActionCallback, btnFDConfigure_Clicked, nullptr);
     keepReturn(files);
     Widget selected = XtNameToWidget(box, "Text");
