@@ -1,6 +1,7 @@
 #include "admin/about_page.h"
 
 #include <array>
+#include <vector>
 
 #include "admin/globals.h"
 #include "admin/lists.h"
@@ -56,7 +57,8 @@ Widget createAboutForm(Widget notebook) {
     Components.adopt({{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}},
                      ScrAboutLists, scrolled);
     populateAboutTab();
-    setSizePosAboutTabWidgets();
+    setSizePosAboutTabWidgets(LstAbtDesc, LstAbtVersion, LstAbtFile, nullptr, nullptr, LblAbtDesc, LblAbtVersion,
+                              LblSAbtFile, nullptr, nullptr);
     return FrmAbout;
 }
 
@@ -85,8 +87,12 @@ void populateAboutTab() {
     populateList(LstAbtVersion, versions.data(), kRows);
 }
 
-void setSizePosAboutTabWidgets() {
-    Components.place();
+void setSizePosAboutTabWidgets(Widget list1, Widget list2, Widget list3, Widget list4, Widget list5, Widget header1,
+                               Widget header2, Widget header3, Widget header4, Widget header5) {
+    std::vector<Table::Column> columns{
+        {list1, header1}, {list2, header2}, {list3, header3}, {list4, header4}, {list5, header5}};
+    std::erase_if(columns, [](const Table::Column& column) { return column.list == nullptr; });
+    placeColumns(columns);
 }
 
 void AboutTabItemSelected(Widget list, XtPointer /*clientData*/, XtPointer /*callData*/) {

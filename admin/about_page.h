@@ -24,8 +24,10 @@ Widget createAboutForm(Widget notebook);
 // has an empty version.
 void populateAboutTab();
 
-// Places the lists and headers of the page, which are always the same, side by side by the lists' widths.
-void setSizePosAboutTabWidgets();
+// Places lists and headers side by side by the lists' widths. It takes ten widgets as the Drivers page's does, but the
+// three columns of this page rule: the lists and headers of the other two are null.
+void setSizePosAboutTabWidgets(Widget list1, Widget list2, Widget list3, Widget list4, Widget list5, Widget header1,
+                               Widget header2, Widget header3, Widget header4, Widget header5);
 
 // Keeps the selected row of the three lists in step.
 void AboutTabItemSelected(Widget list, XtPointer clientData, XtPointer callData);

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "admin/globals.h"
 #include "motifutil/catalog_text.h"
@@ -19,13 +20,13 @@ void forgetWaitingEnd(Widget /*box*/, XtPointer /*clientData*/, XtPointer /*call
 
 // Makes a box with one button, keeps it in `Mdialog`, and leaves it to the caller to show. Null when it can't be made,
 // or may not: there is one box at a time, and nothing takes the place of the one that ends the program.
-Widget createReport(unsigned long kind, const std::string& text, Message::Number okLabel = Message::kOk,
+Widget createReport(unsigned long kind, std::string text, Message::Number okLabel = Message::kOk,
                     Message::Number title = Message::kDialogTitle) {
     if (WaitingEnd != nullptr) {
         return nullptr;
     }
-    Mdialog = createMessageDialogAdmin(static_cast<short>(kind), text.c_str(), catalogText(okLabel).c_str(), "",
-                                       catalogText(title).c_str());
+    Mdialog = createMessageDialogAdmin(static_cast<short>(kind), text.data(), catalogText(okLabel).data(),
+                                       std::string().data(), catalogText(title).data());
     return Mdialog;
 }
 
@@ -67,8 +68,7 @@ void showWithSubject(const std::string& subject, XtCallbackProc accepted, XtCall
 
 }  // namespace
 
-Widget createMessageDialogAdmin(short kind, const char* message, const char* okLabel, const char* cancelLabel,
-                                const char* title) {
+Widget createMessageDialogAdmin(short kind, char* message, char* okLabel, char* cancelLabel, char* title) {
     return createMessageDialog(ShODBCAdmin, static_cast<unsigned short>(kind), message, okLabel, cancelLabel, title);
 }
 
@@ -97,17 +97,15 @@ void showError(Message::Number text, const installer::ChangeFailure& failure) {
     show(createReport(kErrorDialog, catalogText(text) + "\n\n" + changeReport(failure)));
 }
 
-void askQuestion(const std::string& question, const std::string& subject, XtCallbackProc accepted,
-                 XtCallbackProc declined) {
+void askQuestion(std::string question, const std::string& subject, XtCallbackProc accepted, XtCallbackProc declined) {
     Mdialog =
-        createMessageDialogAdmin(kQuestionDialog, question.c_str(), catalogText(Message::kAnswerYes).c_str(),
-                                 catalogText(Message::kAnswerNo).c_str(), catalogText(Message::kDialogTitle).c_str());
+        createMessageDialogAdmin(kQuestionDialog, question.data(), catalogText(Message::kAnswerYes).data(),
+                                 catalogText(Message::kAnswerNo).data(), catalogText(Message::kDialogTitle).data());
     showWithSubject(subject, accepted, declined);
 }
 
-void showResult(const std::string& text, Message::Number title, const std::string& subject,
-                XtCallbackProc acknowledged) {
-    createReport(kInformationDialog, text, Message::kOk, title);
+void showResult(std::string text, Message::Number title, const std::string& subject, XtCallbackProc acknowledged) {
+    createReport(kInformationDialog, std::move(text), Message::kOk, title);
     showWithSubject(subject, acknowledged, nullptr);
 }
 

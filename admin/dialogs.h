@@ -12,8 +12,7 @@
 
 // A message box on the main window, unmanaged; kinds as in motifutil/message_dialog.h. `cancelLabel` is "" for a box
 // with one button. Callers store it in `Mdialog`.
-Widget createMessageDialogAdmin(short kind, const char* message, const char* okLabel, const char* cancelLabel,
-                                const char* title);
+Widget createMessageDialogAdmin(short kind, char* message, char* okLabel, char* cancelLabel, char* title);
 
 // Shows a box with one button, titled as the program, and keeps it in `Mdialog`.
 void showInformation(Message::Number text);
@@ -29,11 +28,10 @@ void showError(Message::Number text, const installer::ChangeFailure& failure);
 // terminated; null when it is empty), which belongs to the box and goes with it, answered or replaced.
 //
 // A question, titled as the program; `accepted` is called when the person agrees, `declined`, when not null, otherwise.
-void askQuestion(const std::string& question, const std::string& subject, XtCallbackProc accepted,
+void askQuestion(std::string question, const std::string& subject, XtCallbackProc accepted,
                  XtCallbackProc declined = nullptr);
 // Information with the one button OK, which calls `acknowledged`.
-void showResult(const std::string& text, Message::Number title, const std::string& subject,
-                XtCallbackProc acknowledged);
+void showResult(std::string text, Message::Number title, const std::string& subject, XtCallbackProc acknowledged);
 
 // Shows the report that waited until the main window was there. There is one box at a time: of several reports it is
 // the one that ends the program, if there is one, and otherwise the last.

@@ -59,7 +59,7 @@ DriverColumns describeDrivers(const std::vector<std::string>& names) {
     DriverColumns columns;
     std::vector<std::string> libraries;
     for (const std::string& name : names) {
-        const std::string library = installer::readValue(name, "Driver", installer::kDriverFile, kLibraryPathSize);
+        std::string library = installer::readValue(name, "Driver", installer::kDriverFile, kLibraryPathSize);
         if (library.empty()) {
             showODBCINSTError();
         }

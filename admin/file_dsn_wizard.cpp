@@ -192,5 +192,5 @@ void DPDriver_doubleClick(Widget list, XtPointer clientData, XtPointer callData)
 }
 
 void BrowseFileDSN(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    showFileDialogBox(kBrowseForName, dsnFileSelected);
+    showFileDialogBox(kBrowseForName);
 }

@@ -35,7 +35,7 @@ void createFileNameDialog(int mode, XtCallbackProc chosen) {
 
 }  // namespace
 
-void showFileDialogBox(int mode, XtCallbackProc chosen) {
+void showFileNameDialog(int mode, XtCallbackProc chosen) {
     guarded([=] {
         if (Fdialog == nullptr) {
             createFileNameDialog(mode, chosen);

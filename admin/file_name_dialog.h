@@ -9,6 +9,6 @@ inline constexpr int kChooseFileName = 1;
 
 // Shows the dialog; OK calls `chosen` with `mode` as its client data. The dialog is made once: its parent and what its
 // names are for stay those of the first use.
-void showFileDialogBox(int mode, XtCallbackProc chosen);
+void showFileNameDialog(int mode, XtCallbackProc chosen);
 // Cancel: hides the dialog.
 void fdialog_canceled(Widget widget, XtPointer clientData, XtPointer callData);

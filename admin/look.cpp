@@ -1,11 +1,12 @@
 #include "admin/look.h"
 
+#include <Xm/Xm.h>
+
 namespace {
 
 // All begin with "*": the display is opened without an application class. Selected rows are light, because Xft text in
 // a list keeps its ink when it is selected.
 const char* const kFallbackResources[] = {
-    "*renderTable: uif",
     "*uif.fontType: FONT_IS_XFT",
     "*uif.fontName: DejaVu Sans",
     "*uif.fontSize: 10",
@@ -102,4 +103,20 @@ const char* const kFallbackResources[] = {
 
 void setFallbackLook(XtAppContext context) {
     XtAppSetFallbackResources(context, const_cast<char**>(kFallbackResources));
+}
+
+void setFont(Widget shell) {
+    // Kept for good: a display that is closed after the last user of the font has gone ends in libXft 2.3.6 (SIGSEGV).
+    static XmRenderTable font = nullptr;
+    if (font == nullptr) {
+        static char name[] = "uif";
+        XmRenderTable converted = nullptr;
+        XrmValue from{sizeof name, name};
+        XrmValue to{sizeof converted, reinterpret_cast<XPointer>(&converted)};
+        if (XtConvertAndStore(shell, XmRString, &from, XmRRenderTable, &to) == 0) {
+            return;
+        }
+        font = XmRenderTableCopy(converted, nullptr, 0);
+    }
+    XtVaSetValues(shell, XmNbuttonRenderTable, font, XmNlabelRenderTable, font, XmNtextRenderTable, font, nullptr);
 }

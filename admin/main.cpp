@@ -18,11 +18,13 @@ namespace {
 // Says that no texts were found. Its own text is built in, since it reports that there is no catalog; the program ends
 // when it is acknowledged.
 void showMissingCatalog() {
-    Mdialog = createMessageDialogAdmin(kErrorDialog,
-                                       "Unable to find the ODBC Administrator Message Files.  Please verify the "
-                                       "InstallDir value in the files\npointed to by the ODBCINI and ODBCINSTINI "
-                                       "environment variables.",
-                                       "OK", "", "Varnholt ODBC Administrator");
+    char message[] =
+        "Unable to find the ODBC Administrator Message Files.  Please verify the InstallDir value in the files\n"
+        "pointed to by the ODBCINI and ODBCINSTINI environment variables.";
+    char ok[] = "OK";
+    char noCancel[] = "";
+    char title[] = "Varnholt ODBC Administrator";
+    Mdialog = createMessageDialogAdmin(kErrorDialog, message, ok, noCancel, title);
     if (Mdialog != nullptr) {
         XtAddCallback(Mdialog, XmNokCallback, endProgram, nullptr);
         XtManageChild(Mdialog);

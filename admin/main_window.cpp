@@ -13,6 +13,7 @@
 #include "admin/file_dsn_page.h"
 #include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
+#include "admin/look.h"
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "help/help_locator.h"
@@ -137,6 +138,7 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         if (ShODBCAdmin == nullptr) {
             throw std::bad_alloc();
         }
+        setFont(ShODBCAdmin);
         onWindowManagerClose(ShODBCAdmin, btnCancel_activate, nullptr);
 
         FrmMain = createForm(ShODBCAdmin, "FrmMain");
@@ -156,7 +158,7 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
 }
 
 void btnOK_activate(Widget widget, XtPointer clientData, XtPointer callData) {
-    // The program ends at once, so a report of a failed write is not seen.
+    // The program ends at once, so a box that reports a failed write is not seen.
     Save_Trace();
     endProgram(widget, clientData, callData);
 }

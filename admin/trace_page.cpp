@@ -6,6 +6,7 @@
 #include <Xm/ToggleB.h>
 
 #include <cstring>
+#include <iostream>
 #include <optional>
 #include <string>
 
@@ -13,6 +14,7 @@
 #include "admin/globals.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
+#include "motifutil/change_report.h"
 #include "motifutil/file_dialog.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -174,6 +176,8 @@ void Save_Trace() {
         change.write(kSection, kLibraryKey, library.c_str());
         if (const std::optional<installer::ChangeFailure> failure = change.commit()) {
             showError(Message::kTraceNotSaved, *failure);
+            // OK ends the program at once, and nobody sees the box.
+            std::cerr << catalogText(Message::kTraceNotSaved) << '\n' << changeReport(*failure) << '\n';
         }
     });
 }

@@ -189,7 +189,11 @@ void overwriteFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/)
 }
 
 void openSaveAsControl(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    showFileDialogBox(kChooseFileName, dsnFileSelected);
+    showFileDialogBox(kChooseFileName);
+}
+
+void showFileDialogBox(int mode) {
+    showFileNameDialog(mode, dsnFileSelected);
 }
 
 void dsnFileSelected(Widget dialogBox, XtPointer mode, XtPointer /*callData*/) {

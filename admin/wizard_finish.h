@@ -30,6 +30,8 @@ void overwriteFileDSN(Widget widget, XtPointer path, XtPointer callData);
 // Cancel of the overwrite question: lets the person choose another name.
 void openSaveAsControl(Widget widget, XtPointer clientData, XtPointer callData);
 
+// Lets the person choose a file name in the file dialog, for what `mode` (admin/file_name_dialog.h) says.
+void showFileDialogBox(int mode);
 // OK of the file dialog: completes the chosen name with ".dsn". With the mode kChooseFileName it becomes that of the
 // file being made, which is finished with it; otherwise it goes into the wizard's field. A directory is no choice: the
 // dialog stays.

@@ -2,9 +2,11 @@
 #include <benchmark/benchmark.h>
 #include <odbcinst.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "installer/configuration_change.h"
 #include "kvini/install_dir.h"
 #include "kvini/profile.h"
 #include "tests/support/temporary_folder.h"
@@ -95,6 +97,47 @@ BENCHMARK_DEFINE_F(IniBench, update)(benchmark::State& state) {
     }
 }
 
+// Writes settings of the last data source, range(1) of them, as the setup library does.
+template <typename Write>
+void writeSettings(benchmark::State& state, const std::string& file, Write write) {
+    setenv("ODBCINI", file.c_str(), 1);
+    SQLSetConfigMode(ODBC_USER_DSN);
+    int number = 0;
+    for (auto step : state) {
+        if (!write(std::to_string(++number))) {
+            state.SkipWithError("The settings were not written.");
+            return;
+        }
+    }
+}
+
+BENCHMARK_DEFINE_F(IniBench, libraryWrite)(benchmark::State& state) {
+    writeSettings(state, file, [&](const std::string& value) {
+        bool done = true;
+        for (int key = 0; key < state.range(1); ++key) {
+            done = SQLWritePrivateProfileString(last.c_str(), ("Key" + std::to_string(key)).c_str(), value.c_str(),
+                                                ".odbc.ini") != 0 &&
+                   done;
+        }
+        return done;
+    });
+}
+
+BENCHMARK_DEFINE_F(IniBench, carefulChange)(benchmark::State& state) {
+    writeSettings(state, file, [&](const std::string& value) {
+        installer::ConfigurationChange change;
+        for (int key = 0; key < state.range(1); ++key) {
+            change.write(last, "Key" + std::to_string(key), value.c_str());
+        }
+        return !change.commit();
+    });
+}
+
+void changes(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgNames({"sources", "keys"})->ArgsProduct({{10, 1000}, {1, 5}})->Unit(benchmark::kMicrosecond);
+    benchmark->UseRealTime();
+}
+
 void sizes(benchmark::internal::Benchmark* benchmark) {
     benchmark->ArgName("sources")->Arg(10)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMicrosecond);
 }
@@ -105,6 +148,8 @@ BENCHMARK_REGISTER_F(IniBench, installerLibrary)->Apply(sizes);
 BENCHMARK_REGISTER_F(IniBench, listKeys)->Apply(sizes);
 // The disk takes its part of the time.
 BENCHMARK_REGISTER_F(IniBench, update)->Apply(sizes)->UseRealTime();
+BENCHMARK_REGISTER_F(IniBench, libraryWrite)->Apply(changes);
+BENCHMARK_REGISTER_F(IniBench, carefulChange)->Apply(changes);
 
 }  // namespace
 

@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
     std::setlocale(LC_ALL, "");
 
     const int answer = takeOutput();
-    const std::string path = argv[1];
+    std::string path = argv[1];
     // Without a slash the loader would search its own directories.
     void* library = dlopen(path.find('/') == std::string::npos ? ("./" + path).c_str() : path.c_str(), RTLD_NOW);
     if (library == nullptr) {
@@ -63,7 +63,7 @@ int main(int argc, char** argv) {
         const char* name = getCompany(library);
         told = tell(answer, odbc->c_str()) && tell(answer, name == nullptr ? "" : name) && told;
     } else {
-        getCompNameAndVersion(path.c_str(), company.data(), version.data(), 0);
+        getCompNameAndVersion(path.data(), company.data(), version.data(), 0);
         told = tell(answer, version.data()) && tell(answer, company.data()) && told;
     }
     // Nothing of the library runs any more.

@@ -20,3 +20,10 @@ int WWHelp_Comm_ClearBrowserInfo(WWHelp_BrowserInfo* info);
 // Shows a URL of `length` bytes; a help URL is wrapped into a script when the record says so.
 int WWHelp_Comm_DisplayURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length);
 int WWHelp_Comm_DisplayHelpURL(WWHelp_BrowserInfo* info, const char* url, std::size_t length);
+
+// Both of them, with `isHelp` non-zero for a help URL.
+int private_WWHelp_Comm_SendURLOrLaunchWithURL(WWHelp_BrowserInfo* info, int isHelp, const char* url,
+                                               std::size_t length);
+
+// Copies `length` bytes into malloc'ed memory of the caller's, terminated beyond them. -1 for none.
+int private_WWHelp_Comm_CopyURL(const char* url, std::size_t length, char** out, std::size_t* outLength);

@@ -1,10 +1,12 @@
 #include "help/help_locator.h"
 
+#include <unicode/ucnv.h>
+
 #include <string>
 
 #include "catalogs/message_numbers.h"
 #include "help/web_help.h"
-#include "kvini/kv_ini.h"
+#include "kvini/profile.h"
 #include "kvlib/library_text.h"
 #include "kvlib/message_box.h"
 #include "kvlib/out_of_memory.h"
@@ -20,13 +22,11 @@ const char* plain(const unsigned char* text) {
     return reinterpret_cast<const char*>(text);
 }
 
-// What the product's driver file says; "" when it says nothing or can't be read.
-std::string driverFileValue(const char* section, const char* key) {
-    KvIni file;
-    file.open("ODBCINST.INI");
-    char value[kLongestDirectory];
-    file.getEntry(section, key, value, sizeof value, "");
-    return value;
+// Whether ICU has a converter for the platform's text. A process without one could read no path that it is given.
+bool canConvertPlatformText() {
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_close(ucnv_open(nullptr, &status));
+    return U_SUCCESS(status) != 0;
 }
 
 void reportMissingRoot() {
@@ -54,18 +54,23 @@ int kvFindHelpRoot(const unsigned char* book, unsigned char** rootUrl, std::size
         if (rootUrl == nullptr || size == 0) {
             return 1;
         }
-        const std::string directory = driverFileValue(plain(book), "HelpRootDirectory");
-        if (directory.empty()) {
+        const HeldIniCache driverFile(kvProfileInit("ODBCINST.INI"));
+        if (!canConvertPlatformText()) {
+            return 1;
+        }
+        char directory[kLongestDirectory];
+        kvGetPrivateProfileString(plain(book), "HelpRootDirectory", "", directory, sizeof directory, driverFile.get());
+        if (*directory == '\0') {
             reportMissingRoot();
             return 1;
         }
-        const std::string url = kScheme + directory;
+        const std::string url = std::string(kScheme) + directory;
         strCopy(reinterpret_cast<char*>(*rootUrl), size, url.c_str());
         return 0;
     });
 }
 
-int kvDisplayHelp2(const unsigned char* directory, const unsigned char* context, const unsigned char* topic) {
+int kvDisplayHelp2(unsigned char* directory, unsigned char* context, unsigned char* topic) {
     return orMemoryError(-1, [&] {
         const std::string url = std::string(kScheme) + plain(directory);
         WWHelp_Startup(url.c_str());

@@ -9,8 +9,9 @@
 void kvDisplayHelp(const unsigned char* book, const unsigned char* topic);
 
 // Copies the root URL of a book, "File:///" and the directory as it is configured, into `*rootUrl`, a buffer of `size`
-// bytes, cut where it does not fit. Returns 0, or 1 when the book has no root.
+// bytes, cut where it does not fit. Returns 0; 1 when the book has no root, which is reported, and, without a report,
+// when the platform's text can't be converted.
 int kvFindHelpRoot(const unsigned char* book, unsigned char** rootUrl, std::size_t size);
 
 // Shows a topic of the help tree in `directory`. Returns what WWHelp_Shutdown() does.
-int kvDisplayHelp2(const unsigned char* directory, const unsigned char* context, const unsigned char* topic);
+int kvDisplayHelp2(unsigned char* directory, unsigned char* context, unsigned char* topic);

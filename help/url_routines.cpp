@@ -82,6 +82,6 @@ int private_WWHelp_URL_BuildSmartURLWithReset(const char* url, std::size_t lengt
 
 int WWHelp_URL_BuildSmartURL(const char* url, std::size_t length, char** out, std::size_t* outLength) {
     constexpr std::string_view kReset =
-        "y=eval('document.open();document.writeln(\\'<a href=\"'+x+'\">'+x+'</a>\\');document.close();');";
+        "y=eval('document.open();document.writeln(\\'<a href=\\\"'+x+'\\\">'+x+'</a>\\');document.close();');";
     return private_WWHelp_URL_BuildSmartURLWithReset(url, length, kReset.data(), kReset.size(), out, outLength);
 }

@@ -7,7 +7,8 @@
 
 namespace {
 
-enum class Tab { kNone, kContents, kIndex, kSearch, kFavorites };
+// The tab of the navigation pane that is in front.
+enum Tab : int { kNoTab, kContents, kIndex, kSearch, kFavorites };
 
 std::string sgpWWHelp_Base;
 std::string sgpWWHelp_BaseURL;
@@ -17,12 +18,8 @@ bool isGiven(const char* text) {
     return text != nullptr && *text != '\0';
 }
 
-const char* nameOf(Tab tab) {
-    constexpr const char* kNames[] = {"", "contents", "index", "search", "favorites"};
-    return kNames[static_cast<int>(tab)];
-}
-
-std::string helpUrl(const char* context, const char* topic, bool single, Tab tab) {
+std::string helpUrl(const char* context, const char* topic, int single, int tab) {
+    constexpr const char* kTabNames[] = {"contents", "index", "search", "favorites"};
     std::string url = sgpWWHelp_BaseURL;
     char separator = '?';
     const auto append = [&url, &separator](const std::string& item) {
@@ -33,27 +30,17 @@ std::string helpUrl(const char* context, const char* topic, bool single, Tab tab
         append(std::string("context=") + context);
         append(std::string("topic=") + topic);
     }
-    if (single) {
+    if (single != 0) {
         append("single=true");
     }
-    if (tab != Tab::kNone) {
-        append(std::string("tab=") + nameOf(tab));
+    if (tab >= kContents && tab <= kFavorites) {
+        append(std::string("tab=") + kTabNames[tab - kContents]);
     }
     return url;
 }
 
-int displayHelp(const char* context, const char* topic, bool single, Tab tab) {
-    return orFailure(-1, [&] {
-        const std::string url = helpUrl(context, topic, single, tab);
-        if (WWHelp_Comm_SetDefaultBrowserInfo(&sgWWHelp_DefaultBrowserInfo) != 0) {
-            return -1;
-        }
-        return WWHelp_Comm_DisplayHelpURL(&sgWWHelp_DefaultBrowserInfo, url.data(), url.size());
-    });
-}
-
-int displayTopicWith(const char* context, const char* topic, Tab tab) {
-    return isGiven(context) && isGiven(topic) ? displayHelp(context, topic, false, tab) : -1;
+int displayTopicWith(const char* context, const char* topic, int tab) {
+    return isGiven(context) && isGiven(topic) ? private_WWHelp_DisplayHelp(context, topic, 0, tab) : -1;
 }
 
 void forget() {
@@ -96,45 +83,55 @@ int WWHelp_Shutdown() {
 }
 
 int WWHelp_DisplayHelp(const char* context, const char* topic) {
-    return isGiven(context) && isGiven(topic) ? displayHelp(context, topic, true, Tab::kNone) : 0;
+    return isGiven(context) && isGiven(topic) ? private_WWHelp_DisplayHelp(context, topic, 1, kNoTab) : 0;
 }
 
 int WWHelp_DisplayHelpWithNavigation(const char* context, const char* topic) {
-    return displayTopicWith(context, topic, Tab::kNone);
+    return displayTopicWith(context, topic, kNoTab);
 }
 
 int WWHelp_DisplayHelpWithContents(const char* context, const char* topic) {
-    return displayTopicWith(context, topic, Tab::kContents);
+    return displayTopicWith(context, topic, kContents);
 }
 
 int WWHelp_DisplayHelpWithIndex(const char* context, const char* topic) {
-    return displayTopicWith(context, topic, Tab::kIndex);
+    return displayTopicWith(context, topic, kIndex);
 }
 
 int WWHelp_DisplayHelpWithSearch(const char* context, const char* topic) {
-    return displayTopicWith(context, topic, Tab::kSearch);
+    return displayTopicWith(context, topic, kSearch);
 }
 
 int WWHelp_DisplayHelpWithFavorites(const char* context, const char* topic) {
-    return displayTopicWith(context, topic, Tab::kFavorites);
+    return displayTopicWith(context, topic, kFavorites);
 }
 
 int WWHelp_DisplayHelpNavigation() {
-    return displayHelp(nullptr, nullptr, false, Tab::kNone);
+    return private_WWHelp_DisplayHelp(nullptr, nullptr, 0, kNoTab);
 }
 
 int WWHelp_DisplayHelpContents() {
-    return displayHelp(nullptr, nullptr, false, Tab::kContents);
+    return private_WWHelp_DisplayHelp(nullptr, nullptr, 0, kContents);
 }
 
 int WWHelp_DisplayHelpIndex() {
-    return displayHelp(nullptr, nullptr, false, Tab::kIndex);
+    return private_WWHelp_DisplayHelp(nullptr, nullptr, 0, kIndex);
 }
 
 int WWHelp_DisplayHelpSearch() {
-    return displayHelp(nullptr, nullptr, false, Tab::kSearch);
+    return private_WWHelp_DisplayHelp(nullptr, nullptr, 0, kSearch);
 }
 
 int WWHelp_DisplayHelpFavorites() {
-    return displayHelp(nullptr, nullptr, false, Tab::kFavorites);
+    return private_WWHelp_DisplayHelp(nullptr, nullptr, 0, kFavorites);
+}
+
+int private_WWHelp_DisplayHelp(const char* context, const char* topic, int single, int tab) {
+    return orFailure(-1, [&] {
+        const std::string url = helpUrl(context, topic, single, tab);
+        if (WWHelp_Comm_SetDefaultBrowserInfo(&sgWWHelp_DefaultBrowserInfo) != 0) {
+            return -1;
+        }
+        return WWHelp_Comm_DisplayHelpURL(&sgWWHelp_DefaultBrowserInfo, url.data(), url.size());
+    });
 }

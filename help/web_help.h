@@ -23,3 +23,7 @@ int WWHelp_DisplayHelpContents();
 int WWHelp_DisplayHelpIndex();
 int WWHelp_DisplayHelpSearch();
 int WWHelp_DisplayHelpFavorites();
+
+// All of them: `single` non-zero for the topic alone, `tab` 1 to 4 for contents, index, search or favorites in front.
+// Without a context and a topic, the help system as it opens by itself.
+int private_WWHelp_DisplayHelp(const char* context, const char* topic, int single, int tab);

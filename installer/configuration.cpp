@@ -188,11 +188,14 @@ std::string copyOfAttributeList(const char* list) {
 }
 
 std::string trimmed(std::string_view text) {
+    return std::string(trimmedView(text));
+}
+
+std::string_view trimmedView(std::string_view text) {
     constexpr std::string_view kBlanks = " \t\r\n\v\f";
     const std::size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos
-               ? std::string()
-               : std::string(text.substr(first, text.find_last_not_of(kBlanks) + 1 - first));
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
 }
 
 bool isPasswordKey(std::string_view key) {

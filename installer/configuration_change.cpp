@@ -108,17 +108,26 @@ bool rewriteByLibrary(const std::string& file) {
     return SQLWritePrivateProfileString("\001", nullptr, nullptr, file.c_str()) != 0;
 }
 
+// Whether the library reads each line whole. Then what it wrote tells how it reads them, and there is no need to ask it
+// again, which takes as long as the change itself.
+bool isPlain(const std::string& text) {
+    const std::vector<std::string_view> lines = splitLines(text);
+    return text.find('\0') == std::string::npos &&
+           std::none_of(lines.begin(), lines.end(), [](std::string_view line) { return line.size() > kLongestLine; });
+}
+
 // The first line that says something, from 1; the library can read a file only when that begins a section.
 int findFirstLine(const std::string& text) {
-    const std::vector<std::string> lines = splitLines(text);
-    const auto first = std::find_if(lines.begin(), lines.end(), [](const std::string& line) {
+    const std::vector<std::string_view> lines = splitLines(text);
+    const auto first = std::find_if(lines.begin(), lines.end(), [](std::string_view line) {
         return parseIniLine(line).kind != IniLineKind::kNothing;
     });
     return first == lines.end() ? 0 : static_cast<int>(first - lines.begin()) + 1;
 }
 
 std::string normalized(const IniLine& line) {
-    return line.kind == IniLineKind::kSection ? "[" + line.name + "]" : line.name + "=" + line.value;
+    return line.kind == IniLineKind::kSection ? "[" + std::string(line.name) + "]"
+                                              : std::string(line.name) + "=" + std::string(line.value);
 }
 
 // Keeps the old text under its name with a "~", once in a run of the program. False, with errno set, when the disk is
@@ -148,38 +157,46 @@ void ConfigurationChange::write(const std::string& section, const std::string& k
 }
 
 void ConfigurationChange::removeDataSource(const std::string& name) {
-    steps_.push_back({Step::kRemoveDataSource, name, {}, {}});
+    steps_.push_back({Step::kDeleteSection, name, {}, {}});
+    // The library deletes the section and leaves the name in the list: the data source would be back, without settings.
+    steps_.push_back({Step::kDeleteKey, kDataSourceList, name, {}});
 }
 
-ConfigurationChange::Removed ConfigurationChange::apply(const Step& step, IniText& text) {
+// Makes the step in the text. False when there is nothing to delete.
+bool ConfigurationChange::apply(const Step& step, IniText& text) {
     switch (step.kind) {
         case Step::kSet:
             text.set(step.section, step.key, step.value);
-            return {};
+            return true;
         case Step::kDeleteKey:
-            return {0, text.removeKey(step.section, step.key)};
+            return text.removeKey(step.section, step.key);
         default:
-            return {text.removeSection(step.section), text.removeKey(kDataSourceList, step.section)};
+            return text.removeSection(step.section);
     }
 }
 
-bool ConfigurationChange::applyByLibrary(const Step& step, const Removed& removed, const std::string& file) {
-    const auto write = [&file](const std::string& section, const std::string& key, const char* value) {
-        return SQLWritePrivateProfileString(section.c_str(), key.c_str(), value, file.c_str()) != 0;
-    };
-    if (step.kind == Step::kSet) {
-        return write(step.section, step.key, step.value.c_str());
+// Lets the library make the step, in a file that it calls `file`. Each is one call and one writing of the file.
+bool ConfigurationChange::applyByLibrary(const Step& step, const std::string& file) {
+    if (step.kind == Step::kDeleteSection) {
+        return SQLRemoveDSNFromIni(step.section.c_str()) != 0;
     }
-    const bool isKey = step.kind == Step::kDeleteKey;
-    bool done = true;
-    for (std::size_t count = 0; !isKey && count < std::max<std::size_t>(removed.sections, 1); ++count) {
-        done = SQLRemoveDSNFromIni(step.section.c_str()) != 0 && done;
+    return SQLWritePrivateProfileString(step.section.c_str(), step.key.c_str(),
+                                        step.kind == Step::kSet ? step.value.c_str() : nullptr, file.c_str()) != 0;
+}
+
+// The steps as the text needs them: what stands there twice is deleted twice, what is not there not at all.
+std::vector<ConfigurationChange::Step> ConfigurationChange::stepsFor(const std::string& text) const {
+    IniText edited(text);
+    std::vector<Step> steps;
+    for (const Step& step : steps_) {
+        while (apply(step, edited)) {
+            steps.push_back(step);
+            if (step.kind == Step::kSet) {
+                break;
+            }
+        }
     }
-    // The library deletes the section and leaves the name in the list: the data source would be back, without settings.
-    for (std::size_t count = 0; count < removed.keys; ++count) {
-        done = write(isKey ? step.section : kDataSourceList, isKey ? step.key : step.section, nullptr) && done;
-    }
-    return done;
+    return steps;
 }
 
 bool ConfigurationChange::fitsIntoLines() const {
@@ -192,25 +209,22 @@ bool ConfigurationChange::fitsIntoLines() const {
 }
 
 // Whether the step is about this line of the section.
-bool ConfigurationChange::isMeant(const Step& step, const std::string& section, const IniLine& line) const {
-    if (step.kind == Step::kRemoveDataSource) {
-        return sameName(section, step.section) ||
-               (sameName(section, kDataSourceList) && sameName(line.name, step.section));
-    }
-    return line.kind == IniLineKind::kEntry && sameName(section, step.section) && sameName(line.name, step.key);
+bool ConfigurationChange::isMeant(const Step& step, const std::string& section, const IniLine& line) {
+    return sameName(section, step.section) &&
+           (step.kind == Step::kDeleteSection || (line.kind == IniLineKind::kEntry && sameName(line.name, step.key)));
 }
 
 // The number of the first line, from 1, that the library can't write as it is; that is one too long, or else one that
 // says something which is not in `after` and which no step is about. 0 when there is none.
 int ConfigurationChange::findLostLine(const std::string& before, const std::string& after) const {
     std::multiset<std::string> left;
-    for (const std::string& text : splitLines(after)) {
+    for (const std::string_view text : splitLines(after)) {
         left.insert(normalized(parseIniLine(text)));
     }
     std::string section;
-    const std::vector<std::string> lines = splitLines(before);
-    const auto tooLong = std::find_if(lines.begin(), lines.end(),
-                                      [](const std::string& line) { return line.size() > kLongestLine + 1; });
+    const std::vector<std::string_view> lines = splitLines(before);
+    const auto tooLong =
+        std::find_if(lines.begin(), lines.end(), [](std::string_view line) { return line.size() > kLongestLine + 1; });
     if (tooLong != lines.end()) {
         return static_cast<int>(tooLong - lines.begin()) + 1;
     }
@@ -233,9 +247,9 @@ int ConfigurationChange::findLostLine(const std::string& before, const std::stri
     return 0;
 }
 
-// Makes the steps from `first` to before `last` in `text`, and in the copy by the library. What the library then says
-// of its own text is what it is to say of ours. Returns what stands in the way.
-std::optional<ChangeFailure> ConfigurationChange::make(std::size_t first, std::size_t last, const PrivateFile& copy,
+// Makes the steps in `text`, and by the library in the copy. What it then says of its own text is what it is to say of
+// ours. Returns what stands in the way.
+std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> steps, const PrivateFile& copy,
                                                        std::string& text) const {
     const std::string file = isDataSourceFile_ ? kDataSourceFile : copy.path();
     const std::string before = text;
@@ -244,18 +258,24 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::size_t first, std::s
         return systemFailure();
     }
     IniText edited(before);
-    for (std::size_t place = first; place < last; ++place) {
-        const Removed removed = apply(steps_[place], edited);
-        if (!applyByLibrary(steps_[place], removed, file)) {
+    for (const Step& step : steps) {
+        apply(step, edited);
+        if (!applyByLibrary(step, file)) {
             const int line = findFirstLine(before);
             return line == 0 || rewriteByLibrary(file) ? ChangeFailure{ChangeFailure::kRefused, path_}
                                                        : ChangeFailure{ChangeFailure::kBadLine, path_, 0, line};
         }
     }
     std::string judged;
-    std::string readBack;
     text = edited.text();
-    if (!copy.read(judged) || !copy.write(text) || !rewriteByLibrary(file) || !copy.read(readBack)) {
+    if (!copy.read(judged)) {
+        return systemFailure();
+    }
+    if (isPlain(text) && asTheLibraryWrites(text) == judged) {
+        return std::nullopt;
+    }
+    std::string readBack;
+    if (!copy.write(text) || !rewriteByLibrary(file) || !copy.read(readBack)) {
         return systemFailure();
     }
     if (readBack == judged) {
@@ -273,14 +293,15 @@ std::optional<ChangeFailure> ConfigurationChange::findNewText(const FileText& ol
     const PrivateFile copy;
     const CopyForLibrary asUsers(copy.path());
     const std::string before = startsAnew_ ? std::string() : old.text;
+    const std::vector<Step> steps = stepsFor(before);
     text = before;
-    if (!make(0, steps_.size(), copy, text)) {
+    if (steps.empty() || !make(steps, copy, text)) {
         return std::nullopt;
     }
     // With each write of its own the library cuts a long line once more, so each step begins with our text.
     text = before;
-    for (std::size_t place = 0; place < steps_.size(); ++place) {
-        if (std::optional<ChangeFailure> failure = make(place, place + 1, copy, text)) {
+    for (const Step& step : steps) {
+        if (std::optional<ChangeFailure> failure = make({&step, 1}, copy, text)) {
             return failure;
         }
     }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -51,26 +52,21 @@ public:
 
 private:
     struct Step {
-        enum Kind { kSet, kDeleteKey, kRemoveDataSource } kind;
-        std::string section;  // Or the data source.
+        enum Kind { kSet, kDeleteKey, kDeleteSection } kind;
+        std::string section;
         std::string key;
         std::string value;
     };
     class PrivateFile;
-    // What a step took away, which the library does one by one.
-    struct Removed {
-        std::size_t sections = 0;
-        std::size_t keys = 0;
-    };
 
-    static Removed apply(const Step& step, IniText& text);
-    static bool applyByLibrary(const Step& step, const Removed& removed, const std::string& file);
+    static bool apply(const Step& step, IniText& text);
+    static bool applyByLibrary(const Step& step, const std::string& file);
+    static bool isMeant(const Step& step, const std::string& section, const IniLine& line);
+    std::vector<Step> stepsFor(const std::string& text) const;
     bool fitsIntoLines() const;
-    std::optional<ChangeFailure> findNewText(const FileText& old, std::string& text) const;
-    std::optional<ChangeFailure> make(std::size_t first, std::size_t last, const PrivateFile& copy,
-                                      std::string& text) const;
     int findLostLine(const std::string& before, const std::string& after) const;
-    bool isMeant(const Step& step, const std::string& section, const IniLine& line) const;
+    std::optional<ChangeFailure> make(std::span<const Step> steps, const PrivateFile& copy, std::string& text) const;
+    std::optional<ChangeFailure> findNewText(const FileText& old, std::string& text) const;
 
     std::string path_;
     bool isDataSourceFile_;

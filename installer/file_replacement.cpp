@@ -271,21 +271,24 @@ std::vector<std::string> foldersForCopies() {
 class SafeCopy {
 public:
     explicit SafeCopy(const FileText& old) {
+        int reason = 0;
         for (const std::string& folder : foldersForCopies()) {
             path_ = folder + "/.odbcadmin-copy-XXXXXX";
             const Descriptor file(mkostemp(path_.data(), O_CLOEXEC));
             if (!file) {
+                // Of the home directory, the first: the others may not exist.
+                reason = reason != 0 ? reason : errno;
                 continue;
             }
             if (writeAt(file.get(), old.text, 0) && fsync(file.get()) == 0 && syncDirectory(path_)) {
                 return;
             }
-            const int reason = errno;
+            reason = errno;
             unlink(path_.c_str());
-            errno = reason;
             break;
         }
         path_.clear();
+        errno = reason;
     }
     ~SafeCopy() {
         if (!path_.empty()) {

@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kLineEnd = "\n";
 
 bool isBlank(const std::string& line) {
-    return trimmed(line).empty();
+    return trimmedView(line).empty();
 }
 
 bool isHeaderOf(const std::string& line, std::string_view section) {
@@ -46,29 +46,44 @@ std::string withValue(const std::string& line, std::string_view key, std::string
 }  // namespace
 
 IniLine parseIniLine(std::string_view line) {
-    const std::string text = trimmed(line);
+    const std::string_view text = trimmedView(line);
     if (text.empty() || text.front() == '#' || text.front() == ';') {
         return {};
     }
     if (text.front() == '[') {
-        return {IniLineKind::kSection, trimmed(std::string_view(text).substr(1, text.find(']') - 1)), {}};
+        return {IniLineKind::kSection, trimmedView(text.substr(1, text.find(']') - 1)), {}};
     }
     const std::size_t equals = std::min(text.find('='), text.size());
-    return {IniLineKind::kEntry, trimmed(std::string_view(text).substr(0, equals)),
-            trimmed(std::string_view(text).substr(std::min(equals + 1, text.size())))};
+    return {IniLineKind::kEntry, trimmedView(text.substr(0, equals)),
+            trimmedView(text.substr(std::min(equals + 1, text.size())))};
 }
 
-std::vector<std::string> splitLines(std::string_view text) {
-    std::vector<std::string> lines;
+std::string asTheLibraryWrites(std::string_view text) {
+    std::string written;
+    for (const std::string_view line : splitLines(text)) {
+        const IniLine parsed = parseIniLine(line);
+        if (parsed.kind == IniLineKind::kSection) {
+            written.append(written.empty() ? "[" : "\n[").append(parsed.name).append("]\n");
+        } else if (parsed.kind == IniLineKind::kEntry) {
+            written.append(parsed.name).append("=").append(parsed.value).append("\n");
+        }
+    }
+    return written.empty() ? written : written + "\n";
+}
+
+std::vector<std::string_view> splitLines(std::string_view text) {
+    std::vector<std::string_view> lines;
     while (!text.empty()) {
         const std::size_t size = std::min(text.find('\n'), text.size() - 1) + 1;
-        lines.emplace_back(text.substr(0, size));
+        lines.push_back(text.substr(0, size));
         text.remove_prefix(size);
     }
     return lines;
 }
 
-IniText::IniText(std::string_view text) : lines_(splitLines(text)), lastIsOpen_(!text.empty() && text.back() != '\n') {
+IniText::IniText(std::string_view text) : lastIsOpen_(!text.empty() && text.back() != '\n') {
+    const std::vector<std::string_view> lines = splitLines(text);
+    lines_.assign(lines.begin(), lines.end());
     if (lastIsOpen_) {
         // Until the text is asked for all lines are alike.
         lines_.back() += lines_.size() > 1 ? endOfLine(lines_.front()) : kLineEnd;
@@ -86,9 +101,9 @@ std::string IniText::text() const {
     return text;
 }
 
-// The place of the first header of the section from there on; the number of lines when there is none.
-std::size_t IniText::findHeader(std::string_view section, std::size_t from) const {
-    const auto found = std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(from), lines_.end(),
+// The place of the section's first header; the number of lines when there is none.
+std::size_t IniText::findHeader(std::string_view section) const {
+    const auto found = std::find_if(lines_.begin(), lines_.end(),
                                     [section](const std::string& line) { return isHeaderOf(line, section); });
     return static_cast<std::size_t>(found - lines_.begin());
 }
@@ -108,7 +123,7 @@ void IniText::insert(std::size_t place, const std::string& text) {
 
 void IniText::set(std::string_view section, std::string_view key, std::string_view value) {
     const std::string entry = std::string(key) + "=" + std::string(value);
-    const std::size_t header = findHeader(section, 0);
+    const std::size_t header = findHeader(section);
     if (header == lines_.size()) {
         // Blank lines set it off as they do the sections before, so that removeSection() can take them away again.
         const bool endsBlank = !lines_.empty() && isBlank(lines_.back());
@@ -136,35 +151,37 @@ void IniText::set(std::string_view section, std::string_view key, std::string_vi
     insert(last + 1, entry);
 }
 
-std::size_t IniText::removeKey(std::string_view section, std::string_view key) {
-    const std::size_t header = findHeader(section, 0);
+bool IniText::removeKey(std::string_view section, std::string_view key) {
+    const std::size_t header = findHeader(section);
     if (header == lines_.size()) {
-        return 0;
+        return false;
     }
     const auto end = lines_.begin() + static_cast<std::ptrdiff_t>(endOf(header));
-    const auto kept = std::remove_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, end,
-                                     [key](const std::string& line) { return isEntryOf(line, key); });
-    const auto count = static_cast<std::size_t>(end - kept);
-    lines_.erase(kept, end);
-    return count;
+    const auto found = std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, end,
+                                    [key](const std::string& line) { return isEntryOf(line, key); });
+    if (found == end) {
+        return false;
+    }
+    lines_.erase(found);
+    return true;
 }
 
-std::size_t IniText::removeSection(std::string_view section) {
-    std::size_t count = 0;
-    for (std::size_t header = findHeader(section, 0); header < lines_.size(); header = findHeader(section, header)) {
-        const std::size_t end = endOf(header);
-        const auto at = [this](std::size_t place) { return lines_.begin() + static_cast<std::ptrdiff_t>(place); };
-        const auto kept = std::remove_if(at(header), at(end), [](const std::string& line) {
-            return parseIniLine(line).kind != IniLineKind::kNothing;
-        });
-        lines_.erase(kept, at(end));
-        const bool isSetOff = header > 0 && isBlank(lines_[header - 1]);
-        if (isSetOff && (header == lines_.size() || isBlank(lines_[header]))) {
-            lines_.erase(at(--header));
-        }
-        ++count;
+bool IniText::removeSection(std::string_view section) {
+    const std::size_t header = findHeader(section);
+    if (header == lines_.size()) {
+        return false;
     }
-    return count;
+    const auto at = [this](std::size_t place) { return lines_.begin() + static_cast<std::ptrdiff_t>(place); };
+    const auto end = at(endOf(header));
+    lines_.erase(
+        std::remove_if(at(header), end,
+                       [](const std::string& line) { return parseIniLine(line).kind != IniLineKind::kNothing; }),
+        end);
+    const bool isSetOff = header > 0 && isBlank(lines_[header - 1]);
+    if (isSetOff && (header == lines_.size() || isBlank(lines_[header]))) {
+        lines_.erase(at(header - 1));
+    }
+    return true;
 }
 
 }  // namespace installer

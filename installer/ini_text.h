@@ -16,14 +16,15 @@ public:
     // Gives the first `key` of the first `section` the value. What is not there is added: a key behind the last one of
     // its section, a section at the end.
     void set(std::string_view section, std::string_view key, std::string_view value);
-    // Both return how many there were and are no more. Comments stay; with a section goes a blank line that set it off.
-    std::size_t removeKey(std::string_view section, std::string_view key);
-    std::size_t removeSection(std::string_view section);
+    // Both remove the first, and return whether there was one. Comments stay; with a section goes a blank line that set
+    // it off.
+    bool removeKey(std::string_view section, std::string_view key);
+    bool removeSection(std::string_view section);
 
     std::string text() const;
 
 private:
-    std::size_t findHeader(std::string_view section, std::size_t from) const;
+    std::size_t findHeader(std::string_view section) const;
     std::size_t endOf(std::size_t header) const;
     void insert(std::size_t place, const std::string& text);
 
@@ -35,12 +36,17 @@ private:
 enum class IniLineKind { kNothing, kSection, kEntry };
 struct IniLine {
     IniLineKind kind = IniLineKind::kNothing;  // Blank lines and comments.
-    std::string name;                          // Of the section, or the key.
-    std::string value;
+    std::string_view name;                     // Of the section, or the key.
+    std::string_view value;
 };
+// The result points into `line`.
 IniLine parseIniLine(std::string_view line);
 
+// What the installer library writes when it has read the text, as long as no line is too long for it. Each line says
+// the same to it wherever it stands, but for the section that it is in.
+std::string asTheLibraryWrites(std::string_view text);
+
 // The lines of a text, with their ends.
-std::vector<std::string> splitLines(std::string_view text);
+std::vector<std::string_view> splitLines(std::string_view text);
 
 }  // namespace installer

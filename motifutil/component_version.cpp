@@ -75,7 +75,7 @@ char* getCompany(void* handle) {
     return ask(handle, kCompanyFunction);
 }
 
-void getCompNameAndVersion(const char* libraryName, char* companyOut, char* versionOut, int flag) {
+void getCompNameAndVersion(char* libraryName, char* companyOut, char* versionOut, int flag) {
     if (companyOut == nullptr && versionOut == nullptr) {
         // The list outlives the call, so it can't be one of the stack.
         if (auto* errors = new (std::nothrow) KvErrorList(nullptr, 0)) {
@@ -107,8 +107,8 @@ void formatFileDate(std::size_t date, char (&text)[kShortTextSize]) {
     }
 }
 
-int setAboutInfo(const unsigned char* path) {
-    const char* name = reinterpret_cast<const char*>(path);
+int setAboutInfo(unsigned char* path) {
+    char* name = reinterpret_cast<char*>(path);
     strCopy(fileName, sizeof fileName, name);
     std::uint32_t date = 0;
     std::uint64_t size = 0;

@@ -33,11 +33,11 @@ char* getCompany(void* handle);
 // none ends the process (SIGSEGV) after a line on standard error has named it; motifutil/component_inquiry.h asks
 // libraries of whatever kind without that danger. With both buffers null the library stays
 // loaded, and a fresh error list stays installed as the current one; it belongs to the thread from then on.
-void getCompNameAndVersion(const char* libraryName, char* companyOut, char* versionOut, int flag);
+void getCompNameAndVersion(char* libraryName, char* companyOut, char* versionOut, int flag);
 
 // Fills the About information for the component at `path`. Returns 0, or 1 when the file can't be examined: its date is
 // then empty, and its size stays what it was.
-int setAboutInfo(const unsigned char* path);
+int setAboutInfo(unsigned char* path);
 
 // The modification date of a file as people of this locale write it (strftime "%x", at most 50 bytes with the
 // terminator); empty for a date that can't be written.

@@ -21,7 +21,10 @@ Pixmap createPixmap(Widget widget, char** xpmData, XpmAttributes& attributes) {
 }
 
 void freeIcon(Widget widget, XtPointer icon, XtPointer /*callData*/) {
-    XFreePixmap(XtDisplay(widget), reinterpret_cast<Pixmap>(icon));
+    const auto pixmap = reinterpret_cast<Pixmap>(icon);
+    // Motif remembers what it knows of a pixmap that it was shown.
+    XmDestroyPixmap(XtScreen(widget), pixmap);
+    XFreePixmap(XtDisplay(widget), pixmap);
 }
 
 }  // namespace

@@ -98,15 +98,15 @@ void hideConfiguration(Widget configuration) {
 }
 
 Widget createSetupError(Widget parent, Message::Number message) {
-    return createMessageDialog(parent, kErrorDialog, catalogText(message).c_str(),
-                               catalogText(Message::kSetupErrorOk).c_str(), "",
-                               catalogText(Message::kSetupErrorTitle).c_str());
+    return createMessageDialog(parent, kErrorDialog, catalogText(message).data(),
+                               catalogText(Message::kSetupErrorOk).data(), std::string().data(),
+                               catalogText(Message::kSetupErrorTitle).data());
 }
 
 }  // namespace
 
-Widget createMessageDialog(Widget parent, unsigned long type, const char* message, const char* okLabel,
-                           const char* cancelLabel, const char* title) {
+Widget createMessageDialog(Widget parent, unsigned long type, char* message, char* okLabel, char* cancelLabel,
+                           char* title) {
     if (dialog != nullptr) {
         XtDestroyWidget(dialog);
         dialog = nullptr;
@@ -144,7 +144,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, const char* messag
         XtUnmanageChild(XtNameToWidget(dialog, "Cancel"));
         // Escape leaves a box that only informs. Motif takes no other button than "Cancel" as a message box's cancel
         // button.
-        XtOverrideTranslations(dialog, XtParseTranslationTable("<Key>osfCancel: BulletinBoardReturn()"));
+        overrideTranslations(dialog, "<Key>osfCancel: BulletinBoardReturn()");
     }
     XtAddCallback(dialog, XmNdestroyCallback, forgetDestroyed, nullptr);
     onWindowManagerClose(XtParent(dialog), answerClosed, dialog);

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <new>
 
 #include "motifutil/catalog_text.h"
@@ -145,7 +146,7 @@ Widget createToggleButton(Widget parent, const char* name, Message::Number text)
 
 Widget createTextField(Widget parent, const char* name) {
     Widget field = made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
-    XtOverrideTranslations(field, XtParseTranslationTable(kSelectAll));
+    overrideTranslations(field, kSelectAll);
     hideIdleCursor(field);
     return field;
 }
@@ -173,9 +174,8 @@ Widget createScrolledText(Widget parent, const char* name, short rows, short col
         .set(XmNrows, rows)
         .set(XmNcolumns, columns);
     Widget text = made(XmCreateScrolledText(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
-    XtOverrideTranslations(text,
-                           XtParseTranslationTable("Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()"));
-    XtOverrideTranslations(text, XtParseTranslationTable(kSelectAll));
+    overrideTranslations(text, "Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()");
+    overrideTranslations(text, kSelectAll);
     hideIdleCursor(text);
     XtManageChild(text);
     return text;
@@ -216,6 +216,16 @@ Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCa
     return list;
 }
 
+void overrideTranslations(Widget widget, const std::string& table) {
+    // Xt frees no table, nor what it makes of one for a widget class: each is parsed once.
+    static std::map<std::string, XtTranslations> parsed;
+    XtTranslations& translations = parsed[table];
+    if (translations == nullptr) {
+        translations = XtParseTranslationTable(table.c_str());
+    }
+    XtOverrideTranslations(widget, translations);
+}
+
 void keepReturn(Widget widget) {
     static char listAction[] = "RaiseDefaultAction";
     static char textAction[] = "RaiseActivate";
@@ -227,7 +237,7 @@ void keepReturn(Widget widget) {
     for (const char* key : {"osfActivate", "Return", "KP_Enter"}) {
         table += std::string("<Key>") + key + ": " + action + "()\n";
     }
-    XtOverrideTranslations(widget, XtParseTranslationTable(table.c_str()));
+    overrideTranslations(widget, table);
 }
 
 void setLabel(Widget widget, const std::string& text) {

@@ -76,6 +76,8 @@ Widget createScrolledWindow(Widget parent, const char* name);
 // default action: a double click, and Return, which then presses no button of the window.
 Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc acted,
                   unsigned char sizePolicy = XmVARIABLE);
+// Lets a widget act by this translation table before its own.
+void overrideTranslations(Widget widget, const std::string& table);
 // Makes Return and the keypad's Enter raise the default action of a list, or the activate callbacks of a text, and
 // nothing else.
 void keepReturn(Widget widget);

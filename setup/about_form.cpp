@@ -128,7 +128,7 @@ void describeForAbout(const std::string& path) {
     if (component.empty()) {
         component = ownPath();
     }
-    setAboutInfo(reinterpret_cast<const unsigned char*>(component.c_str()));
+    setAboutInfo(reinterpret_cast<unsigned char*>(component.data()));
 }
 
 Widget createAbtForm(Widget parent) {

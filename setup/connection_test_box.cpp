@@ -106,16 +106,16 @@ void addRecords(Widget box, const std::vector<std::string>& records) {
     }
     XtVaSetValues(field, XmNwidth, width + kTextFrame, nullptr);
     // What leaves the box leaves it from here too.
-    XtOverrideTranslations(field, XtParseTranslationTable("<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n"
-                                                          "<Key>Return: activate()\nShift<Key>Tab: prev-tab-group()\n"
-                                                          "<Key>Tab: next-tab-group()"));
+    overrideTranslations(field,
+                         "<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n<Key>Return: activate()\n"
+                         "Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()");
     XtManageChild(field);
 }
 
 void showOutcome(Widget parent, const ConnectionOutcome& outcome) {
     Widget box = createMessageDialog(parent, outcome.connected ? kInformationDialog : kErrorDialog,
-                                     setupText(headingOf(outcome)).c_str(), catalogText(Message::kOk).c_str(), "",
-                                     setupText(SetupMessage::kTestTitle).c_str());
+                                     setupText(headingOf(outcome)).data(), catalogText(Message::kOk).data(),
+                                     std::string().data(), setupText(SetupMessage::kTestTitle).data());
     if (box == nullptr) {
         return;
     }

@@ -244,9 +244,9 @@ void SetupForm::accept() {
         return;
     }
     Widget question =
-        createMessageDialog(form_, kQuestionDialog, setupText(SetupMessage::kOverwriteQuestion, change_.name).c_str(),
-                            catalogText(Message::kAnswerYes).c_str(), catalogText(Message::kAnswerNo).c_str(),
-                            setupText(SetupMessage::kTitle, content_.driver).c_str());
+        createMessageDialog(form_, kQuestionDialog, setupText(SetupMessage::kOverwriteQuestion, change_.name).data(),
+                            catalogText(Message::kAnswerYes).data(), catalogText(Message::kAnswerNo).data(),
+                            setupText(SetupMessage::kTitle, content_.driver).data());
     if (question != nullptr) {
         XtAddCallback(question, XmNokCallback, replaceAccepted, this);
         XtManageChild(question);
@@ -282,8 +282,8 @@ void SetupForm::report(const SetupFailure& failure) {
 
 // Shows a box with one button.
 void SetupForm::showBox(unsigned long kind, const std::string& text) {
-    Widget box = createMessageDialog(form_, kind, text.c_str(), catalogText(Message::kOk).c_str(), "",
-                                     setupText(SetupMessage::kTitle, content_.driver).c_str());
+    Widget box = createMessageDialog(form_, kind, std::string(text).data(), catalogText(Message::kOk).data(),
+                                     std::string().data(), setupText(SetupMessage::kTitle, content_.driver).data());
     if (box != nullptr) {
         XtManageChild(box);
     }

@@ -51,7 +51,7 @@ TEST(HelpUrl, IsEscapedAndUnescaped) {
         {WWHelp_URL_BuildSmartURL, "u?",
          "javascript:x=unescape('u%3f');if(typeof(window.WWHFrame)!='undefined'){window.WWHFrame.WWHHelp."
          "fSetContextDocument(x);}else{y=eval('document.open();document.writeln(\\'<a "
-         "href=\"'+x+'\">'+x+'</a>\\');document.close();');}"},
+         "href=\\\"'+x+'\\\">'+x+'</a>\\');document.close();');}"},
     };
     for (const auto& [routine, in, out] : rows) {
         EXPECT_EQ(made(routine, in), out) << in;
@@ -87,7 +87,7 @@ TEST_F(BrowserTest, DirectoriesGoBeforeNames) {
 TEST_F(BrowserTest, TopicsOpenUnderTheAddressOfTheBook) {
     writeScript(folder_, "a/iexplorer", recordAddress(folder_.path("opened")));
     folder_.write("odbcinst.ini", "[Administrator]\nHelpRootDirectory=/opt/help\n");
-    const auto text = [](const char* s) { return reinterpret_cast<const unsigned char*>(s); };
+    const auto text = [](const char* s) { return reinterpret_cast<unsigned char*>(const_cast<char*>(s)); };
     ASSERT_EQ(WWHelp_Startup("File:///h"), 0);
     EXPECT_EQ(WWHelp_Startup("File:///h"), -1);
     EXPECT_EQ(WWHelp_DisplayHelp("ODBC", nullptr), 0);

@@ -78,6 +78,29 @@ TEST_F(ConfigurationChangeTest, OnlyTheChangeIsMade) {
     }
 }
 
+// Files as people have them: a data source that comes, changes and goes again leaves no trace.
+TEST_F(ConfigurationChangeTest, ADataSourceComesChangesAndGoes) {
+    std::string thousand = "[ODBC Data Sources]\n";
+    for (int i = 0; i < 1000; ++i) {
+        thousand += "S" + std::to_string(i) + "=D\n";
+    }
+    for (int i = 0; i < 1000; ++i) {
+        thousand += "\n# of " + std::to_string(i) + "\n[S" + std::to_string(i) + "]\nDriver = D\n";
+    }
+    const std::string list = "; mine\n[ODBC Data Sources]\nA=D\n";
+    for (const std::string& before :
+         {thousand, list, list + "[A]\n" + kLongLine + "# c\n", list + "[A]\nk=1\n[A]\nk=2\nk=3",
+          std::string("[ODBC Data Sources]\r\n\r\n[A]\r\nk=1\r\n\r\n"), list + "[A]\n\xff\x80=\xc3\n\tnoise\n[]\n\n"}) {
+        files.write(OdbcFiles::kUser, before);
+        EXPECT_FALSE(change({"New/Driver=D", "New/k=1", "ODBC Data Sources/New=D"}));
+        EXPECT_EQ(installer::readSection("New", installer::kDataSourceFile).size(), 2U);
+        EXPECT_FALSE(change({"New/k=2", "New/Driver"}));
+        EXPECT_EQ(installer::readValue("New", "k", installer::kDataSourceFile), "2");
+        EXPECT_FALSE(change({"New"}));
+        EXPECT_EQ(text(), before);
+    }
+}
+
 TEST_F(ConfigurationChangeTest, WhatTheLibraryCanNotKeepIsToldByItsLine) {
     using Reason = ChangeFailure::Reason;
     struct Case {

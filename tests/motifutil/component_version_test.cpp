@@ -18,33 +18,29 @@
 
 namespace {
 
-const unsigned char* bytes(const std::string& text) {
-    return reinterpret_cast<const unsigned char*>(text.c_str());
-}
-
 TEST(ComponentVersionTest, ComponentsSayWhoTheyAreOrNothing) {
     const TemporaryFolder folder;
     const std::string broken = folder.write("broken.so", "no library");
-    const std::array<const char*, 3> rows[] = {
+    const std::array<std::string, 3> rows[] = {
         {VH_TEST_SETUP_COMPONENT, "Varnholt Technologies", "05.30.0002"},
         {VH_TEST_NO_COMPANY, "", "7.1"},
         {VH_TEST_EMPTY_COMPONENT, "", ""},  // a company and a version of nothing
         {"/no/such/library.so", "", ""},
-        {broken.c_str(), "", ""},
+        {broken, "", ""},
     };
     KvErrorList mine(nullptr, 0);
     KvErrorKeeper::setErrorList(&mine);
-    for (const auto& [library, expectedCompany, expectedVersion] : rows) {
+    for (auto [library, expectedCompany, expectedVersion] : rows) {
         char company[kComponentTextSize] = "before";
         char version[kComponentTextSize] = "before";
-        getCompNameAndVersion(library, company, version, 0);
-        EXPECT_STREQ(company, expectedCompany) << library;
-        EXPECT_STREQ(version, expectedVersion) << library;
+        getCompNameAndVersion(library.data(), company, version, 0);
+        EXPECT_EQ(company, expectedCompany) << library;
+        EXPECT_EQ(version, expectedVersion) << library;
     }
     EXPECT_EQ(mine.getErrorsMix(), 0);
 
     // Without anything to fill the list that was installed for the call stays, and outlives it.
-    getCompNameAndVersion("/no/such/library.so", nullptr, nullptr, 0);
+    getCompNameAndVersion(std::string(broken).data(), nullptr, nullptr, 0);
     KvErrorList* left = KvErrorKeeper::giveUpErrorList();
     EXPECT_EQ(KvErrorKeeper::giveUpErrorList(), &mine);
     ASSERT_NE(left, &mine);
@@ -53,11 +49,11 @@ TEST(ComponentVersionTest, ComponentsSayWhoTheyAreOrNothing) {
 
 TEST(ComponentVersionTest, AComponentWithoutAVersionEndsTheProcess) {
     // Whoever reads the line has to know which file of that name it is about.
-    const std::string path = BOS_TEST_LIBRARY;
+    std::string path = BOS_TEST_LIBRARY;
     const std::size_t slash = path.rfind('/');
     const ScopedEnvironment search{{"KVLIB", path.substr(0, slash)}};
     char version[kComponentTextSize];
-    EXPECT_EXIT(getCompNameAndVersion(path.c_str() + slash + 1, nullptr, version, 0), testing::KilledBySignal(SIGSEGV),
+    EXPECT_EXIT(getCompNameAndVersion(path.data() + slash + 1, nullptr, version, 0), testing::KilledBySignal(SIGSEGV),
                 "^" + path + " has no function getFileVersionString");
 }
 
@@ -119,7 +115,9 @@ TEST(ComponentInquiryTest, DriversOfDebianTellTheirVersionsByTheirOdbcFunctions)
 
 TEST(ComponentVersionTest, AboutTellsFileDateAndSize) {
     const TemporaryFolder folder;
-    const std::string path = folder.write("component", std::string(2047, 'x'));
+    const auto bytes = [](std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); };
+    std::string path = folder.write("component", std::string(2047, 'x'));
+    std::string missing = folder.path("missing");
     const utimbuf date{1767614400, 1767614400};  // 2026-01-05 12:00 UTC
     utime(path.c_str(), &date);
     EXPECT_EQ(setAboutInfo(bytes(path)), 0);
@@ -128,7 +126,7 @@ TEST(ComponentVersionTest, AboutTellsFileDateAndSize) {
     EXPECT_STREQ(fileDate, "01/05/26");
     EXPECT_STREQ(FileVersion, "");
     EXPECT_STRNE(compAddr1, "");
-    EXPECT_EQ(setAboutInfo(bytes(folder.path("missing"))), 1);
+    EXPECT_EQ(setAboutInfo(bytes(missing)), 1);
     EXPECT_STREQ(fileSize, "1 kb");
     EXPECT_STREQ(fileDate, "");
 }

@@ -13,8 +13,12 @@ class MessageDialogTest : public WindowTest {
 protected:
     void SetUp() override { open(); }
 
+    static Widget make(unsigned long type, std::string text) {
+        char yes[] = "Yes", no[] = "No", title[] = "Title";
+        return createMessageDialog(ShODBCAdmin, type, text.data(), yes, no, title);
+    }
     static Widget show(unsigned long type, const char* text) {
-        Widget box = createMessageDialog(ShODBCAdmin, type, text, "Yes", "No", "Title");
+        Widget box = make(type, text);
         for (const auto& [callback, what] :
              {std::pair{XmNokCallback, "ok"}, {XmNcancelCallback, "cancel"}, {XmNdestroyCallback, "gone"}}) {
             XtAddCallback(box, callback, note, const_cast<char*>(what));
@@ -44,14 +48,14 @@ TEST_F(MessageDialogTest, KeysAndTheWindowManagerAnswer) {
             EXPECT_TRUE(waitFor([] { return person().windows("Title", true).empty(); }));
             EXPECT_EQ(noted(), type == kQuestionDialog && symbol != XK_Return ? "cancel" : "ok");
             // The next one replaces it.
-            createMessageDialog(ShODBCAdmin, kErrorDialog, "", "", "", "");
+            make(kErrorDialog, "");
             EXPECT_EQ(noted(), "gone");
         }
     }
 }
 
 TEST_F(MessageDialogTest, AnUnknownTypeIsShownAsLackOfMemory) {
-    EXPECT_EQ(createMessageDialog(ShODBCAdmin, 3, "text", "Yes", "No", "Title"), nullptr);
+    EXPECT_EQ(make(3, "text"), nullptr);
     ErrorCollector errors;
     EXPECT_EQ(dialogText(), catalogText(Message::kOutOfMemory));
     // The box stands over the main window, whose shell has no parent to be unmanaged from.

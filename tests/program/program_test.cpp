@@ -111,9 +111,7 @@ TEST_F(ProgramTest, EveryWayOutEndsItInOrder) {
                                                            {[this] { press(0); }, true},
                                                            {[] { person().key(XK_Return); }, true}};
     const std::string before = "[ODBC Data Sources]\nabc=Varnholt SQLite\n[abc]\nDatabase=/tmp/x\n";
-    const std::string saved =
-        "[ODBC Data Sources]\nabc=Varnholt SQLite\n\n[abc]\nDatabase=/tmp/x\n\n[ODBC]\nTRACE=0\nTraceFile=\n"
-        "TraceDll=\n\n";
+    const std::string saved = before + "\n[ODBC]\nTRACE=0\nTraceFile=\nTraceDll=\n";
     for (const auto& [leave, saves] : ways) {
         files.write(OdbcFiles::kUser, before);
         start();
