@@ -7,6 +7,7 @@
 #include "admin/table.h"
 #include "bos/file.h"
 #include "installer/configuration.h"
+#include "installer/drivers.h"
 #include "motifutil/component_inquiry.h"
 #include "motifutil/component_version.h"
 #include "motifutil/spacing.h"
@@ -59,7 +60,7 @@ DriverColumns describeDrivers(const std::vector<std::string>& names) {
     DriverColumns columns;
     std::vector<std::string> libraries;
     for (const std::string& name : names) {
-        std::string library = installer::readValue(name, "Driver", installer::kDriverFile, kLibraryPathSize);
+        std::string library = installer::driverLibrary(name, kLibraryPathSize);
         if (library.empty()) {
             showODBCINSTError();
         }

@@ -106,11 +106,14 @@ TEST(ComponentInquiryTest, NothingThatALibraryDoesKeepsTheOthersFromAnswering) {
 }
 
 TEST(ComponentInquiryTest, DriversOfDebianTellTheirVersionsByTheirOdbcFunctions) {
-    const ScopedEnvironment search{{"KVLIB", "/usr/lib/" VH_TEST_TRIPLET "/odbc"}};
+    // Ours stand in for some of them, found before the driver that they answer for.
+    const ScopedEnvironment search{{"KVLIB", VH_TEST_STAND_INS ":/usr/lib/" VH_TEST_TRIPLET "/odbc"}};
     EXPECT_EQ(
         inquire({"libmaodbc.so", "libsqlite3odbc.so", "libtdsodbc.so", "psqlodbca.so", "psqlodbcw.so", "libmdbodbc.so",
                  "libmdbodbcW.so"}),
         (std::pair<std::string, std::string>("|03.01.0015|0.9998|01.03.0017|13.02.0000|13.02.0000|1.0.0|1.0.0", "")));
+    EXPECT_TRUE(askComponents({"libsqlite3odbc.so"})[0].isSetupLibrary);
+    EXPECT_NE(inquire({"libsqliteodbc.so"}).second.find(": cannot open"), std::string::npos) << "it is not there";
 }
 
 TEST(ComponentVersionTest, AboutTellsFileDateAndSize) {
