@@ -8,7 +8,7 @@
 #include "admin/table.h"
 #include "kvlib/catalog.h"
 #include "kvlib/text.h"
-#include "motifutil/component_version.h"
+#include "motifutil/component_inquiry.h"
 #include "motifutil/widgets.h"
 
 Widget FrmAbout = nullptr;
@@ -68,22 +68,19 @@ void populateAboutTab() {
     constexpr Message::Number kDescriptions[kRows] = {Message::kAboutAdministrator, Message::kAboutCursorLibrary,
                                                       Message::kAboutDriverManager, Message::kAboutConversionLibrary};
     // The conversion library is named after the library it wraps, with the product's prefix and version suffix.
-    char conversionLibrary[kComponentTextSize] = "libvhicu";
+    char conversionLibrary[16] = "libvhicu";
     bosdllname(conversionLibrary);
     const char* const kNames[kRows] = {"odbcadmin", "odbccurs", "libodbc", conversionLibrary};
 
     std::array<FixedRow, kRows> names{};
     std::array<FixedRow, kRows> descriptions{};
     std::array<FixedRow, kRows> versions{};
+    const std::vector<ComponentAnswer> answers = askComponents({kNames + 1, kNames + kRows});
     for (std::size_t row = 0; row < kRows; ++row) {
         strCopy(names[row].data(), names[row].size(), kNames[row]);
         strCopy(descriptions[row].data(), descriptions[row].size(), catalogText(kDescriptions[row]).c_str());
-        if (row == 0) {
-            strCopy(versions[row].data(), versions[row].size(), getFileVersionString());
-        } else {
-            FixedRow company{};
-            getCompNameAndVersion(names[row].data(), company.data(), versions[row].data(), 0);
-        }
+        strCopy(versions[row].data(), versions[row].size(),
+                row == 0 ? getFileVersionString() : answers[row - 1].version.c_str());
     }
     populateList(LstAbtFile, names.data(), kRows);
     populateList(LstAbtDesc, descriptions.data(), kRows);

@@ -93,8 +93,12 @@ void showError(Message::Number text, std::string_view subject) {
     show(createReport(kErrorDialog, catalogText(text, {std::string(subject)})));
 }
 
+void showErrorAndMore(Message::Number text, const std::string& more) {
+    show(createReport(kErrorDialog, catalogText(text) + "\n\n" + more));
+}
+
 void showError(Message::Number text, const installer::ChangeFailure& failure) {
-    show(createReport(kErrorDialog, catalogText(text) + "\n\n" + changeReport(failure)));
+    showErrorAndMore(text, changeReport(failure));
 }
 
 void askQuestion(std::string question, const std::string& subject, XtCallbackProc accepted, XtCallbackProc declined) {

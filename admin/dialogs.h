@@ -21,6 +21,8 @@ void showError(Message::Number text);
 void showError(Message::Number text, Message::Number okLabel, Message::Number title);
 // The same with what the report is about, in the place of "%1" in the text.
 void showError(Message::Number text, std::string_view subject);
+// The same with what else there is to say, in a paragraph of its own.
+void showErrorAndMore(Message::Number text, const std::string& more);
 // The same with the reason why a configuration file was not changed.
 void showError(Message::Number text, const installer::ChangeFailure& failure);
 

@@ -1,14 +1,19 @@
 #include "admin/driver_setup.h"
 
 #include <dlfcn.h>
+#include <unistd.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 
 #include "admin/dialogs.h"
 #include "admin/globals.h"
+#include "bos/host.h"
 #include "bos/library.h"
 #include "installer/configuration.h"
+#include "installer/drivers.h"
 #include "kvlib/private_error_list.h"
 
 ConfigDsnFunction ConfigureDSN = nullptr;
@@ -44,7 +49,34 @@ std::optional<Message::Number> callSetup(void* library, short request, const cha
     }
 }
 
+std::string quotedForShell(const std::string& text) {
+    std::string quoted = "'";
+    for (const char byte : text) {
+        quoted += byte == '\'' ? "'\\''" : std::string(1, byte);
+    }
+    return quoted + "'";
+}
+
+// What to type to give the driver our setup library: as root, unless the person may write the driver file.
+std::string registerCommand(const std::string& driverName) {
+    std::string command;
+    if (access(installer::driverFilePath().c_str(), W_OK) != 0) {
+        command = "sudo ";
+        for (const char* variable : {"ODBCSYSINI", "ODBCINSTINI"}) {
+            if (const char* value = std::getenv(variable)) {
+                command += std::string(variable) + "=" + quotedForShell(value) + " ";
+            }
+        }
+    }
+    const std::filesystem::path tree = std::filesystem::path(programDirectory()).parent_path();
+    return command + (tree / "bin/odbcadmin-register").string() + " " + quotedForShell(driverName);
+}
+
 }  // namespace
+
+void reportWithoutSetup(Message::Number report, const std::string& driverName) {
+    showErrorAndMore(report, catalogText(Message::kSetupAdvice, {registerCommand(driverName)}));
+}
 
 void callDynamic(const char* setupLibrary, short request, const char* driverName, const char* attributes, short dsnKind,
                  const char* fileName) {
@@ -54,7 +86,9 @@ void callDynamic(const char* setupLibrary, short request, const char* driverName
     const std::optional<Message::Number> failure =
         library ? callSetup(library.get(), request, driverName, attributes, dsnKind, fileName)
                 : Message::kSetupLibraryNotLoaded;
-    if (failure) {
+    if (failure == Message::kSetupLibraryNotLoaded || failure == Message::kNoConfigDsn) {
+        reportWithoutSetup(*failure, driverName);
+    } else if (failure) {
         showError(*failure);
     }
     // The driver may have changed the mode.

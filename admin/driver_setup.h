@@ -3,6 +3,10 @@
 
 #include <Xm/Xm.h>
 
+#include <string>
+
+#include "catalogs/message_numbers.h"
+
 // The ODBC installer's entry points of a setup library (ODBC ConfigDSN), as the last call found them. The library is
 // closed by then: they tell that there was a function, and must not be called.
 using ConfigDsnFunction = int (*)(Widget parent, unsigned short request, const char* driver, const char* attributes);
@@ -14,6 +18,9 @@ extern ConfigFileDsnFunction ConfigFileDSN;
 // Request codes of the entry points.
 inline constexpr short kAddDataSource = 1;
 inline constexpr short kConfigureDataSource = 2;
+
+// Reports that a driver has no setup library that can be used, with the command that gives it ours.
+void reportWithoutSetup(Message::Number report, const std::string& driverName);
 
 // Loads `setupLibrary`, calls its ConfigFileDSN when `dsnKind` is 1 and its ConfigDSN otherwise, with the main window
 // as parent, and unloads it. `attributes` is a list of "key=value" strings, each terminated, with one more terminator

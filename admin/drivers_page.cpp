@@ -7,6 +7,8 @@
 #include "admin/table.h"
 #include "bos/file.h"
 #include "installer/configuration.h"
+#include "installer/drivers.h"
+#include "motifutil/component_inquiry.h"
 #include "motifutil/component_version.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -56,18 +58,19 @@ std::string modificationDate(const std::string& path) {
 
 DriverColumns describeDrivers(const std::vector<std::string>& names) {
     DriverColumns columns;
+    std::vector<std::string> libraries;
     for (const std::string& name : names) {
-        std::string library = installer::readValue(name, "Driver", installer::kDriverFile, kLibraryPathSize);
+        std::string library = installer::driverLibrary(name, kLibraryPathSize);
         if (library.empty()) {
             showODBCINSTError();
         }
+        libraries.push_back(library);
         columns.files.push_back(library.substr(library.rfind('/') + 1));
-        char company[kComponentTextSize];
-        char version[kComponentTextSize];
-        getCompNameAndVersion(library.data(), company, version, 0);
-        columns.versions.emplace_back(version);
-        columns.companies.emplace_back(company);
         columns.dates.push_back(modificationDate(library));
+    }
+    for (const ComponentAnswer& answer : askComponents(libraries)) {
+        columns.versions.push_back(answer.version);
+        columns.companies.push_back(answer.company);
     }
     return columns;
 }

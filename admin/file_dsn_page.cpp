@@ -16,6 +16,7 @@
 #include "admin/lists.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
+#include "installer/drivers.h"
 #include "installer/file_dsn.h"
 #include "motifutil/file_dialog.h"
 #include "motifutil/spacing.h"
@@ -131,7 +132,7 @@ void configure(const std::string& path) {
     for (installer::Attribute& setting : installer::readSection(installer::kFileDsnSection, path)) {
         if (installer::sameName(setting.key, "Driver")) {
             driver = installer::driverName(setting.value);
-            setup = installer::readValue(driver, "Setup", installer::kDriverFile);
+            setup = installer::setupLibrary(driver);
         }
         attributes.push_back(std::move(setting));
     }

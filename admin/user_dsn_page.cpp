@@ -13,6 +13,7 @@
 #include "admin/table.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
+#include "installer/drivers.h"
 #include "motifutil/widgets.h"
 
 Widget FormUserDSN = nullptr;
@@ -106,9 +107,9 @@ void configure(const std::string& name) {
         showODBCINIError();
         return;
     }
-    const std::string setup = installer::readValue(driver, "Setup", installer::kDriverFile);
+    const std::string setup = installer::setupLibrary(driver);
     if (setup.empty()) {
-        showODBCINSTError();
+        reportWithoutSetup(Message::kDriverFileUnreadable, driver);
         return;
     }
     callDynamic(setup.c_str(), kConfigureDataSource, driver.c_str(), installer::attributeList(attributes).c_str(),

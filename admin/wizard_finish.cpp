@@ -22,6 +22,7 @@
 #include "admin/user_dsn_page.h"
 #include "bos/file.h"
 #include "installer/configuration.h"
+#include "installer/drivers.h"
 #include "installer/file_dsn.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/widgets.h"
@@ -30,9 +31,9 @@ namespace {
 
 // The setup library of a driver, as its section in the driver file says now; empty, after a report, when it has none.
 std::string setupLibraryOf(const std::string& driver) {
-    std::string setup = installer::readValue(driver, "Setup", installer::kDriverFile);
+    std::string setup = installer::setupLibrary(driver);
     if (setup.empty()) {
-        showError(Message::kDriverHasNoSetup);
+        reportWithoutSetup(Message::kDriverHasNoSetup, driver);
     }
     return setup;
 }

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -115,6 +116,11 @@ int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size) {
         copyCut(buffer, size, name);
         return name.empty() ? failed(ESRCH, nullptr) : 0;
     });
+}
+
+std::string programDirectory() {
+    std::error_code ignored;
+    return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
 }
 
 int bosFindFiles(const char* pattern, std::vector<std::string>& result) {

@@ -23,6 +23,10 @@
 // The command name of process `pid` as "ps" tells it, cut to the buffer; 1 when there is no such process.
 [[nodiscard]] int bosGetCommand(pid_t pid, char* buffer, std::uint32_t size);
 
+// The directory of the program that runs, without a slash at the end, wherever it was started from; empty when the
+// system does not tell.
+[[nodiscard]] std::string programDirectory();
+
 // The names that "ls" prints for a shell pattern such as "/tmp/*.dsn". A pattern with characters that would make the
 // shell do anything but match names ($ ` \ ' " ; & | < > ( ) and control characters) names no file. 1 when none was
 // found.

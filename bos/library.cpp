@@ -133,21 +133,26 @@ void reportLoaderError(const std::string& path) {
     }
 }
 
-void* loadLibrary(std::string_view name, bool addVersion) {
+// The path of the library, or "".
+std::string searchLibrary(std::string_view name, bool addVersion) {
     const std::string file = libraryFileName(name, addVersion);
     const bool trace = debugEnabled(DebugBit::kLibrary);
     if (trace) {
         printOnConsole("LoadLibrary: Searching for %s.\n", file.c_str());
     }
-    const std::string path = locate(file.c_str(), LocateFlag::kProduct | LocateFlag::kLibraries);
-    if (path.empty()) {
-        if (trace) {
-            printOnConsole("Unable to open Shared Library: %s\n", file.c_str());
-        }
-        return nullptr;
-    }
-    if (trace) {
+    std::string path = locate(file.c_str(), LocateFlag::kProduct | LocateFlag::kLibraries);
+    if (trace && path.empty()) {
+        printOnConsole("Unable to open Shared Library: %s\n", file.c_str());
+    } else if (trace) {
         printOnConsole("LoadLibrary: Found library %s.\n", path.c_str());
+    }
+    return path;
+}
+
+void* loadLibrary(std::string_view name, bool addVersion) {
+    const std::string path = searchLibrary(name, addVersion);
+    if (path.empty()) {
+        return nullptr;
     }
     // Without a slash the loader would search its own directories and not take the file found.
     void* handle = dlopen(path.find('/') == std::string::npos ? ("./" + path).c_str() : path.c_str(), RTLD_NOW);
@@ -182,6 +187,10 @@ std::uint32_t bosLocateFile(char* result, const char* name, std::uint32_t flags)
         strCopy(result, found.c_str(), found.size());
     }
     return found.empty() ? 1 : 0;
+}
+
+std::string locateLibrary(const char* name) {
+    return searchLibrary(name, false);
 }
 
 void* bosLoadLibrary(const char* name, int addVersion) {

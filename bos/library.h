@@ -5,6 +5,7 @@
 #include <dlfcn.h>
 
 #include <cstdint>
+#include <string>
 
 #include "bos/path_size.h"
 
@@ -46,6 +47,9 @@ enum Bit : std::uint32_t {
 // refused by the loader, and nothing for one that was not found.
 void* bosLoadLibrary(const char* name, int addVersion);
 void* bosLoadLibrary(const char16_t* name, int addVersion);
+
+// Where bosLoadLibrary finds the library `name` without the suffix; empty when it does not.
+[[nodiscard]] std::string locateLibrary(const char* name);
 
 // Closes a handle of the dynamic loader, for std::unique_ptr<void, LibraryCloser>.
 struct LibraryCloser {

@@ -62,6 +62,18 @@ enum Number : std::uint32_t {
     kSetupLibraryNotLoaded = 9080,
     kNoConfigDsn = 9098,
 
+    kSetupAdvice = 9120,
+
+    // The command odbcadmin-register.
+    kRegisterUsage = 9121,
+    kRegisterForUser = 9122,
+    kRegisterNothing = 9123,
+    kRegisterLacking = 9124,
+    kRegisterHasSetup = 9125,
+    kRegisterDone = 9126,
+    kRegisterNew = 9127,
+    kRegisterUnknown = 9128,
+
     // File DSN page.
     kFileDsnTab = 9039,
     kFileDsnExplanation = 9062,

@@ -1,6 +1,7 @@
-// The one way in which configuration files are changed: ".odbc.ini" and file data sources that are there already. The
-// ODBC installer library makes the change, on a private copy, and so is the judge of what the file then says; what is
-// put into the place of the file is its old text with that change alone. docs/careful-writing.md tells the rules.
+// The one way in which configuration files are changed: ".odbc.ini", the driver file, and file data sources that are
+// there already. The ODBC installer library makes the change, on a private copy, and so is the judge of what the file
+// then says; what is put into the place of the file is its old text with that change alone. docs/careful-writing.md
+// tells the rules.
 // GUI thread only: the library is told of the copy through the environment.
 #pragma once
 
@@ -37,7 +38,8 @@ public:
     // the system's. What the user's file was before the first change of a run of the program is kept beside it, under
     // its name with a "~".
     ConfigurationChange();
-    // A change of the file data source `path`. `startsAnew` forgets what it holds now.
+    // A change of the file data source `path`, or of the driver file (driverFilePath()). `startsAnew` forgets what it
+    // holds now.
     explicit ConfigurationChange(const std::string& path, bool startsAnew = false);
 
     // What is to be done, in this order. A null `value` deletes the key, as often as it stands in the section.

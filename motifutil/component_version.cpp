@@ -52,7 +52,7 @@ char* ask(void* handle, const char* function) {
 }
 
 void describe(void* handle, const char* libraryName, char* companyOut, char* versionOut) {
-    const char* company = ask(handle, kCompanyFunction);
+    const char* company = getCompany(handle);
     strCopy(companyOut, kComponentTextSize, company == nullptr ? "" : company);
     const char* version = getVersion(handle);
     if (version == nullptr) {
@@ -65,6 +65,14 @@ void describe(void* handle, const char* libraryName, char* companyOut, char* ver
 
 char* getVersion(void* handle) {
     return ask(handle, kVersionFunction);
+}
+
+bool hasVersion(void* handle) {
+    return dlsym(handle, kVersionFunction) != nullptr;
+}
+
+char* getCompany(void* handle) {
+    return ask(handle, kCompanyFunction);
 }
 
 void getCompNameAndVersion(char* libraryName, char* companyOut, char* versionOut, int flag) {

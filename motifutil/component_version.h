@@ -22,10 +22,16 @@ extern char compAddr2[kShortTextSize];
 // The version text of a loaded library; null when it has none. The text belongs to the library.
 char* getVersion(void* handle);
 
+// Whether a loaded library has the function that tells its version, and what the one that tells its company says; null
+// when it has none.
+bool hasVersion(void* handle);
+char* getCompany(void* handle);
+
 // Loads a library, copies its company and version into buffers of kComponentTextSize bytes, and unloads it. `flag`
 // non-zero appends the product's library suffix to the name. A library that can't be loaded gives two empty texts and
 // no report; one without a company gives an empty company. The version is mandatory: a library that is loaded and has
-// none ends the process (SIGSEGV) after a line on standard error has named it. With both buffers null the library stays
+// none ends the process (SIGSEGV) after a line on standard error has named it; motifutil/component_inquiry.h asks
+// libraries of whatever kind without that danger. With both buffers null the library stays
 // loaded, and a fresh error list stays installed as the current one; it belongs to the thread from then on.
 void getCompNameAndVersion(char* libraryName, char* companyOut, char* versionOut, int flag);
 

@@ -10,6 +10,7 @@
 
 #include "components/component.h"
 #include "installer/configuration.h"
+#include "installer/drivers.h"
 #include "installer/file_dsn.h"
 #include "setup/driver_properties.h"
 #include "setup/file_dsn_store.h"
@@ -134,7 +135,7 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
 
 // Stores the data source, asking the user when there is a window to do it.
 std::optional<SetupFailure> setUp(const Request& request, const Stored& stored) {
-    const std::string library = driverLibrary(request.driver);
+    const std::string library = installer::driverLibrary(request.driver);
     if (library.empty()) {
         return failure(ODBC_ERROR_INVALID_NAME, SetupMessage::kUnknownDriver, request.driver);
     }

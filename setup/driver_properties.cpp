@@ -124,13 +124,6 @@ void addLogin(std::vector<DriverProperty>& properties) {
 
 }  // namespace
 
-std::string driverLibrary(const std::string& driver) {
-    // The driver manager prefers this key where pointers have 64 bits.
-    const std::string wide = installer::readValue(driver, "Driver64", installer::kDriverFile);
-    return sizeof(void*) == 8 && !wide.empty() ? wide
-                                               : installer::readValue(driver, kDriverKey, installer::kDriverFile);
-}
-
 std::optional<std::vector<DriverProperty>> askDriver(const std::string& library) {
     const std::unique_ptr<void, LibraryCloser> handle(dlopen(driverPath(library).c_str(), RTLD_LAZY | RTLD_LOCAL));
     if (!handle) {

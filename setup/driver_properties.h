@@ -26,9 +26,6 @@ struct DriverProperty {
     bool isNeverStored = false;     // Of use for a test alone: the driver does not read it from a data source.
 };
 
-// The driver's library according to the driver file; empty when there is no such driver.
-std::string driverLibrary(const std::string& driver);
-
 // Loads the driver's library and asks it (ODBCINSTGetProperties, odbcinstext.h). Nothing when the library can't be
 // loaded or can't tell. Keys that every data source has are left out, and so is what comes twice; user and password are
 // added for a driver that names a server and no login.

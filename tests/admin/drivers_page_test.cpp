@@ -44,7 +44,7 @@ TEST_F(ComponentPagesTest, DriversOfEveryKindStandInOrderWithAllTheirColumns) {
     files.write(OdbcFiles::kDrivers,
                 "[b]\nDriver=/opt/x/lib/libdrv.so\n[ODBC]\nTrace=0\n[A]\nDriver=" VH_TEST_SQLITE_DRIVER
                 "\n[c]\nDriver=" VH_TEST_NO_COMPANY "\n[d]\nDriver=bare.so\n[f]\nDriver=" VH_TEST_LONG_COMPANY
-                "\n[e]\nDriver=" +
+                "\n[g]\nDriver=" VH_TEST_NO_SETUP "\n[e]\nDriver=" +
                     longPath + "\n[No library]\nSetup=/s.so\n");
     // Dates are written as the locale has it, here one of the test's own.
     outputOf("localedef -c -i '" + files.write("dates", "LC_TIME\nd_fmt \"%Y~%d~%m\"\nEND LC_TIME\n") + "' '" +
@@ -55,16 +55,17 @@ TEST_F(ComponentPagesTest, DriversOfEveryKindStandInOrderWithAllTheirColumns) {
     std::setlocale(LC_TIME, "C.UTF-8");
     expectReport(Message::kDriverFileUnreadable);  // of the one without a library
     for (const Table& table : {page(), chooser()}) {
-        EXPECT_EQ(rows(table.lists[0]), (Rows{"A", "b", "c", "d", "e", "f", "No library"}));
+        EXPECT_EQ(rows(table.lists[0]), (Rows{"A", "b", "c", "d", "e", "f", "g", "No library"}));
         Rows versions = rows(table.lists[1]);
         EXPECT_TRUE(versions[0].starts_with("05.30.0002 (SQLite 3.")) << versions[0];
         versions.erase(versions.begin());
-        EXPECT_EQ(versions, (Rows{" ", "7.1", " ", " ", "1", " "}));
+        EXPECT_EQ(versions, (Rows{" ", "7.1", " ", " ", "1", " ", " "}));
         EXPECT_EQ(rows(table.lists[2]),
-                  (Rows{"Varnholt Technologies", " ", " ", " ", " ", VH_TEST_LONG_COMPANY_NAME, " "}));
+                  (Rows{"Varnholt Technologies", " ", " ", " ", " ", VH_TEST_LONG_COMPANY_NAME, " ", " "}));
         // A path is read into 128 bytes, of which the installer library leaves two.
-        EXPECT_EQ(rows(table.lists[3]), (Rows{"vhsqlite23.so", "libdrv.so", "component_without_company.so", "bare.so",
-                                              std::string(121, 'p'), "component_of_a_long_company.so", " "}));
+        EXPECT_EQ(rows(table.lists[3]),
+                  (Rows{"vhsqlite23.so", "libdrv.so", "component_without_company.so", "bare.so", std::string(121, 'p'),
+                        "component_of_a_long_company.so", "vhtrc23.so", " "}));
         EXPECT_EQ(rows(table.lists[4])[0] + "\n", outputOf("date -r '" VH_TEST_SQLITE_DRIVER "' '+%Y~%d~%m'"));
         EXPECT_EQ(rows(table.lists[4])[1], " ");
     }

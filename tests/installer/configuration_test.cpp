@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <odbcinst.h>
 
+#include "installer/drivers.h"
 #include "tests/support/odbc_files.h"
 
 using namespace std::string_literals;
@@ -83,6 +84,20 @@ TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
     ASSERT_GT(drivers.size(), 5000U);
     for (std::size_t i = 0; i < drivers.size(); ++i) {
         EXPECT_EQ(drivers[i], "driver " + std::to_string(10000 + i));
+    }
+}
+
+TEST_F(ConfigurationTest, TheLibraryForProgramsOf64BitsCountsWhereTheOtherIsOfNoUse) {
+    const std::string wide = files.write("wide.so", "\177ELF\002");
+    const std::string narrow = files.write("narrow.so", "\177ELF\001");
+    const std::string rows[][3] = {{"", wide, wide},      {"", "/none64.so", "/none64.so"},
+                                   {narrow, wide, wide},  {"/none.so", "/none64.so", "/none.so"},
+                                   {wide, "/x.so", wide}, {"/none.so", wide, wide}};
+    for (const auto& [plain, for64, expected] : rows) {
+        files.write(OdbcFiles::kDrivers,
+                    "[d]\nDriver=" + plain + "\nDriver64=" + for64 + "\nSetup=" + plain + "\nSetup64=" + for64 + "\n");
+        EXPECT_EQ(installer::driverLibrary("d"), expected);
+        EXPECT_EQ(installer::setupLibrary("d"), expected);
     }
 }
 

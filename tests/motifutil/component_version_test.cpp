@@ -1,13 +1,18 @@
 #include "motifutil/component_version.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <utime.h>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <string>
 
 #include "kvlib/error_keeper.h"
+#include "motifutil/component_inquiry.h"
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
@@ -50,6 +55,65 @@ TEST(ComponentVersionTest, AComponentWithoutAVersionEndsTheProcess) {
     char version[kComponentTextSize];
     EXPECT_EXIT(getCompNameAndVersion(path.data() + slash + 1, nullptr, version, 0), testing::KilledBySignal(SIGSEGV),
                 "^" + path + " has no function getFileVersionString");
+}
+
+// The libraries' versions, one behind the other, and what is complained of.
+std::pair<std::string, std::string> inquire(const std::vector<std::string>& libraries) {
+    std::string versions;
+    testing::internal::CaptureStderr();
+    for (const ComponentAnswer& answer : askComponents(libraries)) {
+        versions += "|" + answer.version;
+    }
+    return {versions, testing::internal::GetCapturedStderr()};
+}
+
+TEST(ComponentInquiryTest, NothingThatALibraryDoesKeepsTheOthersFromAnswering) {
+    const TemporaryFolder folder;
+    std::filesystem::copy_file(VH_TEST_BAD_COMPONENT, folder.path("good.so"));
+    const std::string whole = folder.read("good.so");
+    folder.write("cut.so", whole.substr(0, 3000));
+    folder.write("foreign.so", std::string(whole).replace(18, 2, "\x16\x01"));  // another machine in the ELF header
+    ASSERT_EQ(mkfifo(folder.path("pipe.so").c_str(), 0600), 0);
+    const std::pair<std::string, std::string> cases[] = {
+        {"sleeps.so", "2 seconds"}, {"hangs.so", "2 seconds"}, {"good.so", ""},
+        {"prints.so", "Hello"},     {"exits.so", "ended"},     {"aborts.so", "Aborted"},
+        {"crashes.so", "Segment"},  {"cut.so", "cut.so"},      {"foreign.so", "foreign.so"},
+        {"pipe.so", "no such"},     {"none.so", "no such"},    {BOS_TEST_LIBRARY, "has no function"}};
+    std::vector<std::string> libraries;
+    for (const auto& [name, complaint] : cases) {
+        libraries.push_back(name[0] == '/' ? name : folder.path(name));
+        if (complaint != "no such") {
+            std::filesystem::copy_file(VH_TEST_BAD_COMPONENT, libraries.back(),
+                                       std::filesystem::copy_options::skip_existing);
+        }
+    }
+    libraries.push_back(folder.path("good.so"));
+    const auto begin = std::chrono::steady_clock::now();
+    const auto [versions, complaints] = inquire(libraries);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
+    EXPECT_EQ(versions, "|||9|9|||||||||9");
+    EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 11) << complaints;
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        const std::size_t line = complaints.find(libraries[i]);
+        const bool isTold = complaints.find(cases[i].second, line) < complaints.find('\n', line);
+        EXPECT_EQ(isTold, !cases[i].second.empty()) << libraries[i];
+    }
+    // A file that is asked already is asked again when it is another one.
+    EXPECT_EQ(inquire(libraries), (std::pair<std::string, std::string>(versions, "")));
+    std::filesystem::copy_file(VH_TEST_NO_COMPANY, folder.path("new"));
+    std::filesystem::rename(folder.path("new"), folder.path("good.so"));
+    EXPECT_EQ(inquire({libraries[2]}).first, "|7.1");
+}
+
+TEST(ComponentInquiryTest, DriversOfDebianTellTheirVersionsByTheirOdbcFunctions) {
+    // Ours stand in for some of them, found before the driver that they answer for.
+    const ScopedEnvironment search{{"KVLIB", VH_TEST_STAND_INS ":/usr/lib/" VH_TEST_TRIPLET "/odbc"}};
+    EXPECT_EQ(
+        inquire({"libmaodbc.so", "libsqlite3odbc.so", "libtdsodbc.so", "psqlodbca.so", "psqlodbcw.so", "libmdbodbc.so",
+                 "libmdbodbcW.so"}),
+        (std::pair<std::string, std::string>("|03.01.0015|0.9998|01.03.0017|13.02.0000|13.02.0000|1.0.0|1.0.0", "")));
+    EXPECT_TRUE(askComponents({"libsqlite3odbc.so"})[0].isSetupLibrary);
+    EXPECT_NE(inquire({"libsqliteodbc.so"}).second.find(": cannot open"), std::string::npos) << "it is not there";
 }
 
 TEST(ComponentVersionTest, AboutTellsFileDateAndSize) {

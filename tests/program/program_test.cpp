@@ -262,12 +262,32 @@ TEST_F(ProgramTest, FileDataSourcesAreMadeInBothWaysAndConnect) {
 }
 
 TEST_F(ProgramTest, AForeignDriverManagerOnTheSearchPathDoesNotEndIt) {
-    // Built from source it lands in such a place, and it can't say its version.
+    // It comes before the product's own, and can't say its version.
     files.write("lib/libodbc.so", outputOf("cat '" VH_TEST_LIBRARY "'"));
-    const ScopedEnvironment search{{"LD_LIBRARY_PATH", files.path("lib")}};
+    const ScopedEnvironment search{{"KV", files.path("lib")}};
     start();
     person().key(XK_Escape);
     expectEnd();
+}
+
+TEST_F(ProgramTest, DriversOfDebianGetADialogAndTheOneThatNamesNoneIsRegistered) {
+    const std::string command = stage("bin/odbcadmin-register");
+    const std::string before =
+        "[SQLite3]\nDriver=libsqlite3odbc.so\nSetup=libsqlite3odbc.so\n\n[PostgreSQL Unicode]\n"
+        "Driver=psqlodbcw.so\nSetup=libodbcpsqlS.so\n\n[MDBTools]\nDriver=libmdbodbc.so\n"
+        "Setup=libmdbodbc.so\n\n[FreeTDS]\nDriver=libtdsodbc.so\nSetup=libtdsS.so\n\n# by hand\n[MariaDB]\nDriver=x\n";
+    files.write(OdbcFiles::kDrivers, before);
+    EXPECT_NE(outputOf(command + " --user").find(files.path(OdbcFiles::kDrivers)), std::string::npos);
+    EXPECT_EQ(outputOf(command + " none 2>&1 >/dev/null; echo -n $?").substr(0, 4), "none");
+    EXPECT_EQ(files.read(OdbcFiles::kDrivers), before);
+    const std::string said = outputOf(command);
+    EXPECT_TRUE(said.starts_with("MariaDB ") && said.find("SQLite3") == std::string::npos) << said;
+    EXPECT_EQ(files.read(OdbcFiles::kDrivers), before + "Setup=" + stage("lib/vhsetup23.so") + "\n");
+    start();
+    press(-5);  // Add
+    waitFor("Create a New Data Source", true);
+    person().enter({XK_space, {XK_Down, 4}, XK_Return});
+    leave("SQLite3 Data Source", {XK_Escape});
 }
 
 // A PostgreSQL server of the test's own on the loopback interface.
@@ -296,9 +316,7 @@ private:
 
 TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredAndConnect) {
     files.write(OdbcFiles::kDrivers, "");
-    for (const char* driver : {"sqlite", "postgresql", "freetds"}) {
-        outputOf("odbcinst -i -d -f '" + stage("share/drivers/") + driver + ".ini'");
-    }
+    outputOf(stage("bin/odbcadmin-register") + " 'Varnholt SQLite' 'Varnholt PostgreSQL' 'Varnholt FreeTDS'");
     EXPECT_EQ(outputOf("odbcinst -q -d"), "[Varnholt SQLite]\n[Varnholt PostgreSQL]\n[Varnholt FreeTDS]\n");
     const std::string query = files.write("query", "select 6*7;\n");
     EXPECT_NE(

@@ -1,0 +1,22 @@
+// Asks libraries of any maker what they say of themselves. Each is loaded by a process of its own, the program
+// describe-component beside the one that runs, so that nothing it does when it is loaded or asked does harm here. From
+// one thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct ComponentAnswer {
+    bool isSetupLibrary = false;  // It has a dialog (ConfigDSN).
+    std::string version;          // Both empty for a library that was not found, not loaded, or does not tell.
+    std::string company;
+};
+
+// Where the complaints go: one line for each library that gave no version, or that printed something.
+enum class Complaints { kToStandardError, kNowhere };
+
+// Asks all of these, named as bosLoadLibrary takes them, several at a time, and returns the answers in the same order.
+// One that takes longer than two seconds is given up. Each file is asked once, however often and under whatever names
+// it is given, until it changes.
+[[nodiscard]] std::vector<ComponentAnswer> askComponents(const std::vector<std::string>& libraries,
+                                                         Complaints complaints = Complaints::kToStandardError);
