@@ -153,7 +153,9 @@ ConfigurationChange::ConfigurationChange(const std::string& path, bool startsAne
     : path_(path), isDataSourceFile_(false), startsAnew_(startsAnew) {}
 
 void ConfigurationChange::write(const std::string& section, const std::string& key, const char* value) {
-    steps_.push_back({value != nullptr ? Step::kSet : Step::kDeleteKey, section, key, value != nullptr ? value : ""});
+    // Who reads them gets them without the blanks at their ends.
+    const Step::Kind kind = value != nullptr ? Step::kSet : Step::kDeleteKey;
+    steps_.push_back({kind, trimmed(section), trimmed(key), trimmed(value != nullptr ? value : "")});
 }
 
 void ConfigurationChange::removeDataSource(const std::string& name) {
@@ -274,15 +276,26 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> ste
     if (isPlain(text) && asTheLibraryWrites(text) == judged) {
         return std::nullopt;
     }
-    std::string readBack;
-    if (!copy.write(text) || !rewriteByLibrary(file) || !copy.read(readBack)) {
+    const auto readBack = [&copy, &file](std::string& written) {
+        return copy.write(written) && rewriteByLibrary(file) && copy.read(written);
+    };
+    std::string ours = text;
+    if (!readBack(ours)) {
         return systemFailure();
     }
-    if (readBack == judged) {
+    if (ours == judged) {
         return std::nullopt;
     }
     if (const int line = findLostLine(before, judged)) {
         return ChangeFailure{ChangeFailure::kBadLine, path_, 0, line};
+    }
+    std::string theirs = judged;
+    if (!readBack(theirs)) {
+        return systemFailure();
+    }
+    if (theirs != judged) {
+        // It would not find there what it was told to write: a name that begins as a comment or a section does.
+        return ChangeFailure{ChangeFailure::kRefused, path_};
     }
     // Only comments go, and the library knows best what it does with such a file.
     text = judged;

@@ -58,7 +58,7 @@ TEST_F(ConfigurationChangeTest, OnlyTheChangeIsMade) {
                   {"a/K=2"},
                   "; c\n\n[A]\n# d\nK=2\n; e\nz=\n\n\n[B]\nq\n"},
              Case{"[A]\r\nk  = 1\r\n# d\r\n\r\n[B]\r\n",
-                  {"A/k=2", "A/new=3"},
+                  {"A/k= 2\t", "A/new=3"},
                   "[A]\r\nk  = 2\r\nnew=3\r\n# d\r\n\r\n[B]\r\n"},
              Case{"[A]\nk=1\nk=2\n[A]\nk=3", {"A/k=9"}, "[A]\nk=9\nk=2\n[A]\nk=3"},
              Case{"[A]\nk=1\nk=2\n[A]\nk=3", {"A/k", "A/n=4"}, "[A]\nn=4\n[A]\nk=3"},
@@ -115,6 +115,7 @@ TEST_F(ConfigurationChangeTest, WhatTheLibraryCanNotKeepIsToldByItsLine) {
              Case{"# c\nk=1\n[A]\n", "A/k=2", Reason::kBadLine, 2},
              Case{"[A]\n", "A/k=" + std::string(998, 'v'), Reason::kLineTooLong, 0},
              Case{"[A]\n", "A/k=1\n[B]", Reason::kLineTooLong, 0},
+             Case{"# c\n[A]\n", "A/#k=1", Reason::kRefused, 0},
          }) {
         files.write(OdbcFiles::kUser, before);
         const std::optional<ChangeFailure> failure = change({step});
