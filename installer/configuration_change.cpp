@@ -30,6 +30,8 @@ public:
     PrivateFile(const PrivateFile&) = delete;
     PrivateFile& operator=(const PrivateFile&) = delete;
 
+    // False, with errno set, when it could not be made.
+    explicit operator bool() const noexcept { return descriptor_ >= 0; }
     // Under which the library opens it.
     std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
     // Both false with errno set.
@@ -130,15 +132,21 @@ std::string normalized(const IniLine& line) {
                                               : std::string(line.name) + "=" + std::string(line.value);
 }
 
-// Keeps the old text under its name with a "~", once in a run of the program. False, with errno set, when the disk is
-// full; a directory that takes no new file is no reason to refuse a change.
+std::string nameOfKept(const std::string& path) {
+    return path + "~";
+}
+
+// Keeps the old text, once in a run of the program. Where there is none, because the library makes an empty file by
+// reading, what an earlier run kept is worth more. False, with errno set, when the disk is full; a directory that takes
+// no new file is no reason to refuse a change.
 bool keepFirstText(const FileText& old, const DirectoryLock& lock) {
     const std::string mark = std::to_string(getpid()) + " " + old.path;
     const char* kept = std::getenv(kKeptVariable);
-    if (!old.status || (kept != nullptr && mark == kept)) {
+    if (kept != nullptr && mark == kept) {
         return true;
     }
-    if (!writeCopy(old, old.path + "~", lock) && errno != EACCES && errno != EPERM && errno != EROFS) {
+    if (!old.text.empty() && !writeCopy(old, nameOfKept(old.path), lock) && errno != EACCES && errno != EPERM &&
+        errno != EROFS) {
         return false;
     }
     setenv(kKeptVariable, mark.c_str(), 1);
@@ -304,6 +312,9 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> ste
 
 std::optional<ChangeFailure> ConfigurationChange::findNewText(const FileText& old, std::string& text) const {
     const PrivateFile copy;
+    if (!copy) {
+        return ChangeFailure{ChangeFailure::kSystem, path_, errno};
+    }
     const CopyForLibrary asUsers(copy.path());
     const std::string before = startsAnew_ ? std::string() : old.text;
     const std::vector<Step> steps = stepsFor(before);
@@ -341,7 +352,8 @@ std::optional<ChangeFailure> ConfigurationChange::commit() const {
             return std::nullopt;
         }
         if (isDataSourceFile_ && !keepFirstText(old, lock)) {
-            return ChangeFailure{ChangeFailure::kSystem, path_, errno};
+            const int error = errno;
+            return ChangeFailure{ChangeFailure::kSystem, error == EISDIR ? nameOfKept(target) : path_, error};
         }
         const ReplaceResult result = replaceFile(old, text, permission_, lock);
         switch (result.outcome) {

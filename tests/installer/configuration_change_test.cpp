@@ -163,6 +163,14 @@ TEST_F(ConfigurationChangeTest, TheFileStaysWhatItIsAndItsFirstTextIsKept) {
         EXPECT_EQ(after.st_mode & 07777, 0640U);
         EXPECT_EQ(after.st_uid, isRoot ? 1234U : getuid());
     }
+    // An empty file, here by a relative name, is not kept in the place of that.
+    files.write("target.ini", "");
+    EXPECT_EQ(runInChild([this] {
+                  std::filesystem::current_path(files.path(""));
+                  return setenv("ODBCINI", "target.ini", 1) != 0 || change({"A/k=4"}) ? 1 : 0;
+              }),
+              0);
+    EXPECT_EQ(files.read("target.ini") + files.read("target.ini~"), "[A]\nk=4\n[A]\nk=1\n");
 }
 
 // In the place of the file or, for one with two names, in place: whatever the system does not do, and at whatever call
