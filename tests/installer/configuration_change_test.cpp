@@ -58,7 +58,7 @@ TEST_F(ConfigurationChangeTest, OnlyTheChangeIsMade) {
                   {"a/K=2"},
                   "; c\n\n[A]\n# d\nK=2\n; e\nz=\n\n\n[B]\nq\n"},
              Case{"[A]\r\nk  = 1\r\n# d\r\n\r\n[B]\r\n",
-                  {"A/k=2", "A/new=3"},
+                  {"A/k= 2\t", "A/new=3"},
                   "[A]\r\nk  = 2\r\nnew=3\r\n# d\r\n\r\n[B]\r\n"},
              Case{"[A]\nk=1\nk=2\n[A]\nk=3", {"A/k=9"}, "[A]\nk=9\nk=2\n[A]\nk=3"},
              Case{"[A]\nk=1\nk=2\n[A]\nk=3", {"A/k", "A/n=4"}, "[A]\nn=4\n[A]\nk=3"},
@@ -115,6 +115,7 @@ TEST_F(ConfigurationChangeTest, WhatTheLibraryCanNotKeepIsToldByItsLine) {
              Case{"# c\nk=1\n[A]\n", "A/k=2", Reason::kBadLine, 2},
              Case{"[A]\n", "A/k=" + std::string(998, 'v'), Reason::kLineTooLong, 0},
              Case{"[A]\n", "A/k=1\n[B]", Reason::kLineTooLong, 0},
+             Case{"# c\n[A]\n", "A/#k=1", Reason::kRefused, 0},
          }) {
         files.write(OdbcFiles::kUser, before);
         const std::optional<ChangeFailure> failure = change({step});
@@ -162,6 +163,14 @@ TEST_F(ConfigurationChangeTest, TheFileStaysWhatItIsAndItsFirstTextIsKept) {
         EXPECT_EQ(after.st_mode & 07777, 0640U);
         EXPECT_EQ(after.st_uid, isRoot ? 1234U : getuid());
     }
+    // An empty file, here by a relative name, is not kept in the place of that.
+    files.write("target.ini", "");
+    EXPECT_EQ(runInChild([this] {
+                  std::filesystem::current_path(files.path(""));
+                  return setenv("ODBCINI", "target.ini", 1) != 0 || change({"A/k=4"}) ? 1 : 0;
+              }),
+              0);
+    EXPECT_EQ(files.read("target.ini") + files.read("target.ini~"), "[A]\nk=4\n[A]\nk=1\n");
 }
 
 // In the place of the file or, for one with two names, in place: whatever the system does not do, and at whatever call
