@@ -47,30 +47,33 @@ FileAside::FileAside(const std::string& path) : path_(path) {
 }
 
 FileAside::~FileAside() {
-    if (aside_.empty()) {
-        return;
-    }
-    if (guardian_ < 0) {
+    if (!aside_.empty()) {
         settle(aside_.c_str(), path_.c_str());
-        return;
     }
-    close(lifeline_);
-    while (waitpid(guardian_, nullptr, 0) < 0 && errno == EINTR) {
+    if (lifeline_ >= 0) {
+        close(lifeline_);
     }
 }
 
-// Code of a driver's maker runs meanwhile, which may end the process in any way. So another process waits for the end
-// of this object, which it sees as the end of a pipe.
+// Code of a driver's maker runs meanwhile, which may end the process in any way. So another process waits for that end,
+// which it sees as the end of a pipe. Nobody waits for that process: what the driver's code started may hold the pipe
+// open for long.
 void FileAside::startGuardian() {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) {
         return;
     }
-    guardian_ = fork();
-    if (guardian_ != 0) {
+    lifeline_ = ends[1];
+    const pid_t child = fork();
+    if (child != 0) {
         close(ends[0]);
-        lifeline_ = ends[1];
+        while (child > 0 && waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+        }
         return;
+    }
+    // Not a child of the program: the driver's code may wait for all of those.
+    if (fork() != 0) {
+        _exit(0);
     }
     for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
         std::signal(signal, SIG_IGN);

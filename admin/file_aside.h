@@ -1,8 +1,6 @@
 // A file that is to be overwritten, out of the way while something else makes another in its place. GUI thread only.
 #pragma once
 
-#include <sys/types.h>
-
 #include <string>
 
 class FileAside {
@@ -22,6 +20,5 @@ private:
 
     std::string path_;
     std::string aside_;  // Empty when nothing was moved.
-    pid_t guardian_ = -1;
     int lifeline_ = -1;
 };

@@ -18,6 +18,7 @@
 #include "installer/configuration_change.h"
 #include "installer/drivers.h"
 #include "installer/file_dsn.h"
+#include "motifutil/file_dialog.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -105,6 +106,7 @@ Widget createFileSelection(Widget parent) {
         hideIdleCursor(XtNameToWidget(box, field));
     }
     Widget files = XtNameToWidget(box, "*ItemsList");
+    keepTabs(box);
     XtAddCallback(files, XmNdefaultActionCallback, btnFDConfigure_Clicked, nullptr);
     keepReturn(files);
     Widget selected = XtNameToWidget(box, "Text");

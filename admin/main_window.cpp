@@ -102,7 +102,9 @@ void createPages() {
     TbFileDSN = createTab(TabManager, "TbFileDSN", Message::kFileDsnTab);
     createDriversPage(TabManager);
     TbDrivers = createTab(TabManager, "TbDrivers", Message::kDriversTab);
-    createTraceTab(TabManager);
+    if (createTraceTab(TabManager) == nullptr) {
+        throw std::bad_alloc();
+    }
     createAboutForm(TabManager);
     TbAbout = createTab(TabManager, "TbAbout", Message::kAboutTab);
 

@@ -14,7 +14,8 @@ extern Widget TxtTraceLib;
 extern Widget BtnTLibBrowse;
 extern Widget TxtTraceDesc;
 
-// Builds the page and its tab button, both unmanaged, and shows what is stored.
+// Builds the page and its tab button, both unmanaged, and shows what is stored. Null, after the out-of-memory report,
+// when it can't be made.
 Widget createTraceTab(Widget notebook);
 
 // Writes the trace settings, whether tracing is on or off; a write that fails is reported.

@@ -3,6 +3,7 @@
 #include <Xm/List.h>
 
 #include <algorithm>
+#include <new>
 #include <string>
 
 #include "admin/dialogs.h"
@@ -116,6 +117,16 @@ void configure(const std::string& name) {
     populateUserDSN(LstUName, LstUDesc);
 }
 
+// A list of the page with what selecting a row of it does. There is no page without it.
+Widget createColumn(const char* name, XtCallbackProc selected) {
+    Widget list = createUserDSNXmList(1, name);
+    if (list == nullptr) {
+        throw std::bad_alloc();
+    }
+    XtAddCallback(list, XmNbrowseSelectionCallback, selected, nullptr);
+    return list;
+}
+
 }  // namespace
 
 Widget createUserDSNXmList(int flag, const char* name) {
@@ -137,10 +148,8 @@ Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
 
     ScrWinLists = createScrolledWindow(FormUserDSN, "ScrWinLists");
     FormLists = createForm(ScrWinLists, "FormLists");
-    LstUName = createUserDSNXmList(1, "lstUName");
-    XtAddCallback(LstUName, XmNbrowseSelectionCallback, lstUName_Selected, nullptr);
-    LstUDesc = createUserDSNXmList(1, "lstUDesc");
-    XtAddCallback(LstUDesc, XmNbrowseSelectionCallback, lstUDesc_Selected, nullptr);
+    LstUName = createColumn("lstUName", lstUName_Selected);
+    LstUDesc = createColumn("lstUDesc", lstUDesc_Selected);
 
     BtnAdd = createPushButton(FormUserDSN, "BtnAdd", Message::kAdd, add);
     BtnRemove = createPushButton(FormUserDSN, "BtnRemove", Message::kRemove, btnRemove_Clicked);

@@ -22,7 +22,8 @@ extern Widget LstUDesc;
 // the dialog that it opens is built on this page.
 Widget createUserDsnPage(Widget notebook, XtCallbackProc add);
 
-// A list of the page, in `FormLists`: as wide as its items when `flag` is non-zero, of constant width otherwise.
+// A list of the page, in `FormLists`: as wide as its items when `flag` is non-zero, of constant width otherwise. Null,
+// after the out-of-memory report, when it can't be made.
 Widget createUserDSNXmList(int flag, const char* name);
 
 // Fills both lists from ".odbc.ini" and selects the row at the position that was selected before, else the first.

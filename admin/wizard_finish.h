@@ -24,8 +24,8 @@ void finishWithAttributes();
 void writeDsnToFile(const char* connectionString);
 
 // OK of the overwrite question: lets the driver make the file `path` anew. The old one comes back when the driver makes
-// none. Attributes that were typed in
-// the advanced dialog are not used then: they belong to a file that the administrator would have written itself.
+// none. Attributes that were typed in the advanced dialog are not used then: they belong to a file that the
+// administrator would have written itself.
 void overwriteFileDSN(Widget widget, XtPointer path, XtPointer callData);
 // Cancel of the overwrite question: lets the person choose another name.
 void openSaveAsControl(Widget widget, XtPointer clientData, XtPointer callData);

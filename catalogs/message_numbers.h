@@ -241,6 +241,15 @@ enum Number : std::uint32_t {
     kTestFailed = 61,
     kTestFailedSilently = 62,
     kTestTitle = 63,
+    kTestServer = 64,
+    kTestCrashed = 65,
+    kDriverPrinted = 66,
+    kConnecting = 67,
+    kConnectingOn = 68,
+    kWaitOn = 69,
+    kNoAnswer = 80,
+    kDriverNotInstalled = 81,
+    kDriverPackage = 82,
 
     // The About form.
     kAboutTitle = 70,

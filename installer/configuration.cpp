@@ -43,10 +43,11 @@ void forgetCachedValues() {
     SQLWritePrivateProfileString("ODBC", nullptr, nullptr, "/dev/null");
 }
 
-// Only an absolute path is taken as it stands; other names are the library's own files.
-bool isMissingPath(const std::string& file) {
+// Only an absolute path is taken as it stands; other names are the library's own files. It would make a file that is
+// not there, and wait at a pipe.
+bool isPathOfNoFile(const std::string& file) {
     std::error_code ignored;
-    return file.starts_with('/') && !std::filesystem::exists(file, ignored);
+    return file.starts_with('/') && !std::filesystem::is_regular_file(file, ignored);
 }
 
 std::string terminatedList(const std::vector<std::string>& items) {
@@ -81,7 +82,7 @@ void keepMemoryBetweenReads() noexcept {
 }
 
 std::string userDataSourcePath() {
-    if (const char* path = std::getenv("ODBCINI")) {
+    if (const char* path = std::getenv("ODBCINI"); path != nullptr && *path != '\0') {
         return path;
     }
     const passwd* entry = getpwuid(getuid());
@@ -99,7 +100,7 @@ bool isDataSourceFileReadable() {
 
 NameList listKeys(const std::string& section, const std::string& file, Growth growth) {
     // A null section would list the file's sections, and an empty one has no keys.
-    if (section.empty() || isMissingPath(file)) {
+    if (section.empty() || isPathOfNoFile(file)) {
         return {};
     }
     forgetCachedValues();
@@ -121,7 +122,7 @@ NameList listKeys(const std::string& section, const std::string& file, Growth gr
 }
 
 std::string readValue(const std::string& section, const std::string& key, const std::string& file, std::size_t size) {
-    if (section.empty() || key.empty() || isMissingPath(file)) {
+    if (section.empty() || key.empty() || isPathOfNoFile(file)) {
         return {};
     }
     forgetCachedValues();

@@ -64,8 +64,8 @@ void keepMemoryBetweenReads() noexcept;
 // library that looks like an empty one. One that is missing is no failure.
 [[nodiscard]] bool isDataSourceFileReadable();
 
-// The keys of `section` in `file`, in file order, never cut short. A file named by an absolute path is looked at only
-// when it exists, since reading a missing one would create it.
+// The keys of `section` in `file`, in file order, never cut short. What an absolute path names is looked at only when
+// it is a regular file.
 [[nodiscard]] NameList listKeys(const std::string& section, const std::string& file, Growth growth);
 
 // The value of `key`, at most `size` - 1 bytes of it; empty when missing, empty, or when the file can't be read.

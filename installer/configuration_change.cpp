@@ -30,6 +30,8 @@ public:
     PrivateFile(const PrivateFile&) = delete;
     PrivateFile& operator=(const PrivateFile&) = delete;
 
+    // False, with errno set, when it could not be made.
+    explicit operator bool() const noexcept { return descriptor_ >= 0; }
     // Under which the library opens it.
     std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
     // Both false with errno set.
@@ -130,15 +132,21 @@ std::string normalized(const IniLine& line) {
                                               : std::string(line.name) + "=" + std::string(line.value);
 }
 
-// Keeps the old text under its name with a "~", once in a run of the program. False, with errno set, when the disk is
-// full; a directory that takes no new file is no reason to refuse a change.
+std::string nameOfKept(const std::string& path) {
+    return path + "~";
+}
+
+// Keeps the old text, once in a run of the program. Where there is none, because the library makes an empty file by
+// reading, what an earlier run kept is worth more. False, with errno set, when the disk is full; a directory that takes
+// no new file is no reason to refuse a change.
 bool keepFirstText(const FileText& old, const DirectoryLock& lock) {
     const std::string mark = std::to_string(getpid()) + " " + old.path;
     const char* kept = std::getenv(kKeptVariable);
-    if (!old.status || (kept != nullptr && mark == kept)) {
+    if (kept != nullptr && mark == kept) {
         return true;
     }
-    if (!writeCopy(old, old.path + "~", lock) && errno != EACCES && errno != EPERM && errno != EROFS) {
+    if (!old.text.empty() && !writeCopy(old, nameOfKept(old.path), lock) && errno != EACCES && errno != EPERM &&
+        errno != EROFS) {
         return false;
     }
     setenv(kKeptVariable, mark.c_str(), 1);
@@ -153,7 +161,9 @@ ConfigurationChange::ConfigurationChange(const std::string& path, bool startsAne
     : path_(path), isDataSourceFile_(false), startsAnew_(startsAnew) {}
 
 void ConfigurationChange::write(const std::string& section, const std::string& key, const char* value) {
-    steps_.push_back({value != nullptr ? Step::kSet : Step::kDeleteKey, section, key, value != nullptr ? value : ""});
+    // Who reads them gets them without the blanks at their ends.
+    const Step::Kind kind = value != nullptr ? Step::kSet : Step::kDeleteKey;
+    steps_.push_back({kind, trimmed(section), trimmed(key), trimmed(value != nullptr ? value : "")});
 }
 
 void ConfigurationChange::removeDataSource(const std::string& name) {
@@ -274,15 +284,26 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> ste
     if (isPlain(text) && asTheLibraryWrites(text) == judged) {
         return std::nullopt;
     }
-    std::string readBack;
-    if (!copy.write(text) || !rewriteByLibrary(file) || !copy.read(readBack)) {
+    const auto readBack = [&copy, &file](std::string& written) {
+        return copy.write(written) && rewriteByLibrary(file) && copy.read(written);
+    };
+    std::string ours = text;
+    if (!readBack(ours)) {
         return systemFailure();
     }
-    if (readBack == judged) {
+    if (ours == judged) {
         return std::nullopt;
     }
     if (const int line = findLostLine(before, judged)) {
         return ChangeFailure{ChangeFailure::kBadLine, path_, 0, line};
+    }
+    std::string theirs = judged;
+    if (!readBack(theirs)) {
+        return systemFailure();
+    }
+    if (theirs != judged) {
+        // It would not find there what it was told to write: a name that begins as a comment or a section does.
+        return ChangeFailure{ChangeFailure::kRefused, path_};
     }
     // Only comments go, and the library knows best what it does with such a file.
     text = judged;
@@ -291,6 +312,9 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> ste
 
 std::optional<ChangeFailure> ConfigurationChange::findNewText(const FileText& old, std::string& text) const {
     const PrivateFile copy;
+    if (!copy) {
+        return ChangeFailure{ChangeFailure::kSystem, path_, errno};
+    }
     const CopyForLibrary asUsers(copy.path());
     const std::string before = startsAnew_ ? std::string() : old.text;
     const std::vector<Step> steps = stepsFor(before);
@@ -328,7 +352,8 @@ std::optional<ChangeFailure> ConfigurationChange::commit() const {
             return std::nullopt;
         }
         if (isDataSourceFile_ && !keepFirstText(old, lock)) {
-            return ChangeFailure{ChangeFailure::kSystem, path_, errno};
+            const int error = errno;
+            return ChangeFailure{ChangeFailure::kSystem, error == EISDIR ? nameOfKept(target) : path_, error};
         }
         const ReplaceResult result = replaceFile(old, text, permission_, lock);
         switch (result.outcome) {

@@ -42,7 +42,8 @@ public:
     // holds now.
     explicit ConfigurationChange(const std::string& path, bool startsAnew = false);
 
-    // What is to be done, in this order. A null `value` deletes the key, as often as it stands in the section.
+    // What is to be done, in this order. A null `value` deletes the key, as often as it stands in the section. Blanks
+    // at the ends are left out: no reader gets them.
     void write(const std::string& section, const std::string& key, const char* value);
     // Removes a data source, its section and its line in the list of names.
     void removeDataSource(const std::string& name);

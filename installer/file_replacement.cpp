@@ -1,6 +1,7 @@
 #include "installer/file_replacement.h"
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -48,8 +49,10 @@ private:
     int descriptor_;
 };
 
+// With its last "/".
 std::string directoryOf(const std::string& path) {
-    return path.substr(0, path.rfind('/') + 1);
+    const std::size_t size = path.rfind('/') + 1;
+    return size > 0 ? path.substr(0, size) : "./";
 }
 
 bool readWhole(int descriptor, std::string& text) {
@@ -259,10 +262,12 @@ std::vector<std::string> foldersForCopies() {
     if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && *state == '/') {
         folders.emplace_back(state);
     }
-    if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/') {
-        for (const char* folder : {"", "/.local/state", "/.local/share", "/.config", "/.cache"}) {
-            folders.push_back(std::string(home) + folder);
-        }
+    const char* home = std::getenv("HOME");
+    if (const passwd* entry = home == nullptr || *home != '/' ? getpwuid(getuid()) : nullptr) {
+        home = entry->pw_dir;
+    }
+    for (const char* folder : {"", "/.local/state", "/.local/share", "/.config", "/.cache"}) {
+        folders.push_back(std::string(home != nullptr ? home : "") + folder);
     }
     return folders;
 }

@@ -14,16 +14,12 @@ std::string catalogText(Message::Number number) {
 
 std::string catalogText(Message::Number number, std::initializer_list<std::string> subjects) {
     std::string text = catalogText(number);
+    // What is put in may look like a mark.
     std::size_t place = 0;
-    int index = 0;
-    for (const std::string& subject : subjects) {
-        const std::string mark = "%" + std::to_string(++index);
-        // Behind what was put in: that may look like a mark.
-        place = text.find(mark, place);
-        if (place == std::string::npos) {
-            return text;
-        }
-        text.replace(place, mark.size(), subject);
+    while ((place = text.find('%', place)) < text.size() - 1) {
+        const auto index = static_cast<std::size_t>(text[place + 1] - '1');
+        const std::string subject = index < subjects.size() ? subjects.begin()[index] : text.substr(place, 2);
+        text.replace(place, 2, subject);
         place += subject.size();
     }
     return text;

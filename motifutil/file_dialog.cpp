@@ -1,6 +1,7 @@
 #include "motifutil/file_dialog.h"
 
 #include <Xm/FileSB.h>
+#include <Xm/List.h>
 
 #include <new>
 
@@ -13,6 +14,13 @@ constexpr short kTextColumns = 48;
 
 void closed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
     XtCallCallbacks(static_cast<Widget>(box), XmNcancelCallback, nullptr);
+}
+
+void showWithTabs(Widget /*list*/, XtPointer box, XtPointer callData) {
+    const std::string path = plainText(static_cast<XmListCallbackStruct*>(callData)->item);
+    if (path.find('\t') != std::string::npos) {
+        showPath(XtNameToWidget(static_cast<Widget>(box), "Text"), path);
+    }
 }
 
 }  // namespace
@@ -43,6 +51,14 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
     for (const char* field : {"Text", "FilterText"}) {
         hideIdleCursor(XtNameToWidget(box, field));
     }
+    keepTabs(box);
     onWindowManagerClose(XtParent(box), closed, box);
     return box;
+}
+
+void keepTabs(Widget box) {
+    Widget files = XtNameToWidget(box, "*ItemsList");
+    for (const char* callback : {XmNsingleSelectionCallback, XmNbrowseSelectionCallback, XmNdefaultActionCallback}) {
+        XtAddCallback(files, callback, showWithTabs, box);
+    }
 }

@@ -11,3 +11,8 @@
 // that all such dialogs share. `further` are arguments of its own. The window manager's close does what its cancel
 // callbacks, which the caller adds, do. Throws std::bad_alloc when it can't be made.
 Widget createFileDialog(Widget parent, const char* name, const std::string& title, const ArgumentList& further);
+
+// Puts the tabs of a file's name back into the selection field of a file selection box: Motif takes them out on the way
+// from the list, and the name would be another file's. createFileDialog() does it for its own. Callbacks of the list
+// that read the field are to be added afterwards.
+void keepTabs(Widget box);

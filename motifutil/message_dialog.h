@@ -19,8 +19,8 @@ extern Widget Mdialog;
 
 // Makes a message box, unmanaged: the caller adds its callbacks and manages it. `type` is one of the kinds above: a
 // question has OK and Cancel, the others have OK alone. The message stands as it is given, but for lines that would not
-// fit on the screen. Texts are in the encoding of the locale, not changed,
-// and copied. With an unknown type the out-of-memory box is shown over `parent` and the result is null.
+// fit on the screen. Texts are in the encoding of the locale, not changed, and copied. With an unknown type the
+// out-of-memory box is shown over `parent` and the result is null.
 Widget createMessageDialog(Widget parent, unsigned long type, char* message, char* okLabel, char* cancelLabel,
                            char* title);
 

@@ -14,6 +14,7 @@
 #include "installer/file_dsn.h"
 #include "setup/driver_properties.h"
 #include "setup/file_dsn_store.h"
+#include "setup/known_drivers.h"
 #include "setup/setup_form.h"
 #include "setup/setup_texts.h"
 #include "setup/user_dsn_store.h"
@@ -94,8 +95,8 @@ Settings withoutUnaskedPasswords(Settings attributes, const Settings& stored) {
     return attributes;
 }
 
-// What the form shows and proposes: for a new data source what the driver proposes, else what is stored, and over both
-// what the caller gave.
+// What the form shows: what is stored, and over it what the caller gave. What the driver describes as its defaults is
+// told and not stored: the driver knows better, and may change its mind.
 SetupFormContent formContent(const Request& request, const Stored& stored, const std::string& library) {
     SetupFormContent content;
     content.driver = request.driver;
@@ -105,7 +106,14 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
     content.stored = stored.settings;
     content.name = request.name;
     content.leftOut = request.leftOut;
-    if (std::optional<std::vector<DriverProperty>> described = askDriver(library)) {
+    std::optional<std::vector<DriverProperty>> described = knownProperties(library);
+    if (described) {
+        // Those that most people need; the driver knows more.
+        content.rows.hasFurtherSettings = true;
+    } else {
+        described = askDriver(library);
+    }
+    if (described) {
         content.rows.properties = *std::move(described);
     } else {
         content.rows.properties = commonProperties();
@@ -114,13 +122,6 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
 
     content.rows.stored = settingsOf(stored.settings);
     content.rows.shown = content.rows.stored;
-    if (stored.name.empty()) {
-        for (const DriverProperty& property : content.rows.properties) {
-            if (!property.defaultValue.empty() && property.kind != PropertyKind::kFixed) {
-                setValue(content.pending, property.key, property.defaultValue);
-            }
-        }
-    }
     for (const installer::Attribute& attribute : request.attributes) {
         if (stored.name.empty() || valueOf(content.rows.stored, attribute.key) != attribute.value) {
             setValue(content.pending, attribute.key, attribute.value);

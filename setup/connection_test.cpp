@@ -1,17 +1,27 @@
 #include "setup/connection_test.h"
 
+#include <fcntl.h>
 #include <sql.h>
 #include <sqlext.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <cstdint>
-#include <cstring>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+
+#include "installer/configuration.h"
+#include "installer/file_replacement.h"
+#include "installer/ini_text.h"
 
 namespace {
 
-constexpr std::intptr_t kLoginTimeoutSeconds = 15;
 // The bytes that a diagnostic record seldom exceeds.
 constexpr std::size_t kUsualRecord = 256;
 
@@ -89,6 +99,86 @@ std::string quoted(const std::string& value) {
     return isPlain ? value : braced(value);
 }
 
+// What the server calls itself.
+std::string serverOf(SQLHDBC connection) {
+    std::string server;
+    for (const SQLUSMALLINT type : {SQLUSMALLINT{SQL_DBMS_NAME}, SQLUSMALLINT{SQL_DBMS_VER}}) {
+        std::array<SQLCHAR, kUsualRecord> text{};
+        SQLSMALLINT length = 0;
+        // The last byte stays, whatever the driver makes of the size.
+        if (SQL_SUCCEEDED(SQLGetInfo(connection, type, text.data(), text.size() - 1, &length)) && text[0] != '\0') {
+            server += (server.empty() ? "" : " ") + oneLine(reinterpret_cast<const char*>(text.data()));
+        }
+    }
+    return server;
+}
+
+// Connects and disconnects. Returns when the driver does, which is not asked to give up: the person decides that.
+ConnectionOutcome connect(std::string connectionString) {
+    const Handle<SQL_HANDLE_ENV> environment(SQL_NULL_HANDLE);
+    if (!environment) {
+        return {};
+    }
+    SQLSetEnvAttr(environment.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+    const Handle<SQL_HANDLE_DBC> connection(environment.get());
+    if (!connection) {
+        return {false, diagnosticsOf(SQL_HANDLE_ENV, environment.get())};
+    }
+    std::array<SQLCHAR, 1024> completed{};
+    SQLSMALLINT length = 0;
+    const SQLRETURN result =
+        SQLDriverConnect(connection.get(), nullptr, reinterpret_cast<SQLCHAR*>(connectionString.data()), SQL_NTS,
+                         completed.data(), static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT);
+    ConnectionOutcome outcome{SQL_SUCCEEDED(result), {}};
+    if (result != SQL_SUCCESS) {
+        outcome.diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection.get());
+    }
+    if (outcome.connected) {
+        outcome.server = serverOf(connection.get());
+        SQLDisconnect(connection.get());
+    }
+    return outcome;
+}
+
+// Lets the installer library read this text as the user's file, in this process alone, in memory alone.
+void useConfiguration(const std::string& text) {
+    const int file = memfd_create("odbc.ini", 0);
+    if (write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size())) {
+        setenv("ODBCINI", ("/proc/self/fd/" + std::to_string(file)).c_str(), 1);
+    }
+}
+
+// The outcome as it passes from one process to the other: whether it is connected, the server, the records, each with a
+// terminator.
+void writeOutcome(int file, const ConnectionOutcome& outcome) {
+    std::string text = outcome.connected ? "1" : "0";
+    text += outcome.server + '\0';
+    for (const std::string& record : outcome.diagnostics) {
+        text += record + '\0';
+    }
+    const ssize_t written = write(file, text.data(), text.size());
+    static_cast<void>(written);
+}
+
+ConnectionOutcome readOutcome(const std::string& text) {
+    ConnectionOutcome outcome;
+    if (!text.empty()) {
+        outcome.connected = text.front() == '1';
+        outcome.server = text.c_str() + 1;
+        outcome.diagnostics = installer::attributeItems(text.c_str() + 1 + outcome.server.size() + 1);
+    }
+    return outcome;
+}
+
+// What a file in memory holds, as far as a person would read it.
+std::string textOf(int file) {
+    constexpr std::size_t kMost = 1 << 16;
+    std::string text(kMost, '\0');
+    const ssize_t size = pread(file, text.data(), text.size(), 0);
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return text;
+}
+
 }  // namespace
 
 std::string connectionString(const std::string& driver, const Settings& settings) {
@@ -101,32 +191,67 @@ std::string connectionString(const std::string& driver, const Settings& settings
     return text;
 }
 
-ConnectionOutcome testConnection(std::string connectionString) {
-    const Handle<SQL_HANDLE_ENV> environment(SQL_NULL_HANDLE);
-    if (!environment) {
-        return {};
+ConnectionTest testOfDataSource(const std::string& name, const Settings& settings, const Settings& unstored) {
+    // Any name will do, since nobody but the attempt sees it.
+    const std::string used = !name.empty() && installer::isValidDataSourceName(name) ? name : "Test";
+    installer::FileText file;
+    if (!installer::readFile(installer::followLinks(installer::userDataSourcePath()), file)) {
+        file.text.clear();
     }
-    SQLSetEnvAttr(environment.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
-    const Handle<SQL_HANDLE_DBC> connection(environment.get());
-    if (!connection) {
-        return {false, diagnosticsOf(SQL_HANDLE_ENV, environment.get())};
+    installer::IniText text(file.text);
+    while (text.removeSection(used)) {
     }
-    // A driver that knows no timeout refuses it, and is tried all the same.
-    SQLSetConnectAttr(connection.get(), SQL_ATTR_LOGIN_TIMEOUT, reinterpret_cast<SQLPOINTER>(kLoginTimeoutSeconds),
-                      SQL_IS_UINTEGER);
-    std::array<SQLCHAR, 1024> completed{};
-    SQLSMALLINT length = 0;
-    const SQLRETURN result =
-        SQLDriverConnect(connection.get(), nullptr, reinterpret_cast<SQLCHAR*>(connectionString.data()), SQL_NTS,
-                         completed.data(), static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT);
-    explicit_bzero(connectionString.data(), connectionString.size());
-    explicit_bzero(completed.data(), completed.size());
-    ConnectionOutcome outcome{SQL_SUCCEEDED(result), {}};
-    if (result != SQL_SUCCESS) {
-        outcome.diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection.get());
+    for (const installer::Attribute& setting : settings) {
+        text.set(used, setting.key, setting.value);
     }
-    if (outcome.connected) {
-        SQLDisconnect(connection.get());
+    std::string connection = "DSN=" + used + ";";
+    for (const installer::Attribute& setting : unstored) {
+        connection += setting.key + "=" + quoted(setting.value) + ";";
     }
+    return {connection, text.text()};
+}
+
+ConnectionAttempt::ConnectionAttempt(const ConnectionTest& test)
+    : result_(memfd_create("result", MFD_CLOEXEC)), printed_(memfd_create("printed", MFD_CLOEXEC)) {
+    std::fflush(nullptr);
+    process_ = result_ < 0 || printed_ < 0 ? -1 : fork();
+    if (process_ == 0) {
+        // Whoever waits for it may die.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+        dup2(printed_, STDOUT_FILENO);
+        dup2(printed_, STDERR_FILENO);
+        if (test.configuration) {
+            useConfiguration(*test.configuration);
+        }
+        writeOutcome(result_, connect(test.connectionString));
+        std::fflush(nullptr);
+        _exit(0);
+    }
+    if (process_ < 0) {
+        close(result_);
+        close(printed_);
+        throw std::bad_alloc();
+    }
+}
+
+ConnectionAttempt::~ConnectionAttempt() {
+    if (process_ > 0) {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+    }
+    close(result_);
+    close(printed_);
+}
+
+std::optional<ConnectionOutcome> ConnectionAttempt::outcome() {
+    int status = 0;
+    if (process_ <= 0 || waitpid(process_, &status, WNOHANG) != process_) {
+        return std::nullopt;
+    }
+    process_ = -1;
+    ConnectionOutcome outcome = readOutcome(textOf(result_));
+    outcome.printed = textOf(printed_);
+    outcome.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     return outcome;
 }

@@ -1,6 +1,9 @@
-// Tries a data source before it is stored: connects through the driver manager and disconnects. GUI thread only.
+// Tries a data source before it is stored. GUI thread only.
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,13 +13,43 @@
 // is left out: only what the person typed counts.
 std::string connectionString(const std::string& driver, const Settings& settings);
 
+// What is to be tried.
+struct ConnectionTest {
+    std::string connectionString;
+    // The text of a configuration file of data sources that the driver is to read in the place of the user's; nothing
+    // for that itself.
+    std::optional<std::string> configuration{};
+};
+
+// The data source `name` with these settings, as any program will use it: by its name, from a copy of the user's
+// configuration that nobody else sees. `unstored` are settings that the program has to give itself.
+ConnectionTest testOfDataSource(const std::string& name, const Settings& settings, const Settings& unstored);
+
 struct ConnectionOutcome {
     bool connected = false;
     // What driver and driver manager say, all records in their order, each whole and on one line; warnings after
     // success.
     std::vector<std::string> diagnostics;
+    std::string server{};   // Product and version, when they are known.
+    std::string printed{};  // What the driver wrote on the console.
+    int signal = 0;         // That ended the driver's process; 0 when it came to its end.
 };
 
-// Connects without any prompt and disconnects. Returns when the driver does, which is asked to give up after some
-// seconds. The string is wiped, since it may hold the password.
-[[nodiscard]] ConnectionOutcome testConnection(std::string connectionString);
+// A connection that is made, without any prompt, and closed again in a process of its own: drivers wait for servers for
+// minutes, print and crash. The process ends with this object.
+class ConnectionAttempt {
+public:
+    // Throws std::bad_alloc when there can be no other process.
+    explicit ConnectionAttempt(const ConnectionTest& test);
+    ~ConnectionAttempt();
+    ConnectionAttempt(const ConnectionAttempt&) = delete;
+    ConnectionAttempt& operator=(const ConnectionAttempt&) = delete;
+
+    // What came of it; nothing as long as it goes on.
+    std::optional<ConnectionOutcome> outcome();
+
+private:
+    pid_t process_ = -1;
+    int result_ = -1;
+    int printed_ = -1;
+};

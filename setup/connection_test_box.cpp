@@ -1,17 +1,23 @@
 #include "setup/connection_test_box.h"
 
-#include <X11/cursorfont.h>
 #include <Xm/MessageB.h>
 #include <Xm/Text.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 
+#include "installer/configuration.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/icons.h"
 #include "motifutil/message_dialog.h"
+#include "motifutil/message_icons.h"
 #include "motifutil/widgets.h"
 #include "setup/connection_test.h"
+#include "setup/known_drivers.h"
 #include "setup/setup_texts.h"
 
 namespace {
@@ -21,34 +27,8 @@ constexpr int kLineLength = 60;
 constexpr int kLargestShare = 60;
 // What a text takes for itself beside its lines, in pixels.
 constexpr int kTextFrame = 20;
-
-// Shows a watch as the pointer over a window while it lives.
-class BusyPointer {
-public:
-    explicit BusyPointer(Widget shell) : display_(XtDisplay(shell)), window_(XtWindow(shell)) {
-        cursor_ = XCreateFontCursor(display_, XC_watch);
-        XDefineCursor(display_, window_, cursor_);
-        XFlush(display_);
-    }
-    ~BusyPointer() {
-        XUndefineCursor(display_, window_);
-        XFreeCursor(display_, cursor_);
-    }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-
-private:
-    Display* display_;
-    Window window_;
-    Cursor cursor_;
-};
-
-SetupMessage::Number headingOf(const ConnectionOutcome& outcome) {
-    if (outcome.connected) {
-        return SetupMessage::kTestSucceeded;
-    }
-    return outcome.diagnostics.empty() ? SetupMessage::kTestFailedSilently : SetupMessage::kTestFailed;
-}
+// How long a connection may take, in seconds.
+constexpr long kPatience = 30;
 
 // Texts as wide and high as they are in a box.
 class Measure {
@@ -112,30 +92,171 @@ void addRecords(Widget box, const std::vector<std::string>& records) {
     XtManageChild(field);
 }
 
-void showOutcome(Widget parent, const ConnectionOutcome& outcome) {
-    Widget box = createMessageDialog(parent, outcome.connected ? kInformationDialog : kErrorDialog,
-                                     setupText(headingOf(outcome)).data(), catalogText(Message::kOk).data(),
-                                     std::string().data(), setupText(SetupMessage::kTestTitle).data());
+std::string headingOf(const ConnectionOutcome& outcome, const std::string& library) {
+    if (outcome.connected) {
+        const std::string works = setupText(SetupMessage::kTestSucceeded);
+        return outcome.server.empty() ? works : works + "\n" + setupText(SetupMessage::kTestServer, outcome.server);
+    }
+    if (outcome.signal != 0) {
+        return setupText(SetupMessage::kTestCrashed, strsignal(outcome.signal));
+    }
+    if (!isDriverInstalled(library)) {
+        const std::string package = packageOf(library);
+        const std::string missing = setupText(SetupMessage::kDriverNotInstalled, library);
+        return package.empty() ? missing : missing + "\n" + setupText(SetupMessage::kDriverPackage, package);
+    }
+    return setupText(outcome.diagnostics.empty() ? SetupMessage::kTestFailedSilently : SetupMessage::kTestFailed);
+}
+
+// What is shown below the heading.
+std::vector<std::string> recordsOf(const ConnectionOutcome& outcome) {
+    std::vector<std::string> records = outcome.diagnostics;
+    const std::string printed = installer::trimmed(outcome.printed);
+    if (!printed.empty()) {
+        records.push_back(setupText(SetupMessage::kDriverPrinted));
+        records.push_back(printed);
+    }
+    return records;
+}
+
+Widget createBox(Widget parent, unsigned long kind, std::string text) {
+    return createMessageDialog(parent, kind, text.data(), catalogText(Message::kOk).data(), std::string().data(),
+                               setupText(SetupMessage::kTestTitle).data());
+}
+
+void showError(Widget parent, const std::string& text) {
+    if (Widget box = createBox(parent, kErrorDialog, text)) {
+        XtManageChild(box);
+    }
+}
+
+void showOutcome(Widget parent, const ConnectionOutcome& outcome, const std::string& library) {
+    Widget box = createBox(parent, outcome.connected ? kInformationDialog : kErrorDialog, headingOf(outcome, library));
     if (box == nullptr) {
         return;
     }
-    if (!outcome.diagnostics.empty()) {
-        addRecords(box, outcome.diagnostics);
+    const std::vector<std::string> records = recordsOf(outcome);
+    if (!records.empty()) {
+        addRecords(box, records);
     }
     XtManageChild(box);
 }
 
+// The box while the connection is tried. It belongs to its widget and goes with it. Xt destroys what a timer gives up
+// only when the dialog below has ended, so a timer sends the box an event, in which it goes at once.
+class WaitingBox {
+public:
+    WaitingBox(Widget parent, const ConnectionTest& test, std::string library)
+        : parent_(parent), library_(std::move(library)), attempt_(std::make_unique<ConnectionAttempt>(test)) {
+        createBox();
+        XtAddCallback(box_, XmNokCallback, waitOn, this);
+        XtAddCallback(box_, XmNcancelCallback, cancelled, this);
+        XtAddCallback(box_, XmNdestroyCallback, destroyed, this);
+        onWindowManagerClose(XtParent(box_), cancelled, this);
+        XtAddEventHandler(box_, NoEventMask, True, eventCame, this);
+        look();
+        XtManageChild(box_);
+    }
+    WaitingBox(const WaitingBox&) = delete;
+    WaitingBox& operator=(const WaitingBox&) = delete;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    ~WaitingBox() { end(); }
+
+    void createBox() {
+        const XmStringPtr waitOnLabel = compoundString(setupText(SetupMessage::kWaitOn));
+        const XmStringPtr cancelLabel = compoundString(catalogText(Message::kCancel));
+        const std::string title = setupText(SetupMessage::kTestTitle);
+        ArgumentList arguments;
+        arguments.set(XmNokLabelString, waitOnLabel.get())
+            .set(XmNcancelLabelString, cancelLabel.get())
+            .set(XmNdefaultButtonType, XmDIALOG_CANCEL_BUTTON)
+            .set(XmNautoUnmanage, False)
+            .set(XmNtitle, title.c_str())
+            .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL);
+        static char name[] = "connecting";
+        box_ = XmCreateInformationDialog(parent_, name, arguments.data(), arguments.size());
+        if (box_ == nullptr) {
+            throw std::bad_alloc();
+        }
+        setIcon(box_, XmNsymbolPixmap, createIconPixmap(box_, kInformationIcon));
+        XtUnmanageChild(XtNameToWidget(box_, "Help"));
+    }
+    // Lets the process end and the box go from the screen.
+    void end() {
+        attempt_.reset();
+        if (timer_ != 0) {
+            XtRemoveTimeOut(std::exchange(timer_, 0));
+        }
+    }
+    void leave() {
+        end();
+        XtUnmanageChild(box_);
+        XtDestroyWidget(box_);
+    }
+    void look() {
+        constexpr unsigned long kPause = 50;  // milliseconds
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start_).count();
+        if (const std::optional<ConnectionOutcome> outcome = attempt_->outcome()) {
+            leave();
+            showOutcome(parent_, *outcome, library_);
+        } else if (!isEndless_ && seconds >= kPatience) {
+            leave();
+            showError(parent_, setupText(SetupMessage::kNoAnswer));
+        } else {
+            showText(setupText(isEndless_ ? SetupMessage::kConnectingOn : SetupMessage::kConnecting,
+                               std::to_string(seconds)));
+            timer_ = XtAppAddTimeOut(XtWidgetToApplicationContext(parent_), kPause, timeCame, this);
+        }
+    }
+    void showText(const std::string& text) {
+        if (text != std::exchange(shown_, text)) {
+            XtVaSetValues(box_, XmNmessageString, compoundString(text).get(), nullptr);
+        }
+    }
+
+    static void timeCame(XtPointer box, XtIntervalId* /*timer*/) {
+        auto* self = static_cast<WaitingBox*>(box);
+        self->timer_ = 0;
+        XClientMessageEvent event{};
+        event.type = ClientMessage;
+        event.window = XtWindow(self->box_);
+        event.format = 32;
+        XSendEvent(XtDisplay(self->box_), event.window, False, NoEventMask, reinterpret_cast<XEvent*>(&event));
+    }
+    static void eventCame(Widget /*widget*/, XtPointer box, XEvent* event, Boolean* /*continueToDispatch*/) {
+        auto* self = static_cast<WaitingBox*>(box);
+        if (event->type == ClientMessage && self->attempt_) {
+            reportingLackOfMemory(self->parent_, [self] { self->look(); });
+        }
+    }
+    static void waitOn(Widget /*widget*/, XtPointer box, XtPointer /*callData*/) {
+        auto* self = static_cast<WaitingBox*>(box);
+        self->isEndless_ = true;
+        XtSetSensitive(XtNameToWidget(self->box_, "OK"), False);
+    }
+    static void cancelled(Widget /*widget*/, XtPointer box, XtPointer /*callData*/) {
+        static_cast<WaitingBox*>(box)->leave();
+    }
+    static void destroyed(Widget /*widget*/, XtPointer box, XtPointer /*callData*/) {
+        delete static_cast<WaitingBox*>(box);
+    }
+
+    Widget parent_;
+    std::string library_;
+    std::unique_ptr<ConnectionAttempt> attempt_;
+    Clock::time_point start_ = Clock::now();
+    Widget box_ = nullptr;
+    XtIntervalId timer_ = 0;
+    std::string shown_;
+    bool isEndless_ = false;
+};
+
 }  // namespace
 
-void testConnectionFor(Widget parent, std::string connectionString) {
-    ConnectionOutcome outcome;
-    {
-        Widget shell = parent;
-        while (!XtIsShell(shell)) {
-            shell = XtParent(shell);
-        }
-        const BusyPointer busy(shell);
-        outcome = testConnection(std::move(connectionString));
-    }
-    showOutcome(parent, outcome);
+void testConnectionFor(Widget parent, const ConnectionTest& test, const std::string& library) {
+    // It deletes itself.
+    new WaitingBox(parent, test, library);
 }

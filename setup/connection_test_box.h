@@ -5,7 +5,9 @@
 
 #include <string>
 
-// Tries the connection string (setup/connection_test.h) while the pointer over the window of `parent` is a watch, then
-// shows the outcome in a box over it: all that driver and driver manager say, scrolling where it is much. The string is
-// wiped.
-void testConnectionFor(Widget parent, std::string connectionString);
+#include "setup/connection_test.h"
+
+// Tries the connection while a box over `parent` tells the seconds. It ends after half a minute, unless the person
+// waits on, or at once when the person cancels it. Then a box shows the outcome: all that driver and driver manager
+// say, scrolling where it is much. `library` is the driver's.
+void testConnectionFor(Widget parent, const ConnectionTest& test, const std::string& library);

@@ -13,6 +13,7 @@
 
 #include "bos/library.h"
 #include "installer/configuration.h"
+#include "setup/known_drivers.h"
 #include "setup/settings.h"
 
 namespace {
@@ -124,7 +125,7 @@ void addLogin(std::vector<DriverProperty>& properties) {
 }  // namespace
 
 std::optional<std::vector<DriverProperty>> askDriver(const std::string& library) {
-    const std::unique_ptr<void, LibraryCloser> handle(dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL));
+    const std::unique_ptr<void, LibraryCloser> handle(dlopen(driverPath(library).c_str(), RTLD_LAZY | RTLD_LOCAL));
     if (!handle) {
         return std::nullopt;
     }

@@ -13,7 +13,7 @@ enum class PropertyKind {
     kMenu,   // One of the choices.
     kCombo,  // Text, with choices to pick from.
     kFixed,  // Shown and not edited.
-    kHidden  // Stored with a new data source, and not shown.
+    kHidden  // Not shown.
 };
 
 struct DriverProperty {
@@ -21,7 +21,9 @@ struct DriverProperty {
     std::string defaultValue;
     PropertyKind kind = PropertyKind::kText;
     std::vector<std::string> choices;
-    std::string help{};  // One line; empty when the driver says nothing.
+    std::string help{};             // One line; empty when the driver says nothing.
+    bool isPercentEncoded = false;  // The file has "%25" for "%" and "%2B" for "+", as in an address.
+    bool isNeverStored = false;     // Of use for a test alone: the driver does not read it from a data source.
 };
 
 // Loads the driver's library and asks it (ODBCINSTGetProperties, odbcinstext.h). Nothing when the library can't be

@@ -8,6 +8,7 @@
 #include <array>
 #include <cctype>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <vector>
 
@@ -70,20 +71,50 @@ private:
     }
 };
 
+// A password that the driver reads as it would a part of an address: "%" and two digits stand for a byte, "+" for a
+// blank.
+std::string percentDecoded(const std::string& text) {
+    std::string decoded;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        const bool isCode = text[place] == '%' && place + 2 < text.size() &&
+                            std::isxdigit(text[place + 1] & 0xFF) != 0 && std::isxdigit(text[place + 2] & 0xFF) != 0;
+        if (isCode) {
+            decoded += static_cast<char>(std::stoi(text.substr(place + 1, 2), nullptr, 16));
+            place += 2;
+        } else {
+            decoded += text[place] == '+' ? ' ' : text[place];
+        }
+    }
+    return decoded;
+}
+
+std::string percentEncoded(const std::string& text) {
+    std::string encoded;
+    for (const char byte : text) {
+        encoded += byte == '%' ? "%25" : byte == '+' ? "%2B" : byte == ' ' ? "%20" : std::string(1, byte);
+    }
+    return encoded;
+}
+
 // The password goes into the file only when the person says so: everything else that reads the file could read it too.
 class PasswordRow : public SettingRow {
 public:
-    PasswordRow(Widget parent, const std::string& key, const std::string& value, bool isInFile)
-        : SettingRow(parent, key) {
+    PasswordRow(Widget parent, const DriverProperty& property, const std::string& value, bool isInFile)
+        : SettingRow(parent, property.key), isPercentEncoded_(property.isPercentEncoded) {
+        const std::string& key = property.key;
         field_ = createTextField(parent, widgetName("Txt", key).c_str());
         XtVaSetValues(field_, XmNcolumns, kTextColumns, nullptr);
         // First the verifier: the field itself never sees the password, not even the stored one.
         XtAddCallback(field_, XmNmodifyVerifyCallback, checkPassword, static_cast<XtPointer>(&password_));
-        XmTextFieldSetString(field_, const_cast<char*>(value.c_str()));
-        toggle_ =
-            createToggleButton(parent, widgetName("TglSave", key).c_str(), setupText(SetupMessage::kSavePassword));
-        XmToggleButtonSetState(toggle_, isInFile ? True : False, False);
-        toggleHint_ = createLabel(parent, "LblSavePasswordHint", setupText(SetupMessage::kSavePasswordHint));
+        std::string shown = isPercentEncoded_ ? percentDecoded(value) : value;
+        XmTextFieldSetString(field_, shown.data());
+        explicit_bzero(shown.data(), shown.size());
+        if (!property.isNeverStored) {
+            toggle_ =
+                createToggleButton(parent, widgetName("TglSave", key).c_str(), setupText(SetupMessage::kSavePassword));
+            XmToggleButtonSetState(toggle_, isInFile ? True : False, False);
+            toggleHint_ = createLabel(parent, "LblSavePasswordHint", setupText(SetupMessage::kSavePasswordHint));
+        }
         filled();
     }
     ~PasswordRow() override {
@@ -94,9 +125,11 @@ public:
     }
     // Blanks included: whoever types a blank into a password means it.
     std::string value() const override { return password_ != nullptr ? password_ : ""; }
-    bool isStored() const override { return XmToggleButtonGetState(toggle_) != 0; }
+    std::string storedValue() const override { return isPercentEncoded_ ? percentEncoded(value()) : value(); }
+    bool isStored() const override { return toggle_ != nullptr && XmToggleButtonGetState(toggle_) != 0; }
 
 private:
+    bool isPercentEncoded_;
     char* password_ = nullptr;
 };
 
@@ -174,20 +207,27 @@ private:
     }
 };
 
+// Choices behind the one that leaves the setting to the driver.
+std::vector<std::string> withDriverDefault(const std::vector<std::string>& choices) {
+    std::vector<std::string> all{setupText(SetupMessage::kDriverDefault)};
+    std::copy_if(choices.begin(), choices.end(), std::back_inserter(all),
+                 [](const std::string& choice) { return !choice.empty(); });
+    return all;
+}
+
 // Text, with choices to pick from.
 class ComboRow : public ChoiceRow {
 public:
     ComboRow(Widget parent, const DriverProperty& property, const std::string& value)
-        : ChoiceRow(parent, property.key, XmDROP_DOWN_COMBO_BOX, property.choices) {
+        : ChoiceRow(parent, property.key, XmDROP_DOWN_COMBO_BOX, withDriverDefault(property.choices)) {
         XmTextFieldSetString(text_, const_cast<char*>(value.c_str()));
-        // An empty field says nothing of what the driver does then.
-        if (!property.defaultValue.empty()) {
-            companion_ = createLabel(parent, widgetName("LblDefault", property.key).c_str(),
-                                     setupText(SetupMessage::kDefaultHint, property.defaultValue));
-        }
+        tellDefault(parent, property);
         filled();
     }
-    std::string value() const override { return installer::trimmed(fieldText(text_)); }
+    std::string value() const override {
+        const std::string text = installer::trimmed(fieldText(text_));
+        return text == setupText(SetupMessage::kDriverDefault) ? std::string() : text;
+    }
 };
 
 // One of the choices. The first leaves the setting to the driver, and a stored value that the driver does not offer is
@@ -195,7 +235,9 @@ public:
 class MenuRow : public ChoiceRow {
 public:
     MenuRow(Widget parent, const DriverProperty& property, const std::string& value)
-        : MenuRow(parent, property.key, allValues(property, value), value) {}
+        : MenuRow(parent, property.key, allValues(property, value), value) {
+        tellDefault(parent, property);
+    }
     std::string value() const override {
         int position = 0;
         XtVaGetValues(field_, XmNselectedPosition, &position, nullptr);
@@ -212,16 +254,14 @@ private:
     }
     static Values allValues(const DriverProperty& property, const std::string& value) {
         Values values{""};
-        values.insert(values.end(), property.choices.begin(), property.choices.end());
+        std::copy_if(property.choices.begin(), property.choices.end(), std::back_inserter(values),
+                     [](const std::string& choice) { return !choice.empty(); });
         if (positionOf(value, values) == values.size()) {
             values.push_back(value);
         }
         return values;
     }
-    static Values labels(Values values) {
-        values.front() = setupText(SetupMessage::kDriverDefault);
-        return values;
-    }
+    static Values labels(const Values& values) { return withDriverDefault(values); }
     static std::size_t positionOf(const std::string& value, const Values& values) {
         const auto found = std::find_if(values.begin(), values.end(), [&value](const std::string& other) {
             return installer::sameName(other, value);
@@ -258,6 +298,14 @@ SettingRow::SettingRow(Widget parent, std::string key) : key_(std::move(key)) {
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
 }
 
+void SettingRow::tellDefault(Widget parent, const DriverProperty& property) {
+    // An empty field says nothing of what the driver does then.
+    if (!property.defaultValue.empty()) {
+        companion_ = createLabel(parent, widgetName("LblDefault", key_).c_str(),
+                                 setupText(SetupMessage::kDefaultHint, property.defaultValue));
+    }
+}
+
 std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty& property, const std::string& value,
                                              bool isInFile) {
     std::unique_ptr<SettingRow> row;
@@ -266,7 +314,7 @@ std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty
             row = std::make_unique<TextRow>(parent, property.key, widgetName("Txt", property.key), value);
             break;
         case PropertyKind::kPassword:
-            row = std::make_unique<PasswordRow>(parent, property.key, value, isInFile);
+            row = std::make_unique<PasswordRow>(parent, property, value, isInFile);
             break;
         case PropertyKind::kFile:
             row = std::make_unique<FileRow>(parent, property.key, value);
@@ -283,7 +331,12 @@ std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty
         case PropertyKind::kHidden:
             return nullptr;
     }
-    row->setHelp(property.help);
+    row->help_ = property.help;
+    // A field that grows with the window has no room behind it, as a list of choices has.
+    if (property.kind == PropertyKind::kText && !property.defaultValue.empty()) {
+        row->help_ += (row->help_.empty() ? "" : " ") + setupText(SetupMessage::kDefaultHint, property.defaultValue);
+    }
+    row->isNeverStored_ = property.isNeverStored;
     return row;
 }
 

@@ -26,7 +26,6 @@ public:
     Widget toggleHint() const noexcept { return toggleHint_; }
     // What the driver says of the setting, one line; empty when it says nothing.
     const std::string& help() const noexcept { return help_; }
-    void setHelp(const std::string& help) { help_ = help; }
     // Whether the field grows with the window.
     virtual bool isStretched() const { return true; }
     // The widget inside of the field that takes the keyboard.
@@ -34,13 +33,19 @@ public:
 
     // What stands in the field, without blanks around it.
     virtual std::string value() const = 0;
+    // The same as the file has it.
+    virtual std::string storedValue() const { return value(); }
     // Whether it is to be stored; what is not is deleted from the data source.
     virtual bool isStored() const { return true; }
+    // Whether the file is left alone with it, whatever stands in the field.
+    bool isNeverStored() const noexcept { return isNeverStored_; }
     // Whether it is another than at first. What a field can't show exactly counts as unchanged while nobody touches it.
     bool isChanged() const { return value() != initial_; }
 
 protected:
     SettingRow(Widget parent, std::string key);
+    // Says behind the field what the driver does without a value, when that is known.
+    void tellDefault(Widget parent, const DriverProperty& property);
     // To be called by each kind when its field is filled.
     void filled() { initial_ = value(); }
 
@@ -52,8 +57,11 @@ protected:
     Widget toggleHint_ = nullptr;
 
 private:
+    friend std::unique_ptr<SettingRow> createSettingRow(Widget, const DriverProperty&, const std::string&, bool);
+
     std::string help_;
     std::string initial_;
+    bool isNeverStored_ = false;
 };
 
 // What stands before the field of a setting: drivers name their settings for files, the common ones read better in

@@ -46,6 +46,12 @@ void placeAtEnd(Widget companion, Widget field, Widget above, int margin) {
     Attach(field).leftOf(companion, kWindowGap);
 }
 
+// The file keeps no blanks at the ends, which a password may have.
+bool isStorable(const SettingRow& row) {
+    const std::string value = row.storedValue();
+    return value == installer::trimmed(value);
+}
+
 // Two rows with the same words would be told apart by nobody: the driver's own names do.
 void useKeysForEqualLabels(const std::vector<std::unique_ptr<SettingRow>>& rows) {
     for (const auto& row : rows) {
@@ -157,9 +163,8 @@ void SettingRows::layOut() {
     if (further_) {
         placeField(further_->label(), further_->frame(), above, 0, true);
         XtVaSetValues(further_->label(), XmNbottomAttachment, XmATTACH_NONE, nullptr);
-        // In line with the fields above: in line with its own, it and its field would depend on each other.
-        XtVaSetValues(further_->hint(), XmNleftAttachment, XmATTACH_OPPOSITE_WIDGET, XmNleftWidget, above, nullptr);
-        Attach(further_->hint()).below(further_->frame(), 0);
+        // In line with the fields by way of the label: if it were by a field, they would depend on each other.
+        Attach(further_->hint()).below(further_->frame(), 0).rightOf(further_->label(), kWindowGap);
     }
     width_ = preferredWidth(form_);
     height_ = preferredHeight(form_);
@@ -210,17 +215,20 @@ bool SettingRows::hasRow(const std::string& key) const {
 
 std::optional<SetupFailure> SettingRows::collect(Settings& changed) const {
     for (const auto& row : rows_) {
+        if (row->isNeverStored()) {
+            continue;
+        }
         if (!row->isStored()) {
             setValue(changed, row->key(), {});
         } else if (row->isChanged()) {
-            setValue(changed, row->key(), row->value());
+            setValue(changed, row->key(), row->storedValue());
         }
     }
-    if (!further_) {
-        return std::nullopt;
+    Settings more;
+    std::optional<SetupFailure> failure = furtherChanges(more);
+    for (const installer::Attribute& setting : more) {
+        setValue(changed, setting.key, isUnstoredPassword(setting) ? std::string() : setting.value);
     }
-    std::optional<SetupFailure> failure =
-        further_->changes([this](const std::string& key) { return hasRow(key); }, changed);
     if (failure) {
         // A row may have the same key, but the line is what has to be mended.
         failure->key.clear();
@@ -229,17 +237,36 @@ std::optional<SetupFailure> SettingRows::collect(Settings& changed) const {
     return failure;
 }
 
+std::optional<SetupFailure> SettingRows::furtherChanges(Settings& changed) const {
+    return further_ ? further_->changes([this](const std::string& key) { return hasRow(key); }, changed) : std::nullopt;
+}
+
+// Whether it is a password under another name, which is saved when the others are.
+bool SettingRows::isUnstoredPassword(const installer::Attribute& setting) const {
+    return installer::isPasswordKey(setting.key) && std::none_of(rows_.begin(), rows_.end(), [](const auto& row) {
+               return row->toggle() != nullptr && row->isStored();
+           });
+}
+
 void SettingRows::addUnstored(Settings& settings) const {
     for (const auto& row : rows_) {
-        if (!row->isStored()) {
-            setValue(settings, row->key(), row->value());
+        if (!row->isStored() || row->isNeverStored() || !isStorable(*row)) {
+            setValue(settings, row->key(), row->storedValue());
+        }
+    }
+    Settings more;
+    if (!furtherChanges(more)) {
+        for (const installer::Attribute& setting : more) {
+            if (isUnstoredPassword(setting)) {
+                setValue(settings, setting.key, setting.value);
+            }
         }
     }
 }
 
 std::optional<SetupFailure> SettingRows::checkStorable() const {
     for (const auto& row : rows_) {
-        if (row->isStored() && row->isChanged() && row->value() != installer::trimmed(row->value())) {
+        if (row->isStored() && row->isChanged() && !isStorable(*row)) {
             return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kPasswordBlanks), row->key()};
         }
     }

@@ -48,7 +48,7 @@ public:
 
     // Adds what the rows change to `changed`, passwords that are not to be stored as deleted; or tells what is wrong.
     std::optional<SetupFailure> collect(Settings& changed) const;
-    // Adds the passwords that are not to be stored.
+    // Adds what is not to be stored: passwords, and what is of use for a test alone.
     void addUnstored(Settings& settings) const;
     // What can't be stored as it is typed, though a connection can be tried with it.
     std::optional<SetupFailure> checkStorable() const;
@@ -61,6 +61,8 @@ private:
     void createRows(const RowContent& content);
     void watchScrolling();
     bool hasRow(const std::string& key) const;
+    std::optional<SetupFailure> furtherChanges(Settings& changed) const;
+    bool isUnstoredPassword(const installer::Attribute& setting) const;
     void fit();
 
     static void hiddenFieldReached(Widget window, XtPointer clientData, XtPointer callData);

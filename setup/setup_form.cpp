@@ -57,6 +57,7 @@ private:
     std::optional<SetupFailure> collect();
     std::optional<SetupFailure> collectSettings(Settings& changed) const;
     Settings typedSettings(const Settings& changed) const;
+    ConnectionTest connectionTest(const Settings& changed) const;
     void accept();
     void test();
     bool takesNameOfAnother() const;
@@ -225,13 +226,29 @@ Settings SetupForm::typedSettings(const Settings& changed) const {
     return settings;
 }
 
+// What is to be tried: a file data source by its settings, as the driver manager hands them on, and one of the user by
+// its name, as programs will.
+ConnectionTest SetupForm::connectionTest(const Settings& changed) const {
+    if (content_.isFile) {
+        return {connectionString(content_.driver, typedSettings(changed))};
+    }
+    DataSourceChange change{content_.storedName, content_.stored, name_->value(), content_.driver, content_.pending};
+    for (const installer::Attribute& setting : changed) {
+        setValue(change.values, setting.key, setting.value);
+    }
+    Settings unstored;
+    rows_->addUnstored(unstored);
+    std::erase_if(unstored, [](const installer::Attribute& setting) { return setting.value.empty(); });
+    return testOfDataSource(change.name, settingsAfter(change), unstored);
+}
+
 void SetupForm::test() {
     Settings changed;
     if (const std::optional<SetupFailure> failure = collectSettings(changed)) {
         report(*failure);
         return;
     }
-    testConnectionFor(form_, connectionString(content_.driver, typedSettings(changed)));
+    testConnectionFor(form_, connectionTest(changed), content_.library);
 }
 
 void SetupForm::accept() {

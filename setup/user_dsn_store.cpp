@@ -61,6 +61,16 @@ std::optional<SetupFailure> checkName(const std::string& name) {
     return std::nullopt;
 }
 
+Settings settingsAfter(const DataSourceChange& change) {
+    const bool isNew = change.storedName.empty();
+    Settings settings = isNew ? Settings() : change.stored;
+    if (isNew || !sameName(listedDriver(change.storedName), change.driver)) {
+        setValue(settings, kDriverKey, change.driver);
+    }
+    applyChanges(change.values, settings);
+    return settings;
+}
+
 std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {
     const bool isNew = change.storedName.empty();
     const bool renamed = !isNew && change.storedName != change.name;
@@ -74,12 +84,7 @@ std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {
         return failure;
     }
 
-    Settings wanted = isNew ? Settings() : change.stored;
-    if (isNew || !sameName(listedDriver(change.storedName), change.driver)) {
-        setValue(wanted, kDriverKey, change.driver);
-    }
-    applyChanges(change.values, wanted);
-
+    const Settings wanted = settingsAfter(change);
     installer::ConfigurationChange file;
     if (renamed) {
         // First, since a name that differs in case alone is the same section to the file.

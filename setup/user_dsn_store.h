@@ -25,6 +25,9 @@ struct DataSourceChange {
     Settings values;  // What changes; an empty value deletes its key. "DSN" and "Driver" are passed over.
 };
 
+// What the data source holds after the change, "Driver" included.
+[[nodiscard]] Settings settingsAfter(const DataSourceChange& change);
+
 // Stores a change, after checking it: writes and deletes what differs from `stored` and nothing else. A data source
 // that gets a new name keeps its other keys. Returns what went wrong.
 [[nodiscard]] std::optional<SetupFailure> saveDataSource(const DataSourceChange& change);

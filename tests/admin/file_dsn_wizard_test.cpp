@@ -219,11 +219,12 @@ TEST_F(FileDsnWizardTest, WhatIsThereIsOverwrittenOnlyWhenThePersonSaysSo) {
 TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     const std::string longest(990, 'l');
     const std::string other = files.write("b.dsn", "[ODBC]\nUID=u\n");
-    files.write("a.dsn", "[Other]\nA=1\n[ODBC]\nDRIVER={Talker}\nUID=u\nEmpty=\nLong=" + longest + "\n");
+    const std::string odd =
+        files.write("a\tb.dsn", "[Other]\nA=1\n[ODBC]\nDRIVER={Talker}\nUID=u\nEmpty=\nLong=" + longest + "\n");
     files.write(OdbcFiles::kUser, "[ODBC FILE DSN]\nDefaultDSNDir=" + files.path("") + "\n");
     openPage();
     Widget list = child(FSelect, "*ItemsList");
-    ASSERT_EQ(listed(), (Rows{"a.dsn", "b.dsn"}));
+    ASSERT_EQ(listed(), (Rows{"a\tb.dsn", "b.dsn"}));
     XmListDeselectAllItems(list);
     click(BtnFDConfigure);
     expectReport(Message::kFileConfigureSelectOne);
@@ -231,8 +232,8 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     expectReport(Message::kRemoveSelectOne);
 
     clickRow(list, 1, 2);
-    EXPECT_EQ(calls(), call(2, "Talker",
-                            "DSN=" + path_ + "\0DRIVER={Talker}\0UID=u\0Empty=\0Long="s + longest + "\0\0"s, path_));
+    EXPECT_EQ(calls(),
+              call(2, "Talker", "DSN=" + odd + "\0DRIVER={Talker}\0UID=u\0Empty=\0Long="s + longest + "\0\0"s, odd));
     EXPECT_EQ(DsnType, kFileDataSource);
 
     for (Widget reached : {list, child(FSelect, "Text")}) {
@@ -251,7 +252,7 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     click(BtnFDConfigure);
     expectReport(Message::kFileDsnUnreadable);
     remove(other.c_str());
-    EXPECT_EQ(listed(), Rows{"a.dsn"});
+    EXPECT_EQ(listed(), Rows{"a\tb.dsn"});
 
     click(BtnSetDirectory);
     EXPECT_EQ(answer("OK"), catalogText(Message::kSetDirectoryQuestion));
@@ -259,11 +260,11 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
 
     clickRow(list, 1);
     click(BtnFDRemove);
-    EXPECT_EQ(answer("Cancel"), "Remove the data source \"" + path_.substr(1) + "\"    and all its settings?");
-    EXPECT_NE(files.read("a.dsn"), kMissing);
+    EXPECT_EQ(answer("Cancel"), "Remove the data source \"" + odd.substr(1) + "\"    and all its settings?");
+    EXPECT_NE(files.read("a\tb.dsn"), kMissing);
     click(BtnFDRemove);
     answer("OK");
-    EXPECT_EQ(files.read("a.dsn"), kMissing);
+    EXPECT_EQ(files.read("a\tb.dsn"), kMissing);
     EXPECT_EQ(listed(), Rows{catalogText(Message::kNoFileDsns)});
     clickRow(list, 1);
     click(BtnFDRemove);

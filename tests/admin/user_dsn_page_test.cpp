@@ -142,7 +142,7 @@ TEST_F(UserDsnPageTest, EachFailureOfADriversSetupHasItsReport) {
 }
 
 TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
-    files.write(OdbcFiles::kDrivers, "[Plain]\nDriver=/p.so\n[Recorder]\nDriver=/r.so\nSetup=" VH_TEST_SETUP "\n");
+    files.write(OdbcFiles::kDrivers, "[Plain]\nDriver=/p.so\n[Rec\torder]\nDriver=/r.so\nSetup=" VH_TEST_SETUP "\n");
     openWith("[ODBC Data Sources]\nabc=Recorder\n");
     clickFor(BtnAdd, DlgDriverPopup);
     EXPECT_EQ(DsnType, kUserDataSource);
@@ -155,17 +155,17 @@ TEST_F(UserDsnPageTest, AddCallsTheDriverThatIsChosen) {
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\nabc=Recorder\nadded=Recorder\n");
     clickRow(LstDPName, 2);
     click(BtnFinish);
-    EXPECT_EQ(calls(), call(1, "Recorder"));
+    EXPECT_EQ(calls(), call(1, "Rec\torder"));
     EXPECT_EQ(rows(LstUName), (Rows{"abc", "added"}));
     EXPECT_FALSE(isVisible(XtParent(DlgDriverPopup)));
 
     click(BtnAdd);
     clickRow(LstDPName, 2, 2);
-    EXPECT_EQ(calls(), call(1, "Recorder"));
+    EXPECT_EQ(calls(), call(1, "Rec\torder"));
     clickFor(BtnAdd, DlgDriverPopup);
     clickRow(LstDPName, 2);
     key(XK_Return);
-    EXPECT_EQ(calls(), call(1, "Recorder"));
+    EXPECT_EQ(calls(), call(1, "Rec\torder"));
 }
 
 TEST_F(UserDsnPageTest, ReturnInAListConfiguresItsRowAndPressesNothing) {

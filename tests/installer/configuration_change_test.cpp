@@ -58,7 +58,7 @@ TEST_F(ConfigurationChangeTest, OnlyTheChangeIsMade) {
                   {"a/K=2"},
                   "; c\n\n[A]\n# d\nK=2\n; e\nz=\n\n\n[B]\nq\n"},
              Case{"[A]\r\nk  = 1\r\n# d\r\n\r\n[B]\r\n",
-                  {"A/k=2", "A/new=3"},
+                  {"A/k= 2\t", "A/new=3"},
                   "[A]\r\nk  = 2\r\nnew=3\r\n# d\r\n\r\n[B]\r\n"},
              Case{"[A]\nk=1\nk=2\n[A]\nk=3", {"A/k=9"}, "[A]\nk=9\nk=2\n[A]\nk=3"},
              Case{"[A]\nk=1\nk=2\n[A]\nk=3", {"A/k", "A/n=4"}, "[A]\nn=4\n[A]\nk=3"},
@@ -85,11 +85,12 @@ TEST_F(ConfigurationChangeTest, ADataSourceComesChangesAndGoes) {
         thousand += "S" + std::to_string(i) + "=D\n";
     }
     for (int i = 0; i < 1000; ++i) {
-        thousand += "\n# of " + std::to_string(i) + "\n[S" + std::to_string(i) + "]\nDriver = D\n";
+        thousand += "\n# next\n[S" + std::to_string(i) + "]\nDriver = D\n";
     }
     const std::string list = "; mine\n[ODBC Data Sources]\nA=D\n";
+    const std::string longLine = list + "[A]\n" + kLongLine + "# c\n";
     for (const std::string& before :
-         {thousand, list, list + "[A]\n" + kLongLine + "# c\n", list + "[A]\nk=1\n[A]\nk=2\nk=3",
+         {thousand, list, longLine, list + "[A]\nk=1\n[A]\nk=2\nk=3",
           std::string("[ODBC Data Sources]\r\n\r\n[A]\r\nk=1\r\n\r\n"), list + "[A]\n\xff\x80=\xc3\n\tnoise\n[]\n\n"}) {
         files.write(OdbcFiles::kUser, before);
         EXPECT_FALSE(change({"New/Driver=D", "New/k=1", "ODBC Data Sources/New=D"}));
@@ -114,6 +115,7 @@ TEST_F(ConfigurationChangeTest, WhatTheLibraryCanNotKeepIsToldByItsLine) {
              Case{"# c\nk=1\n[A]\n", "A/k=2", Reason::kBadLine, 2},
              Case{"[A]\n", "A/k=" + std::string(998, 'v'), Reason::kLineTooLong, 0},
              Case{"[A]\n", "A/k=1\n[B]", Reason::kLineTooLong, 0},
+             Case{"# c\n[A]\n", "A/#k=1", Reason::kRefused, 0},
          }) {
         files.write(OdbcFiles::kUser, before);
         const std::optional<ChangeFailure> failure = change({step});
@@ -161,6 +163,14 @@ TEST_F(ConfigurationChangeTest, TheFileStaysWhatItIsAndItsFirstTextIsKept) {
         EXPECT_EQ(after.st_mode & 07777, 0640U);
         EXPECT_EQ(after.st_uid, isRoot ? 1234U : getuid());
     }
+    // An empty file, here by a relative name, is not kept in the place of that.
+    files.write("target.ini", "");
+    EXPECT_EQ(runInChild([this] {
+                  std::filesystem::current_path(files.path(""));
+                  return setenv("ODBCINI", "target.ini", 1) != 0 || change({"A/k=4"}) ? 1 : 0;
+              }),
+              0);
+    EXPECT_EQ(files.read("target.ini") + files.read("target.ini~"), "[A]\nk=4\n[A]\nk=1\n");
 }
 
 // In the place of the file or, for one with two names, in place: whatever the system does not do, and at whatever call
@@ -169,8 +179,10 @@ TEST_F(ConfigurationChangeTest, AFailureOrAKillAtAnyCallLeavesOneTextWhole) {
     const std::string home = files.path("");
     const ScopedEnvironment copies{{"HOME", home}};
     const std::string before = "[A]\nk=1\n# c\nz=1\n";
-    for (const auto& [step, after] :
-         {std::pair<std::string, std::string>{"A/k=22", "[A]\nk=22\n# c\nz=1\n"}, {"A/k", "[A]\n# c\nz=1\n"}}) {
+    using Case = std::pair<std::string, std::string>;
+    for (const Case& test : {Case{"A/k=22", "[A]\nk=22\n# c\nz=1\n"}, {"A/k", "[A]\n# c\nz=1\n"}}) {
+        const std::string& step = test.first;
+        const std::string& after = test.second;
         for (const bool isInPlace : {false, true}) {
             for (const Fault kind : {Fault::kActsAndFails, Fault::kDiskIsGone, Fault::kKilled}) {
                 int count = 0;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <odbcinst.h>
+#include <sys/stat.h>
 
 #include "installer/drivers.h"
 #include "tests/support/odbc_files.h"
@@ -54,6 +55,8 @@ TEST_F(ConfigurationTest, WhatCanNotBeReadIsEmptyAndNotCreated) {
     EXPECT_EQ(installer::readValue("ODBC", "Driver", file), "");
     EXPECT_EQ(installer::listKeys("ODBC", file, installer::Growth::kByDoubling).names, Names());
     EXPECT_EQ(files.read("a.dsn"), "(missing)");
+    mkfifo(files.path("pipe").c_str(), 0600);  // to be opened by nobody
+    EXPECT_EQ(installer::readValue("ODBC", "Driver", files.path("pipe")), "");
     files.write("a.dsn", "[ODBC]\nDriver=X\n");
     EXPECT_EQ(installer::readValue("ODBC", "Driver", file), "X");
 }

@@ -1,0 +1,147 @@
+#include "setup/known_drivers.h"
+
+#include <dlfcn.h>
+#include <sql.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace {
+
+using Properties = std::vector<DriverProperty>;
+
+// A driver is known by what its library's name begins with.
+struct KnownDriver {
+    std::string_view name;
+    const char* package;
+    Properties (*properties)();  // Null for a driver that describes itself well.
+};
+
+DriverProperty text(const char* key, const char* help, const char* defaultValue = "") {
+    return {key, defaultValue, PropertyKind::kText, {}, help};
+}
+
+DriverProperty file(const char* key, const char* help) {
+    return {key, "", PropertyKind::kFile, {}, help};
+}
+
+DriverProperty password(const char* key) {
+    return {key, "", PropertyKind::kPassword, {}, "Password of the database user."};
+}
+
+DriverProperty forTests(DriverProperty property) {
+    property.isNeverStored = true;
+    return property;
+}
+
+// psqlodbc, as it reads a data source: there it knows neither Server nor UID nor PWD.
+Properties postgresql() {
+    Properties properties{text("Servername", "Name or address of the database server.", "localhost"),
+                          text("Port", "Port that the server listens on.", "5432"),
+                          text("Database", "Database to connect to."),
+                          text("Username", "Database user."),
+                          password("Password"),
+                          {"SSLmode",
+                           "prefer",
+                           PropertyKind::kMenu,
+                           {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"},
+                           "Whether the connection is encrypted and checked."}};
+    properties[4].isPercentEncoded = true;
+    return properties;
+}
+
+Properties mariadb() {
+    return {text("Server", "Name or address of the database server.", "localhost"),
+            text("Port", "Port that the server listens on.", "3306"),
+            text("Socket", "Socket of a server on this machine."),
+            text("Database", "Database to connect to."),
+            text("User", "Database user."),
+            password("Password"),
+            text("Charset", "Character set of the connection."),
+            {"ForceTLS", "0", PropertyKind::kMenu, {"0", "1"}, "1 refuses a connection that is not encrypted."},
+            {"SSLVerify", "0", PropertyKind::kMenu, {"0", "1"}, "1 checks that the certificate is the server's."},
+            file("SSLCA", "Certificates of the authorities that are trusted."),
+            file("SSLCert", "Certificate of the client."),
+            file("SSLKey", "Private key of the client.")};
+}
+
+Properties mdbtools() {
+    return {file("Database", "File of Microsoft Access, .mdb or .accdb.")};
+}
+
+constexpr const char* kLoginHelp = "For the test alone: FreeTDS does not read it from a data source.";
+
+// Its own description proposes the protocol 4.2, which sends the password in clear.
+Properties freetds() {
+    return {
+        text("Servername", "Section of freetds.conf that tells server, port and protocol. Not together with Server."),
+        text("Server", "Name or address of the database server. Not together with Servername."),
+        text("Port", "Port that the server listens on.", "1433"),
+        text("Database", "Database to connect to."),
+        forTests(text("UID", kLoginHelp)),
+        forTests({"PWD", "", PropertyKind::kPassword, {}, kLoginHelp}),
+        {"Login", "not stored: FreeTDS takes it from the program alone", PropertyKind::kFixed, {}, kLoginHelp},
+        {"TDS_Version",
+         "",
+         PropertyKind::kCombo,
+         {"auto", "7.4", "7.3", "7.2", "7.1", "7.0", "5.0"},
+         "Version of the protocol: 5.0 for Sybase, 7.4 for SQL Server 2012 and later."},
+        {"Encryption", "", PropertyKind::kMenu, {"off", "request", "require"}, "Whether the connection is encrypted."},
+        text("ClientCharset", "Character set of the programs, such as UTF-8."),
+        text("Timeout", "Seconds to wait for the server.", "10")};
+}
+
+constexpr std::array kDrivers{
+    KnownDriver{"psqlodbc", "odbc-postgresql", postgresql}, KnownDriver{"libmaodbc", "odbc-mariadb", mariadb},
+    KnownDriver{"libmdbodbc", "odbc-mdbtools", mdbtools},   KnownDriver{"libtdsodbc", "tdsodbc", freetds},
+    KnownDriver{"vhfreetds", "tdsodbc", freetds},           KnownDriver{"libsqlite3odbc", "libsqliteodbc", nullptr}};
+
+std::string_view baseName(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+const KnownDriver* find(const std::string& library) {
+    const auto* const found = std::find_if(kDrivers.begin(), kDrivers.end(), [&library](const KnownDriver& driver) {
+        return baseName(library).starts_with(driver.name);
+    });
+    return found == kDrivers.end() ? nullptr : found;
+}
+
+// The folder of the driver manager that this process uses.
+std::string managerFolder() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<void*>(&SQLAllocHandle), &info) == 0 || info.dli_fname == nullptr) {
+        return {};
+    }
+    const std::string path = info.dli_fname;
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+}  // namespace
+
+std::optional<Properties> knownProperties(const std::string& library) {
+    const KnownDriver* driver = find(library);
+    return driver != nullptr && driver->properties != nullptr ? std::optional(driver->properties()) : std::nullopt;
+}
+
+std::string driverPath(const std::string& library) {
+    if (library.find('/') != std::string::npos) {
+        return library;
+    }
+    // libodbc's build sets the module directory, which nobody can ask for: Debian and others have it there.
+    const std::string path = managerFolder() + "odbc/" + library;
+    return access(path.c_str(), F_OK) == 0 ? path : library;
+}
+
+bool isDriverInstalled(const std::string& library) {
+    const std::string path = driverPath(library);
+    return path.find('/') != std::string::npos ? access(path.c_str(), F_OK) == 0
+                                               : access((managerFolder() + library).c_str(), F_OK) == 0;
+}
+
+std::string packageOf(const std::string& library) {
+    const KnownDriver* driver = find(library);
+    return driver != nullptr ? driver->package : "";
+}
