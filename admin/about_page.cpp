@@ -1,6 +1,7 @@
 #include "admin/about_page.h"
 
 #include <array>
+#include <string>
 #include <vector>
 
 #include "admin/globals.h"
@@ -29,12 +30,26 @@ namespace {
 
 Table Components;
 
+// What rows 2 to 4 are about.
+std::vector<std::string> componentLibraries() {
+    // The conversion library is named after the library it wraps, with the product's prefix and version suffix.
+    char conversionLibrary[16] = "libvhicu";
+    bosdllname(conversionLibrary);
+    return {"odbccurs", "libodbc", conversionLibrary};
+}
+
 // Keeps the headers above the columns while the lists scroll sideways.
 void scrolled(Widget /*scrollBar*/, XtPointer /*clientData*/, XtPointer callData) {
     Components.scrollHeaders(callData);
 }
 
 }  // namespace
+
+void beginAboutTab() {
+    for (const std::string& library : componentLibraries()) {
+        beginAsking(library);
+    }
+}
 
 Widget createAboutForm(Widget notebook) {
     FrmAbout = createPage(notebook, "FrmAbout");
@@ -67,17 +82,14 @@ void populateAboutTab() {
     // The last two texts are crossed on purpose: translated catalogs hold them under these numbers.
     constexpr Message::Number kDescriptions[kRows] = {Message::kAboutAdministrator, Message::kAboutCursorLibrary,
                                                       Message::kAboutDriverManager, Message::kAboutConversionLibrary};
-    // The conversion library is named after the library it wraps, with the product's prefix and version suffix.
-    char conversionLibrary[16] = "libvhicu";
-    bosdllname(conversionLibrary);
-    const char* const kNames[kRows] = {"odbcadmin", "odbccurs", "libodbc", conversionLibrary};
+    const std::vector<std::string> libraries = componentLibraries();
 
     std::array<FixedRow, kRows> names{};
     std::array<FixedRow, kRows> descriptions{};
     std::array<FixedRow, kRows> versions{};
-    const std::vector<ComponentAnswer> answers = askComponents({kNames + 1, kNames + kRows});
+    const std::vector<ComponentAnswer> answers = askComponents(libraries);
     for (std::size_t row = 0; row < kRows; ++row) {
-        strCopy(names[row].data(), names[row].size(), kNames[row]);
+        strCopy(names[row].data(), names[row].size(), row == 0 ? "odbcadmin" : libraries[row - 1].c_str());
         strCopy(descriptions[row].data(), descriptions[row].size(), catalogText(kDescriptions[row]).c_str());
         strCopy(versions[row].data(), versions[row].size(),
                 row == 0 ? getFileVersionString() : answers[row - 1].version.c_str());

@@ -17,6 +17,9 @@ extern Widget LstAbtDesc;
 extern Widget LstAbtVersion;
 extern Widget LstAbtFile;
 
+// Begins to ask the components for their versions, so that the answers are there when the page is built.
+void beginAboutTab();
+
 // Builds the page, unmanaged; its tab belongs to the main window.
 Widget createAboutForm(Widget notebook);
 

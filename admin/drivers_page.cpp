@@ -64,6 +64,7 @@ DriverColumns describeDrivers(const std::vector<std::string>& names) {
         if (library.empty()) {
             showODBCINSTError();
         }
+        beginAsking(library);
         libraries.push_back(library);
         columns.files.push_back(library.substr(library.rfind('/') + 1));
         columns.dates.push_back(modificationDate(library));

@@ -132,6 +132,7 @@ void fillPages() {
 
 void create_shODBCAdmin(Display* connection, char* appName, int argc, char** argv) {
     guarded([=] {
+        beginAboutTab();
         const std::string title = catalogText(Message::kWindowTitle);
         ArgumentList arguments;
         arguments.set(XmNtitle, title.c_str()).set(XmNiconName, title.c_str()).set(XtNargc, argc).set(XtNargv, argv);

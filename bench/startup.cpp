@@ -6,6 +6,7 @@
 // Before this line nothing of X11.
 
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <thread>
@@ -51,12 +52,14 @@ void bareNotebook(benchmark::State& state) {
     measure(state, VH_BENCH_BARE_NOTEBOOK);
 }
 
-// range(0): drivers, all of them our SQLite driver; range(1): data sources of five keys each.
+// range(0): drivers, each with a library of its own name, all of them our SQLite driver; range(1): data sources of five keys each.
 void administrator(benchmark::State& state) {
     const OdbcFiles files;
     std::string drivers;
     for (int i = 0; i < state.range(0); ++i) {
-        drivers += "[Driver " + std::to_string(i) + "]\nDriver=" VH_BENCH_STAGE "/lib/vhsqlite23.so\n";
+        const std::string library = files.path("driver" + std::to_string(i) + ".so");
+        std::filesystem::create_symlink(VH_BENCH_STAGE "/lib/vhsqlite23.so", library);
+        drivers += "[Driver " + std::to_string(i) + "]\nDriver=" + library + "\n";
     }
     std::string list = "[ODBC Data Sources]\n";
     std::string sections;

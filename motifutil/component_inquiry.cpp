@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <list>
 #include <map>
 #include <tuple>
@@ -112,6 +113,7 @@ public:
 private:
     void start();
     bool isComplete() const { return std::count(answerText_.begin(), answerText_.end(), '\0') >= 3; }
+    bool hasVersion() const { return isComplete() && answerText_[answerText_.find('\0') + 1] != '\0'; }
     std::string reason() const;
 
     std::string path_;
@@ -184,7 +186,7 @@ std::string Inquiry::reason() const {
         return "gave no answer within 2 seconds";
     }
     if (!line.empty()) {
-        return isComplete() ? "printed: " + line : line;
+        return hasVersion() ? "printed: " + line : line;
     }
     if (!isComplete()) {
         return WIFSIGNALED(status_) ? std::string("ended the process that asked it: ") + strsignal(WTERMSIG(status_))
@@ -194,8 +196,7 @@ std::string Inquiry::reason() const {
 }
 
 std::string Inquiry::complaint() const {
-    const bool hasVersion = isComplete() && answerText_[answerText_.find('\0') + 1] != '\0';
-    if (hasVersion && printedText_.empty()) {
+    if (hasVersion() && printedText_.empty()) {
         return {};
     }
     const std::string text = reason();
@@ -214,86 +215,106 @@ FileState stateOf(const std::string& path) {
             status.st_mtim.tv_nsec, status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
 }
 
-struct Known {
-    FileState state;
-    ComponentAnswer answer;
-};
-
-// By path; a library that is found nowhere stands under its name.
-std::map<std::string, Known>& known() {
-    static std::map<std::string, Known> answers;
-    return answers;
-}
-
-bool isKnown(const std::string& path, const FileState& state) {
-    const auto found = known().find(path);
-    return found != known().end() && found->second.state == state;
-}
-
-void complain(const std::string& text, Complaints complaints) {
-    if (complaints == Complaints::kToStandardError && !text.empty()) {
-        std::fprintf(stderr, "%s\n", text.c_str());
-    }
-}
-
-void waitForAny(const std::list<Inquiry>& running, Clock::time_point now) {
-    std::vector<pollfd> watched;
-    Clock::time_point look = now + kPatience;
-    for (const Inquiry& inquiry : running) {
-        inquiry.watch(watched);
-        look = std::min(look, inquiry.nextLook(now));
-    }
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(look - now);
-    poll(watched.data(), watched.size(), std::max(static_cast<int>(wait.count()), 0));
-}
-
-void askAll(const std::vector<std::string>& paths, Complaints complaints) {
-    std::list<Inquiry> running;
-    auto next = paths.begin();
-    while (next != paths.end() || !running.empty()) {
-        Clock::time_point now = Clock::now();
-        const auto isBusy = [&now](const Inquiry& inquiry) { return inquiry.isBusy(now); };
-        while (next != paths.end() && running.size() < kMostProcesses &&
-               std::count_if(running.begin(), running.end(), isBusy) < kMostBusy) {
-            running.emplace_back(*next++);
+// Everything that was ever asked in this run of the program.
+class Inquiries {
+public:
+    // Returns under what the answer will be found: the path, or the name of a library that is found nowhere.
+    std::string begin(const std::string& library, Complaints complaints) {
+        const std::string path = library.empty() ? "" : locateLibrary(library.c_str());
+        std::string key = path.empty() ? library : path;
+        const FileState state = stateOf(path);
+        const auto known = known_.find(key);
+        if (known != known_.end() && known->second.state == state) {
+            return key;
         }
-        waitForAny(running, now);
-        now = Clock::now();
-        for (auto inquiry = running.begin(); inquiry != running.end();) {
+        known_[key] = {state, complaints, {}};
+        if (!path.empty()) {
+            waiting_.push_back(path);
+            startMore(Clock::now());
+        } else if (!library.empty()) {
+            complain(library + ": no such library", complaints);
+        }
+        return key;
+    }
+    void finishAll() {
+        while (!running_.empty() || !waiting_.empty()) {
+            const Clock::time_point now = Clock::now();
+            startMore(now);
+            waitForAny(now);
+            takeAnswers();
+        }
+    }
+    const ComponentAnswer& answer(const std::string& key) { return known_[key].answer; }
+
+private:
+    struct Known {
+        FileState state;
+        Complaints complaints;
+        ComponentAnswer answer;
+    };
+
+    static void complain(const std::string& text, Complaints complaints) {
+        if (complaints == Complaints::kToStandardError && !text.empty()) {
+            std::fprintf(stderr, "%s\n", text.c_str());
+        }
+    }
+    void startMore(Clock::time_point now) {
+        const auto isBusy = [&now](const Inquiry& inquiry) { return inquiry.isBusy(now); };
+        while (!waiting_.empty() && running_.size() < kMostProcesses &&
+               std::count_if(running_.begin(), running_.end(), isBusy) < kMostBusy) {
+            running_.emplace_back(waiting_.front());
+            waiting_.pop_front();
+        }
+    }
+    void waitForAny(Clock::time_point now) const {
+        std::vector<pollfd> watched;
+        Clock::time_point look = now + kPatience;
+        for (const Inquiry& inquiry : running_) {
+            inquiry.watch(watched);
+            look = std::min(look, inquiry.nextLook(now));
+        }
+        const auto wait = std::chrono::ceil<std::chrono::milliseconds>(look - now);
+        poll(watched.data(), watched.size(), std::max(static_cast<int>(wait.count()), 0));
+    }
+    void takeAnswers() {
+        const Clock::time_point now = Clock::now();
+        for (auto inquiry = running_.begin(); inquiry != running_.end();) {
             if (inquiry->isOver(now)) {
-                known()[inquiry->path()].answer = inquiry->finish();
-                complain(inquiry->complaint(), complaints);
-                inquiry = running.erase(inquiry);
+                Known& known = known_[inquiry->path()];
+                known.answer = inquiry->finish();
+                complain(inquiry->complaint(), known.complaints);
+                inquiry = running_.erase(inquiry);
             } else {
                 ++inquiry;
             }
         }
     }
+
+    std::map<std::string, Known> known_;
+    std::deque<std::string> waiting_;
+    std::list<Inquiry> running_;
+};
+
+Inquiries& inquiries() {
+    static Inquiries all;
+    return all;
 }
 
 }  // namespace
 
+void beginAsking(const std::string& library) {
+    inquiries().begin(library, Complaints::kToStandardError);
+}
+
 std::vector<ComponentAnswer> askComponents(const std::vector<std::string>& libraries, Complaints complaints) {
     std::vector<std::string> keys;
-    std::vector<std::string> paths;
     for (const std::string& library : libraries) {
-        const std::string path = library.empty() ? "" : locateLibrary(library.c_str());
-        keys.push_back(path.empty() ? library : path);
-        const FileState state = stateOf(path);
-        if (isKnown(keys.back(), state)) {
-            continue;
-        }
-        known()[keys.back()] = {state, {}};
-        if (!path.empty()) {
-            paths.push_back(path);
-        } else if (!library.empty()) {
-            complain(library + ": no such library", complaints);
-        }
+        keys.push_back(inquiries().begin(library, complaints));
     }
-    askAll(paths, complaints);
+    inquiries().finishAll();
     std::vector<ComponentAnswer> answers;
     for (const std::string& key : keys) {
-        answers.push_back(known()[key].answer);
+        answers.push_back(inquiries().answer(key));
     }
     return answers;
 }

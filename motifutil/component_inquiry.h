@@ -15,6 +15,9 @@ struct ComponentAnswer {
 // Where the complaints go: one line for each library that gave no version, or that printed something.
 enum class Complaints { kToStandardError, kNowhere };
 
+// Begins to ask, for whoever will want the answer and has something else to do until then.
+void beginAsking(const std::string& library);
+
 // Asks all of these, named as bosLoadLibrary takes them, several at a time, and returns the answers in the same order.
 // One that takes longer than two seconds is given up. Each file is asked once, however often and under whatever names
 // it is given, until it changes.

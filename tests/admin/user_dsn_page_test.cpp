@@ -130,6 +130,8 @@ TEST_F(UserDsnPageTest, EachFailureOfADriversSetupHasItsReport) {
         click(BtnAdd);
         clickRow(LstDPName, row);
         click(BtnFinish);
+        const bool isAdvised = dialogText().find("odbcadmin-register '"s + test.driver + "'") != std::string::npos;
+        EXPECT_EQ(isAdvised, test.add != Message::kSetupFailed);
         expectReport(test.add);
         EXPECT_FALSE(isVisible(XtParent(DlgDriverPopup)));
     }

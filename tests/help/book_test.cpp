@@ -78,7 +78,7 @@ TEST_F(BookTest, ShowsTopicsFindsWordsAndKeepsFavorites) {
     const std::pair<std::string, std::string> kCases[] = {
         {"userdsn: User data sources" + end + "[] ", "Only you see them"},
         {"filedsn: File data sources" + end + "[] ", "Verifying deletes the old file."},
-        {"drivers: Drivers" + end + "[] ", "A row without version and company"},
+        {"drivers: Drivers" + end + "[] ", "A row without a version"},
         {"about: Versions" + end + "[] ", "the cursor library"},
         {"setup: The setup dialog" + end + "[] ", "Save the password"},
         {"nonsense: Contents" + end + "[] ", "There is no help topic nonsense."},
