@@ -251,6 +251,11 @@ enum Number : std::uint32_t {
     kDriverNotInstalled = 81,
     kDriverPackage = 82,
 
+    // The tabs of a dialog with many settings.
+    kTabGeneral = 90,
+    kTabSecurity = 91,
+    kTabAdvanced = 92,
+
     // The About form.
     kAboutTitle = 70,
     kAboutFile = 71,

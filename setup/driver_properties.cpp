@@ -98,11 +98,14 @@ std::vector<DriverProperty> copyProperties(const ODBCINSTPROPERTY* node) {
     return properties;
 }
 
+bool hasPart(const DriverProperty& property, std::initializer_list<const char*> parts) {
+    return std::any_of(parts.begin(), parts.end(),
+                       [&property](const char* part) { return strcasestr(property.key.c_str(), part) != nullptr; });
+}
+
 bool hasPart(const std::vector<DriverProperty>& properties, std::initializer_list<const char*> parts) {
-    return std::any_of(properties.begin(), properties.end(), [parts](const DriverProperty& property) {
-        return std::any_of(parts.begin(), parts.end(),
-                           [&property](const char* part) { return strcasestr(property.key.c_str(), part) != nullptr; });
-    });
+    return std::any_of(properties.begin(), properties.end(),
+                       [parts](const DriverProperty& property) { return hasPart(property, parts); });
 }
 
 // A driver of a server takes user and password, by the keywords that ODBC gives them (SQLDriverConnect), even if it
@@ -150,6 +153,16 @@ std::optional<std::vector<DriverProperty>> askDriver(const std::string& library)
     }
     addLogin(properties);
     return properties;
+}
+
+SettingGroup groupOf(const DriverProperty& property) {
+    if (hasPart(property, {"ssl", "tls", "encrypt", "cert", "auth", "kerberos", "krb", "trust"})) {
+        return SettingGroup::kSecurity;
+    }
+    const bool isGeneral = property.kind == PropertyKind::kPassword ||
+                           hasPart(property, {"server", "host", "address", "port", "socket", "database", "uid", "user",
+                                              "login", "catalog", "schema"});
+    return isGeneral ? SettingGroup::kGeneral : SettingGroup::kAdvanced;
 }
 
 std::vector<DriverProperty> commonProperties() {

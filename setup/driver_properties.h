@@ -31,5 +31,9 @@ struct DriverProperty {
 // added for a driver that names a server and no login.
 [[nodiscard]] std::optional<std::vector<DriverProperty>> askDriver(const std::string& library);
 
+// Where a setting stands in a dialog that has too many of them for one page.
+enum class SettingGroup { kGeneral, kSecurity, kAdvanced };
+SettingGroup groupOf(const DriverProperty& property);
+
 // What most drivers understand, for a driver that can't tell.
 std::vector<DriverProperty> commonProperties();

@@ -1,10 +1,15 @@
 #include "setup/setting_rows.h"
 
 #include <Xm/Form.h>
+#include <Xm/RowColumn.h>
 #include <Xm/ScrolledW.h>
+#include <Xm/ToggleB.h>
 #include <odbcinst.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <new>
 
 #include "motifutil/scrolling.h"
 #include "motifutil/spacing.h"
@@ -67,14 +72,20 @@ void useKeysForEqualLabels(const std::vector<std::unique_ptr<SettingRow>>& rows)
 }  // namespace
 
 SettingRows::SettingRows(Widget dialogForm, const RowContent& content) : properties_(content.properties) {
-    createWindow(dialogForm);
+    // A password never stands in plain text, so it can't stand among the further settings, and none is stored without
+    // the person's seeing it.
+    for (const installer::Attribute& setting : content.shown) {
+        if (installer::isPasswordKey(setting.key) && !hasRow(setting.key)) {
+            properties_.push_back({setting.key, "", PropertyKind::kPassword, {}});
+        }
+    }
+    createPages(dialogForm);
     createRows(content);
     watchScrolling();
 }
 
 void SettingRows::createWindow(Widget dialogForm) {
     window_ = createScrolledWindow(dialogForm, "scrWinSettings");
-    form_ = createForm(window_, "FormSettings");
     XtVaSetValues(window_, XmNshadowThickness, 0, nullptr);
     // The rows belong to the dialog, whatever ground lists in scrolled windows have.
     Widget clipWindow = nullptr;
@@ -86,17 +97,99 @@ void SettingRows::createWindow(Widget dialogForm) {
     XtUninstallTranslations(clipWindow);
 }
 
-void SettingRows::createRows(const RowContent& content) {
-    // A password never stands in plain text, so it can't stand among the further settings, and none is stored without
-    // the person's seeing it.
-    for (const installer::Attribute& setting : content.shown) {
-        if (installer::isPasswordKey(setting.key) && !hasRow(setting.key)) {
-            properties_.push_back({setting.key, "", PropertyKind::kPassword, {}});
+// One page for a few rows, else one for each group that has any. Further settings stand on the last.
+void SettingRows::createPages(Widget dialogForm) {
+    constexpr std::ptrdiff_t kMostRowsOfOnePage = 12;
+    struct Tab {
+        SettingGroup group;
+        const char* name;
+        SetupMessage::Number text;
+    };
+    constexpr std::array<Tab, 3> kTabs{{{SettingGroup::kGeneral, "TabGeneral", SetupMessage::kTabGeneral},
+                                        {SettingGroup::kSecurity, "TabSecurity", SetupMessage::kTabSecurity},
+                                        {SettingGroup::kAdvanced, "TabAdvanced", SetupMessage::kTabAdvanced}}};
+    const auto isShown = [](const DriverProperty& property) { return property.kind != PropertyKind::kHidden; };
+    if (std::count_if(properties_.begin(), properties_.end(), isShown) <= kMostRowsOfOnePage) {
+        createWindow(dialogForm);
+        pages_ = {{this, SettingGroup::kGeneral, createForm(window_, "FormSettings"), nullptr, 0}};
+        return;
+    }
+    // Before the window, since the keyboard reaches them in this order.
+    ArgumentList arguments;
+    arguments.set(XmNorientation, XmHORIZONTAL).set(XmNmarginWidth, 0).set(XmNmarginHeight, 0).set(XmNspacing, 0);
+    static char name[] = "TabsSettings";
+    tabs_ = XmCreateRadioBox(dialogForm, name, arguments.data(), arguments.size());
+    if (tabs_ == nullptr) {
+        throw std::bad_alloc();
+    }
+    createWindow(dialogForm);
+    // The callbacks of the tabs point to the pages, which so must not move.
+    pages_.reserve(kTabs.size());
+    for (const Tab& tab : kTabs) {
+        if (std::none_of(properties_.begin(), properties_.end(), [&](const DriverProperty& property) {
+                return isShown(property) && groupOf(property) == tab.group;
+            })) {
+            continue;
+        }
+        Widget button = createToggleButton(tabs_, tab.name, setupText(tab.text));
+        XtVaSetValues(button, XmNnavigationType, XmNONE, XmNindicatorOn, XmINDICATOR_NONE, XmNshadowThickness, 1,
+                      XmNmarginWidth, kWindowGap, nullptr);
+        pages_.push_back({this, tab.group, createForm(window_, "FormSettings"), button, 0});
+        XtAddCallback(button, XmNvalueChangedCallback, tabChosen, &pages_.back());
+        if (pages_.size() > 1) {
+            XtUnmanageChild(pages_.back().form);
         }
     }
+    XtManageChild(tabs_);
+    XmToggleButtonSetState(pages_.front().tab, True, False);
+    XtVaSetValues(window_, XmNworkWindow, pages_.front().form, nullptr);
+}
+
+Widget SettingRows::formFor(const DriverProperty& property) const {
+    const auto page = std::find_if(pages_.begin(), pages_.end(),
+                                   [&property](const Page& other) { return other.group == groupOf(property); });
+    return page == pages_.end() ? pages_.front().form : page->form;
+}
+
+void SettingRows::showPage(const Page& page) {
+    const auto place = static_cast<std::size_t>(&page - pages_.data());
+    if (place == front_) {
+        return;
+    }
+    XtUnmanageChild(pages_[front_].form);
+    front_ = place;
+    XtVaSetValues(window_, XmNworkWindow, page.form, nullptr);
+    XtManageChild(page.form);
+    for (const Page& other : pages_) {
+        XmToggleButtonSetState(other.tab, &other == &page, False);
+    }
+    fit();
+}
+
+// Shows the page that the field stands on.
+void SettingRows::bringToFront(Widget field) {
+    for (const Page& page : pages_) {
+        Widget form = field;
+        while (form != nullptr && form != page.form) {
+            form = XtParent(form);
+        }
+        if (form != nullptr) {
+            showPage(page);
+        }
+    }
+}
+
+void SettingRows::tabChosen(Widget tab, XtPointer page, XtPointer /*callData*/) {
+    if (XmToggleButtonGetState(tab) != 0) {
+        const auto* chosen = static_cast<const Page*>(page);
+        chosen->rows->showPage(*chosen);
+    }
+}
+
+void SettingRows::createRows(const RowContent& content) {
     for (const DriverProperty& property : properties_) {
         const bool isInFile = !valueOf(content.stored, property.key).empty();
-        if (auto row = createSettingRow(form_, property, valueOf(content.shown, property.key), isInFile)) {
+        if (auto row = createSettingRow(formFor(property), property, valueOf(content.shown, property.key), isInFile)) {
             rows_.push_back(std::move(row));
         }
     }
@@ -104,7 +197,7 @@ void SettingRows::createRows(const RowContent& content) {
     if (content.hasFurtherSettings) {
         Settings further = content.shown;
         std::erase_if(further, [this](const installer::Attribute& setting) { return hasRow(setting.key); });
-        further_ = std::make_unique<FurtherSettings>(form_, further);
+        further_ = std::make_unique<FurtherSettings>(pages_.back().form, further);
     }
 }
 
@@ -117,7 +210,9 @@ void SettingRows::watchScrolling() {
     }
     XtAddCallback(window_, XmNtraverseObscuredCallback, hiddenFieldReached, nullptr);
     XtAddEventHandler(window_, StructureNotifyMask, False, resized, this);
-    scrollWithWheel(window_, form_);
+    for (const Page& page : pages_) {
+        scrollWithWheel(window_, page.form);
+    }
     for (const auto& row : rows_) {
         for (Widget widget : {row->label(), row->focus(), row->companion(), row->toggle(), row->toggleHint()}) {
             if (widget != nullptr) {
@@ -156,22 +251,32 @@ Widget placeRow(const SettingRow& row, Widget above, int margin) {
 }
 
 void SettingRows::layOut() {
-    Widget above = nullptr;
+    std::vector<Widget> lowest(pages_.size(), nullptr);
     for (const auto& row : rows_) {
-        above = placeRow(*row, above, 0);
+        for (std::size_t place = 0; place < pages_.size(); ++place) {
+            if (XtParent(row->label()) == pages_[place].form) {
+                lowest[place] = placeRow(*row, lowest[place], 0);
+            }
+        }
     }
     if (further_) {
+        Widget above = lowest.back();
         placeField(further_->label(), further_->frame(), above, 0, true);
         XtVaSetValues(further_->label(), XmNbottomAttachment, XmATTACH_NONE, nullptr);
         // In line with the fields by way of the label: if it were by a field, they would depend on each other.
         Attach(further_->hint()).below(further_->frame(), 0).rightOf(further_->label(), kWindowGap);
     }
-    width_ = preferredWidth(form_);
-    height_ = preferredHeight(form_);
+    for (Page& page : pages_) {
+        page.height = preferredHeight(page.form);
+        height_ = std::max(height_, page.height);
+        width_ = std::max<int>(width_, preferredWidth(page.form));
+    }
 }
 
 void SettingRows::show(int width, int height) {
-    XtVaSetValues(form_, XmNresizePolicy, XmRESIZE_NONE, nullptr);
+    for (const Page& page : pages_) {
+        XtVaSetValues(page.form, XmNresizePolicy, XmRESIZE_NONE, nullptr);
+    }
     if (further_) {
         // Only now that the form has been measured: the further settings take what the window has to spare.
         XtVaSetValues(further_->hint(), XmNtopAttachment, XmATTACH_NONE, nullptr);
@@ -188,8 +293,9 @@ void SettingRows::show(int width, int height) {
 
 // Lets the rows have the width of the window, and its height where that is more than they need.
 void SettingRows::fit() {
-    XtVaSetValues(form_, XmNwidth, static_cast<Dimension>(std::max(viewWidth(window_), 1)), XmNheight,
-                  static_cast<Dimension>(std::max(viewHeight(window_), height_)), nullptr);
+    const Page& page = pages_[front_];
+    XtVaSetValues(page.form, XmNwidth, static_cast<Dimension>(std::max(viewWidth(window_), 1)), XmNheight,
+                  static_cast<Dimension>(std::max(viewHeight(window_), page.height)), nullptr);
 }
 
 bool SettingRows::hasHelp() const {
@@ -213,7 +319,7 @@ bool SettingRows::hasRow(const std::string& key) const {
                        [&key](const DriverProperty& property) { return sameName(property.key, key); });
 }
 
-std::optional<SetupFailure> SettingRows::collect(Settings& changed) const {
+std::optional<SetupFailure> SettingRows::collect(Settings& changed) {
     for (const auto& row : rows_) {
         if (row->isNeverStored()) {
             continue;
@@ -232,6 +338,7 @@ std::optional<SetupFailure> SettingRows::collect(Settings& changed) const {
     if (failure) {
         // A row may have the same key, but the line is what has to be mended.
         failure->key.clear();
+        bringToFront(further_->focus());
         XmProcessTraversal(further_->focus(), XmTRAVERSE_CURRENT);
     }
     return failure;
@@ -273,13 +380,17 @@ std::optional<SetupFailure> SettingRows::checkStorable() const {
     return std::nullopt;
 }
 
-Widget SettingRows::fieldFor(const std::string& key) const {
+Widget SettingRows::fieldFor(const std::string& key) {
     const auto row = std::find_if(rows_.begin(), rows_.end(),
                                   [&key](const auto& other) { return installer::sameName(other->key(), key); });
+    Widget field = further_ ? further_->focus() : nullptr;
     if (row != rows_.end()) {
-        return (*row)->focus();
+        field = (*row)->focus();
     }
-    return further_ ? further_->focus() : nullptr;
+    if (field != nullptr) {
+        bringToFront(field);
+    }
+    return field;
 }
 
 void SettingRows::hiddenFieldReached(Widget window, XtPointer /*clientData*/, XtPointer callData) {

@@ -29,7 +29,9 @@ public:
     SettingRows(const SettingRows&) = delete;
     SettingRows& operator=(const SettingRows&) = delete;
 
-    // What the dialog places: the window around the rows, and what that takes for itself in each direction, in pixels.
+    // What the dialog places: the strip of tabs, null when one page holds all rows, and below it the window around the
+    // rows, with what that takes for itself in each direction, in pixels.
+    Widget tabs() const noexcept { return tabs_; }
     Widget window() const noexcept { return window_; }
     static constexpr int kFrame = 2;
     // To be made equally wide with those of other rows before layOut().
@@ -47,17 +49,31 @@ public:
     void explainIn(HintLine& hint) const;
 
     // Adds what the rows change to `changed`, passwords that are not to be stored as deleted; or tells what is wrong.
-    std::optional<SetupFailure> collect(Settings& changed) const;
+    std::optional<SetupFailure> collect(Settings& changed);
     // Adds what is not to be stored: passwords, and what is of use for a test alone.
     void addUnstored(Settings& settings) const;
     // What can't be stored as it is typed, though a connection can be tried with it.
     std::optional<SetupFailure> checkStorable() const;
 
-    // The field to mend the setting `key` in: its row's, else the further settings; null without either.
-    Widget fieldFor(const std::string& key) const;
+    // The field to mend the setting `key` in, whose page comes to the front: its row's, else the further settings; null
+    // without either.
+    Widget fieldFor(const std::string& key);
 
 private:
+    // The rows of one tab.
+    struct Page {
+        SettingRows* rows;
+        SettingGroup group;
+        Widget form;
+        Widget tab;  // Null when it is the only one.
+        int height;
+    };
+
     void createWindow(Widget dialogForm);
+    void createPages(Widget dialogForm);
+    Widget formFor(const DriverProperty& property) const;
+    void showPage(const Page& page);
+    void bringToFront(Widget field);
     void createRows(const RowContent& content);
     void watchScrolling();
     bool hasRow(const std::string& key) const;
@@ -65,11 +81,14 @@ private:
     bool isUnstoredPassword(const installer::Attribute& setting) const;
     void fit();
 
+    static void tabChosen(Widget tab, XtPointer page, XtPointer callData);
     static void hiddenFieldReached(Widget window, XtPointer clientData, XtPointer callData);
     static void resized(Widget window, XtPointer rows, XEvent* event, Boolean* continueToDispatch);
 
+    Widget tabs_ = nullptr;
     Widget window_ = nullptr;
-    Widget form_ = nullptr;
+    std::vector<Page> pages_;
+    std::size_t front_ = 0;
     std::vector<DriverProperty> properties_;
     std::vector<std::unique_ptr<SettingRow>> rows_;
     std::unique_ptr<FurtherSettings> further_;

@@ -55,7 +55,7 @@ private:
     void setSizes();
 
     std::optional<SetupFailure> collect();
-    std::optional<SetupFailure> collectSettings(Settings& changed) const;
+    std::optional<SetupFailure> collectSettings(Settings& changed);
     Settings typedSettings(const Settings& changed) const;
     ConnectionTest connectionTest(const Settings& changed) const;
     void accept();
@@ -171,8 +171,13 @@ void SetupForm::layOut() {
     if (hint_) {
         Attach(hint_->line()).leftForm(kWindowMargin).rightForm(kWindowMargin).above(separator_, kRowGap);
     }
+    Widget above = description_->field();
+    if (rows_->tabs() != nullptr) {
+        Attach(rows_->tabs()).below(above, kWindowGap).leftForm(kWindowMargin);
+        above = rows_->tabs();
+    }
     Attach(rows_->window())
-        .below(description_->field(), kRowGap)
+        .below(above, kRowGap)
         .leftForm(kWindowMargin)
         .rightForm(kWindowMargin - SettingRows::kFrame)
         .above(hint_ ? hint_->line() : separator_, hint_ ? kRowGap : kWindowGap);
@@ -183,6 +188,7 @@ void SetupForm::setSizes() {
     constexpr int kFrame = SettingRows::kFrame;
     const int around = preferredHeight(name_->field()) + preferredHeight(description_->field()) +
                        preferredHeight(btnOk_) + 2 * kWindowMargin + 2 * kRowGap + 2 * kWindowGap + kFrame +
+                       (rows_->tabs() != nullptr ? preferredHeight(rows_->tabs()) + kWindowGap : 0) +
                        (hint_ ? preferredHeight(hint_->line()) + 2 * kRowGap - kWindowGap : 0);
     const int most = HeightOfScreen(XtScreen(form_)) * kLargestShare / 100 - around;
     const int width = std::max<int>(rows_->width(), 5 * preferredWidth(btnOk_) + 6 * kWindowGap);
@@ -209,7 +215,7 @@ std::optional<SetupFailure> SetupForm::collect() {
 }
 
 // Adds what the fields change, or tells what is wrong with them.
-std::optional<SetupFailure> SetupForm::collectSettings(Settings& changed) const {
+std::optional<SetupFailure> SetupForm::collectSettings(Settings& changed) {
     if (description_->isChanged()) {
         setValue(changed, kDescriptionKey, description_->value());
     }

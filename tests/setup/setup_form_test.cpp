@@ -132,16 +132,17 @@ TEST_F(SetupFormTest, WhatIsTypedAndChosenIsStoredAndTheRestKept) {
     EXPECT_EQ(files.read(OdbcFiles::kUser), kTalker);
     inDialog([] {
         EXPECT_EQ(field("LblHint"), " ");
-        enter({XK_Tab, "My text ", XK_Tab, XK_End, "bc", XK_Tab});
+        enter({XK_Tab, "My text ", {XK_Tab, 2}, XK_End, "bc", XK_Tab});
         EXPECT_EQ(field("LblHint"), "help");
         // A file is chosen in a dialog that may be left.
         enter({XK_space, "d", XK_Return});
         enter({XK_Tab, XK_space, "x", XK_Escape});
         EXPECT_EQ(field("TxtDatabase"), "/abcd");
-        // The list of choices, the first of which leaves the setting to the driver, and the one that can be typed into.
-        enter({XK_Tab, {XK_Up, 4}, XK_Tab, "own ", XK_Tab, XK_Home, "xy", XK_Delete});
+        enter({XK_Tab, XK_Home, "xy", XK_Delete});
         EXPECT_EQ(field("TxtPassword"), "*******");
-        enter({XK_Return});
+        // The list of choices, the first of which leaves the setting to the driver, and the one that can be typed into.
+        click(inForm("*TabAdvanced"));
+        enter({XK_Tab, {XK_Up, 4}, XK_Tab, "own ", XK_Return});
     });
     EXPECT_EQ(files.section("A"),
               "Driver=Talker|Database=/abcd|Password=xyeheim|Unknown=1|Description=My text|Level=own");
@@ -239,14 +240,17 @@ TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
     };
     inDialog([isInSight] {
         EXPECT_LE(placeOf(inForm("")).height, 768 * 3 / 4);
-        EXPECT_TRUE(isInSight("TxtDatabase") && !isInSight("TxtMany30"));
-        enter({{XK_Tab, 37}, "last"});
+        click(inForm("*TabAdvanced"));
+        EXPECT_TRUE(isInSight("OptMode") && !isInSight("TxtMany30"));
+        enter({{XK_Tab, 32}, "last"});
         EXPECT_EQ(field("TxtMany30") + field("TxtRelease"), "lastr5");
-        EXPECT_TRUE(isInSight("TxtMany30") && !isInSight("TxtDatabase"));
-        enter({XK_Tab, "12", XK_Tab, XK_space, {XK_Tab, 6}, "C"});
-        EXPECT_EQ(field("TxtPin"), "**");
+        EXPECT_TRUE(isInSight("TxtMany30") && !isInSight("OptMode"));
         // A stored password goes when it is no longer wanted.
-        enter({{XK_Tab, 7}, XK_space, XK_Return});
+        click(inForm("*TabGeneral"));
+        enter({{XK_Tab, 4}, XK_space, XK_Tab, "12", XK_Tab, XK_space});
+        EXPECT_EQ(field("TxtPin"), "**");
+        moveTo("TxtDataSourceName");
+        enter({XK_Home, "C", XK_Return});
     });
     EXPECT_EQ(files.section("CA"), "Driver=Talker|Database=/a|Mode=odd|Unknown=1|Many30=last|Pin=12");
 }
@@ -261,7 +265,7 @@ TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
         inDialog(
             [&path, saved] {
                 EXPECT_EQ(field("TxtFileName"), path);
-                enter({saved ? "" : "Books", XK_Tab, saved ? "" : "/b", {XK_Tab, 4}, "geheim", XK_Tab});
+                enter({saved ? "" : "Books", {XK_Tab, 2}, saved ? "" : "/b", {XK_Tab, 2}, "geheim", XK_Tab});
                 enter({{XK_space, saved ? 1 : 0}});
                 press("BtnTest");
                 expectMessage(kNotMade + "DRIVER={Talker};Unknown=1;Database=/b;Password=geheim;");
@@ -298,7 +302,7 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
     openOnFirst(before);
     inDialog([] {
         // The password is to be saved, which such a one can't be; but it can be tried.
-        enter({{XK_Tab, 2}, "/a;(b)}", {XK_Tab, 4}, "p ", XK_Tab, XK_space});
+        enter({{XK_Tab, 3}, "/a;(b)}", {XK_Tab, 2}, "p ", XK_Tab, XK_space});
         press("BtnTest");
         EXPECT_EQ(
             message(),
