@@ -52,7 +52,8 @@ void bareNotebook(benchmark::State& state) {
     measure(state, VH_BENCH_BARE_NOTEBOOK);
 }
 
-// range(0): drivers, each with a library of its own name, all of them our SQLite driver; range(1): data sources of five keys each.
+// range(0): drivers, each with a library of its own name, all of them our SQLite driver; range(1): data sources of five
+// keys each.
 void administrator(benchmark::State& state) {
     const OdbcFiles files;
     std::string drivers;

@@ -113,7 +113,8 @@ TEST(ComponentInquiryTest, DriversOfDebianTellTheirVersionsByTheirOdbcFunctions)
                  "libmdbodbcW.so"}),
         (std::pair<std::string, std::string>("|03.01.0015|0.9998|01.03.0017|13.02.0000|13.02.0000|1.0.0|1.0.0", "")));
     EXPECT_TRUE(askComponents({"libsqlite3odbc.so"})[0].isSetupLibrary);
-    EXPECT_NE(inquire({"libsqliteodbc.so"}).second.find("so: libsqliteodbc.so: cannot open"), std::string::npos) << "it is not there";
+    EXPECT_NE(inquire({"libsqliteodbc.so"}).second.find("so: libsqliteodbc.so: cannot open"), std::string::npos)
+        << "it is not there";
 }
 
 TEST(ComponentVersionTest, AboutTellsFileDateAndSize) {
