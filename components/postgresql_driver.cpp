@@ -25,7 +25,8 @@ struct Setting {
 
 // The keywords and defaults of psqlodbc's documentation ("psqlODBC Configuration Options"), the connection first.
 constexpr Setting kSettings[] = {
-    {"Servername", "localhost", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Name or address of the database server."},
+    {"Servername", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr,
+     "Name or address of the database server; without one, a socket of this machine."},
     {"Port", "5432", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Port that the server listens on."},
     {"Database", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Database to connect to."},
     {"Username", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Database user."},

@@ -163,12 +163,16 @@ public:
     // With the lock the name is always the same, so that what a kill left behind goes with the next change.
     NewFile(const std::string& target, const DirectoryLock& lock)
         : path_(directoryOf(target) + (lock.isHeld() ? ".odbcadmin-new" : ".odbcadmin-new-XXXXXX")) {
-        if (!lock.isHeld()) {
-            file_.reset(mkostemp(path_.data(), O_CLOEXEC));
-            return;
+        if (lock.isHeld()) {
+            unlink(path_.c_str());
+            file_.reset(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnlyMode));
+            if (file_ || errno != EEXIST) {
+                return;
+            }
+            // Something that is no file has that name.
+            path_ += "-XXXXXX";
         }
-        unlink(path_.c_str());
-        file_.reset(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnlyMode));
+        file_.reset(mkostemp(path_.data(), O_CLOEXEC));
     }
     ~NewFile() {
         if (file_) {
@@ -369,9 +373,10 @@ ReplaceResult replaceByNewFile(const FileText& old, const std::string& text, Per
 }
 
 // Whether a file in this place can only be written, not replaced: the directory is somebody else's, the file has an
-// owner that may not be given away, or it is mounted by itself.
+// owner that may not be given away or attributes that can't be set anew, or it is mounted by itself.
 bool takesNoNewFile(int error) {
-    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV ||
+           error == EOPNOTSUPP;
 }
 
 }  // namespace

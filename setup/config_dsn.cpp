@@ -29,7 +29,8 @@ SetupFailure failure(unsigned int code, SetupMessage::Number text, const std::st
 struct GivenAttributes {
     std::string name;
     Settings settings;
-    std::vector<std::string> unstorable;    // What no file can keep, without values: one may be a password.
+    std::vector<std::string>
+        unstorable;  // What no file can keep: without the value where there is one, which may be a password.
     std::optional<SetupFailure> problem{};  // What is wrong with the first of these.
 };
 

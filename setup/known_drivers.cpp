@@ -38,16 +38,17 @@ DriverProperty forTests(DriverProperty property) {
 
 // psqlodbc, as it reads a data source: there it knows neither Server nor UID nor PWD.
 Properties postgresql() {
-    Properties properties{text("Servername", "Name or address of the database server.", "localhost"),
-                          text("Port", "Port that the server listens on.", "5432"),
-                          text("Database", "Database to connect to."),
-                          text("Username", "Database user."),
-                          password("Password"),
-                          {"SSLmode",
-                           "prefer",
-                           PropertyKind::kMenu,
-                           {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"},
-                           "Whether the connection is encrypted and checked."}};
+    Properties properties{
+        text("Servername", "Name or address of the database server; without one, a socket of this machine."),
+        text("Port", "Port that the server listens on.", "5432"),
+        text("Database", "Database to connect to."),
+        text("Username", "Database user."),
+        password("Password"),
+        {"SSLmode",
+         "prefer",
+         PropertyKind::kMenu,
+         {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"},
+         "Whether the connection is encrypted and checked."}};
     properties[4].isPercentEncoded = true;
     return properties;
 }

@@ -84,7 +84,12 @@ std::optional<SetupFailure> saveDataSource(const DataSourceChange& change) {
         return failure;
     }
 
-    const Settings wanted = settingsAfter(change);
+    DataSourceChange current = change;
+    if (renamed) {
+        // The old section goes, so what other programs wrote into it meanwhile comes along.
+        current.stored = readDataSource(change.storedName);
+    }
+    const Settings wanted = settingsAfter(current);
     installer::ConfigurationChange file;
     if (renamed) {
         // First, since a name that differs in case alone is the same section to the file.

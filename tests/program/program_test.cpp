@@ -338,8 +338,18 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredAndConnect) {
         waitFor(setupTitle, true);
     };
     ASSERT_NE(waitFor(setupTitle, true), None);
-    // The driver proposes this machine and another port. From the name on, the buttons are reached backwards.
-    person().enter({"pg", {XK_Tab, 3}, "1", XK_Tab, "postgres", XK_Tab, "postgres", {XK_ISO_Left_Tab, 10}, XK_space});
+    // From the name on, the buttons are reached backwards.
+    person().enter({"pg",
+                    {XK_Tab, 2},
+                    "127.0.0.1",
+                    XK_Tab,
+                    "1",
+                    XK_Tab,
+                    "postgres",
+                    XK_Tab,
+                    "postgres",
+                    {XK_ISO_Left_Tab, 10},
+                    XK_space});
     leaveTest();
     person().enter({{XK_Tab, 8}, XK_Home, {XK_Delete, 5}, server.port(), {XK_ISO_Left_Tab, 8}, XK_space});
     leaveTest();

@@ -19,7 +19,7 @@ protected:
                     "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Silent]\nDriver=/none.so\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Working]\nDriver=" VH_TEST_SQLITE_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
-                    "\n[Pg]\nDriver=/none/psqlodbcw.so\nSetup=" VH_TEST_SETUP_LIBRARY
+                    "\n[Zp]\nDriver=/none/psqlodbcw.so\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Tds]\nDriver=" VH_TEST_FREETDS_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
     }
     void openOnFirst(const std::string& dataSources) {
@@ -200,8 +200,8 @@ TEST_F(SetupFormTest, ADriverThatCanNotTellGetsCommonRowsAndFurtherSettings) {
 
 TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
     openOnFirst(
-        "[ODBC Data Sources]\nA=Tds\nB=Working\nP=Pg\n\n[A]\nDriver=Tds\nPWD=p\n\n[B]\nDriver=Working\n\n[P]\n"
-        "Driver=Pg\n");
+        "[ODBC Data Sources]\nA=Tds\nB=Working\nP=Zp\n\n[A]\nDriver=Tds\nPWD=p\n\n[B]\nDriver=Working\n\n[P]\n"
+        "Driver=Zp\n");
     inDialog([] {
         // This one reads no login from a data source: it is of use for a test, and the file stays as it is.
         EXPECT_EQ(field("TxtPWD"), "*");
@@ -221,13 +221,13 @@ TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
         moveTo("TxtPassword");
         enter({"a%+", XK_Tab, XK_space, {XK_Tab, 2}, "sslpassword=b", {XK_Tab, 3}, XK_Return});
     });
-    EXPECT_EQ(files.section("P"), "Driver=Pg|Password=a%25%2B|sslpassword=b");
+    EXPECT_EQ(files.section("P"), "Driver=Zp|Password=a%25%2B|sslpassword=b");
     inDialog([] {
         EXPECT_EQ(field("TxtPassword"), "***");
         moveTo("TglSavePassword");
         enter({XK_space, XK_Return});
     });
-    EXPECT_EQ(files.section("P"), "Driver=Pg|sslpassword=b");
+    EXPECT_EQ(files.section("P"), "Driver=Zp|sslpassword=b");
 }
 
 TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
