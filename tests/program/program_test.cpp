@@ -340,7 +340,7 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredAndConnect) {
     ASSERT_NE(waitFor(setupTitle, true), None);
     // From the name on, the buttons are reached backwards.
     person().enter({"pg",
-                    {XK_Tab, 2},
+                    {XK_Tab, 3},
                     "127.0.0.1",
                     XK_Tab,
                     "1",
@@ -348,10 +348,10 @@ TEST_F(ProgramTest, DriversOfStockLinuxAreRegisteredAndConnect) {
                     "postgres",
                     XK_Tab,
                     "postgres",
-                    {XK_ISO_Left_Tab, 10},
+                    {XK_ISO_Left_Tab, 11},
                     XK_space});
     leaveTest();
-    person().enter({{XK_Tab, 8}, XK_Home, {XK_Delete, 5}, server.port(), {XK_ISO_Left_Tab, 8}, XK_space});
+    person().enter({{XK_Tab, 9}, XK_Home, {XK_Delete, 5}, server.port(), {XK_ISO_Left_Tab, 9}, XK_space});
     leaveTest();
     EXPECT_EQ(files.summary(), "") << "a test stores nothing";
     leave(setupTitle, {XK_Tab, XK_Tab, XK_space});
