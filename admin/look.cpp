@@ -31,6 +31,8 @@ const char* const kFallbackResources[] = {
     "*XmTextField.marginHeight: 4",
     "*XmToggleButton.shadowThickness: 0",
     "*XmToggleButton.selectColor: #2f6db5",
+    // The tab in front, under its words.
+    "*TabsSettings*selectColor: #cfe2f6",
     "*XmToggleButton.indicatorSize: 14",
 
     "*XmList.background: #ffffff",

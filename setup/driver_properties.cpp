@@ -10,6 +10,7 @@
 #include <initializer_list>
 #include <memory>
 #include <set>
+#include <string_view>
 
 #include "bos/library.h"
 #include "installer/configuration.h"
@@ -159,9 +160,12 @@ SettingGroup groupOf(const DriverProperty& property) {
     if (hasPart(property, {"ssl", "tls", "encrypt", "cert", "auth", "kerberos", "krb", "trust"})) {
         return SettingGroup::kSecurity;
     }
+    constexpr std::array<std::string_view, 10> kBeginnings{"server",   "host", "address", "port",  "socket",
+                                                           "database", "uid",  "user",    "login", "schema"};
     const bool isGeneral = property.kind == PropertyKind::kPassword ||
-                           hasPart(property, {"server", "host", "address", "port", "socket", "database", "uid", "user",
-                                              "login", "catalog", "schema"});
+                           std::any_of(kBeginnings.begin(), kBeginnings.end(), [&property](std::string_view beginning) {
+                               return installer::sameName(property.key.substr(0, beginning.size()), beginning);
+                           });
     return isGeneral ? SettingGroup::kGeneral : SettingGroup::kAdvanced;
 }
 
