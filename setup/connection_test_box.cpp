@@ -17,6 +17,7 @@
 #include "motifutil/message_icons.h"
 #include "motifutil/widgets.h"
 #include "setup/connection_test.h"
+#include "setup/driver_files.h"
 #include "setup/known_drivers.h"
 #include "setup/setup_texts.h"
 

@@ -14,7 +14,7 @@
 
 #include "bos/library.h"
 #include "installer/configuration.h"
-#include "setup/known_drivers.h"
+#include "setup/driver_files.h"
 #include "setup/settings.h"
 
 namespace {

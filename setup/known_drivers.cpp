@@ -1,9 +1,5 @@
 #include "setup/known_drivers.h"
 
-#include <dlfcn.h>
-#include <sql.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -110,36 +106,11 @@ const KnownDriver* find(const std::string& library) {
     return found == kDrivers.end() ? nullptr : found;
 }
 
-// The folder of the driver manager that this process uses.
-std::string managerFolder() {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void*>(&SQLAllocHandle), &info) == 0 || info.dli_fname == nullptr) {
-        return {};
-    }
-    const std::string path = info.dli_fname;
-    return path.substr(0, path.rfind('/') + 1);
-}
-
 }  // namespace
 
 std::optional<Properties> knownProperties(const std::string& library) {
     const KnownDriver* driver = find(library);
     return driver != nullptr && driver->properties != nullptr ? std::optional(driver->properties()) : std::nullopt;
-}
-
-std::string driverPath(const std::string& library) {
-    if (library.find('/') != std::string::npos) {
-        return library;
-    }
-    // libodbc's build sets the module directory, which nobody can ask for: Debian and others have it there.
-    const std::string path = managerFolder() + "odbc/" + library;
-    return access(path.c_str(), F_OK) == 0 ? path : library;
-}
-
-bool isDriverInstalled(const std::string& library) {
-    const std::string path = driverPath(library);
-    return path.find('/') != std::string::npos ? access(path.c_str(), F_OK) == 0
-                                               : access((managerFolder() + library).c_str(), F_OK) == 0;
 }
 
 std::string packageOf(const std::string& library) {
