@@ -38,12 +38,16 @@ void placeField(Widget label, Widget field, Widget above, int margin, bool stret
     if (stretched) {
         Attach(field).rightForm(margin);
     }
+    // As high as the field, so that their texts are level. Nothing of it depends on the field, which depends on it: for
+    // a form that is a circle, even if one is about widths and the other about heights.
+    Dimension height = 0;
+    XtVaGetValues(field, XmNheight, &height, nullptr);
+    placeBelow(label, above, margin);
     Attach(label).leftForm(margin);
-    keepLevel(label, field);
+    XtVaSetValues(label, XmNrecomputeSize, False, XmNheight, height, nullptr);
 }
 
-// Puts a widget between a field and the end of its row. The field's width depends on it, so nothing of it may depend on
-// the field: for a form that is a circle, even if one is about widths and the other about heights.
+// Puts a widget between a field and the end of its row. Of it too nothing may depend on the field.
 void placeAtEnd(Widget companion, Widget field, Widget above, int margin) {
     placeBelow(companion, above, margin);
     Attach(companion).rightForm(margin);
@@ -261,8 +265,9 @@ void SettingRows::layOut() {
     }
     if (further_) {
         Widget above = lowest.back();
+        const auto labelHeight = static_cast<Dimension>(preferredHeight(further_->label()));
         placeField(further_->label(), further_->frame(), above, 0, true);
-        XtVaSetValues(further_->label(), XmNbottomAttachment, XmATTACH_NONE, nullptr);
+        XtVaSetValues(further_->label(), XmNheight, labelHeight, nullptr);
         // In line with the fields by way of the label: if it were by a field, they would depend on each other.
         Attach(further_->hint()).below(further_->frame(), 0).rightOf(further_->label(), kWindowGap);
     }
