@@ -120,6 +120,9 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
         content.rows.properties = commonProperties();
         content.rows.hasFurtherSettings = true;
     }
+    for (DriverProperty& property : content.rows.properties) {
+        property.isPercentEncoded = property.kind == PropertyKind::kPassword && hasEncodedPasswords(library);
+    }
 
     content.rows.stored = settingsOf(stored.settings);
     content.rows.shown = content.rows.stored;

@@ -13,6 +13,7 @@ struct KnownDriver {
     std::string_view name;
     const char* package;
     Properties (*properties)();  // Null for a driver that describes itself well.
+    bool hasEncodedPasswords = false;
 };
 
 DriverProperty text(const char* key, const char* help, const char* defaultValue = "") {
@@ -34,19 +35,16 @@ DriverProperty forTests(DriverProperty property) {
 
 // psqlodbc, as it reads a data source: there it knows neither Server nor UID nor PWD.
 Properties postgresql() {
-    Properties properties{
-        text("Servername", "Name or address of the database server; without one, a socket of this machine."),
-        text("Port", "Port that the server listens on.", "5432"),
-        text("Database", "Database to connect to."),
-        text("Username", "Database user."),
-        password("Password"),
-        {"SSLmode",
-         "prefer",
-         PropertyKind::kMenu,
-         {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"},
-         "Whether the connection is encrypted and checked."}};
-    properties[4].isPercentEncoded = true;
-    return properties;
+    return {text("Servername", "Name or address of the database server; without one, a socket of this machine."),
+            text("Port", "Port that the server listens on.", "5432"),
+            text("Database", "Database to connect to."),
+            text("Username", "Database user."),
+            password("Password"),
+            {"SSLmode",
+             "prefer",
+             PropertyKind::kMenu,
+             {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"},
+             "Whether the connection is encrypted and checked."}};
 }
 
 Properties mariadb() {
@@ -84,16 +82,19 @@ Properties freetds() {
          "",
          PropertyKind::kCombo,
          {"auto", "7.4", "7.3", "7.2", "7.1", "7.0", "5.0"},
-         "Version of the protocol: 5.0 for Sybase, 7.4 for SQL Server 2012 and later."},
+         "5.0 for Sybase, 7.4 for SQL Server 2012 and later. Of its own accord it tries old versions too, in clear."},
         {"Encryption", "", PropertyKind::kMenu, {"off", "request", "require"}, "Whether the connection is encrypted."},
         text("ClientCharset", "Character set of the programs, such as UTF-8."),
         text("Timeout", "Seconds to wait for the server.", "10")};
 }
 
-constexpr std::array kDrivers{
-    KnownDriver{"psqlodbc", "odbc-postgresql", postgresql}, KnownDriver{"libmaodbc", "odbc-mariadb", mariadb},
-    KnownDriver{"libmdbodbc", "odbc-mdbtools", mdbtools},   KnownDriver{"libtdsodbc", "tdsodbc", freetds},
-    KnownDriver{"vhfreetds", "tdsodbc", freetds},           KnownDriver{"libsqlite3odbc", "libsqliteodbc", nullptr}};
+constexpr std::array kDrivers{KnownDriver{"psqlodbc", "odbc-postgresql", postgresql, true},
+                              KnownDriver{"vhpostgresql", "odbc-postgresql", nullptr, true},
+                              KnownDriver{"libmaodbc", "odbc-mariadb", mariadb},
+                              KnownDriver{"libmdbodbc", "odbc-mdbtools", mdbtools},
+                              KnownDriver{"libtdsodbc", "tdsodbc", freetds},
+                              KnownDriver{"vhfreetds", "tdsodbc", freetds},
+                              KnownDriver{"libsqlite3odbc", "libsqliteodbc", nullptr}};
 
 std::string_view baseName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
@@ -111,6 +112,11 @@ const KnownDriver* find(const std::string& library) {
 std::optional<Properties> knownProperties(const std::string& library) {
     const KnownDriver* driver = find(library);
     return driver != nullptr && driver->properties != nullptr ? std::optional(driver->properties()) : std::nullopt;
+}
+
+bool hasEncodedPasswords(const std::string& library) {
+    const KnownDriver* driver = find(library);
+    return driver != nullptr && driver->hasEncodedPasswords;
 }
 
 std::string packageOf(const std::string& library) {
