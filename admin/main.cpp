@@ -9,6 +9,7 @@
 #include "admin/globals.h"
 #include "admin/look.h"
 #include "admin/main_window.h"
+#include "admin/palette.h"
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
@@ -42,6 +43,7 @@ int main(int argc, char** argv) {
         std::puts("Unable to open display");
         return -1;
     }
+    setPalette(display);
     const unsigned int noInstallDirectory = bosSetInstallDir(nullptr);
     Rfile = OpenStrings(nullptr, "odbc.m");
     const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();
