@@ -168,10 +168,15 @@ TEST_F(ProgramTest, AnUnreadableListOfDataSourcesEndsItWhateverElseIsReported) {
     }
 }
 
-TEST_F(ProgramTest, ResourcesOfItsNameApply) {
+TEST_F(ProgramTest, ResourcesOfItsNameApplyAndTheDesktopLearnsOfIt) {
     const ScopedEnvironment resources{{"XENVIRONMENT", files.write("resources", "odbcadmin*background: #123456\n")}};
     start();
     EXPECT_TRUE(waitUntil([this] { return person().pixel(window, 3, 3) == 0x123456; }));
+    // What a session needs to start it again, and a taskbar to show it.
+    const std::string told = outputOf("xprop -name '"s + kTitle + "' WM_COMMAND _NET_WM_NAME _NET_WM_ICON");
+    for (const std::string& part : {"{ \"" + stage("bin/odbcadmin") + "\" }", "= \""s + kTitle, "(64 x 64)"s}) {
+        EXPECT_NE(told.find(part), std::string::npos) << part << told;
+    }
 }
 
 TEST_F(ProgramTest, ItExportsTwoFunctions) {
