@@ -18,6 +18,7 @@
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "help/help_locator.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -144,6 +145,7 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
             throw std::bad_alloc();
         }
         setFont(ShODBCAdmin);
+        completeFontsOf(ShODBCAdmin);
         setIconPixmap(ShODBCAdmin);
         prepareShell(ShODBCAdmin, btnCancel_activate, nullptr);
 

@@ -18,6 +18,7 @@
 #include <new>
 
 #include "motifutil/catalog_text.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
 
 namespace {
@@ -68,9 +69,15 @@ void raiseActivate(Widget text, XEvent* event, String* /*parameters*/, Cardinal*
 }  // namespace
 
 XmStringPtr compoundString(const std::string& text) {
-    XmStringPtr result(XmStringCreateLocalized(const_cast<char*>(text.c_str())));
-    if (!result) {
-        throw std::bad_alloc();
+    XmStringPtr result;
+    for (FontRun& run : fontRuns(text)) {
+        // By tag, not by rendition: Motif frees the names of renditions twice when it takes a text apart.
+        XmString next = run.tag.empty() ? XmStringCreateLocalized(run.text.data())
+                                        : XmStringCreate(run.text.data(), run.tag.data());
+        if (next == nullptr) {
+            throw std::bad_alloc();
+        }
+        result.reset(result ? XmStringConcatAndFree(result.release(), next) : next);
     }
     return result;
 }
@@ -147,6 +154,7 @@ Widget createTextField(Widget parent, const char* name) {
     Widget field = made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
     overrideTranslations(field, kSelectAll);
     hideIdleCursor(field);
+    followScripts(field);
     return field;
 }
 
@@ -176,6 +184,7 @@ Widget createScrolledText(Widget parent, const char* name, short rows, short col
     overrideTranslations(text, "Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()");
     overrideTranslations(text, kSelectAll);
     hideIdleCursor(text);
+    followScripts(text);
     XtManageChild(text);
     return text;
 }
@@ -241,6 +250,7 @@ void keepReturn(Widget widget) {
 
 void setLabel(Widget widget, const std::string& text) {
     const XmStringPtr label = compoundString(text);
+    giveFonts(widget);
     XtVaSetValues(widget, XmNlabelString, label.get(), nullptr);
 }
 

@@ -14,6 +14,7 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -103,6 +104,7 @@ bool SetupForm::run() {
         throw std::bad_alloc();
     }
     prepareShell(shell_, cancelPressed, this);
+    completeFontsOf(shell_);
     XtAddCallback(form_, XmNhelpCallback, helpPressed, this);
     createFields();
     rows_ = std::make_unique<SettingRows>(form_, content_.rows);
