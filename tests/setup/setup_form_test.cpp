@@ -17,7 +17,7 @@ protected:
     SetupFormTest() {
         files.write(OdbcFiles::kDrivers,
                     "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
-                    "\n[Silent]\nDriver=/none.so\nSetup=" VH_TEST_SETUP_LIBRARY
+                    "\n[Silent]\nDriver=" VH_TEST_CRASHING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Working]\nDriver=" VH_TEST_SQLITE_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Zp]\nDriver=/none/psqlodbcw.so\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Tds]\nDriver=" VH_TEST_FREETDS_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
@@ -328,10 +328,10 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
         expectMessage("The connection was made. The settings work.");
         enter({XK_Return});
         moveTo("TxtDatabase");
-        enter({XK_End, " Crash=1"});
+        enter({XK_End, " Exit=1"});
         press("BtnTest");
-        expectMessage("The driver ended its process: Segmentation fault");
-        expectMessage("The driver printed: before the end");
+        expectMessage("The driver ended its process: exit(3)");
+        expectMessage("The driver printed: before the end? what it tells after that");
         enter({XK_Return, XK_Escape});
     });
     EXPECT_EQ(files.read(OdbcFiles::kUser), before);
