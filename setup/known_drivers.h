@@ -8,8 +8,12 @@
 
 #include "setup/driver_properties.h"
 
-// The settings that the driver reads from a data source; nothing for a driver that is to be asked itself.
-[[nodiscard]] std::optional<std::vector<DriverProperty>> knownProperties(const std::string& library);
+// The settings that the driver reads from a data source, one of the user or a file; nothing for a driver that is to be
+// asked itself.
+[[nodiscard]] std::optional<std::vector<DriverProperty>> knownProperties(const std::string& library, bool isFile);
+
+// Whether the driver reads its password as it would a part of an address: DriverProperty::isPercentEncoded.
+[[nodiscard]] bool readsPasswordEncoded(const std::string& library);
 
 // The Debian package that brings the library; empty when it is not known.
 [[nodiscard]] std::string packageOf(const std::string& library);
