@@ -114,9 +114,14 @@ std::string headingOf(const ConnectionOutcome& outcome, const std::string& libra
         return setupText(SetupMessage::kTestCrashed, outcome.crash);
     }
     if (!isDriverInstalled(library)) {
-        const std::string package = packageOf(library);
-        const std::string missing = setupText(SetupMessage::kDriverNotInstalled, library);
-        return package.empty() ? missing : missing + "\n" + setupText(SetupMessage::kDriverPackage, package);
+        std::string missing = setupText(SetupMessage::kDriverNotInstalled, library);
+        if (const std::string package = packageOf(library); !package.empty()) {
+            missing += "\n" + setupText(SetupMessage::kDriverPackage, package);
+        }
+        if (const std::string other = driverInsteadOf(library); !other.empty()) {
+            missing += "\n" + setupText(SetupMessage::kOtherDriver, other);
+        }
+        return missing;
     }
     return setupText(outcome.diagnostics.empty() ? SetupMessage::kTestFailedSilently : SetupMessage::kTestFailed);
 }

@@ -124,3 +124,7 @@ std::string packageOf(const std::string& library) {
     const KnownDriver* driver = find(library);
     return driver != nullptr ? driver->package : "";
 }
+
+std::string driverInsteadOf(const std::string& library) {
+    return baseName(library) == "libsqliteodbc.so" ? "SQLite3" : "";
+}

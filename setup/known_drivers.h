@@ -17,3 +17,6 @@
 
 // The Debian package that brings the library; empty when it is not known.
 [[nodiscard]] std::string packageOf(const std::string& library);
+
+// The driver that people more likely mean where the library is registered and in no package; empty when it is not known.
+[[nodiscard]] std::string driverInsteadOf(const std::string& library);
