@@ -40,9 +40,8 @@ private:
     bool isMade_;
 };
 
-// The text of one record, asked for again when it was longer than there was room for; empty when there is no such
-// record.
-std::string diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record) {
+// The text of one record, asked for again when it was longer than there was room for.
+std::optional<std::string> diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record) {
     std::array<SQLCHAR, SQL_SQLSTATE_SIZE + 1> state{};
     SQLINTEGER native = 0;
     SQLSMALLINT length = 0;
@@ -52,24 +51,27 @@ std::string diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT rec
                                            static_cast<SQLSMALLINT>(message.size()), &length));
     };
     if (!ask()) {
-        return {};
+        return std::nullopt;
     }
     if (static_cast<std::size_t>(length) >= message.size()) {
         message.resize(std::min<std::size_t>(static_cast<std::size_t>(length) + 1, SHRT_MAX));
         ask();
     }
-    return std::string(reinterpret_cast<const char*>(state.data())) + ": " +
-           oneLine(reinterpret_cast<const char*>(message.data()));
+    // One driver has no states.
+    const std::string heading = reinterpret_cast<const char*>(state.data());
+    return (heading.empty() ? "" : heading + ": ") + oneLine(reinterpret_cast<const char*>(message.data()));
 }
 
 std::vector<std::string> diagnosticsOf(SQLSMALLINT type, SQLHANDLE handle) {
     std::vector<std::string> records;
     for (SQLSMALLINT number = 1; number < SHRT_MAX; ++number) {
-        const std::string record = diagnosticRecord(type, handle, number);
-        if (record.empty()) {
+        const std::optional<std::string> record = diagnosticRecord(type, handle, number);
+        if (!record) {
             break;
         }
-        records.push_back(record);
+        if (!record->empty()) {
+            records.push_back(*record);
+        }
     }
     return records;
 }
