@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "admin/about_page.h"
+#include "admin/desktop_hints.h"
 #include "admin/dialogs.h"
 #include "admin/drivers_page.h"
 #include "admin/file_dsn_page.h"
@@ -17,6 +18,7 @@
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "help/help_locator.h"
+#include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -142,7 +144,8 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
             throw std::bad_alloc();
         }
         setFont(ShODBCAdmin);
-        onWindowManagerClose(ShODBCAdmin, btnCancel_activate, nullptr);
+        setIconPixmap(ShODBCAdmin);
+        prepareShell(ShODBCAdmin, btnCancel_activate, nullptr);
 
         FrmMain = createForm(ShODBCAdmin, "FrmMain");
         XtUnmanageChild(FrmMain);

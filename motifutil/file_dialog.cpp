@@ -6,6 +6,7 @@
 #include <new>
 
 #include "motifutil/catalog_text.h"
+#include "motifutil/shells.h"
 
 namespace {
 
@@ -52,7 +53,7 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
         hideIdleCursor(XtNameToWidget(box, field));
     }
     keepTabs(box);
-    onWindowManagerClose(XtParent(box), closed, box);
+    prepareShell(XtParent(box), closed, box);
     return box;
 }
 

@@ -12,6 +12,7 @@
 #include "motifutil/icons.h"
 #include "motifutil/message_icons.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/shells.h"
 #include "motifutil/widgets.h"
 
 Widget dialog = nullptr;
@@ -147,7 +148,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, char* message, cha
         overrideTranslations(dialog, "<Key>osfCancel: BulletinBoardReturn()");
     }
     XtAddCallback(dialog, XmNdestroyCallback, forgetDestroyed, nullptr);
-    onWindowManagerClose(XtParent(dialog), answerClosed, dialog);
+    prepareShell(XtParent(dialog), answerClosed, dialog);
     return dialog;
 }
 

@@ -1,12 +1,10 @@
 #include "motifutil/widgets.h"
 
-#include <Xm/AtomMgr.h>
 #include <Xm/Form.h>
 #include <Xm/Label.h>
 #include <Xm/List.h>
 #include <Xm/MessageB.h>
 #include <Xm/Notebook.h>
-#include <Xm/Protocols.h>
 #include <Xm/PushB.h>
 #include <Xm/ScrolledW.h>
 #include <Xm/SeparatoG.h>
@@ -20,6 +18,7 @@
 #include <new>
 
 #include "motifutil/catalog_text.h"
+#include "motifutil/shells.h"
 
 namespace {
 
@@ -190,7 +189,7 @@ Widget createTemplateDialog(Widget parent, const char* name, Message::Number tit
         .set(XmNnoResize, True);
     Widget dialogBox =
         made(XmCreateTemplateDialog(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
-    onWindowManagerClose(XtParent(dialogBox), closed, nullptr);
+    prepareShell(XtParent(dialogBox), closed, nullptr);
     // The template's own separator would stand between the dialog's buttons and nothing.
     XtUnmanageChild(XtNameToWidget(dialogBox, "Separator"));
     return dialogBox;
@@ -320,12 +319,6 @@ Attach& Attach::strip(int height) {
     XtVaSetValues(child_, XmNtopAttachment, XmATTACH_FORM, XmNtopOffset, 0, XmNbottomAttachment, XmATTACH_OPPOSITE_FORM,
                   XmNbottomOffset, -height, nullptr);
     return *this;
-}
-
-void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientData) {
-    XtVaSetValues(shell, XmNdeleteResponse, XmDO_NOTHING, nullptr);
-    const Atom deleteWindow = XInternAtom(XtDisplay(shell), "WM_DELETE_WINDOW", False);
-    XmAddWMProtocolCallback(shell, deleteWindow, closed, clientData);
 }
 
 void pressButton(Widget button) {

@@ -121,9 +121,5 @@ private:
     Widget child_;
 };
 
-// Makes closing a shell by the window manager call `closed` and nothing else. By default Motif would destroy a main
-// shell and unmap a dialog, and whoever waits for the dialog would wait for ever (ICCCM, WM_DELETE_WINDOW).
-void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientData);
-
 // Presses a push button as a click does: it flashes, and its callbacks run.
 void pressButton(Widget button);

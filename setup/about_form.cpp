@@ -13,10 +13,11 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/component_version.h"
 #include "motifutil/icons.h"
+#include "motifutil/logo_icon.h"
+#include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "setup/driver_process.h"
-#include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
 
 namespace {
@@ -154,7 +155,7 @@ Widget createAbtForm(Widget parent) {
     }
     Widget form = frmabout;
     XtAddCallback(form, XmNdestroyCallback, forget, nullptr);
-    onWindowManagerClose(XtParent(form), closePressed, form);
+    prepareShell(XtParent(form), closePressed, form);
 
     Widget icon = createIcon(form);
     Widget head = createAddress(form, icon);

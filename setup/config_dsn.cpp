@@ -121,7 +121,7 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
         content.rows.hasFurtherSettings = true;
     }
     for (DriverProperty& property : content.rows.properties) {
-        property.isPercentEncoded = property.kind == PropertyKind::kPassword && readsPasswordEncoded(library);
+        property.isPercentEncoded = property.kind == PropertyKind::kPassword && hasEncodedPasswords(library);
     }
 
     content.rows.stored = settingsOf(stored.settings);

@@ -17,6 +17,7 @@
 #include "motifutil/icons.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/message_icons.h"
+#include "motifutil/shells.h"
 #include "motifutil/widgets.h"
 #include "setup/connection_test.h"
 #include "setup/driver_files.h"
@@ -164,7 +165,7 @@ public:
         XtAddCallback(box_, XmNokCallback, waitOn, this);
         XtAddCallback(box_, XmNcancelCallback, cancelled, this);
         XtAddCallback(box_, XmNdestroyCallback, destroyed, this);
-        onWindowManagerClose(XtParent(box_), cancelled, this);
+        prepareShell(XtParent(box_), cancelled, this);
         XtAddEventHandler(box_, NoEventMask, True, eventCame, this);
         look();
         XtManageChild(box_);

@@ -13,6 +13,7 @@ struct KnownDriver {
     std::string_view name;
     const char* package;                    // Empty for one of ours.
     Properties (*properties)(bool isFile);  // Null for a driver that describes itself well.
+    bool hasEncodedPasswords = false;
 };
 
 DriverProperty text(const char* key, const char* help, const char* defaultValue = "") {
@@ -75,7 +76,7 @@ Properties freetds(bool isFile) {
          "",
          PropertyKind::kCombo,
          {"auto", "7.4", "7.3", "7.2", "7.1", "7.0", "5.0"},
-         "Version of the protocol: 5.0 for Sybase, 7.4 for SQL Server 2012 and later."},
+         "5.0 for Sybase, 7.4 for SQL Server 2012 and later. Of its own accord it tries old versions too, in clear."},
         {"Encryption", "", PropertyKind::kMenu, {"off", "request", "require"}, "Whether the connection is encrypted."},
         text("ClientCharset", "Character set of the programs, such as UTF-8."),
         text("Timeout", "Seconds to wait for the server.", "10")};
@@ -90,7 +91,8 @@ Properties freetds(bool isFile) {
     return properties;
 }
 
-constexpr std::array kDrivers{KnownDriver{"psqlodbc", "odbc-postgresql", postgresql},
+constexpr std::array kDrivers{KnownDriver{"psqlodbc", "odbc-postgresql", postgresql, true},
+                              KnownDriver{"vhpostgresql", "", nullptr, true},
                               KnownDriver{"libmaodbc", "odbc-mariadb", mariadb},
                               KnownDriver{"libmdbodbc", "odbc-mdbtools", mdbtools},
                               KnownDriver{"libtdsodbc", "tdsodbc", freetds},
@@ -116,8 +118,9 @@ std::optional<Properties> knownProperties(const std::string& library, bool isFil
                                                               : std::nullopt;
 }
 
-bool readsPasswordEncoded(const std::string& library) {
-    return baseName(library).starts_with("psqlodbc") || baseName(library).starts_with("vhpostgresql");
+bool hasEncodedPasswords(const std::string& library) {
+    const KnownDriver* driver = find(library);
+    return driver != nullptr && driver->hasEncodedPasswords;
 }
 
 std::string packageOf(const std::string& library) {

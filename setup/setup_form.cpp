@@ -14,6 +14,7 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "setup/about_form.h"
@@ -101,7 +102,7 @@ bool SetupForm::run() {
     if (form_ == nullptr) {
         throw std::bad_alloc();
     }
-    onWindowManagerClose(shell_, cancelPressed, this);
+    prepareShell(shell_, cancelPressed, this);
     XtAddCallback(form_, XmNhelpCallback, helpPressed, this);
     createFields();
     rows_ = std::make_unique<SettingRows>(form_, content_.rows);

@@ -12,6 +12,7 @@
 
 #include "admin/dialogs.h"
 #include "admin/look.h"
+#include "admin/palette.h"
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
@@ -40,6 +41,7 @@ public:
         if (display == nullptr) {
             throw std::runtime_error("no display");
         }
+        setPalette(display);
     }
     void TearDown() override {
         XtDestroyApplicationContext(app_context);
