@@ -250,6 +250,7 @@ enum Number : std::uint32_t {
     kNoAnswer = 80,
     kDriverNotInstalled = 81,
     kDriverPackage = 82,
+    kOtherDriver = 83,
 
     // The tabs of a dialog with many settings.
     kTabGeneral = 90,

@@ -6,6 +6,7 @@
 #include <link.h>
 
 #include <array>
+#include <chrono>
 #include <new>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "setup/driver_process.h"
 #include "setup/setup_texts.h"
 
 namespace {
@@ -30,7 +32,7 @@ std::string ownPath() {
                                                                                                     : "";
 }
 
-// The file of a library that can be asked for its version; empty for any other.
+// The file of a library that can be asked for its version; empty for any other. Asked in this process.
 std::string fileWithVersion(const std::string& library) {
     void* handle = dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL);
     if (handle == nullptr) {
@@ -125,7 +127,10 @@ Widget createRows(Widget form, Widget above) {
 }  // namespace
 
 void describeForAbout(const std::string& path) {
-    std::string component = fileWithVersion(path);
+    constexpr std::chrono::seconds kPatience(2);
+    DriverProcess process([&path] { return fileWithVersion(path); });
+    const std::optional<DriverProcess::End> end = process.waitForEnd(kPatience);
+    std::string component = end ? end->answer.value_or("") : "";
     if (component.empty()) {
         component = ownPath();
     }

@@ -107,7 +107,7 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
     content.stored = stored.settings;
     content.name = request.name;
     content.leftOut = request.leftOut;
-    std::optional<std::vector<DriverProperty>> described = knownProperties(library);
+    std::optional<std::vector<DriverProperty>> described = knownProperties(library, request.isFile);
     if (described) {
         // Those that most people need; the driver knows more.
         content.rows.hasFurtherSettings = true;

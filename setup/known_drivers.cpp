@@ -11,8 +11,8 @@ using Properties = std::vector<DriverProperty>;
 // A driver is known by what its library's name begins with.
 struct KnownDriver {
     std::string_view name;
-    const char* package;
-    Properties (*properties)();  // Null for a driver that describes itself well.
+    const char* package;                    // Empty for one of ours.
+    Properties (*properties)(bool isFile);  // Null for a driver that describes itself well.
     bool hasEncodedPasswords = false;
 };
 
@@ -28,13 +28,8 @@ DriverProperty password(const char* key) {
     return {key, "", PropertyKind::kPassword, {}, "Password of the database user."};
 }
 
-DriverProperty forTests(DriverProperty property) {
-    property.isNeverStored = true;
-    return property;
-}
-
 // psqlodbc, as it reads a data source: there it knows neither Server nor UID nor PWD.
-Properties postgresql() {
+Properties postgresql(bool /*isFile*/) {
     return {text("Servername", "Name or address of the database server; without one, a socket of this machine."),
             text("Port", "Port that the server listens on.", "5432"),
             text("Database", "Database to connect to."),
@@ -47,7 +42,7 @@ Properties postgresql() {
              "Whether the connection is encrypted and checked."}};
 }
 
-Properties mariadb() {
+Properties mariadb(bool /*isFile*/) {
     return {text("Server", "Name or address of the database server.", "localhost"),
             text("Port", "Port that the server listens on.", "3306"),
             text("Socket", "Socket of a server on this machine."),
@@ -62,22 +57,21 @@ Properties mariadb() {
             file("SSLKey", "Private key of the client.")};
 }
 
-Properties mdbtools() {
+Properties mdbtools(bool /*isFile*/) {
     return {file("Database", "File of Microsoft Access, .mdb or .accdb.")};
 }
 
-constexpr const char* kLoginHelp = "For the test alone: FreeTDS does not read it from a data source.";
-
-// Its own description proposes the protocol 4.2, which sends the password in clear.
-Properties freetds() {
-    return {
+// Its own description proposes the protocol 4.2, which sends the password in clear. It takes the login from a
+// connection string alone, which the driver manager makes of a file data source and not of a user's.
+Properties freetds(bool isFile) {
+    const char* loginHelp = isFile ? "" : "For the test alone: FreeTDS does not read it from a data source.";
+    Properties properties{
         text("Servername", "Section of freetds.conf that tells server, port and protocol. Not together with Server."),
         text("Server", "Name or address of the database server. Not together with Servername."),
         text("Port", "Port that the server listens on.", "1433"),
         text("Database", "Database to connect to."),
-        forTests(text("UID", kLoginHelp)),
-        forTests({"PWD", "", PropertyKind::kPassword, {}, kLoginHelp}),
-        {"Login", "not stored: FreeTDS takes it from the program alone", PropertyKind::kFixed, {}, kLoginHelp},
+        text("UID", loginHelp),
+        {"PWD", "", PropertyKind::kPassword, {}, loginHelp},
         {"TDS_Version",
          "",
          PropertyKind::kCombo,
@@ -86,14 +80,23 @@ Properties freetds() {
         {"Encryption", "", PropertyKind::kMenu, {"off", "request", "require"}, "Whether the connection is encrypted."},
         text("ClientCharset", "Character set of the programs, such as UTF-8."),
         text("Timeout", "Seconds to wait for the server.", "10")};
+    if (!isFile) {
+        const auto user = properties.begin() + 4;
+        user[0].isNeverStored = true;
+        user[1].isNeverStored = true;
+        properties.insert(
+            user + 2,
+            {"Login", "not stored: FreeTDS takes it from the program alone", PropertyKind::kFixed, {}, loginHelp});
+    }
+    return properties;
 }
 
 constexpr std::array kDrivers{KnownDriver{"psqlodbc", "odbc-postgresql", postgresql, true},
-                              KnownDriver{"vhpostgresql", "odbc-postgresql", nullptr, true},
+                              KnownDriver{"vhpostgresql", "", nullptr, true},
                               KnownDriver{"libmaodbc", "odbc-mariadb", mariadb},
                               KnownDriver{"libmdbodbc", "odbc-mdbtools", mdbtools},
                               KnownDriver{"libtdsodbc", "tdsodbc", freetds},
-                              KnownDriver{"vhfreetds", "tdsodbc", freetds},
+                              KnownDriver{"vhfreetds", "", freetds},
                               KnownDriver{"libsqlite3odbc", "libsqliteodbc", nullptr}};
 
 std::string_view baseName(std::string_view path) {
@@ -109,9 +112,10 @@ const KnownDriver* find(const std::string& library) {
 
 }  // namespace
 
-std::optional<Properties> knownProperties(const std::string& library) {
+std::optional<Properties> knownProperties(const std::string& library, bool isFile) {
     const KnownDriver* driver = find(library);
-    return driver != nullptr && driver->properties != nullptr ? std::optional(driver->properties()) : std::nullopt;
+    return driver != nullptr && driver->properties != nullptr ? std::optional(driver->properties(isFile))
+                                                              : std::nullopt;
 }
 
 bool hasEncodedPasswords(const std::string& library) {
@@ -122,4 +126,8 @@ bool hasEncodedPasswords(const std::string& library) {
 std::string packageOf(const std::string& library) {
     const KnownDriver* driver = find(library);
     return driver != nullptr ? driver->package : "";
+}
+
+std::string driverInsteadOf(const std::string& library) {
+    return baseName(library) == "libsqliteodbc.so" ? "SQLite3" : "";
 }

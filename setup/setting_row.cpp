@@ -7,9 +7,11 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <new>
+#include <string_view>
 #include <vector>
 
 #include "installer/configuration.h"
@@ -89,9 +91,13 @@ std::string percentDecoded(const std::string& text) {
 }
 
 std::string percentEncoded(const std::string& text) {
+    // Braces are a quotation to the driver, within which it decodes nothing.
+    constexpr std::string_view kEncoded = "%+ {}";
     std::string encoded;
     for (const char byte : text) {
-        encoded += byte == '%' ? "%25" : byte == '+' ? "%2B" : byte == ' ' ? "%20" : std::string(1, byte);
+        char code[] = "%00";
+        std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned int>(byte & 0xFF));
+        encoded += kEncoded.find(byte) != std::string_view::npos ? code : std::string(1, byte);
     }
     return encoded;
 }

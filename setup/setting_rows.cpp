@@ -327,9 +327,9 @@ bool SettingRows::hasRow(const std::string& key) const {
 std::optional<SetupFailure> SettingRows::collect(Settings& changed) {
     for (const auto& row : rows_) {
         if (row->isNeverStored()) {
-            continue;
-        }
-        if (!row->isStored()) {
+            // Whoever opened the dialog may have proposed a value.
+            std::erase_if(changed, [&row](const auto& change) { return installer::sameName(change.key, row->key()); });
+        } else if (!row->isStored()) {
             setValue(changed, row->key(), {});
         } else if (row->isChanged()) {
             setValue(changed, row->key(), row->storedValue());

@@ -253,7 +253,9 @@ ConnectionTest SetupForm::connectionTest(const Settings& changed) const {
 
 void SetupForm::test() {
     Settings changed;
-    if (const std::optional<SetupFailure> failure = collectSettings(changed)) {
+    std::optional<SetupFailure> failure = collectSettings(changed);
+    failure = failure ? failure : checkSettings(changed);
+    if (failure) {
         report(*failure);
         return;
     }
