@@ -14,6 +14,8 @@
 #include "motifutil/icons.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 #include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
 
@@ -150,6 +152,8 @@ Widget createAbtForm(Widget parent) {
     Widget form = frmabout;
     XtAddCallback(form, XmNdestroyCallback, forget, nullptr);
     onWindowManagerClose(XtParent(form), closePressed, form);
+    serveKeys(XtParent(form));
+    setHelpTopic(form, "setup");
 
     Widget icon = createIcon(form);
     Widget head = createAddress(form, icon);

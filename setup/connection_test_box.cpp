@@ -15,7 +15,10 @@
 #include "motifutil/icons.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/message_icons.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 #include "setup/connection_test.h"
 #include "setup/driver_files.h"
 #include "setup/known_drivers.h"
@@ -87,9 +90,7 @@ void addRecords(Widget box, const std::vector<std::string>& records) {
     }
     XtVaSetValues(field, XmNwidth, width + kTextFrame, nullptr);
     // What leaves the box leaves it from here too.
-    overrideTranslations(field,
-                         "<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n<Key>Return: activate()\n"
-                         "Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()");
+    overrideTranslations(field, "<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n<Key>Return: activate()");
     XtManageChild(field);
 }
 
@@ -136,6 +137,7 @@ void showOutcome(Widget parent, const ConnectionOutcome& outcome, const std::str
     if (box == nullptr) {
         return;
     }
+    setHelpTopic(box, "test");
     const std::vector<std::string> records = recordsOf(outcome);
     if (!records.empty()) {
         addRecords(box, records);
@@ -184,6 +186,10 @@ private:
         }
         setIcon(box_, XmNsymbolPixmap, createIconPixmap(box_, kInformationIcon));
         XtUnmanageChild(XtNameToWidget(box_, "Help"));
+        setMnemonic(XtNameToWidget(box_, "OK"), setupMnemonic(SetupMessage::kWaitOn));
+        setMnemonic(XtNameToWidget(box_, "Cancel"), mnemonicFor(Message::kCancel));
+        serveKeys(XtParent(box_));
+        setHelpTopic(box_, "test");
     }
     // Lets the process end and the box go from the screen.
     void end() {
