@@ -2,17 +2,17 @@
 
 #include <sql.h>
 #include <sqlext.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <new>
 
 #include "installer/configuration.h"
 #include "installer/file_replacement.h"
 #include "installer/ini_text.h"
+#include "installer/private_file.h"
 
 namespace {
 
@@ -136,13 +136,9 @@ ConnectionOutcome connect(std::string connectionString) {
     return outcome;
 }
 
-// Lets the installer library read this text as the user's file, in this process alone, in memory alone.
-void useConfiguration(const std::string& text) {
-    const int file = memfd_create("odbc.ini", 0);
-    const ssize_t written = write(file, text.data(), text.size());
-    static_cast<void>(written);
-    // Even if it came out short: a data source that is missing is told, another one would be tried.
-    setenv("ODBCINI", ("/proc/self/fd/" + std::to_string(file)).c_str(), 1);
+// Lets the installer library read this file as the user's, in this process alone.
+void useConfiguration(const installer::PrivateFile& file) {
+    setenv("ODBCINI", file.path().c_str(), 1);
     // It is that of a user, whichever a caller of ours asked for.
     installer::useUserConfiguration();
 }
@@ -200,8 +196,12 @@ ConnectionTest testOfDataSource(const std::string& name, const Settings& setting
 
 ConnectionAttempt::ConnectionAttempt(const ConnectionTest& test)
     : process_([&test] {
+          const installer::PrivateFile configuration;
           if (test.configuration) {
-              useConfiguration(*test.configuration);
+              if (!configuration.write(*test.configuration)) {
+                  throw std::bad_alloc();
+              }
+              useConfiguration(configuration);
           }
           return textOf(connect(test.connectionString));
       }) {}

@@ -1,7 +1,6 @@
 #include "setup/driver_process.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -23,13 +22,6 @@ constexpr std::size_t kMostPrinted = 1 << 16;
 // Stands before an answer, so that an empty one can be told from none.
 constexpr char kAnswered = '!';
 
-std::string textOf(int file) {
-    std::string text(static_cast<std::size_t>(std::max<off_t>(lseek(file, 0, SEEK_END), 0)), '\0');
-    const ssize_t size = pread(file, text.data(), text.size(), 0);
-    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    return text;
-}
-
 [[noreturn]] void leaveAtOnce(int status, void* /*data*/) {
     std::fflush(nullptr);
     _exit(status);
@@ -37,10 +29,10 @@ std::string textOf(int file) {
 
 }  // namespace
 
-DriverProcess::DriverProcess(const std::function<std::string()>& work) : answer_(memfd_create("answer", MFD_CLOEXEC)) {
+DriverProcess::DriverProcess(const std::function<std::string()>& work) {
     std::array<int, 2> printed{-1, -1};
     std::fflush(nullptr);
-    if (answer_ >= 0 && pipe2(printed.data(), O_CLOEXEC) == 0) {
+    if (answer_ && pipe2(printed.data(), O_CLOEXEC) == 0) {
         process_ = fork();
         if (process_ == 0) {
             run(work, printed[1]);
@@ -49,7 +41,6 @@ DriverProcess::DriverProcess(const std::function<std::string()>& work) : answer_
     }
     printed_ = printed[0];
     if (process_ < 0) {
-        close(answer_);
         close(printed_);
         throw std::bad_alloc();
     }
@@ -63,7 +54,6 @@ DriverProcess::~DriverProcess() {
         killAll();
         waitpid(process_, nullptr, 0);
     }
-    close(answer_);
     close(printed_);
 }
 
@@ -78,10 +68,7 @@ void DriverProcess::run(const std::function<std::string()>& work, int printed) c
     dup2(printed, STDERR_FILENO);
     // What this program does at its end must not be done by a driver that ends the copy.
     on_exit(leaveAtOnce, nullptr);
-    const std::string answer = kAnswered + work();
-    const ssize_t written = write(answer_, answer.data(), answer.size());
-    static_cast<void>(written);
-    leaveAtOnce(0, nullptr);
+    leaveAtOnce(answer_.write(kAnswered + work()) ? 0 : 1, nullptr);
 }
 
 void DriverProcess::readPrinted() {
@@ -113,8 +100,8 @@ std::optional<DriverProcess::End> DriverProcess::end() {
     process_ = -1;
     readPrinted();
     End end{std::nullopt, {}, printedText_};
-    const std::string answer = textOf(answer_);
-    if (answer.starts_with(kAnswered)) {
+    std::string answer;
+    if (answer_.read(answer) && answer.starts_with(kAnswered)) {
         end.answer = answer.substr(1);
     } else {
         end.reason =

@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+#include "installer/private_file.h"
+
 class DriverProcess {
 public:
     // Begins `work`, whose text is the answer, in a copy of this process. Throws std::bad_alloc when there can be none.
@@ -36,7 +38,7 @@ private:
     void killAll() const;
 
     pid_t process_ = -1;
-    int answer_ = -1;
+    installer::PrivateFile answer_;
     int printed_ = -1;
     std::string printedText_;
 };
