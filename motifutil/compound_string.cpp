@@ -38,3 +38,31 @@ std::string plainText(XmString text) {
     }
     return plain ? std::string(plain.get()) : std::string();
 }
+
+std::string wrapped(const std::string& text, XmRenderTable fonts, int most) {
+    std::string result = text;
+    std::size_t lineStart = 0;
+    std::size_t lastBlank = std::string::npos;
+    bool isQuoted = false;
+    for (std::size_t at = 0; at < result.size(); ++at) {
+        if (result[at] == '\n') {
+            lineStart = at + 1;
+            lastBlank = std::string::npos;
+        }
+        isQuoted = isQuoted != (result[at] == '"');
+        const bool endsWord = at + 1 == result.size() || result[at + 1] == ' ' || result[at + 1] == '\n';
+        if (!endsWord) {
+            continue;
+        }
+        const std::string line = result.substr(lineStart, at + 1 - lineStart);
+        if (lastBlank != std::string::npos && XmStringWidth(fonts, compoundString(line).get()) > most) {
+            result[lastBlank] = '\n';
+            lineStart = lastBlank + 1;
+            lastBlank = std::string::npos;
+        }
+        if (!isQuoted && at + 1 < result.size() && result[at + 1] == ' ') {
+            lastBlank = at + 1;
+        }
+    }
+    return result;
+}

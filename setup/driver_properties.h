@@ -22,6 +22,7 @@ struct DriverProperty {
     PropertyKind kind = PropertyKind::kText;
     std::vector<std::string> choices;
     std::string help{};             // One line; empty when the driver says nothing.
+    std::string label{};            // In the place of the words for its key; mostly empty.
     bool isPercentEncoded = false;  // The file has "%25" for "%" and "%2B" for "+", as in an address.
     bool isNeverStored = false;     // Of use for a test alone: the driver does not read it from a data source.
 };

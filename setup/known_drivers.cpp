@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "setup/setup_texts.h"
+
 namespace {
 
 using Properties = std::vector<DriverProperty>;
@@ -16,77 +18,84 @@ struct KnownDriver {
     bool hasEncodedPasswords = false;
 };
 
-DriverProperty text(const char* key, const char* help, const char* defaultValue = "") {
-    return {key, defaultValue, PropertyKind::kText, {}, help};
+DriverProperty text(const char* key, SetupMessage::Number help, const char* defaultValue = "") {
+    return {key, defaultValue, PropertyKind::kText, {}, setupText(help)};
 }
 
-DriverProperty file(const char* key, const char* help) {
-    return {key, "", PropertyKind::kFile, {}, help};
+DriverProperty file(const char* key, SetupMessage::Number help) {
+    return {key, "", PropertyKind::kFile, {}, setupText(help)};
 }
 
 DriverProperty password(const char* key) {
-    return {key, "", PropertyKind::kPassword, {}, "Password of the database user."};
+    return {key, "", PropertyKind::kPassword, {}, setupText(SetupMessage::kHintPassword)};
 }
 
 // psqlodbc, as it reads a data source: there it knows neither Server nor UID nor PWD.
 Properties postgresql(bool /*isFile*/) {
-    return {text("Servername", "Name or address of the database server; without one, a socket of this machine."),
-            text("Port", "Port that the server listens on.", "5432"),
-            text("Database", "Database to connect to."),
-            text("Username", "Database user."),
+    return {text("Servername", SetupMessage::kHintServerOrSocket),
+            text("Port", SetupMessage::kHintPort, "5432"),
+            text("Database", SetupMessage::kHintDatabase),
+            text("Username", SetupMessage::kHintUser),
             password("Password"),
             {"SSLmode",
              "prefer",
              PropertyKind::kMenu,
              {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"},
-             "Whether the connection is encrypted and checked."}};
+             setupText(SetupMessage::kHintEncryption)}};
 }
 
 Properties mariadb(bool /*isFile*/) {
-    return {text("Server", "Name or address of the database server.", "localhost"),
-            text("Port", "Port that the server listens on.", "3306"),
-            text("Socket", "Socket of a server on this machine."),
-            text("Database", "Database to connect to."),
-            text("User", "Database user."),
+    return {text("Server", SetupMessage::kHintServer, "localhost"),
+            text("Port", SetupMessage::kHintPort, "3306"),
+            text("Socket", SetupMessage::kHintSocket),
+            text("Database", SetupMessage::kHintDatabase),
+            text("User", SetupMessage::kHintUser),
             password("Password"),
-            text("Charset", "Character set of the connection."),
-            {"ForceTLS", "0", PropertyKind::kMenu, {"0", "1"}, "1 refuses a connection that is not encrypted."},
-            {"SSLVerify", "0", PropertyKind::kMenu, {"0", "1"}, "1 checks that the certificate is the server's."},
-            file("SSLCA", "Certificates of the authorities that are trusted."),
-            file("SSLCert", "Certificate of the client."),
-            file("SSLKey", "Private key of the client.")};
+            text("Charset", SetupMessage::kHintCharacterSet),
+            {"ForceTLS", "0", PropertyKind::kMenu, {"0", "1"}, setupText(SetupMessage::kHintRequireEncryption)},
+            {"SSLVerify", "0", PropertyKind::kMenu, {"0", "1"}, setupText(SetupMessage::kHintCheckCertificate)},
+            file("SSLCA", SetupMessage::kHintAuthorities),
+            file("SSLCert", SetupMessage::kHintClientCertificate),
+            file("SSLKey", SetupMessage::kHintClientKey)};
 }
 
 Properties mdbtools(bool /*isFile*/) {
-    return {file("Database", "File of Microsoft Access, .mdb or .accdb.")};
+    return {file("Database", SetupMessage::kHintAccessFile)};
 }
 
 // Its own description proposes the protocol 4.2, which sends the password in clear. It takes the login from a
 // connection string alone, which the driver manager makes of a file data source and not of a user's.
 Properties freetds(bool isFile) {
-    const char* loginHelp = isFile ? "" : "For the test alone: FreeTDS does not read it from a data source.";
-    Properties properties{
-        text("Servername", "Section of freetds.conf that tells server, port and protocol. Not together with Server."),
-        text("Server", "Name or address of the database server. Not together with Servername."),
-        text("Port", "Port that the server listens on.", "1433"),
-        text("Database", "Database to connect to."),
-        text("UID", loginHelp),
-        {"PWD", "", PropertyKind::kPassword, {}, loginHelp},
-        {"TDS_Version",
-         "",
-         PropertyKind::kCombo,
-         {"auto", "7.4", "7.3", "7.2", "7.1", "7.0", "5.0"},
-         "5.0 for Sybase, 7.4 for SQL Server 2012 and later. Of its own accord it tries old versions too, in clear."},
-        {"Encryption", "", PropertyKind::kMenu, {"off", "request", "require"}, "Whether the connection is encrypted."},
-        text("ClientCharset", "Character set of the programs, such as UTF-8."),
-        text("Timeout", "Seconds to wait for the server.", "10")};
+    const std::string loginHelp = isFile ? "" : setupText(SetupMessage::kHintLogin);
+    Properties properties{text("Servername", SetupMessage::kHintServerEntry),
+                          text("Server", SetupMessage::kHintServerNoEntry),
+                          text("Port", SetupMessage::kHintPort, "1433"),
+                          text("Database", SetupMessage::kHintDatabase),
+                          {"UID", "", PropertyKind::kText, {}, loginHelp},
+                          {"PWD", "", PropertyKind::kPassword, {}, loginHelp},
+                          {"TDS_Version",
+                           "",
+                           PropertyKind::kCombo,
+                           {"auto", "7.4", "7.3", "7.2", "7.1", "7.0", "5.0"},
+                           setupText(SetupMessage::kHintProtocolVersion)},
+                          {"Encryption",
+                           "",
+                           PropertyKind::kMenu,
+                           {"off", "request", "require"},
+                           setupText(SetupMessage::kHintEncryption)},
+                          text("ClientCharset", SetupMessage::kHintCharacterSet),
+                          text("Timeout", SetupMessage::kHintTimeout, "10")};
+    properties.front().label = setupText(SetupMessage::kLabelServerEntry);
     if (!isFile) {
         const auto user = properties.begin() + 4;
         user[0].isNeverStored = true;
         user[1].isNeverStored = true;
-        properties.insert(
-            user + 2,
-            {"Login", "not stored: FreeTDS takes it from the program alone", PropertyKind::kFixed, {}, loginHelp});
+        properties.insert(user + 2, {"Login",
+                                     setupText(SetupMessage::kLoginNotStored),
+                                     PropertyKind::kFixed,
+                                     {},
+                                     loginHelp,
+                                     setupText(SetupMessage::kLabelLogin)});
     }
     return properties;
 }

@@ -32,7 +32,7 @@
 namespace {
 
 // The share of the screen's height that the dialog takes before its rows scroll, in percent.
-constexpr int kLargestShare = 70;
+constexpr int kLargestShare = 85;
 // What is seen of the rows at least, in pixels, however small the screen or the window.
 constexpr int kLeastRows = 110;
 // What is told of attributes that are left out: so many, so many bytes of each.
