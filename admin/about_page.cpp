@@ -10,6 +10,7 @@
 #include "kvlib/catalog.h"
 #include "kvlib/text.h"
 #include "motifutil/component_inquiry.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/widgets.h"
 
 Widget FrmAbout = nullptr;
@@ -67,6 +68,7 @@ Widget createAboutForm(Widget notebook) {
     LstAbtVersion = createList(FormAboutLists, "LstAbtVersion", AboutTabItemSelected, nullptr);
     LstAbtFile = createList(FormAboutLists, "LstAbtFile", AboutTabItemSelected, nullptr);
 
+    leadTo(LblAboutText, LstAbtDesc, mnemonicFor(Message::kAboutHeading));
     TxtAboutDesc = createReadOnlyText(FrmAbout, "TxtAboutDesc", Message::kAboutExplanation, 2);
     placeTable({LblAboutText, ScrAboutLabels, ScrAboutLists, TxtAboutDesc, {}});
     Components.adopt({{LstAbtDesc, LblAbtDesc}, {LstAbtVersion, LblAbtVersion}, {LstAbtFile, LblSAbtFile}},

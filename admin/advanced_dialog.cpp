@@ -7,8 +7,11 @@
 
 #include "admin/dialogs.h"
 #include "admin/globals.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 
 Widget AdvFDDialog = nullptr;
 Widget TxtFDAdv = nullptr;
@@ -51,7 +54,10 @@ void createAdvancedDialog() {
         .leftForm(kPageMargin)
         .rightForm(kPageMargin)
         .above(verify, kPageGap);
-    XtVaSetValues(form, XmNcancelButton, cancel, XmNinitialFocus, XtParent(TxtFDAdv), nullptr);
+    leadTo(heading, TxtFDAdv, mnemonicFor(Message::kAdvancedHeading));
+    serveKeys(XtParent(AdvFDDialog));
+    setHelpTopic(AdvFDDialog, "wizard-advanced");
+    XtVaSetValues(form, XmNdefaultButton, ok, XmNcancelButton, cancel, XmNinitialFocus, XtParent(TxtFDAdv), nullptr);
 }
 
 }  // namespace

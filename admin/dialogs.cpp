@@ -101,10 +101,14 @@ void showError(Message::Number text, const installer::ChangeFailure& failure) {
     showErrorAndMore(text, changeReport(failure));
 }
 
-void askQuestion(std::string question, const std::string& subject, XtCallbackProc accepted, XtCallbackProc declined) {
+void askQuestion(std::string question, const std::string& subject, XtCallbackProc accepted, XtCallbackProc declined,
+                 Answer usual) {
     Mdialog =
         createMessageDialogAdmin(kQuestionDialog, question.data(), catalogText(Message::kAnswerYes).data(),
                                  catalogText(Message::kAnswerNo).data(), catalogText(Message::kDialogTitle).data());
+    if (Mdialog != nullptr && usual == Answer::kNo) {
+        answerNoByReturn(Mdialog);
+    }
     showWithSubject(subject, accepted, declined);
 }
 

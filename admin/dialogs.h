@@ -30,8 +30,10 @@ void showError(Message::Number text, const installer::ChangeFailure& failure);
 // terminated; null when it is empty), which belongs to the box and goes with it, answered or replaced.
 //
 // A question, titled as the program; `accepted` is called when the person agrees, `declined`, when not null, otherwise.
+// Return answers it with `usual`, which is to be No where Yes removes something.
+enum class Answer { kYes, kNo };
 void askQuestion(std::string question, const std::string& subject, XtCallbackProc accepted,
-                 XtCallbackProc declined = nullptr);
+                 XtCallbackProc declined = nullptr, Answer usual = Answer::kYes);
 // Information with the one button OK, which calls `acknowledged`.
 void showResult(std::string text, Message::Number title, const std::string& subject, XtCallbackProc acknowledged);
 

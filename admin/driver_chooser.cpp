@@ -8,6 +8,7 @@
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "admin/table.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -60,6 +61,7 @@ void createDriverScreen(Widget parent, XtCallbackProc doubleClicked) {
     LstDPDate = createColumn("LstDPDate", "LblDPDate", Message::kColumnDate);
     Attach(headers).below(heading, kPageGap).leftForm(kPageMargin).rightForm(kPageMargin);
     Attach(DriverLists).below(headers, 0).leftForm(kPageMargin).rightForm(kPageMargin);
+    leadTo(heading, LstDPName, mnemonicFor(Message::kChooserHeading));
     Drivers.adopt(std::move(columns), DriverLists, synchonizeScrollDP);
 
     populateDriverInfo(LstDPName, LstDPFile, LstDPVersion, LstDPCompany, LstDPDate);

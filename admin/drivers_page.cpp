@@ -10,6 +10,7 @@
 #include "installer/drivers.h"
 #include "motifutil/component_inquiry.h"
 #include "motifutil/component_version.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -103,6 +104,7 @@ Widget createDriversPage(Widget notebook) {
     LstFile = createList(FrmTable, "LstFile", DriversTabEntrySelected, nullptr);
     LstDate = createList(FrmTable, "LstDate", DriversTabEntrySelected, nullptr);
 
+    leadTo(LbDDesc, LstName, mnemonicFor(Message::kDriversHeading));
     placeTable({nullptr, scrolledWin1, scrolledWin2, TxtDriversDesc, {}});
     setSizePosForDriversWidgets(LstName, LstVersion, LstCompany, LstFile, LstDate, LbColName, LbColVersion,
                                 LbColCompany, LbColFile, LbColDate);

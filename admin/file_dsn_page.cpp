@@ -5,6 +5,7 @@
 #include <Xm/TextF.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <new>
 #include <tuple>
@@ -102,11 +103,8 @@ Widget createFileSelection(Widget parent) {
     }
     // Else Return anywhere in the window presses the box's OK, out of sight as it is, and not the window's.
     XtVaSetValues(box, XmNdefaultButton, nullptr, nullptr);
-    for (const char* field : {"Text", "FilterText"}) {
-        hideIdleCursor(XtNameToWidget(box, field));
-    }
+    finishFileSelection(box);
     Widget files = XtNameToWidget(box, "*ItemsList");
-    keepTabs(box);
     XtAddCallback(files, XmNdefaultActionCallback, btnFDConfigure_Clicked, nullptr);
     keepReturn(files);
     Widget selected = XtNameToWidget(box, "Text");
@@ -224,15 +222,20 @@ void btnFDRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer 
         const std::string shown = path.substr(path.find('/') + 1);
         askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + shown + "\"    " +
                         catalogText(Message::kRemoveQuestionEnd) + "?",
-                    path, RemoveFileDSN);
+                    path, RemoveFileDSN, nullptr, Answer::kNo);
     });
 }
 
 void RemoveFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
     guarded([path] {
         const auto* file = static_cast<const char*>(path);
+        const int row = selectedFile().value_or(1);
         if (deleteFileDSN(file)) {
             showFileDsnDirectory(directoryOf(file));
+            // The one that moved up, or the last.
+            int count = 0;
+            XtVaGetValues(fileList(), XmNitemCount, &count, nullptr);
+            XmListSelectPos(fileList(), std::min(row, count), True);
         } else {
             refreshFileDsnPage();
             showError(Message::kFileRemoveFailed);

@@ -15,8 +15,11 @@
 #include "admin/forms.h"
 #include "admin/globals.h"
 #include "admin/wizard_finish.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 
 Widget BtnFinish = nullptr;
 Widget BtnNavigate = nullptr;
@@ -36,6 +39,7 @@ void createSummaryScreen(Widget parent) {
     Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
     TxtDSNInfo = createScrolledText(FormScr3, "txtDSNInfo", kSummaryRows, kSummaryColumns);
     XtVaSetValues(TxtDSNInfo, XmNeditable, False, nullptr);
+    leadTo(heading, TxtDSNInfo, mnemonicFor(Message::kSummaryHeading));
     Attach(XtParent(TxtDSNInfo))
         .below(heading, kPageGap)
         .leftForm(kPageMargin)
@@ -56,6 +60,7 @@ void createButtons(Widget form) {
 
 void labelFinish(Message::Number text) {
     setLabel(BtnFinish, catalogText(text));
+    setMnemonic(BtnFinish, mnemonicFor(text));
 }
 
 void changeScreen(Widget from, Widget to, short number, Widget focus) {
@@ -124,6 +129,7 @@ void create_FileDsnWizard() {
         createSummaryScreen(screens);
         hide_Form(FormScr2);
         hide_Form(FormScr3);
+        serveKeys(XtParent(DlgDriverPopup));
     });
 }
 
@@ -142,6 +148,7 @@ void addDsn(short kind) {
     hide_Form(FormScr3);
     DsnType = kind;
     const bool isFile = kind == kFileDataSource;
+    setHelpTopic(DlgDriverPopup, isFile ? "wizard" : "chooser");
     offerAdvancedAttributes(isFile);
     if (isFile) {
         XtManageChild(BtnNavigate);

@@ -1,5 +1,6 @@
 #include "admin/file_name_screen.h"
 
+#include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -13,5 +14,6 @@ void createFileNameScreen(Widget parent, XtCallbackProc browse) {
     Widget button = createPushButton(FormScr2, "BtnBrowse", Message::kBrowse, browse);
     Attach(button).below(heading, kPageGap).rightForm(kPageMargin);
     Text7 = createTextField(FormScr2, "Text7");
+    leadTo(heading, Text7, mnemonicFor(Message::kFileNameHeading));
     Attach(Text7).below(heading, kPageGap).leftForm(kPageMargin).leftOf(button, kPageGap);
 }

@@ -18,9 +18,12 @@
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "help/help_locator.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 
 Widget FrmMain = nullptr;
 Widget TabManager = nullptr;
@@ -61,6 +64,19 @@ void pageChanged(Widget /*notebook*/, XtPointer /*clientData*/, XtPointer callDa
 void helpRequested(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
     if (XtIsSensitive(BtnHelp)) {
         pressButton(BtnHelp);
+    }
+}
+
+// Leads on from a tab that was pressed into its page.
+void tabPressed(Widget /*tab*/, XtPointer page, XtPointer /*callData*/) {
+    focusFirst(static_cast<Widget>(page));
+}
+
+// Motif's own choice would be OK, or with XmNinitialFocus a button of the page: it does not look into scrolled windows.
+void beginInPage(Widget shell, XtPointer /*clientData*/, XEvent* event, Boolean* /*continueToDispatch*/) {
+    if (event->type == MapNotify) {
+        XtRemoveEventHandler(shell, StructureNotifyMask, False, beginInPage, nullptr);
+        focusFirst(FormUserDSN);
     }
 }
 
@@ -120,6 +136,7 @@ void createPages() {
         }
         XtAddCallback(*page.tab, XmNactivateCallback, tabSelectionChanged,
                       reinterpret_cast<XtPointer>(XtArgVal{page.tabCode}));
+        XtAddCallback(*page.tab, XmNactivateCallback, tabPressed, *page.page);
     }
     XtManageChildren(pagesAndTabs.data(), static_cast<Cardinal>(pagesAndTabs.size()));
     XtUnmanageChild(XtNameToWidget(TabManager, "PageScroller"));
@@ -134,6 +151,7 @@ void fillPages() {
 
 void create_shODBCAdmin(Display* connection, char* appName, int argc, char** argv) {
     guarded([=] {
+        showHelpTopic = showAdministratorHelp;
         beginAboutTab();
         const std::string title = catalogText(Message::kWindowTitle);
         ArgumentList arguments;
@@ -144,6 +162,7 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
             throw std::bad_alloc();
         }
         setFont(ShODBCAdmin);
+        completeFontsOf(ShODBCAdmin);
         setIconPixmap(ShODBCAdmin);
         prepareShell(ShODBCAdmin, btnCancel_activate, nullptr);
 
@@ -159,7 +178,9 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         createPages();
         fillPages();
         XtManageChild(TabManager);
+        XtAddEventHandler(ShODBCAdmin, StructureNotifyMask, False, beginInPage, nullptr);
         XtManageChild(FrmMain);
+        serveKeys(ShODBCAdmin);
     });
 }
 
@@ -185,8 +206,7 @@ void tabSelectionChanged(Widget /*widget*/, XtPointer tabCode, XtPointer /*callD
 void btnHelp_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
     for (const Page& page : kPages) {
         if (page.tabCode == CurrentSelectedTab) {
-            kvDisplayHelp(reinterpret_cast<const unsigned char*>("Administrator"),
-                          reinterpret_cast<const unsigned char*>(page.helpTopic));
+            showAdministratorHelp(page.helpTopic);
         }
     }
 }

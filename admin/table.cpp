@@ -15,6 +15,7 @@
 #include "admin/lists.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/spacing.h"
+#include "motifutil/table_keys.h"
 #include "motifutil/widgets.h"
 
 namespace {
@@ -53,18 +54,10 @@ void useWholeHeight(Widget header) {
                   highlight + shadow, nullptr);
 }
 
-Widget windowAround(Widget list) {
-    Widget window = XtParent(list);
-    while (!XmIsScrolledWindow(window)) {
-        window = XtParent(window);
-    }
-    return window;
-}
-
 // How far the window around a list is scrolled to the right.
 int scrolledSideways(Widget list) {
     Widget scrollBar = nullptr;
-    XtVaGetValues(windowAround(list), XmNhorizontalScrollBar, &scrollBar, nullptr);
+    XtVaGetValues(scrolledWindowAround(list), XmNhorizontalScrollBar, &scrollBar, nullptr);
     int value = 0;
     XtVaGetValues(scrollBar, XmNvalue, &value, nullptr);
     return value;
@@ -89,7 +82,7 @@ std::vector<int> listWidths(const std::vector<Column>& columns) {
 void placeHeaders(const std::vector<Column>& columns, const std::vector<int>& widths, int scrolled) {
     // The windows around headers and lists have frames of their own.
     Widget clipWindow = nullptr;
-    XtVaGetValues(windowAround(columns.front().list), XmNclipWindow, &clipWindow, nullptr);
+    XtVaGetValues(scrolledWindowAround(columns.front().list), XmNclipWindow, &clipWindow, nullptr);
     int start = rootX(clipWindow) - rootX(XtParent(columns.front().header)) - scrolled;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         Attach(columns[i].header).strip(kHeaderHeight).span(start, widths[i]);
@@ -168,11 +161,34 @@ void Table::adopt(std::vector<Column> columns, Widget scrolledWindow, XtCallback
           XmNpageDecrementCallback, XmNtoTopCallback, XmNtoBottomCallback, XmNdragCallback}) {
         XtAddCallback(scrollBar, reason, scrolled, nullptr);
     }
+    Widget other = nullptr;
+    XtVaGetValues(window_, XmNverticalScrollBar, &other, nullptr);
+    for (Widget bar : {scrollBar, other}) {
+        XtVaSetValues(bar, XmNtraversalOn, False, nullptr);
+    }
     XtAddEventHandler(window_, StructureNotifyMask, False, resized, this);
     for (const Column& column : columns_) {
         scrollWithWheel(window_, column.list);
         useWholeHeight(column.header);
+        // The table is one stop for Tab, its first column.
+        XtVaSetValues(column.list, XmNtraversalOn, column.list == columns_.front().list, nullptr);
     }
+    addTableKeys(columns_.front().list);
+    XtVaGetValues(window_, XmNtopShadowColor, &topShadow_, XmNbottomShadowColor, &bottomShadow_, nullptr);
+    XtAddEventHandler(columns_.front().list, FocusChangeMask, False, focusChanged, this);
+}
+
+void Table::focusChanged(Widget list, XtPointer table, XEvent* event, Boolean* /*continueToDispatch*/) {
+    // A window that gets the keyboard tells the list under the pointer too, which has not got it.
+    if (event->xfocus.detail == NotifyPointer) {
+        return;
+    }
+    const auto* self = static_cast<const Table*>(table);
+    Pixel highlight = 0;
+    XtVaGetValues(list, XmNhighlightColor, &highlight, nullptr);
+    const bool hasKeyboard = event->type == FocusIn;
+    XtVaSetValues(self->window_, XmNtopShadowColor, hasKeyboard ? highlight : self->topShadow_, XmNbottomShadowColor,
+                  hasKeyboard ? highlight : self->bottomShadow_, nullptr);
 }
 
 void Table::fit() const {
@@ -216,7 +232,12 @@ void Table::followRow(Widget clicked) const {
             XmListSelectPos(column.list, *row, False);
         }
     }
+    Widget first = columns_.front().list;
+    if (clicked != first) {
+        XmProcessTraversal(first, XmTRAVERSE_CURRENT);
+    }
     if (row) {
+        XmListSetKbdItemPos(first, *row);
         revealRow(clicked, *row, window_);
     }
 }

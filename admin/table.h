@@ -18,8 +18,9 @@ public:
     };
 
     // Takes the columns, from left to right, and the scrolled window around the lists. From now on the columns fill
-    // that window whatever its size, and the mouse wheel scrolls it. `scrolled` is called for every way in which its
-    // horizontal scroll bar moves, and is to call scrollHeaders().
+    // that window whatever its size, the mouse wheel scrolls it, and the keys of a table (motifutil/table_keys.h) work
+    // in it. The first column has the keyboard for all of them, which the frame of the window shows. `scrolled` is
+    // called for every way in which its horizontal scroll bar moves, and is to call scrollHeaders().
     void adopt(std::vector<Column> columns, Widget scrolledWindow, XtCallbackProc scrolled);
 
     // Makes each column as wide as its header and its rows ask for, and the last one wide enough to fill what the
@@ -32,13 +33,19 @@ public:
     // Moves the headers with the lists, from a callback of the horizontal scroll bar with this `callData`.
     void scrollHeaders(XtPointer callData) const;
 
-    // Selects the row that is selected in `clicked` in all lists, without notification, and brings it into sight. The
-    // lists are as long as they have rows, so they can't scroll to it themselves when the keyboard moves the selection.
+    // Selects the row that is selected in `clicked` in all lists, without notification, moves the keyboard to it when
+    // it was clicked in another column than the first, and brings it into sight. The lists are as long as they have
+    // rows, so they can't scroll to it themselves when the keyboard moves the selection.
     void followRow(Widget clicked) const;
 
 private:
+    static void focusChanged(Widget list, XtPointer table, XEvent* event, Boolean* continueToDispatch);
+
     std::vector<Column> columns_;
     Widget window_ = nullptr;
+    // Colours of the window's frame without the keyboard.
+    Pixel topShadow_ = 0;
+    Pixel bottomShadow_ = 0;
 };
 
 // Places lists and headers side by side by the lists' present widths.

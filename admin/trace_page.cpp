@@ -16,6 +16,7 @@
 #include "installer/configuration_change.h"
 #include "motifutil/change_report.h"
 #include "motifutil/file_dialog.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -125,6 +126,9 @@ void createTraceWidgets(Widget notebook) {
     TxtTraceLib = createTextField(form, "TxtTraceLib");
     BtnTLibBrowse = createPushButton(form, "BtnTLibBrowse", Message::kBrowse);
     placePathRow(LblTraceLib, TxtTraceLib, BtnTLibBrowse, TxtTraceFile);
+    leadTo(LblTraceFile, TxtTraceFile, mnemonicFor(Message::kTraceFile));
+    leadTo(LblTraceLib, TxtTraceLib, mnemonicFor(Message::kTraceLibrary));
+    setMnemonic(BtnTLibBrowse, catalogText(Message::kBrowseLibraryLetter));
     XtVaSetValues(TxtTraceLib, XmNbottomAttachment, XmATTACH_FORM, XmNbottomOffset, kPageMargin, nullptr);
 
     TxtTraceDesc = createReadOnlyText(FrmTrace, "TxtTraceDesc", Message::kTracingExplanation, 6);

@@ -14,6 +14,7 @@
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
 #include "installer/drivers.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/widgets.h"
 
 Widget FormUserDSN = nullptr;
@@ -150,6 +151,7 @@ Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
     FormLists = createForm(ScrWinLists, "FormLists");
     LstUName = createColumn("lstUName", lstUName_Selected);
     LstUDesc = createColumn("lstUDesc", lstUDesc_Selected);
+    leadTo(LbDesc, LstUName, mnemonicFor(Message::kUserDsnHeading));
 
     BtnAdd = createPushButton(FormUserDSN, "BtnAdd", Message::kAdd, add);
     BtnRemove = createPushButton(FormUserDSN, "BtnRemove", Message::kRemove, btnRemove_Clicked);
@@ -196,7 +198,7 @@ void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*
         }
         askQuestion(catalogText(Message::kRemoveQuestionBegin) + " \"" + name + "\" " +
                         catalogText(Message::kRemoveQuestionEnd) + "?",
-                    name, RemoveUserDsn);
+                    name, RemoveUserDsn, nullptr, Answer::kNo);
     });
 }
 
@@ -215,6 +217,12 @@ void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/)
         }
         DataSources.fit();
         setSizePosForUserDSNWidgets();
+        int count = 0;
+        XtVaGetValues(LstUName, XmNitemCount, &count, nullptr);
+        if (row && count > 0) {
+            // The one that moved up, or the last.
+            selectRow(LstUName, LstUDesc, std::min(*row, count));
+        }
     });
 }
 

@@ -154,7 +154,8 @@ bool checkPerm(const char* name) {
     if (setupLibraryOf(CurrentDriver != nullptr ? CurrentDriver : "").empty()) {
         return false;
     }
-    askQuestion(catalogText(Message::kOverwriteQuestion), FileDSNName, overwriteFileDSN, openSaveAsControl);
+    askQuestion(catalogText(Message::kOverwriteQuestion), FileDSNName, overwriteFileDSN, openSaveAsControl,
+                Answer::kNo);
     return false;
 }
 

@@ -49,6 +49,11 @@ void kvDisplayHelp(const unsigned char* book, const unsigned char* topic) {
     }
 }
 
+void showAdministratorHelp(const char* topic) {
+    kvDisplayHelp(reinterpret_cast<const unsigned char*>("Administrator"),
+                  reinterpret_cast<const unsigned char*>(topic));
+}
+
 int kvFindHelpRoot(const unsigned char* book, unsigned char** rootUrl, std::size_t size) {
     return orMemoryError(1, [&] {
         if (rootUrl == nullptr || size == 0) {

@@ -8,6 +8,9 @@
 // over in silence.
 void kvDisplayHelp(const unsigned char* book, const unsigned char* topic);
 
+// The same for the administrator's own book.
+void showAdministratorHelp(const char* topic);
+
 // Copies the root URL of a book, "File:///" and the directory as it is configured, into `*rootUrl`, a buffer of `size`
 // bytes, cut where it does not fit. Returns 0; 1 when the book has no root, which is reported, and, without a report,
 // when the platform's text can't be converted.

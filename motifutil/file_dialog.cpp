@@ -6,7 +6,11 @@
 #include <new>
 
 #include "motifutil/catalog_text.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/shells.h"
+#include "motifutil/table_keys.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 
 namespace {
 
@@ -49,16 +53,30 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
         throw std::bad_alloc();
     }
     XtUnmanageChild(XtNameToWidget(box, "Help"));
-    for (const char* field : {"Text", "FilterText"}) {
-        hideIdleCursor(XtNameToWidget(box, field));
-    }
-    keepTabs(box);
+    finishFileSelection(box);
     prepareShell(XtParent(box), closed, box);
+    serveKeys(XtParent(box));
+    setHelpTopic(box, "choose");
     return box;
 }
 
-void keepTabs(Widget box) {
-    Widget files = XtNameToWidget(box, "*ItemsList");
+void finishFileSelection(Widget box) {
+    const auto child = [box](unsigned char which) { return XmFileSelectionBoxGetChild(box, which); };
+    const struct {
+        unsigned char label, field;
+        std::string letter;
+    } fields[] = {{XmDIALOG_FILTER_LABEL, XmDIALOG_FILTER_TEXT, catalogText(Message::kFilterFieldLetter)},
+                  {XmDIALOG_DIR_LIST_LABEL, XmDIALOG_DIR_LIST, mnemonicFor(Message::kDirectoryList)},
+                  {XmDIALOG_LIST_LABEL, XmDIALOG_LIST, mnemonicFor(Message::kFileList)},
+                  {XmDIALOG_SELECTION_LABEL, XmDIALOG_TEXT, mnemonicFor(Message::kFileSelection)}};
+    for (const auto& [label, field, letter] : fields) {
+        leadTo(child(label), child(field), letter);
+        XmIsList(child(field)) ? addTableKeys(child(field)) : hideIdleCursor(child(field));
+    }
+    setMnemonic(child(XmDIALOG_APPLY_BUTTON), mnemonicFor(Message::kFilter));
+    setMnemonic(child(XmDIALOG_OK_BUTTON), mnemonicFor(Message::kOk));
+    setMnemonic(child(XmDIALOG_CANCEL_BUTTON), mnemonicFor(Message::kCancel));
+    Widget files = child(XmDIALOG_LIST);
     for (const char* callback : {XmNsingleSelectionCallback, XmNbrowseSelectionCallback, XmNdefaultActionCallback}) {
         XtAddCallback(files, callback, showWithTabs, box);
     }

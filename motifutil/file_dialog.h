@@ -12,7 +12,8 @@
 // callbacks, which the caller adds, do. Throws std::bad_alloc when it can't be made.
 Widget createFileDialog(Widget parent, const char* name, const std::string& title, const ArgumentList& further);
 
-// Puts the tabs of a file's name back into the selection field of a file selection box: Motif takes them out on the way
-// from the list, and the name would be another file's. createFileDialog() does it for its own. Callbacks of the list
-// that read the field are to be added afterwards.
-void keepTabs(Widget box);
+// What createFileDialog() does to its own: hides the cursors of idle fields, makes the keys of a table work in both
+// lists and the letters of labels and buttons, and puts the tabs of a file's name back into the selection field, which
+// Motif takes out on the way from the list, so that the name would be another file's. Callbacks of the lists that read
+// the field are to be added afterwards.
+void finishFileSelection(Widget box);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 
 #include "catalogs/message_numbers.h"
 #include "kvlib/error_report.h"
@@ -11,9 +12,12 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/icons.h"
 #include "motifutil/message_icons.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/modal_loop.h"
 #include "motifutil/shells.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 
 Widget dialog = nullptr;
 Widget Mdialog = nullptr;
@@ -149,7 +153,21 @@ Widget createMessageDialog(Widget parent, unsigned long type, char* message, cha
     }
     XtAddCallback(dialog, XmNdestroyCallback, forgetDestroyed, nullptr);
     prepareShell(XtParent(dialog), answerClosed, dialog);
+    for (const auto& [button, label] : {std::pair{"OK", okLabel}, {"Cancel", cancelLabel}}) {
+        for (const Message::Number known :
+             {Message::kOk, Message::kSetupErrorOk, Message::kCancel, Message::kAnswerYes, Message::kAnswerNo}) {
+            if (catalogText(known) == label) {
+                setMnemonic(XtNameToWidget(dialog, button), mnemonicFor(known));
+            }
+        }
+    }
+    serveKeys(XtParent(dialog));
+    setHelpTopic(dialog, "troubleshooting");
     return dialog;
+}
+
+void answerNoByReturn(Widget question) {
+    XtVaSetValues(question, XmNdefaultButtonType, XmDIALOG_CANCEL_BUTTON, nullptr);
 }
 
 void showPermissionError(Widget parent, int flag) {

@@ -24,6 +24,9 @@ extern Widget Mdialog;
 Widget createMessageDialog(Widget parent, unsigned long type, char* message, char* okLabel, char* cancelLabel,
                            char* title);
 
+// Makes No what Return, and the keyboard at first, is at in a question whose Yes removes something.
+void answerNoByReturn(Widget question);
+
 // Shows the box that says that settings may not be written (`flag` non-zero) or read (zero).
 void showPermissionError(Widget parent, int flag);
 

@@ -43,9 +43,9 @@ struct Scroll {
     int maximum = 0;
 };
 
-Scroll verticalScroll(Widget scrolledWindow) {
+Scroll scrollOf(Widget scrolledWindow, const char* which) {
     Scroll scroll;
-    scroll.scrollBar = scrollBarOf(scrolledWindow, XmNverticalScrollBar);
+    scroll.scrollBar = scrollBarOf(scrolledWindow, which);
     XmScrollBarGetValues(scroll.scrollBar, &scroll.value, &scroll.slider, &scroll.increment, &scroll.page);
     XtVaGetValues(scroll.scrollBar, XmNmaximum, &scroll.maximum, nullptr);
     return scroll;
@@ -62,7 +62,7 @@ void wheelTurned(Widget /*child*/, XtPointer scrolledWindow, XEvent* event, Bool
     constexpr int kPixelsPerNotch = 60;
     const unsigned int button = event->xbutton.button;
     if (button == Button4 || button == Button5) {
-        const Scroll scroll = verticalScroll(static_cast<Widget>(scrolledWindow));
+        const Scroll scroll = scrollOf(static_cast<Widget>(scrolledWindow), XmNverticalScrollBar);
         scrollTo(scroll, scroll.value + (button == Button4 ? -kPixelsPerNotch : kPixelsPerNotch));
     }
 }
@@ -87,7 +87,13 @@ void scrollWithWheel(Widget scrolledWindow, Widget child) {
 }
 
 void revealRange(Widget scrolledWindow, int top, int bottom) {
-    const Scroll scroll = verticalScroll(scrolledWindow);
+    const Scroll scroll = scrollOf(scrolledWindow, XmNverticalScrollBar);
     const int lowest = bottom - scroll.slider;
     scrollTo(scroll, std::clamp(scroll.value, lowest, std::max(top, lowest)));
+}
+
+void scrollSideways(Widget scrolledWindow, int direction) {
+    constexpr int kPixelsPerStep = 40;
+    const Scroll scroll = scrollOf(scrolledWindow, XmNhorizontalScrollBar);
+    scrollTo(scroll, scroll.value + direction * kPixelsPerStep);
 }

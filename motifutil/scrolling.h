@@ -14,3 +14,6 @@ void scrollWithWheel(Widget scrolledWindow, Widget child);
 // Scrolls the window vertically as far as it takes to show the part of its work area between two heights, in pixels;
 // the lower end wins when both do not fit.
 void revealRange(Widget scrolledWindow, int top, int bottom);
+
+// Scrolls the window sideways by a step, to the left (-1) or to the right (1).
+void scrollSideways(Widget scrolledWindow, int direction);

@@ -13,11 +13,12 @@
 #include <Xm/ToggleB.h>
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <new>
 
 #include "motifutil/catalog_text.h"
+#include "motifutil/mnemonics.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
 
 namespace {
@@ -67,34 +68,6 @@ void raiseActivate(Widget text, XEvent* event, String* /*parameters*/, Cardinal*
 
 }  // namespace
 
-XmStringPtr compoundString(const std::string& text) {
-    XmStringPtr result(XmStringCreateLocalized(const_cast<char*>(text.c_str())));
-    if (!result) {
-        throw std::bad_alloc();
-    }
-    return result;
-}
-
-std::string plainText(XmString text) {
-    // Without a mapping Motif leaves the ends of lines, and tabs, out.
-    static char newline[] = "\n";
-    static char tab[] = "\t";
-    const XmStringPtr separator(XmStringSeparatorCreate());
-    const XmStringPtr tabulator(XmStringComponentCreate(XmSTRING_COMPONENT_TAB, 0, nullptr));
-    const auto mapping = [](char* pattern, XmString substitute) {
-        ArgumentList arguments;
-        arguments.set(XmNpattern, pattern).set(XmNsubstitute, substitute).set(XmNincludeStatus, XmINSERT);
-        return XmParseMappingCreate(arguments.data(), arguments.size());
-    };
-    std::array mappings{mapping(newline, separator.get()), mapping(tab, tabulator.get())};
-    const XtTextPtr plain(static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT,
-                                                             mappings.data(), mappings.size(), XmOUTPUT_ALL)));
-    for (XmParseMapping each : mappings) {
-        XmParseMappingFree(each);
-    }
-    return plain ? std::string(plain.get()) : std::string();
-}
-
 Widget createForm(Widget parent, const char* name) {
     return made(XtVaCreateManagedWidget(name, xmFormWidgetClass, parent, nullptr));
 }
@@ -105,8 +78,10 @@ Widget createPage(Widget notebook, const char* name) {
 
 Widget createTab(Widget notebook, const char* name, Message::Number text) {
     const XmStringPtr label = compoundString(catalogText(text));
-    return made(XtVaCreateWidget(name, xmPushButtonWidgetClass, notebook, XmNlabelString, label.get(),
-                                 XmNnotebookChildType, XmMAJOR_TAB, nullptr));
+    Widget tab = made(XtVaCreateWidget(name, xmPushButtonWidgetClass, notebook, XmNlabelString, label.get(),
+                                       XmNnotebookChildType, XmMAJOR_TAB, nullptr));
+    setMnemonic(tab, mnemonicFor(text));
+    return tab;
 }
 
 Widget createSeparator(Widget parent, const char* name) {
@@ -132,7 +107,9 @@ Widget createPushButton(Widget parent, const char* name, const std::string& text
 
 Widget createPushButton(Widget parent, const char* name, Message::Number text, XtCallbackProc activated,
                         XtPointer clientData) {
-    return createPushButton(parent, name, catalogText(text), activated, clientData);
+    Widget button = createPushButton(parent, name, catalogText(text), activated, clientData);
+    setMnemonic(button, mnemonicFor(text));
+    return button;
 }
 
 Widget createToggleButton(Widget parent, const char* name, const std::string& text) {
@@ -140,13 +117,16 @@ Widget createToggleButton(Widget parent, const char* name, const std::string& te
 }
 
 Widget createToggleButton(Widget parent, const char* name, Message::Number text) {
-    return createToggleButton(parent, name, catalogText(text));
+    Widget toggle = createToggleButton(parent, name, catalogText(text));
+    setMnemonic(toggle, mnemonicFor(text));
+    return toggle;
 }
 
 Widget createTextField(Widget parent, const char* name) {
     Widget field = made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
     overrideTranslations(field, kSelectAll);
     hideIdleCursor(field);
+    followScripts(field);
     return field;
 }
 
@@ -173,9 +153,9 @@ Widget createScrolledText(Widget parent, const char* name, short rows, short col
         .set(XmNrows, rows)
         .set(XmNcolumns, columns);
     Widget text = made(XmCreateScrolledText(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
-    overrideTranslations(text, "Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()");
     overrideTranslations(text, kSelectAll);
     hideIdleCursor(text);
+    followScripts(text);
     XtManageChild(text);
     return text;
 }
@@ -241,6 +221,7 @@ void keepReturn(Widget widget) {
 
 void setLabel(Widget widget, const std::string& text) {
     const XmStringPtr label = compoundString(text);
+    giveFonts(widget);
     XtVaSetValues(widget, XmNlabelString, label.get(), nullptr);
 }
 
@@ -274,6 +255,27 @@ void equalizeWidths(const std::vector<Widget>& widgets) {
     for (Widget widget : widgets) {
         XtVaSetValues(widget, XmNrecomputeSize, False, XmNwidth, widest, nullptr);
     }
+}
+
+std::vector<Widget> managedChildren(Widget manager) {
+    WidgetList children = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(manager, XmNchildren, &children, XmNnumChildren, &count, nullptr);
+    std::vector<Widget> managed(children, children + count);
+    std::erase_if(managed, [](Widget child) { return XtIsManaged(child) == 0; });
+    return managed;
+}
+
+std::vector<Widget> managedBelow(Widget manager) {
+    std::vector<Widget> all;
+    for (Widget child : managedChildren(manager)) {
+        all.push_back(child);
+        if (XtIsComposite(child)) {
+            const std::vector<Widget> below = managedBelow(child);
+            all.insert(all.end(), below.begin(), below.end());
+        }
+    }
+    return all;
 }
 
 Attach& Attach::toForm(const char* attachment, const char* offsetName, int offset) {

@@ -4,44 +4,11 @@
 
 #include <Xm/Xm.h>
 
-#include <memory>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "catalogs/message_numbers.h"
-
-struct XmStringDeleter {
-    void operator()(XmString text) const noexcept { XmStringFree(text); }
-};
-using XmStringPtr = std::unique_ptr<std::remove_pointer_t<XmString>, XmStringDeleter>;
-
-struct XtTextDeleter {
-    void operator()(char* text) const noexcept { XtFree(text); }
-};
-using XtTextPtr = std::unique_ptr<char, XtTextDeleter>;
-
-// A compound string in the encoding of the locale; a newline in `text` begins a new line.
-[[nodiscard]] XmStringPtr compoundString(const std::string& text);
-// The text of a compound string, newlines between its lines.
-[[nodiscard]] std::string plainText(XmString text);
-
-// A plain Xt argument list, for the creation calls that take no variable arguments.
-class ArgumentList {
-public:
-    template <typename Value>
-    ArgumentList& set(const char* name, Value value) {
-        Arg argument;
-        XtSetArg(argument, const_cast<char*>(name), value);
-        arguments_.push_back(argument);
-        return *this;
-    }
-    Arg* data() noexcept { return arguments_.data(); }
-    Cardinal size() const noexcept { return static_cast<Cardinal>(arguments_.size()); }
-
-private:
-    std::vector<Arg> arguments_;
-};
+#include "motifutil/compound_string.h"
 
 // A page of a notebook and the tab that brings it to the front, both unmanaged and without a page number: whoever puts
 // the pages in order numbers them and manages them together.
@@ -64,8 +31,7 @@ Widget createTextField(Widget parent, const char* name);
 void hideIdleCursor(Widget text);
 // An explanation of `rows` lines that wraps with the window's width and is passed over by the Tab key.
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows);
-// An editable text of several lines in a scrolled window of its own, its parent. It wraps long lines, and Tab leads on
-// to the next widget as everywhere else.
+// An editable text of several lines in a scrolled window of its own, its parent. It wraps long lines.
 Widget createScrolledText(Widget parent, const char* name, short rows, short columns);
 // A full application modal dialog that keeps its size and holds nothing yet, unmanaged; `closed` is called when the
 // window manager closes it. Its shell is its parent.
@@ -95,6 +61,10 @@ Dimension preferredHeight(Widget widget);
 
 // Gives all widgets the width of the one that asks for most.
 void equalizeWidths(const std::vector<Widget>& widgets);
+
+// The managed children, and those of a manager and all below it that are managed, parents before their children.
+std::vector<Widget> managedChildren(Widget manager);
+std::vector<Widget> managedBelow(Widget manager);
 
 // Attaches a child of a form, side by side with the edges of the form or of its siblings; offsets in pixels.
 class Attach {

@@ -17,6 +17,8 @@
 #include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 #include "setup/driver_process.h"
 #include "setup/setup_texts.h"
 
@@ -156,6 +158,8 @@ Widget createAbtForm(Widget parent) {
     Widget form = frmabout;
     XtAddCallback(form, XmNdestroyCallback, forget, nullptr);
     prepareShell(XtParent(form), closePressed, form);
+    serveKeys(XtParent(form));
+    setHelpTopic(form, "setup");
 
     Widget icon = createIcon(form);
     Widget head = createAddress(form, icon);

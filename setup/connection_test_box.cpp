@@ -17,8 +17,11 @@
 #include "motifutil/icons.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/message_icons.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/shells.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 #include "setup/connection_test.h"
 #include "setup/driver_files.h"
 #include "setup/known_drivers.h"
@@ -100,9 +103,7 @@ void addRecords(Widget box, const std::vector<std::string>& records) {
     }
     XtVaSetValues(field, XmNwidth, width + kTextFrame, nullptr);
     // What leaves the box leaves it from here too.
-    overrideTranslations(field,
-                         "<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n<Key>Return: activate()\n"
-                         "Shift<Key>Tab: prev-tab-group()\n<Key>Tab: next-tab-group()");
+    overrideTranslations(field, "<Key>osfCancel: activate()\n<Key>osfActivate: activate()\n<Key>Return: activate()");
     XtManageChild(field);
 }
 
@@ -149,6 +150,7 @@ void showBox(Widget parent, unsigned long kind, const std::string& heading, cons
     if (box == nullptr) {
         return;
     }
+    setHelpTopic(box, "test");
     if (!records.empty()) {
         addRecords(box, records);
     }
@@ -196,6 +198,10 @@ private:
         }
         setIcon(box_, XmNsymbolPixmap, createIconPixmap(box_, kInformationIcon));
         XtUnmanageChild(XtNameToWidget(box_, "Help"));
+        setMnemonic(XtNameToWidget(box_, "OK"), setupMnemonic(SetupMessage::kWaitOn));
+        setMnemonic(XtNameToWidget(box_, "Cancel"), mnemonicFor(Message::kCancel));
+        serveKeys(XtParent(box_));
+        setHelpTopic(box_, "test");
     }
     // Lets the process end and the box go from the screen.
     void end() {

@@ -5,6 +5,7 @@
 
 #include <string_view>
 
+#include "motifutil/mnemonics.h"
 #include "motifutil/widgets.h"
 #include "setup/setup_texts.h"
 
@@ -44,6 +45,7 @@ FurtherSettings::FurtherSettings(Widget parent, const Settings& settings) {
     label_ = createLabel(parent, "LblFurtherSettings", setupText(SetupMessage::kFurtherSettings));
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
     text_ = createScrolledText(parent, "TxtFurtherSettings", kRows, kColumns);
+    leadTo(label_, text_, setupMnemonic(SetupMessage::kFurtherSettings));
     // A scrolled window asks for no room of its own before it is seen.
     XtVaSetValues(frame(), XmNheight, preferredHeight(text_), nullptr);
     hint_ = createLabel(parent, "LblFurtherSettingsHint", setupText(SetupMessage::kFurtherSettingsHint));

@@ -16,6 +16,7 @@
 
 #include "installer/configuration.h"
 #include "motifutil/message_dialog.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/text_verifiers.h"
 #include "motifutil/widgets.h"
 #include "setup/path_chooser.h"
@@ -118,6 +119,7 @@ public:
         if (!property.isNeverStored) {
             toggle_ =
                 createToggleButton(parent, widgetName("TglSave", key).c_str(), setupText(SetupMessage::kSavePassword));
+            setMnemonic(toggle_, setupMnemonic(SetupMessage::kSavePassword));
             XmToggleButtonSetState(toggle_, isInFile ? True : False, False);
             toggleHint_ = createLabel(parent, "LblSavePasswordHint", setupText(SetupMessage::kSavePasswordHint));
         }
@@ -143,9 +145,9 @@ private:
 class FixedRow : public SettingRow {
 public:
     FixedRow(Widget parent, const std::string& key, const std::string& value) : SettingRow(parent, key), value_(value) {
+        initial_ = value;
         field_ = createLabel(parent, widgetName("Txt", key).c_str(), value);
         XtVaSetValues(field_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
-        filled();
     }
     std::string value() const override { return value_; }
 
@@ -280,28 +282,44 @@ private:
 
 }  // namespace
 
-std::string settingLabel(const std::string& key) {
+namespace {
+
+// The text that stands before the field of a setting in the place of its key; null when the key does.
+const SetupMessage::Number* textFor(const std::string& key) {
     struct Label {
         const char* key;
         SetupMessage::Number text;
     };
-    constexpr std::array<Label, 9> kLabels{{{"Database", SetupMessage::kDatabase},
-                                            {"Server", SetupMessage::kServer},
-                                            {"Servername", SetupMessage::kServer},
-                                            {"Port", SetupMessage::kPort},
-                                            {"UID", SetupMessage::kUser},
-                                            {"User", SetupMessage::kUser},
-                                            {"Username", SetupMessage::kUser},
-                                            {"PWD", SetupMessage::kPassword},
-                                            {"Password", SetupMessage::kPassword}}};
+    static constexpr std::array<Label, 9> kLabels{{{"Database", SetupMessage::kDatabase},
+                                                   {"Server", SetupMessage::kServer},
+                                                   {"Servername", SetupMessage::kServer},
+                                                   {"Port", SetupMessage::kPort},
+                                                   {"UID", SetupMessage::kUser},
+                                                   {"User", SetupMessage::kUser},
+                                                   {"Username", SetupMessage::kUser},
+                                                   {"PWD", SetupMessage::kPassword},
+                                                   {"Password", SetupMessage::kPassword}}};
     const auto* known = std::find_if(kLabels.begin(), kLabels.end(),
                                      [&key](const Label& label) { return installer::sameName(label.key, key); });
-    return known == kLabels.end() ? key : setupText(known->text);
+    return known == kLabels.end() ? nullptr : &known->text;
+}
+
+}  // namespace
+
+std::string settingLabel(const std::string& key) {
+    const SetupMessage::Number* text = textFor(key);
+    return text == nullptr ? key : setupText(*text);
 }
 
 SettingRow::SettingRow(Widget parent, std::string key) : key_(std::move(key)) {
     label_ = createLabel(parent, widgetName("Lbl", key_).c_str(), settingLabel(key_));
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
+}
+
+void SettingRow::filled() {
+    initial_ = value();
+    const SetupMessage::Number* text = textFor(key_);
+    leadTo(label_, focus(), text == nullptr ? std::string() : setupMnemonic(*text));
 }
 
 void SettingRow::tellDefault(Widget parent, const DriverProperty& property) {

@@ -46,8 +46,8 @@ protected:
     SettingRow(Widget parent, std::string key);
     // Says behind the field what the driver does without a value, when that is known.
     void tellDefault(Widget parent, const DriverProperty& property);
-    // To be called by each kind when its field is filled.
-    void filled() { initial_ = value(); }
+    // To be called by each kind whose field takes the keyboard when it is filled.
+    void filled();
 
     std::string key_;
     Widget label_ = nullptr;
@@ -55,12 +55,12 @@ protected:
     Widget companion_ = nullptr;
     Widget toggle_ = nullptr;
     Widget toggleHint_ = nullptr;
+    std::string initial_;
 
 private:
     friend std::unique_ptr<SettingRow> createSettingRow(Widget, const DriverProperty&, const std::string&, bool);
 
     std::string help_;
-    std::string initial_;
     bool isNeverStored_ = false;
 };
 

@@ -11,9 +11,11 @@
 #include <cstddef>
 #include <new>
 
+#include "motifutil/mnemonics.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_keys.h"
 #include "setup/setup_texts.h"
 
 namespace {
@@ -69,6 +71,7 @@ void useKeysForEqualLabels(const std::vector<std::unique_ptr<SettingRow>>& rows)
         });
         if (!isAlone) {
             setLabel(row->label(), row->key());
+            setMnemonic(row->label(), {});
         }
     }
 }
@@ -136,6 +139,7 @@ void SettingRows::createPages(Widget dialogForm) {
             continue;
         }
         Widget button = createToggleButton(tabs_, tab.name, setupText(tab.text));
+        setMnemonic(button, setupMnemonic(tab.text));
         XtVaSetValues(button, XmNnavigationType, XmNONE, XmNindicatorOn, XmINDICATOR_NONE, XmNshadowThickness, 1,
                       XmNmarginWidth, kWindowGap, nullptr);
         pages_.push_back({this, tab.group, createForm(window_, "FormSettings"), button, 0});
@@ -167,6 +171,7 @@ void SettingRows::showPage(const Page& page) {
     for (const Page& other : pages_) {
         XmToggleButtonSetState(other.tab, &other == &page, False);
     }
+    chooseMnemonics(XtParent(window_));
     fit();
 }
 
@@ -187,6 +192,7 @@ void SettingRows::tabChosen(Widget tab, XtPointer page, XtPointer /*callData*/) 
     if (XmToggleButtonGetState(tab) != 0) {
         const auto* chosen = static_cast<const Page*>(page);
         chosen->rows->showPage(*chosen);
+        focusFirst(chosen->form);
     }
 }
 

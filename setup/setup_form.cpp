@@ -13,10 +13,14 @@
 #include "help/help_locator.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/message_dialog.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
+#include "motifutil/window_help.h"
+#include "motifutil/window_keys.h"
 #include "setup/about_form.h"
 #include "setup/connection_test.h"
 #include "setup/connection_test_box.h"
@@ -103,6 +107,8 @@ bool SetupForm::run() {
         throw std::bad_alloc();
     }
     prepareShell(shell_, cancelPressed, this);
+    completeFontsOf(shell_);
+    serveKeys(shell_);
     XtAddCallback(form_, XmNhelpCallback, helpPressed, this);
     createFields();
     rows_ = std::make_unique<SettingRows>(form_, content_.rows);
@@ -126,13 +132,16 @@ void SetupForm::createFields() {
         Pixel ground = 0;
         XtVaGetValues(form_, XmNbackground, &ground, nullptr);
         XtVaSetValues(name_->field(), XmNeditable, False, XmNtraversalOn, False, XmNbackground, ground, nullptr);
+        leadTo(name_->label(), nullptr);
         // The file's own name is what the person wants to see of a long path.
         XmTextFieldSetInsertionPosition(name_->field(), XmTextFieldGetLastPosition(name_->field()));
     } else {
         name_ = createTextRow(form_, "TxtDataSourceName", setupText(SetupMessage::kDataSourceName), content_.name);
+        setMnemonic(name_->label(), setupMnemonic(SetupMessage::kDataSourceName));
     }
     description_ = createTextRow(form_, "TxtDescription", setupText(SetupMessage::kDescription),
                                  valueOf(content_.rows.shown, kDescriptionKey));
+    setMnemonic(description_->label(), setupMnemonic(SetupMessage::kDescription));
 }
 
 void SetupForm::createButtons() {
@@ -142,6 +151,8 @@ void SetupForm::createButtons() {
     btnOk_ = createPushButton(form_, "BtnOK", Message::kOk, okPressed, this);
     btnCancel_ = createPushButton(form_, "BtnCancel", Message::kCancel, cancelPressed, this);
     btnHelp_ = createPushButton(form_, "BtnHelp", Message::kHelp, helpPressed, this);
+    setMnemonic(btnTest_, setupMnemonic(SetupMessage::kTest));
+    setMnemonic(btnAbout_, setupMnemonic(SetupMessage::kAbout));
     equalizeWidths({btnTest_, btnAbout_, btnOk_, btnCancel_, btnHelp_});
 }
 
@@ -274,6 +285,7 @@ void SetupForm::accept() {
                             catalogText(Message::kAnswerYes).data(), catalogText(Message::kAnswerNo).data(),
                             setupText(SetupMessage::kTitle, content_.driver).data());
     if (question != nullptr) {
+        answerNoByReturn(question);
         XtAddCallback(question, XmNokCallback, replaceAccepted, this);
         XtManageChild(question);
     }
@@ -367,8 +379,7 @@ void SetupForm::aboutPressed(Widget /*widget*/, XtPointer form, XtPointer /*call
 }
 
 void SetupForm::helpPressed(Widget /*widget*/, XtPointer /*form*/, XtPointer /*callData*/) {
-    kvDisplayHelp(reinterpret_cast<const unsigned char*>("Administrator"),
-                  reinterpret_cast<const unsigned char*>("setup"));
+    showAdministratorHelp("setup");
 }
 
 void SetupForm::replaceAccepted(Widget /*widget*/, XtPointer form, XtPointer /*callData*/) {
@@ -397,6 +408,7 @@ std::optional<SetupFailure> runSetupForm(Widget parent, const SetupFormContent& 
     if (current_shell != nullptr) {
         return SetupFailure{ODBC_ERROR_REQUEST_FAILED, setupText(SetupMessage::kAlreadyOpen), {}};
     }
+    showHelpTopic = showAdministratorHelp;
     const std::string title = setupText(SetupMessage::kTitle, content.driver);
     ArgumentList arguments;
     arguments.set(XmNtitle, title.c_str());

@@ -32,3 +32,8 @@ std::string setupText(SetupMessage::Number number, const std::string& subject) {
     const std::size_t place = text.find("%1");
     return place == std::string::npos ? text : text.replace(place, 2, subject);
 }
+
+std::string setupMnemonic(SetupMessage::Number label) {
+    constexpr int kOffset = 100;
+    return setupText(static_cast<SetupMessage::Number>(label + kOffset));
+}

@@ -19,3 +19,6 @@ public:
 
 // The text with this number; `subject` takes the place of "%1" in it.
 std::string setupText(SetupMessage::Number number, const std::string& subject = {});
+
+// The letter that acts on the label with this number (motifutil/mnemonics.h).
+std::string setupMnemonic(SetupMessage::Number label);

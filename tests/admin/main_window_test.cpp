@@ -62,13 +62,17 @@ TEST_F(MainWindowTest, TabsTurnPagesAndHelpAndF1AnywhereOpenTheTopicOfThePageInF
     XtVaSetValues(TabManager, XmNcurrentPageNumber, 3, nullptr);
     settle();
     EXPECT_EQ(CurrentSelectedTab, 'D');
-    // Back from the fourth tab by the arrow keys, in order.
+    // Back from the fourth tab by the arrow keys, in order, and by the keys of any place around the end.
     click(BtnTrace);
+    key(XK_Tab, XK_Shift_L);
     for (const std::size_t page : {2U, 1U, 0U}) {
         key(XK_Left);
-        key(XK_space);
         expectInFront(page);
     }
+    key(XK_Prior, XK_Control_L);
+    expectInFront(4);
+    key(XK_Next, XK_Control_L);
+    expectInFront(0);
     CurrentSelectedTab = 'X';
     click(BtnHelp);
     key(XK_F1);

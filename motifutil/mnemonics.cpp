@@ -1,0 +1,116 @@
+#include "motifutil/mnemonics.h"
+
+#include <Xm/Label.h>
+#include <Xm/LabelG.h>
+#include <Xm/PushB.h>
+#include <Xm/PushBG.h>
+#include <Xm/ToggleB.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "motifutil/catalog_text.h"
+#include "motifutil/compound_string.h"
+#include "motifutil/key_stroke.h"
+
+namespace {
+
+// Labels and their letters.
+using Pair = std::pair<Message::Number, Message::Number>;
+constexpr std::array<Pair, 39> kLetters{{
+    {Message::kOk, Message::kOkLetter},
+    {Message::kCancel, Message::kCancelLetter},
+    {Message::kApply, Message::kApplyLetter},
+    {Message::kHelp, Message::kHelpLetter},
+    {Message::kAnswerYes, Message::kAnswerYesLetter},
+    {Message::kAnswerNo, Message::kAnswerNoLetter},
+    {Message::kSetupErrorOk, Message::kSetupErrorOkLetter},
+    {Message::kUserDsnTab, Message::kUserDsnTabLetter},
+    {Message::kFileDsnTab, Message::kFileDsnTabLetter},
+    {Message::kDriversTab, Message::kDriversTabLetter},
+    {Message::kTracingTab, Message::kTracingTabLetter},
+    {Message::kAboutTab, Message::kAboutTabLetter},
+    {Message::kUserDsnHeading, Message::kUserDsnHeadingLetter},
+    {Message::kAdd, Message::kAddLetter},
+    {Message::kRemove, Message::kRemoveLetter},
+    {Message::kConfigure, Message::kConfigureLetter},
+    {Message::kFileDsnAdd, Message::kFileDsnAddLetter},
+    {Message::kFileDsnRemove, Message::kFileDsnRemoveLetter},
+    {Message::kFileDsnConfigure, Message::kFileDsnConfigureLetter},
+    {Message::kSetDirectory, Message::kSetDirectoryLetter},
+    {Message::kFileSelection, Message::kFileSelectionLetter},
+    {Message::kFileList, Message::kFileListLetter},
+    {Message::kDirectoryList, Message::kDirectoryListLetter},
+    {Message::kFilter, Message::kFilterLetter},
+    {Message::kDriversHeading, Message::kDriversHeadingLetter},
+    {Message::kAboutHeading, Message::kAboutHeadingLetter},
+    {Message::kEnableTracing, Message::kEnableTracingLetter},
+    {Message::kTraceFile, Message::kTraceFileLetter},
+    {Message::kTraceLibrary, Message::kTraceLibraryLetter},
+    {Message::kBrowse, Message::kBrowseLetter},
+    {Message::kAdvanced, Message::kAdvancedLetter},
+    {Message::kNext, Message::kNextLetter},
+    {Message::kBack, Message::kBackLetter},
+    {Message::kFinish, Message::kFinishLetter},
+    {Message::kChooserHeading, Message::kChooserHeadingLetter},
+    {Message::kFileNameHeading, Message::kFileNameHeadingLetter},
+    {Message::kSummaryHeading, Message::kSummaryHeadingLetter},
+    {Message::kAdvancedHeading, Message::kAdvancedHeadingLetter},
+    {Message::kVerifyConnection, Message::kVerifyConnectionLetter},
+}};
+
+bool isButton(Widget widget) {
+    return XmIsPushButton(widget) || XmIsPushButtonGadget(widget) || XmIsToggleButton(widget);
+}
+
+// X has keys of their own for the characters of Latin 1, and all others have a place behind them.
+constexpr KeySym kBehindLatin1 = 0x1000000;
+
+}  // namespace
+
+std::string mnemonicFor(Message::Number label) {
+    const auto* letter =
+        std::find_if(kLetters.begin(), kLetters.end(), [label](const Pair& pair) { return pair.first == label; });
+    return letter == kLetters.end() ? std::string() : catalogText(letter->second);
+}
+
+void underline(Widget labelled, wchar_t letter) {
+    const auto character = static_cast<KeySym>(letter);
+    XtVaSetValues(labelled, XmNmnemonic, character < 0x100 ? character : kBehindLatin1 + character, nullptr);
+}
+
+std::wstring labelOf(Widget labelled) {
+    XmString text = nullptr;
+    XtVaGetValues(labelled, XmNlabelString, &text, nullptr);
+    const XmStringPtr owned(text);
+    return charactersOf(plainText(text));
+}
+
+void setMnemonic(Widget labelled, const std::string& letter) {
+    const std::wstring characters = charactersOf(letter);
+    const bool isLetter = characters.size() == 1 && labelOf(labelled).find(characters) != std::wstring::npos;
+    underline(labelled, isLetter ? characters.front() : L'\0');
+}
+
+wchar_t mnemonicOf(Widget labelled) {
+    KeySym key = 0;
+    XtVaGetValues(labelled, XmNmnemonic, &key, nullptr);
+    return lowerCase(static_cast<wchar_t>(key >= kBehindLatin1 ? key - kBehindLatin1 : key));
+}
+
+void leadTo(Widget label, Widget field, const std::string& letter) {
+    XtVaSetValues(label, XmNuserData, field, nullptr);
+    setMnemonic(label, letter);
+}
+
+Widget mnemonicTarget(Widget labelled) {
+    if (isButton(labelled)) {
+        return labelled;
+    }
+    XtPointer field = nullptr;
+    if (XmIsLabel(labelled) || XmIsLabelGadget(labelled)) {
+        XtVaGetValues(labelled, XmNuserData, &field, nullptr);
+    }
+    return static_cast<Widget>(field);
+}
