@@ -24,7 +24,7 @@ struct DriverProperty {
     std::string help{};             // One line; empty when the driver says nothing.
     std::string label{};            // In the place of the words for its key; mostly empty.
     bool isPercentEncoded = false;  // The file has "%25" for "%" and "%2B" for "+", as in an address.
-    bool isNeverStored = false;     // Of use for a test alone: the driver does not read it from a data source.
+    bool isNeverStored = false;     // Of use for a test alone: the driver does not read it where it would be stored.
 };
 
 // Asks the driver's library in a process of its own (ODBCINSTGetProperties, odbcinstext.h). Nothing when it can't be
