@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "motifutil/dialog_focus.h"
 #include "motifutil/key_stroke.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/widgets.h"
@@ -235,6 +236,7 @@ void chooseMnemonics(Widget window) {
 void serveKeys(Widget shell) {
     if (XtIsSubclass(shell, xmDialogShellWidgetClass) != 0) {
         XtAddCallback(shell, XmNpopupCallback, serveAll, nullptr);
+        holdKeyboard(shell);
     } else {
         serveAll(shell, nullptr, nullptr);
     }
