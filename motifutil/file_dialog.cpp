@@ -73,6 +73,10 @@ void finishFileSelection(Widget box) {
         leadTo(child(label), child(field), letter);
         XmIsList(child(field)) ? addTableKeys(child(field)) : hideIdleCursor(child(field));
     }
+    // There where names stand without their directories. Its label is Motif's own.
+    if (Widget directory = XtNameToWidget(box, "DirText")) {
+        leadTo(XtNameToWidget(box, "DirL"), directory);
+    }
     setMnemonic(child(XmDIALOG_APPLY_BUTTON), mnemonicFor(Message::kFilter));
     setMnemonic(child(XmDIALOG_OK_BUTTON), mnemonicFor(Message::kOk));
     setMnemonic(child(XmDIALOG_CANCEL_BUTTON), mnemonicFor(Message::kCancel));

@@ -110,9 +110,9 @@ bool typeAhead(Widget list, wchar_t character, Time time) {
         Typed = {list, time, {}};
     }
     Typed.last = time;
-    const int current = std::max(currentRow(list), 1);
+    const int current = currentRow(list);
     const std::wstring longer = Typed.text + character;
-    int row = goesOn ? rowThatBegins(longer, list, current) : 0;
+    int row = goesOn ? rowThatBegins(longer, list, std::max(current, 1)) : 0;
     if (row != 0 || !goesOn) {
         Typed.text = longer;
     }

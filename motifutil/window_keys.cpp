@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "motifutil/dialog_focus.h"
 #include "motifutil/key_stroke.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/widgets.h"
@@ -193,19 +194,11 @@ bool keyPressed(Widget widget, XEvent* event) {
     return isWithAlt && stroke.character != 0 && pressMnemonic(shell, stroke.character);
 }
 
-void serveAll(Widget shell, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    for (Widget widget : managedBelow(shell)) {
-        Boolean takesKeys = False;
-        XtVaGetValues(widget, XmNtraversalOn, &takesKeys, nullptr);
-        if (XtIsWidget(widget) && takesKeys != 0) {
-            onKeyStroke(widget, keyPressed);
-        }
-    }
-    chooseMnemonics(shell);
+void cameUp(Widget shell, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    serveNewcomers(shell);
 }
 
-}  // namespace
-
+// Gives what takes a letter and has none a letter of its label that is free.
 void chooseMnemonics(Widget window) {
     Widgets without;
     std::wstring taken;
@@ -232,11 +225,25 @@ void chooseMnemonics(Widget window) {
     }
 }
 
+}  // namespace
+
+void serveNewcomers(Widget shell) {
+    for (Widget widget : managedBelow(shell)) {
+        Boolean takesKeys = False;
+        XtVaGetValues(widget, XmNtraversalOn, &takesKeys, nullptr);
+        if (XtIsWidget(widget) && takesKeys != 0) {
+            onKeyStroke(widget, keyPressed);
+        }
+    }
+    chooseMnemonics(shell);
+}
+
 void serveKeys(Widget shell) {
     if (XtIsSubclass(shell, xmDialogShellWidgetClass) != 0) {
-        XtAddCallback(shell, XmNpopupCallback, serveAll, nullptr);
+        XtAddCallback(shell, XmNpopupCallback, cameUp, nullptr);
+        holdKeyboard(shell);
     } else {
-        serveAll(shell, nullptr, nullptr);
+        serveNewcomers(shell);
     }
 }
 

@@ -9,8 +9,8 @@
 // it comes up. What takes a mnemonic and has none then gets a letter of its label that is free.
 void serveKeys(Widget shell);
 
-// Gives a letter to what has none and was shown or changed since the window came up.
-void chooseMnemonics(Widget window);
+// Makes them work in what was made or managed since the window came up.
+void serveNewcomers(Widget shell);
 
 // Moves the keyboard to the first widget below `part`, as the eye reads, that takes it.
 void focusFirst(Widget part);

@@ -170,7 +170,7 @@ void SettingRows::showPage(const Page& page) {
     for (const Page& other : pages_) {
         XmToggleButtonSetState(other.tab, &other == &page, False);
     }
-    chooseMnemonics(XtParent(window_));
+    serveNewcomers(XtParent(XtParent(window_)));
     fit();
 }
 

@@ -2,6 +2,8 @@
 
 #include <Xm/Notebook.h>
 
+#include <thread>
+
 #include "tests/support/recording_browser.h"
 
 namespace {
@@ -77,6 +79,71 @@ TEST_F(MainWindowTest, TabsTurnPagesAndHelpAndF1AnywhereOpenTheTopicOfThePageInF
     click(BtnHelp);
     key(XK_F1);
     EXPECT_EQ(browser.topics(count), expected);
+}
+
+TEST_F(MainWindowTest, TabLeadsAsTheEyeReadsFromTheFirstWidgetOfEachPage) {
+    openWith("[ODBC Data Sources]\nabc=Recorder\n[ODBC]\nTRACE=1\n");
+    for (const std::string page :
+         {"lstUName BtnAdd BtnRemove BtnConfigure ",
+          "FilterText DirList ItemsList Text Apply BtnFDAdd BtnFDRemove BtnFDConfigure "
+          "BtnSetDirectory ",
+          "LstName ", "TgEnableTracing TxtTraceFile BtnTFileBrowse TxtTraceLib BtnTLibBrowse ", "LstAbtDesc "}) {
+        std::string order;
+        for (int times = 0; times < 2; ++times) {
+            do {
+                order += XtName(XmGetFocusWidget(FrmMain)) + std::string(" ");
+                key(XK_Tab);
+            } while (!order.ends_with("BtnHelp "));
+            order += XtName(XmGetFocusWidget(FrmMain));
+            key(XK_Tab);
+        }
+        const std::string once = page + "BtnOK BtnCancel BtnHelp ";
+        const std::size_t half = order.size() / 2;
+        EXPECT_TRUE(order.starts_with(once)) << order;
+        EXPECT_EQ(order.substr(0, half), order.substr(half));
+        key(XK_Next, XK_Control_L);
+    }
+}
+
+TEST_F(MainWindowTest, KeysAndLettersLeadToTheRowsOfTables) {
+    std::string list = "[ODBC Data Sources]\n";
+    for (char first = 'a'; first <= 'z'; ++first) {
+        for (const char* rest : {"", " B", "bc"}) {
+            list += first + std::string("bc") + rest + "=Recorder\n";
+        }
+    }
+    files.write("\u00e4rger.dsn", "");
+    files.write("Zoo.dsn", "");
+    openWith(list + "\u00c4rger=Recorder\n");
+    const auto expectRow = [](Widget table, int row, const std::string& step) {
+        EXPECT_EQ(selectedRow(table), row) << step;
+        const Place window = placeOf(ScrWinLists);
+        const Place rows = placeOf(LstUName);
+        const int middle = rows.y + rows.height * (2 * row - 1) / (2 * 79);
+        EXPECT_TRUE(table != LstUName || (middle > window.y && middle < window.y + window.height)) << step;
+    };
+    const int page = placeOf(ScrWinLists).height * 79 / placeOf(LstUName).height - 1;
+    for (const auto& [symbol, row] : {std::pair{XK_End, 79}, {XK_Home, 1}, {XK_Next, 1 + page}, {XK_Prior, 1}}) {
+        key(static_cast<KeySym>(symbol));
+        expectRow(LstUName, row, XKeysymToString(static_cast<KeySym>(symbol)));
+    }
+    for (const auto& [text, row] : {std::pair{"C", 7}, {"cc", 9}, {"CBC b", 8}, {"zbcb", 78}, {"q~", 49}, {"a", 1}}) {
+        type(text);
+        expectRow(LstUName, row, text);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    }
+    key(XK_adiaeresis);
+    expectRow(LstUName, 79, "a letter of two bytes");
+    key(XK_f, XK_Alt_L);
+    key(XK_l, XK_Alt_L);
+    for (const auto& [typed, row] : {std::pair{XK_z, 1}, {XK_Adiaeresis, 2}, {XK_Home, 1}, {XK_End, 2}}) {
+        key(static_cast<KeySym>(typed));
+        expectRow(child(FSelect, "*ItemsList"), row, XKeysymToString(static_cast<KeySym>(typed)));
+        std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    }
+    key(XK_r, XK_Alt_L);
+    answer("OK");
+    expectRow(child(FSelect, "*ItemsList"), 1, "after a removal");
 }
 
 }  // namespace

@@ -64,14 +64,15 @@ TEST_F(UserDsnPageTest, RemoveAsksAndLeavesAnEmptyPageThatTakesNeitherConfigureN
     click(BtnRemove);
     EXPECT_EQ(answer("Cancel"), "Remove the data source \"abc\" and all its settings?");
     EXPECT_EQ(files.read(OdbcFiles::kUser), kThree);
-    for (const Rows& drivers : {Rows{"Other", "Recorder"}, {"Recorder"}, {}}) {
-        clickRow(LstUName, 1);
+    // From the second on: the row that moves up is the next, then the last one that is left.
+    clickRow(LstUName, 2);
+    for (const Rows& names : {Rows{"abc", "Zone"}, {"abc"}, {}}) {
         click(BtnRemove);
         answer("OK");
-        EXPECT_EQ(rows(LstUDesc), drivers);
+        EXPECT_EQ(rows(LstUName), names);
+        EXPECT_EQ(rows(LstUDesc).size(), names.size());
     }
     EXPECT_EQ(files.summary(), "ODBC Data Sources{} ODBC{Trace=0|InstallDir=/opt/a b}");
-    EXPECT_EQ(rows(LstUName), Rows());
     click(BtnConfigure);
     expectReport(Message::kConfigureSelectOne);
     click(BtnRemove);

@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 
+#include "admin/advanced_dialog.h"
 #include "admin/wizard_finish.h"
 #include "tests/support/recording_browser.h"
 
@@ -284,6 +285,75 @@ TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDu
         });
     }
     EXPECT_EQ(browser.topics(4), "setup\nsetup\nsetup\nsetup\n");
+}
+
+TEST_F(SetupFormTest, EveryWindowIsReachedByLettersOfItsOwnAndLeftByEscapeAndHasHelp) {
+    const RecordingBrowser browser;
+    std::string topics;
+    long count = 0;
+    const auto look = [&](const Widget& window, const std::string& topic) {
+        EXPECT_TRUE(window == FrmMain || waitUntilUp(window)) << topic;
+        expectLetters(window);
+        key(XK_F1);
+        topics += topic + "\n";
+        EXPECT_EQ(browser.topics(++count), topics);
+    };
+    const auto press = [](KeySym letter) { key(letter, XK_Alt_L); };
+    openWith(std::string(kTalker) + "[ODBC]\nTrace=1\n");
+    for (const auto& [letter, topic] :
+         {std::pair{XK_t, "trace"}, {XK_d, "drivers"}, {XK_b, "about"}, {XK_f, "filedsn"}, {XK_u, "userdsn"}}) {
+        press(static_cast<KeySym>(letter));
+        look(FrmMain, topic);
+    }
+    press(XK_r);
+    look(dialog, "troubleshooting");
+    key(XK_Return);
+    EXPECT_EQ(rows(LstUName).size(), 2U);
+    press(XK_a);
+    look(DlgDriverPopup, "chooser");
+    key(XK_Escape);
+    press(XK_f);
+    press(XK_a);
+    look(DlgDriverPopup, "wizard");
+    press(XK_a);
+    look(AdvFDDialog, "wizard-advanced");
+    key(XK_Escape);
+    EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
+    press(XK_n);
+    look(DlgDriverPopup, "wizard");
+    press(XK_r);
+    look(Fdialog, "choose");
+    key(XK_Escape);
+    EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
+    press(XK_t);
+    type("x");
+    press(XK_n);
+    look(DlgDriverPopup, "wizard");
+    key(XK_Escape);
+    press(XK_u);
+    press(XK_s);
+    inDialog(
+        [&] {
+            for (const auto& [tab, field] : {std::pair{XK_v, "TxtMany1"}, {XK_g, "TxtDatabase"}}) {
+                look(inForm(""), "setup");
+                press(static_cast<KeySym>(tab));
+                EXPECT_TRUE(XmIsTraversable(inForm("*" + std::string(field)))) << field;
+            }
+            look(inForm(""), "setup");
+            press(XK_r);
+            look(inForm("*fileDialog"), "choose");
+            key(XK_Escape);
+            press(XK_t);
+            expectMessage(kNotMade);
+            look(inForm("*dialog"), "test");
+            key(XK_Escape);
+            press(XK_a);
+            look(inForm("*FormAbout"), "setup");
+            key(XK_Escape);
+            EXPECT_TRUE(waitUntilUp(inForm("")));
+            key(XK_Escape);
+        },
+        [] { key(XK_Return); });
 }
 
 }  // namespace

@@ -2,11 +2,16 @@
 
 #include <Xm/Label.h>
 #include <Xm/LabelG.h>
+#include <Xm/PushB.h>
+#include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <clocale>
+#include <cwctype>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -16,6 +21,8 @@
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
+#include "motifutil/key_stroke.h"
+#include "motifutil/mnemonics.h"
 
 namespace {
 
@@ -215,6 +222,34 @@ std::vector<std::string> WindowTest::rows(Widget list) {
         texts.push_back(rowText(list, row));
     }
     return texts;
+}
+
+void WindowTest::expectLetters(Widget window) {
+    std::wstring taken;
+    std::wstring without;
+    std::set<Widget> served;
+    const std::vector<Widget> all = managedBelow(window);
+    for (Widget widget : all) {
+        Widget target = mnemonicTarget(widget);
+        if (target == nullptr || XmIsTraversable(target) == 0) {
+            continue;
+        }
+        served.insert(target);
+        const wchar_t letter = mnemonicOf(widget);
+        const std::wstring label = lowerCase(textOf(widget));
+        EXPECT_EQ(taken.find(letter), std::wstring::npos) << textOf(widget) << " shares its letter";
+        EXPECT_TRUE(letter == 0 || label.find(letter) != std::wstring::npos) << textOf(widget);
+        (letter == 0 ? without : taken) += letter == 0 ? label : std::wstring(1, letter);
+    }
+    std::erase_if(without, [](wchar_t letter) { return std::iswalnum(static_cast<wint_t>(letter)) == 0; });
+    EXPECT_EQ(without.find_first_not_of(taken), std::wstring::npos) << "a letter is free";
+    for (Widget widget : all) {
+        const bool acts =
+            XmIsPushButton(widget) || XmIsToggleButton(widget) || XmIsTextField(widget) || XmIsList(widget);
+        EXPECT_TRUE(!acts || XmIsTraversable(widget) == 0 || served.contains(widget) ||
+                    XtParent(widget) == FSelect)  // its filter shows no label
+            << XtName(widget);
+    }
 }
 
 std::string WindowTest::dialogText() {

@@ -66,6 +66,8 @@ protected:
     static void type(std::string_view text);
 
     static std::vector<std::string> rows(Widget list);
+    // Checks that all that is in sight of a window and acts, or that one types into, has a letter of its label, alone.
+    static void expectLetters(Widget window);
 
     // The text of the box that is up; "(no dialog)" when none comes.
     static std::string dialogText();
