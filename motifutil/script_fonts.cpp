@@ -9,8 +9,6 @@
 #include <map>
 #include <memory>
 
-#include "motifutil/widgets.h"
-
 namespace {
 
 struct PatternDeleter {
@@ -86,10 +84,11 @@ std::string familyFor(const std::vector<wchar_t>& characters) {
 
 // The table `table`, which is used up, and this family under `tag`.
 XmRenderTable withFamily(XmRenderTable table, const char* tag, const std::string& family) {
-    ArgumentList arguments;
-    arguments.set(XmNfontType, XmFONT_IS_XFT).set(XmNfontName, family.c_str()).set(XmNfontSize, fonts().size);
-    XmRendition rendition =
-        XmRenditionCreate(fonts().shell, const_cast<char*>(tag), arguments.data(), arguments.size());
+    Arg arguments[3];
+    XtSetArg(arguments[0], const_cast<char*>(XmNfontType), XmFONT_IS_XFT);
+    XtSetArg(arguments[1], const_cast<char*>(XmNfontName), family.c_str());
+    XtSetArg(arguments[2], const_cast<char*>(XmNfontSize), fonts().size);
+    XmRendition rendition = XmRenditionCreate(fonts().shell, const_cast<char*>(tag), arguments, XtNumber(arguments));
     XmRenderTable result = XmRenderTableAddRenditions(table, &rendition, 1, XmMERGE_REPLACE);
     XmRenditionFree(rendition);
     return result;
@@ -131,11 +130,13 @@ std::string tagFor(wchar_t character) {
 // the shell's own.
 void choose(Widget text, XtPointer family, XtPointer /*callData*/) {
     std::vector<wchar_t> lacking;
-    for (const auto& [character, bytes] : charactersOf(fieldText(text))) {
+    char* content = XmTextGetString(text);
+    for (const auto& [character, bytes] : charactersOf(content == nullptr ? "" : content)) {
         if (!isOwn(character)) {
             lacking.push_back(character);
         }
     }
+    XtFree(content);
     const std::string wanted = lacking.empty() ? "" : familyFor(lacking);
     if (wanted != *static_cast<std::string*>(family)) {
         *static_cast<std::string*>(family) = wanted;
@@ -166,9 +167,10 @@ void completeFontsOf(Widget shell) {
         return;
     }
     Fonts& all = fonts();
-    ArgumentList arguments;
-    arguments.set(XmNxftFont, &all.own).set(XmNfontSize, &all.size);
-    XmRenditionRetrieve(rendition, arguments.data(), arguments.size());
+    Arg arguments[2];
+    XtSetArg(arguments[0], const_cast<char*>(XmNxftFont), &all.own);
+    XtSetArg(arguments[1], const_cast<char*>(XmNfontSize), &all.size);
+    XmRenditionRetrieve(rendition, arguments, XtNumber(arguments));
     XmRenditionFree(rendition);
     all.shell = all.own == nullptr ? nullptr : shell;
     all.table = XmRenderTableCopy(table, nullptr, 0);
