@@ -244,7 +244,10 @@ void RemoveFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
 }
 
 void btnSetDirectory_Activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    guarded([] { askQuestion(catalogText(Message::kSetDirectoryQuestion), {}, change_default_Directory); });
+    guarded([] {
+        askQuestion(catalogText(Message::kSetDirectoryQuestion, {directoryOf(selectionText())}), {},
+                    change_default_Directory);
+    });
 }
 
 void change_default_Directory(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {

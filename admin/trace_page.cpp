@@ -85,7 +85,7 @@ Widget fieldOf(XtPointer kind) {
 void followToggle() {
     const Boolean on = XmToggleButtonGetState(TgEnableTracing);
     for (Widget control : {LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
-        XtSetSensitive(control, on);
+        setEnabled(control, on != 0);
     }
 }
 

@@ -66,6 +66,29 @@ void raiseActivate(Widget text, XEvent* event, String* /*parameters*/, Cardinal*
     XtCallCallbacks(text, XmNactivateCallback, &call);
 }
 
+// Gives a text that can't be scrolled as many lines as it takes at the width that it has.
+void fitRows(Widget text, XtPointer /*clientData*/, XEvent* event, Boolean* /*continueToDispatch*/) {
+    if (event->type != ConfigureNotify) {
+        return;
+    }
+    XmRenderTable fonts = nullptr;
+    Dimension width = 0;
+    Dimension margin = 0;
+    Dimension shadow = 0;
+    Dimension highlight = 0;
+    short rows = 0;
+    XtVaGetValues(text, XmNrenderTable, &fonts, XmNwidth, &width, XmNmarginWidth, &margin, XmNshadowThickness, &shadow,
+                  XmNhighlightThickness, &highlight, XmNrows, &rows, nullptr);
+    // The widget breaks its lines at any blank.
+    std::string words = fieldText(text);
+    std::replace(words.begin(), words.end(), '"', '\'');
+    const std::string lines = wrapped(words, fonts, width - 2 * (margin + shadow + highlight));
+    const auto needed = static_cast<short>(std::count(lines.begin(), lines.end(), '\n') + 1);
+    if (needed != rows) {
+        XtVaSetValues(text, XmNrows, needed, nullptr);
+    }
+}
+
 }  // namespace
 
 Widget createForm(Widget parent, const char* name) {
@@ -142,6 +165,7 @@ Widget createReadOnlyText(Widget parent, const char* name, Message::Number text,
                                                  XmNeditable, False, XmNwordWrap, True, XmNcursorPositionVisible, False,
                                                  XmNtraversalOn, False, XmNrows, rows, nullptr));
     XmTextSetString(widget, catalogText(text).data());
+    XtAddEventHandler(widget, StructureNotifyMask, False, fitRows, nullptr);
     return widget;
 }
 
@@ -217,6 +241,20 @@ void keepReturn(Widget widget) {
         table += std::string("<Key>") + key + ": " + action + "()\n";
     }
     overrideTranslations(widget, table);
+}
+
+void setEnabled(Widget widget, bool enabled) {
+    if (XmIsTextField(widget) && enabled != (XtIsSensitive(widget) != 0)) {
+        // An empty field tells by nothing else than its ground that nothing can be typed into it.
+        Pixel own = 0;
+        Pixel around = 0;
+        XtPointer before = nullptr;
+        XtVaGetValues(widget, XmNbackground, &own, XmNuserData, &before, nullptr);
+        XtVaGetValues(XtParent(widget), XmNbackground, &around, nullptr);
+        XtVaSetValues(widget, XmNbackground, enabled ? reinterpret_cast<Pixel>(before) : around, XmNuserData, own,
+                      nullptr);
+    }
+    XtSetSensitive(widget, enabled ? True : False);
 }
 
 void setLabel(Widget widget, const std::string& text) {

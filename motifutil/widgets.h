@@ -91,5 +91,8 @@ private:
     Widget child_;
 };
 
+// Lets a widget be used, or not, and look so.
+void setEnabled(Widget widget, bool enabled);
+
 // Presses a push button as a click does: it flashes, and its callbacks run.
 void pressButton(Widget button);

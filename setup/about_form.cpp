@@ -99,6 +99,15 @@ Widget createAddress(Widget form, Widget icon) {
     return textHeight > preferredHeight(icon) ? second : icon;
 }
 
+// The size in the unit's usual spelling: the text that others read has it in small letters.
+std::string shownSize() {
+    std::string size = fileSize;
+    if (size.ends_with("kb")) {
+        size.back() = 'B';
+    }
+    return size;
+}
+
 // What is known of the component, one row for each. Returns the last row's text.
 Widget createRows(Widget form, Widget above) {
     struct Row {
@@ -110,7 +119,7 @@ Widget createRows(Widget form, Widget above) {
                                    {"Version", SetupMessage::kAboutVersion, FileVersion},
                                    {"Company", SetupMessage::kAboutCompany, CompanyName},
                                    {"Date", SetupMessage::kAboutDate, fileDate},
-                                   {"Size", SetupMessage::kAboutSize, fileSize}}};
+                                   {"Size", SetupMessage::kAboutSize, shownSize()}}};
     std::vector<Widget> labels;
     int gap = kWindowGap;
     for (const Row& row : rows) {

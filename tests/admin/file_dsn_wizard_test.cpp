@@ -255,7 +255,7 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     EXPECT_EQ(listed(), Rows{"a\tb.dsn"});
 
     click(BtnSetDirectory);
-    EXPECT_EQ(answer("OK"), catalogText(Message::kSetDirectoryQuestion));
+    EXPECT_EQ(answer("OK"), catalogText(Message::kSetDirectoryQuestion, {files.path("")}));
     EXPECT_EQ(files.summary(), "ODBC FILE DSN{DefaultDSNDir=" + files.path("") + "}");
 
     clickRow(list, 1);

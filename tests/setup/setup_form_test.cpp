@@ -266,7 +266,7 @@ TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDu
         const std::string title = "About " + path.substr(path.rfind('/') + 1);
         const std::string facts =
             path + "\n" + version + "\n" + company + "\n" +
-            outputOf("date -r '" + path + "' +%x; echo $(($(stat -c %s '" + path + "') / 1024)) kb");
+            outputOf("date -r '" + path + "' +%x; echo $(($(stat -c %s '" + path + "') / 1024)) kB");
         inDialog([&] {
             press("BtnHelp");
             enter({XK_F1});
