@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "motifutil/icons.h"
-#include "motifutil/logo_icon.h"
+#include "motifutil/true_color.h"
 
 namespace {
 
@@ -70,6 +70,15 @@ unsigned long logoPixel(int column, int row, int size) {
     return pixel;
 }
 
+XColor colourOf(unsigned long pixel) {
+    XColor colour{};
+    const auto part = [pixel](int shift) { return static_cast<unsigned short>((pixel >> shift & 255) * 257); };
+    colour.red = part(16);
+    colour.green = part(8);
+    colour.blue = part(0);
+    return colour;
+}
+
 std::vector<std::string>& restartCommand() {
     static std::vector<std::string> command;
     return command;
@@ -87,7 +96,32 @@ void saveYourself(Widget shell, XtPointer /*clientData*/, XtPointer /*callData*/
 }  // namespace
 
 void setIconPixmap(Widget shell) {
-    setIcon(shell, XmNiconPixmap, createIconPixmap(shell, kLogoIcon));
+    Display* connection = XtDisplay(shell);
+    const int screen = DefaultScreen(connection);
+    const auto depth = static_cast<unsigned int>(DefaultDepth(connection, screen));
+    constexpr int kBitsOfAPixel = 32;
+    std::vector<char> data(std::size_t{kLogoSize} * kLogoSize * kBitsOfAPixel / 8);
+    XImage* image = XCreateImage(connection, DefaultVisual(connection, screen), depth, ZPixmap, 0, data.data(),
+                                 kLogoSize, kLogoSize, kBitsOfAPixel, 0);
+    if (image == nullptr) {
+        return;
+    }
+    bool isDrawn = true;
+    for (int pixel = 0; pixel < kLogoSize * kLogoSize; ++pixel) {
+        XColor colour = colourOf(logoPixel(pixel % kLogoSize, pixel / kLogoSize, kLogoSize));
+        isDrawn = isDrawn && setPixel(connection, DefaultColormap(connection, screen), colour);
+        XPutPixel(image, pixel % kLogoSize, pixel / kLogoSize, colour.pixel);
+    }
+    // A server of few colours shows no icon, which it could show only in colours of others.
+    if (isDrawn) {
+        const Pixmap icon = XCreatePixmap(connection, RootWindow(connection, screen), kLogoSize, kLogoSize, depth);
+        GC context = XCreateGC(connection, icon, 0, nullptr);
+        XPutImage(connection, icon, context, image, 0, 0, 0, 0, kLogoSize, kLogoSize);
+        XFreeGC(connection, context);
+        setIcon(shell, XmNiconPixmap, icon);
+    }
+    image->data = nullptr;
+    XDestroyImage(image);
 }
 
 void publishIcon(Widget shell) {

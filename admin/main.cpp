@@ -20,6 +20,7 @@
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
 #include "motifutil/shells.h"
+#include "motifutil/true_color.h"
 
 namespace {
 
@@ -62,6 +63,7 @@ int main(int argc, char** argv) {
         return -1;
     }
     setPalette(display);
+    workOutColours(app_context, display);
     const unsigned int noInstallDirectory = bosSetInstallDir(nullptr);
     Rfile = OpenStrings(nullptr, "odbc.m");
     const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();

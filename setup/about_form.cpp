@@ -13,13 +13,13 @@
 #include "motifutil/catalog_text.h"
 #include "motifutil/component_version.h"
 #include "motifutil/icons.h"
-#include "motifutil/logo_icon.h"
 #include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
 #include "motifutil/window_keys.h"
 #include "setup/driver_process.h"
+#include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
 
 namespace {

@@ -23,6 +23,7 @@
 #include "kvlib/catalog.h"
 #include "motifutil/key_stroke.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/true_color.h"
 
 namespace {
 
@@ -49,6 +50,7 @@ public:
             throw std::runtime_error("no display");
         }
         setPalette(display);
+        workOutColours(app_context, display);
     }
     void TearDown() override {
         XtDestroyApplicationContext(app_context);
