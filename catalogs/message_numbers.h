@@ -94,6 +94,7 @@ enum Number : std::uint32_t {
     kFileNameTooLong = 9085,
     kFileDsnUnreadable = 9055,
     kNoFileDsns = 9056,
+    kNoFiles = 9129,
     kFileIncomplete = 9037,
     kFileNamesNoDriver = 9106,
     kFileDriverUnknown = 9107,

@@ -37,6 +37,11 @@ public:
         arguments_.push_back(argument);
         return *this;
     }
+    // Of two with the same name Xt takes the later.
+    ArgumentList& add(const ArgumentList& others) {
+        arguments_.insert(arguments_.end(), others.arguments_.begin(), others.arguments_.end());
+        return *this;
+    }
     Arg* data() noexcept { return arguments_.data(); }
     Cardinal size() const noexcept { return static_cast<Cardinal>(arguments_.size()); }
 
