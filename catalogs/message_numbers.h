@@ -143,6 +143,16 @@ enum Number : std::uint32_t {
     kTraceNotSaved = 9097,
     kTraceTextTooLong = 9101,
     kTraceTextHasLineBreak = 9102,
+    kTraceSystemDecides = 9114,
+    kTraceNoPath = 9115,
+    kTraceRelativePath = 9116,
+    kTracePathTooLong = 9117,
+    kTraceNotWritable = 9118,
+    kTraceNotMirrored = 9119,
+    kTraceGoesElsewhere = 9180,
+    kTraceIsOff = 9181,
+    kTraceFileSize = 9182,
+    kNothingDecides = 9183,
 
     // About page.
     kAboutTab = 9005,
