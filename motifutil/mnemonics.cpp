@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
+#include <cwchar>
 #include <utility>
 
 #include "motifutil/catalog_text.h"
@@ -64,8 +66,46 @@ bool isButton(Widget widget) {
     return XmIsPushButton(widget) || XmIsPushButtonGadget(widget) || XmIsToggleButton(widget);
 }
 
-// X has keys of their own for the characters of Latin 1, and all others have a place behind them.
-constexpr KeySym kBehindLatin1 = 0x1000000;
+// The keys of Latin 1 have the numbers of their characters, all others have them from here on.
+constexpr KeySym kBehindLatin1Keys = 0x100;
+constexpr KeySym kUnicodeKeys = 0x1000000;
+constexpr KeySym kBehindAscii = 0x80;
+
+// In the encoding of the locale.
+std::string bytesOf(const std::wstring& characters) {
+    std::string bytes;
+    for (const wchar_t character : characters) {
+        std::array<char, MB_LEN_MAX> buffer{};
+        std::mbstate_t state{};
+        const std::size_t length = std::wcrtomb(buffer.data(), character, &state);
+        bytes.append(buffer.data(), length <= buffer.size() ? length : 0);
+    }
+    return bytes;
+}
+
+// Underlines the letter by a rendition of its own, and nothing for 0: Motif underlines the letters of ASCII alone.
+void mark(Widget labelled, wchar_t letter) {
+    static char tag[] = "mnemonic";
+    const std::wstring label = labelOf(labelled);
+    const std::size_t place = std::min(label.find(letter), label.size());
+    XmStringPtr text = compoundString(bytesOf(label.substr(0, place)));
+    if (place < label.size()) {
+        const XmStringPtr marked(
+            XmStringGenerate(bytesOf(label.substr(place, 1)).data(), nullptr, XmCHARSET_TEXT, tag));
+        const XmStringPtr rest = compoundString(bytesOf(label.substr(place + 1)));
+        text.reset(XmStringConcatAndFree(text.release(), XmStringConcat(marked.get(), rest.get())));
+        XmRenderTable table = nullptr;
+        XtVaGetValues(labelled, XmNrenderTable, &table, nullptr);
+        ArgumentList arguments;
+        arguments.set(XmNunderlineType, XmSINGLE_LINE);
+        XmRendition rendition = XmRenditionCreate(labelled, tag, arguments.data(), arguments.size());
+        table = XmRenderTableAddRenditions(XmRenderTableCopy(table, nullptr, 0), &rendition, 1, XmMERGE_REPLACE);
+        XtVaSetValues(labelled, XmNrenderTable, table, nullptr);
+        XmRenditionFree(rendition);
+        XmRenderTableFree(table);
+    }
+    XtVaSetValues(labelled, XmNlabelString, text.get(), nullptr);
+}
 
 }  // namespace
 
@@ -77,7 +117,10 @@ std::string mnemonicFor(Message::Number label) {
 
 void underline(Widget labelled, wchar_t letter) {
     const auto character = static_cast<KeySym>(letter);
-    XtVaSetValues(labelled, XmNmnemonic, character < 0x100 ? character : kBehindLatin1 + character, nullptr);
+    if (character >= kBehindAscii || mnemonicOf(labelled) >= static_cast<wchar_t>(kBehindAscii)) {
+        mark(labelled, character >= kBehindAscii ? letter : L'\0');
+    }
+    XtVaSetValues(labelled, XmNmnemonic, character < kBehindLatin1Keys ? character : kUnicodeKeys + character, nullptr);
 }
 
 std::wstring labelOf(Widget labelled) {
@@ -96,7 +139,7 @@ void setMnemonic(Widget labelled, const std::string& letter) {
 wchar_t mnemonicOf(Widget labelled) {
     KeySym key = 0;
     XtVaGetValues(labelled, XmNmnemonic, &key, nullptr);
-    return lowerCase(static_cast<wchar_t>(key >= kBehindLatin1 ? key - kBehindLatin1 : key));
+    return lowerCase(static_cast<wchar_t>(key >= kUnicodeKeys ? key - kUnicodeKeys : key));
 }
 
 void leadTo(Widget label, Widget field, const std::string& letter) {

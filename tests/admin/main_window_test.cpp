@@ -4,6 +4,7 @@
 
 #include <thread>
 
+#include "motifutil/mnemonics.h"
 #include "tests/support/recording_browser.h"
 
 namespace {
@@ -122,6 +123,12 @@ TEST_F(MainWindowTest, KeysAndLettersLeadToTheRowsOfTables) {
         const int middle = rows.y + rows.height * (2 * row - 1) / (2 * 79);
         EXPECT_TRUE(table != LstUName || (middle > window.y && middle < window.y + window.height)) << step;
     };
+    setLabel(BtnAdd, "\u00d6ffnen");
+    setMnemonic(BtnAdd, "\u00d6");
+    EXPECT_EQ(textOf(BtnAdd), "\u00d6ffnen");
+    key(XK_odiaeresis, XK_Alt_L);
+    EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
+    key(XK_Escape);
     const int page = placeOf(ScrWinLists).height * 79 / placeOf(LstUName).height - 1;
     for (const auto& [symbol, row] : {std::pair{XK_End, 79}, {XK_Home, 1}, {XK_Next, 1 + page}, {XK_Prior, 1}}) {
         key(static_cast<KeySym>(symbol));
