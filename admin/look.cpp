@@ -47,7 +47,10 @@ const char* const kFallbackResources[] = {
     "*TxtTraceDesc.shadowThickness: 0",
     "*TxtAboutDesc.shadowThickness: 0",
 
-    "*FSelect.listVisibleItemCount: 6",
+    "*FSelect.listVisibleItemCount: 10",
+    "*FSelect.XmPushButtonGadget.marginWidth: 10",
+    "*FSelect.XmPushButtonGadget.marginHeight: 3",
+    "*FSelect.XmPushButtonGadget.defaultButtonShadowThickness: 0",
 
     "*TabManager.frameShadowThickness: 1",
     "*FramWizMain.shadowThickness: 0",

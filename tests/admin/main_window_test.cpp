@@ -85,9 +85,8 @@ TEST_F(MainWindowTest, TabLeadsAsTheEyeReadsFromTheFirstWidgetOfEachPage) {
     openWith("[ODBC Data Sources]\nabc=Recorder\n[ODBC]\nTRACE=1\n");
     for (const std::string page :
          {"lstUName BtnAdd BtnRemove BtnConfigure ",
-          "FilterText DirList ItemsList Text Apply BtnFDAdd BtnFDRemove BtnFDConfigure "
-          "BtnSetDirectory ",
-          "LstName ", "TgEnableTracing TxtTraceFile BtnTFileBrowse TxtTraceLib BtnTLibBrowse ", "LstAbtDesc "}) {
+          "FilterText Apply DirList ItemsList Text BtnFDAdd BtnFDRemove BtnFDConfigure BtnSetDirectory ", "LstName ",
+          "TgEnableTracing TxtTraceFile BtnTFileBrowse TxtTraceLib BtnTLibBrowse ", "LstAbtDesc "}) {
         std::string order;
         for (int times = 0; times < 2; ++times) {
             do {
