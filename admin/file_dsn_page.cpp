@@ -179,8 +179,7 @@ Widget createFileSelection(Widget parent) {
     if (box == nullptr) {
         throw std::bad_alloc();
     }
-    Widget filterLabel = createLabel(box, "LblFilter", Message::kFilter);
-    XtVaSetValues(filterLabel, XmNmarginWidth, 0, nullptr);
+    Widget filterLabel = createHeading(box, "LblFilter", Message::kFilter);
     leadTo(filterLabel, XtNameToWidget(box, "FilterText"), catalogText(Message::kFilterFieldLetter));
     // The page has buttons of its own.
     for (const char* part : {"OK", "Cancel", "Help", "FilterLabel", "Separator"}) {
@@ -222,18 +221,20 @@ Widget createFileDsnPage(Widget notebook, XtCallbackProc add) {
     separator3 = createSeparator(frmFileDSN, "separator3");
     Attach(separator3).leftForm(kPageMargin).rightForm(kPageMargin).above(TxtFDDesc, kPageGap);
 
+    FSelect = createFileSelection(frmFileDSN);
+    TxtDirectory = XtNameToWidget(FSelect, "DirText");
     BtnFDAdd = createPushButton(frmFileDSN, "BtnFDAdd", Message::kFileDsnAdd, add);
     BtnFDRemove = createPushButton(frmFileDSN, "BtnFDRemove", Message::kFileDsnRemove, btnFDRemove_Clicked);
     BtnFDConfigure = createPushButton(frmFileDSN, "BtnFDConfigure", Message::kFileDsnConfigure, btnFDConfigure_Clicked);
     BtnSetDirectory = createPushButton(frmFileDSN, "BtnSetDirectory", Message::kSetDirectory, btnSetDirectory_Activate);
     equalizeWidths({BtnFDAdd, BtnFDRemove, BtnFDConfigure, BtnSetDirectory});
-    Attach(BtnFDAdd).topForm(kPageMargin).rightForm(kPageMargin);
+    // In line with the field that the filter is typed into.
+    const int heading = preferredHeight(XtNameToWidget(FSelect, "LblFilter"));
+    Attach(BtnFDAdd).topForm(kPageMargin + heading).rightForm(kPageMargin);
     Attach(BtnFDRemove).below(BtnFDAdd, kPageGap).rightForm(kPageMargin);
     Attach(BtnFDConfigure).below(BtnFDRemove, kPageGap).rightForm(kPageMargin);
     Attach(BtnSetDirectory).below(BtnFDConfigure, kPageGap).rightForm(kPageMargin);
 
-    FSelect = createFileSelection(frmFileDSN);
-    TxtDirectory = XtNameToWidget(FSelect, "DirText");
     // The box has margins of its own.
     Attach(FSelect)
         .topForm(kPageMargin - kPageGap)

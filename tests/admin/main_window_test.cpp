@@ -104,6 +104,28 @@ TEST_F(MainWindowTest, TabLeadsAsTheEyeReadsFromTheFirstWidgetOfEachPage) {
     }
 }
 
+TEST_F(MainWindowTest, NamesDoNotMakeTheWindowWideAndNothingIsCutOffInTheLeastOne) {
+    openWith("[ODBC Data Sources]\n" + std::string(200, 'w') + "=Recorder\n");
+    const Place first = placeOf(ShODBCAdmin);
+    EXPECT_GE(first.width, 700);
+    EXPECT_LE(first.width, std::max(700, WidthOfScreen(XtScreen(ShODBCAdmin)) * 6 / 10));
+    EXPECT_LE(placeOf(LbColDate).x + placeOf(LbColDate).width, placeOf(scrolledWin2).x + placeOf(scrolledWin2).width);
+    XResizeWindow(display, XtWindow(ShODBCAdmin), 1, 1);
+    ASSERT_TRUE(waitFor([&first] { return placeOf(ShODBCAdmin).width < first.width; }));
+    for (const auto& [above, below] : {std::pair{ScrWinLists, TxtODBCDesc},
+                                       {BtnSetDirectory, TxtFDDesc},
+                                       {scrolledWin2, TxtDriversDesc},
+                                       {child(FrmTrace, "FramConfigTracing"), TxtTraceDesc},
+                                       {ScrAboutLists, TxtAboutDesc}}) {
+        settle();
+        const Place low = placeOf(below);
+        EXPECT_GE(placeOf(above).width, 90) << XtName(above);
+        EXPECT_LT(placeOf(above).y + placeOf(above).height, low.y) << XtName(above);
+        EXPECT_LT(low.y + low.height, placeOf(BtnOK).y) << XtName(below);
+        key(XK_Next, XK_Control_L);
+    }
+}
+
 TEST_F(MainWindowTest, KeysAndLettersLeadToTheRowsOfTables) {
     std::string list = "[ODBC Data Sources]\n";
     for (char first = 'a'; first <= 'z'; ++first) {
