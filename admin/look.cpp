@@ -23,7 +23,6 @@ const char* const kFallbackResources[] = {
     "*XmLabel.alignment: ALIGNMENT_BEGINNING",
     "*XmTextField.marginHeight: 4",
     "*XmToggleButton.shadowThickness: 0",
-    "*XmToggleButton.indicatorSize: 14",
 
     "*XmList.listMarginWidth: 6",
     "*XmList.listMarginHeight: 4",
@@ -47,7 +46,12 @@ const char* const kFallbackResources[] = {
     "*TxtTraceDesc.shadowThickness: 0",
     "*TxtAboutDesc.shadowThickness: 0",
 
-    "*FSelect.listVisibleItemCount: 6",
+    "*FSelect.XmLabelGadget.marginWidth: 0",
+    "*FSelect.XmLabelGadget.shadowThickness: 0",
+    "*FSelect.XmLabelGadget.highlightThickness: 0",
+    "*FSelect.XmPushButtonGadget.marginWidth: 10",
+    "*FSelect.XmPushButtonGadget.marginHeight: 3",
+    "*FSelect.XmPushButtonGadget.defaultButtonShadowThickness: 0",
 
     "*TabManager.frameShadowThickness: 1",
     "*FramWizMain.shadowThickness: 0",

@@ -13,6 +13,7 @@
 #include "admin/drivers_page.h"
 #include "admin/file_dsn_page.h"
 #include "admin/file_dsn_wizard.h"
+#include "admin/first_size.h"
 #include "admin/globals.h"
 #include "admin/look.h"
 #include "admin/trace_page.h"
@@ -77,6 +78,7 @@ void beginInPage(Widget shell, XtPointer /*clientData*/, XEvent* event, Boolean*
     if (event->type == MapNotify) {
         XtRemoveEventHandler(shell, StructureNotifyMask, False, beginInPage, nullptr);
         focusFirst(FormUserDSN);
+        setLeastSize(shell, TabManager, FSelect);
     }
 }
 
@@ -173,12 +175,15 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         createButtonRow();
         Separator = createSeparator(FrmMain, "Separator");
         Attach(Separator).leftForm().rightForm().above(BtnOK, kWindowGap);
-        Attach(TabManager).topForm(kWindowGap).leftForm(kWindowGap).rightForm(kWindowGap).above(Separator, kWindowGap);
+        Attach(TabManager).topForm(kWindowGap).leftForm(kWindowGap).above(Separator, kWindowGap);
+        // On its right the notebook keeps room for the scrollers of tabs that it has not got: it goes into the margin.
+        Attach(TabManager).rightForm(kWindowGap - preferredWidth(XtNameToWidget(TabManager, "MinorTabScrollerNext")));
 
         createPages();
         fillPages();
         XtManageChild(TabManager);
         XtAddEventHandler(ShODBCAdmin, StructureNotifyMask, False, beginInPage, nullptr);
+        askForFirstSize(TabManager, FSelect);
         XtManageChild(FrmMain);
         serveKeys(ShODBCAdmin);
     });

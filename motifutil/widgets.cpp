@@ -119,6 +119,12 @@ Widget createLabel(Widget parent, const char* name, Message::Number text) {
     return createLabel(parent, name, catalogText(text));
 }
 
+Widget createHeading(Widget parent, const char* name, Message::Number text) {
+    Widget heading = createLabel(parent, name, text);
+    XtVaSetValues(heading, XmNmarginWidth, 0, XmNshadowThickness, 0, XmNhighlightThickness, 0, nullptr);
+    return heading;
+}
+
 Widget createPushButton(Widget parent, const char* name, const std::string& text, XtCallbackProc activated,
                         XtPointer clientData) {
     Widget button = createLabelled(parent, name, xmPushButtonWidgetClass, text);
@@ -161,9 +167,10 @@ void hideIdleCursor(Widget text) {
 }
 
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows) {
-    Widget widget = made(XtVaCreateManagedWidget(name, xmTextWidgetClass, parent, XmNeditMode, XmMULTI_LINE_EDIT,
-                                                 XmNeditable, False, XmNwordWrap, True, XmNcursorPositionVisible, False,
-                                                 XmNtraversalOn, False, XmNrows, rows, nullptr));
+    Widget widget =
+        made(XtVaCreateManagedWidget(name, xmTextWidgetClass, parent, XmNeditMode, XmMULTI_LINE_EDIT, XmNeditable,
+                                     False, XmNwordWrap, True, XmNcursorPositionVisible, False, XmNtraversalOn, False,
+                                     XmNrows, rows, XmNmarginWidth, 0, XmNhighlightThickness, 0, nullptr));
     XmTextSetString(widget, catalogText(text).data());
     XtAddEventHandler(widget, StructureNotifyMask, False, fitRows, nullptr);
     return widget;

@@ -20,6 +20,8 @@ Widget createForm(Widget parent, const char* name);
 Widget createSeparator(Widget parent, const char* name);
 Widget createLabel(Widget parent, const char* name, Message::Number text);
 Widget createLabel(Widget parent, const char* name, const std::string& text);
+// A label above what it tells of, whose text begins where that begins.
+Widget createHeading(Widget parent, const char* name, Message::Number text);
 Widget createPushButton(Widget parent, const char* name, const std::string& text, XtCallbackProc activated = nullptr,
                         XtPointer clientData = nullptr);
 Widget createPushButton(Widget parent, const char* name, Message::Number text, XtCallbackProc activated = nullptr,
