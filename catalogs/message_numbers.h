@@ -383,3 +383,92 @@ enum Number : std::uint32_t {
     kLoginNotStored = 260,
 };
 }  // namespace SetupMessage
+
+// "odbcdoctor.mo": what the command odbcadmin-doctor says.
+namespace DoctorMessage {
+enum Number : std::uint32_t {
+    // The command.
+    kUsage = 1,
+    kError = 2,
+    kWarning = 3,
+    kSound = 4,
+    kSum = 5,
+    kFilesRead = 6,
+    kRoleUser = 7,
+    kRoleSystem = 8,
+    kRoleDrivers = 9,
+    kRoleUserDrivers = 10,
+    kNotThere = 11,
+
+    // Files and variables.
+    kFolderIsFile = 100,
+    kFolderMissing = 101,
+    kFolderEmpty = 102,
+    kRelative = 103,
+    kDriverFileIsPath = 104,
+    kUserFileMissing = 105,
+    kDriverFileMissing = 106,
+    kNotRegular = 107,
+    kUnreadable = 108,
+    kHomesDiffer = 109,
+    kWrongOwner = 110,
+    kPasswordOpen = 111,
+    kNotRead = 112,
+    kLayersDiffer = 113,
+
+    // Lines.
+    kMark = 120,
+    kWide = 121,
+    kNotUtf8 = 122,
+    kLineTooLong = 123,
+    kNoEquals = 124,
+    kStray = 125,
+    kKeyTwice = 126,
+    kSectionTwice = 127,
+    kCaseDiffers = 128,
+    kNoBracket = 129,
+    kQuoted = 130,
+    kLineEnds = 131,
+    kTrailingBlank = 132,
+
+    // Data sources.
+    kListMisnamed = 140,
+    kNoSection = 141,
+    kNoSectionNear = 142,
+    kNotListed = 143,
+    kNoDriver = 144,
+    kDriverQuoted = 145,
+    kDriverComment = 146,
+    kDriverUnknown = 147,
+    kDriverUnknownNear = 148,
+    kDriverPathDiffers = 149,
+    kNoDataSources = 150,
+    kNameUnknown = 151,
+    kNameElsewhere = 152,
+
+    // Drivers.
+    kNoLibraryNamed = 160,
+    kLibraryMissing = 161,
+    kLibraryUnreadable = 162,
+    kNoLibrary = 163,
+    kOtherMachine = 164,
+    kNeedsMissing = 165,
+    kNeedsElsewhere = 166,
+    kVersionMissing = 167,
+    kLoaderRefuses = 168,
+    kSymbolMissing = 169,
+    kIsManager = 170,
+    kIsSetup = 171,
+    kNoDriverFunctions = 172,
+    kSetupUnusable = 173,
+    kManagers = 174,
+
+    // Tracing.
+    kTracing = 180,
+    kTraceValue = 181,
+    kTracePath = 182,
+    kTraceLong = 183,
+    kTraceUnwritable = 184,
+    kTraceElsewhere = 185,
+};
+}  // namespace DoctorMessage

@@ -18,7 +18,7 @@
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
 #include "motifutil/window_keys.h"
-#include "setup/driver_process.h"
+#include "installer/driver_process.h"
 #include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
 

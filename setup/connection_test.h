@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "setup/driver_process.h"
+#include "installer/driver_process.h"
 #include "setup/settings.h"
 
 // A connection string for `driver` with these settings (ODBC SQLDriverConnect). What names or would write a data source

@@ -6,7 +6,7 @@
 
 #include <chrono>
 
-#include "setup/driver_process.h"
+#include "installer/driver_process.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include "bos/library.h"
 #include "installer/configuration.h"
 #include "setup/driver_files.h"
-#include "setup/driver_process.h"
+#include "installer/driver_process.h"
 #include "setup/settings.h"
 
 namespace {

@@ -13,12 +13,13 @@ target_compile_definitions(recording_setup PRIVATE VH_TEST_FILE_SETUP)
 
 add_subdirectory(catalogs)
 add_subdirectory(installer)
+add_subdirectory(doctor)
 add_subdirectory(help)
 
 # What `cmake --install` installs.
-set(installed_tree odbcadmin describe-component odbcadmin-register libsqliteodbc_stand_in libsqlite3odbc_stand_in
+set(installed_tree odbcadmin odbcadmin-doctor describe-component odbcadmin-register libsqliteodbc_stand_in libsqlite3odbc_stand_in
                    libmdbodbc_stand_in vhsetup23 vhsqlite23 vhpostgresql23 vhfreetds23 odbccurs_identification
-                   libodbc_identification libvhicu23_identification catalog_en_US_odbc catalog_en_US_vhutl23
+                   libodbc_identification libvhicu23_identification catalog_en_US_odbc catalog_en_US_odbcdoctor catalog_en_US_vhutl23
                    catalog_en_US_vhsetup23 helpbook)
 
 # The real windows in the test's own process.

@@ -1,4 +1,4 @@
-#include "setup/driver_process.h"
+#include "installer/driver_process.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>

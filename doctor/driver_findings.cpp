@@ -1,0 +1,245 @@
+#include "doctor/driver_findings.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <set>
+#include <string_view>
+
+#include "doctor/driver_list.h"
+#include "installer/configuration.h"
+
+namespace doctor {
+
+namespace {
+
+constexpr FindingKind kNoLibraryNamed{DoctorMessage::kNoLibraryNamed, Severity::kError, "driver-without-library"};
+constexpr FindingKind kLibraryMissing{DoctorMessage::kLibraryMissing, Severity::kError, "library-missing"};
+constexpr FindingKind kLibraryUnreadable{DoctorMessage::kLibraryUnreadable, Severity::kError, "library-unreadable"};
+constexpr FindingKind kNoLibrary{DoctorMessage::kNoLibrary, Severity::kError, "not-a-library"};
+constexpr FindingKind kOtherMachine{DoctorMessage::kOtherMachine, Severity::kError, "library-architecture"};
+constexpr FindingKind kNeedsMissing{DoctorMessage::kNeedsMissing, Severity::kError, "dependency-missing"};
+constexpr FindingKind kNeedsElsewhere{DoctorMessage::kNeedsElsewhere, Severity::kError, "dependency-not-searched"};
+constexpr FindingKind kVersionMissing{DoctorMessage::kVersionMissing, Severity::kError, "version-missing"};
+constexpr FindingKind kLoaderRefuses{DoctorMessage::kLoaderRefuses, Severity::kError, "loader-refuses"};
+constexpr FindingKind kSymbolMissing{DoctorMessage::kSymbolMissing, Severity::kWarning, "symbol-missing"};
+constexpr FindingKind kIsManager{DoctorMessage::kIsManager, Severity::kError, "driver-is-manager"};
+constexpr FindingKind kIsSetup{DoctorMessage::kIsSetup, Severity::kError, "driver-is-setup"};
+constexpr FindingKind kNoDriverFunctions{DoctorMessage::kNoDriverFunctions, Severity::kError, "not-a-driver"};
+constexpr FindingKind kSetupUnusable{DoctorMessage::kSetupUnusable, Severity::kWarning, "setup-unusable"};
+constexpr FindingKind kManagers{DoctorMessage::kManagers, Severity::kWarning, "driver-managers"};
+
+// The Debian package that a library is in, or was.
+struct Package {
+    std::string_view library;
+    const char* package;
+};
+constexpr std::array kPackages{Package{"libodbcinst.so.2", "libodbcinst2"},
+                               Package{"libodbc.so.2", "libodbc2"},
+                               Package{"libodbccr.so.2", "libodbccr2"},
+                               Package{"libstdc++.so.6", "libstdc++6"},
+                               Package{"libgcc_s.so.1", "libgcc-s1"},
+                               Package{"libssl.so.3", "libssl3"},
+                               Package{"libcrypto.so.3", "libssl3"},
+                               Package{"libssl.so.1.1", "libssl1.1 (Debian 11)"},
+                               Package{"libcrypto.so.1.1", "libssl1.1 (Debian 11)"},
+                               Package{"libssl.so.1.0.", "libssl1.0.0 (Debian 8), libssl1.0.2 (Debian 9)"},
+                               Package{"libcrypto.so.1.0.", "libssl1.0.0 (Debian 8), libssl1.0.2 (Debian 9)"},
+                               Package{"libltdl.so.7", "libltdl7"},
+                               Package{"libkrb5.so.3", "libkrb5-3"},
+                               Package{"libgssapi_krb5.so.2", "libgssapi-krb5-2"},
+                               Package{"libpq.so.5", "libpq5"},
+                               Package{"libmariadb.so.3", "libmariadb3"},
+                               Package{"libsqlite3.so.0", "libsqlite3-0"},
+                               Package{"libct.so.4", "libct4"},
+                               Package{"libcurl.so.4", "libcurl4"},
+                               Package{"libuuid.so.1", "libuuid1"},
+                               Package{"libz.so.1", "zlib1g"},
+                               Package{"libaio.so.1", "libaio1"},
+                               Package{"libsasl2.so.2", "libsasl2-2"},
+                               Package{"libsasl2.so.3", "libsasl2-2, as libsasl2.so.2"},
+                               Package{"libreadline.so.", "libreadline8"},
+                               Package{"libncurses.so.5", "libncurses5"},
+                               Package{"libicuuc.so.", "libicu72"},
+                               Package{"libsqlite3odbc.so", "libsqliteodbc"},
+                               Package{"libsqliteodbc.so", "libsqliteodbc"},
+                               Package{"psqlodbc", "odbc-postgresql"},
+                               Package{"libmaodbc.so", "odbc-mariadb"},
+                               Package{"libmdbodbc.so", "odbc-mdbtools"},
+                               Package{"libtdsodbc.so", "tdsodbc"},
+                               Package{"libtdsS.so", "tdsodbc"}};
+
+constexpr std::array<std::string_view, 4> kManagerNames{"libodbc.so", "libodbc-", "libiodbc.so", "libiodbc-"};
+
+// Debian registers this one and has it in no package, so it is no fault as long as nobody wants it.
+constexpr std::string_view kNeverThere = "libsqliteodbc.so";
+
+std::string packageOf(const std::string& library) {
+    const std::string_view base = std::string_view(library).substr(library.rfind('/') + 1);
+    const auto* const found = std::find_if(kPackages.begin(), kPackages.end(), [base](const Package& package) {
+        return base.starts_with(package.library);
+    });
+    return found == kPackages.end() ? "?" : found->package;
+}
+
+// Some drivers export these functions as well, so the name counts too.
+bool isManager(const LibraryFacts& facts) {
+    const std::string_view base = std::string_view(facts.path).substr(facts.path.rfind('/') + 1);
+    return facts.functions.contains("SQLDataSources") &&
+           std::any_of(kManagerNames.begin(), kManagerNames.end(),
+                       [base](std::string_view name) { return base.starts_with(name); });
+}
+
+bool isDriver(const LibraryFacts& facts) {
+    return std::any_of(facts.functions.begin(), facts.functions.end(), [](const std::string& function) {
+        return function == "SQLConnect" || function == "SQLDriverConnect" || function == "SQLConnectW" ||
+               function == "SQLDriverConnectW";
+    });
+}
+
+// Where a library is named.
+struct Place {
+    std::string file;
+    std::size_t line;
+    std::string about;
+};
+
+void checkNeeds(const Place& place, const LibraryFacts& facts, Findings& findings) {
+    std::string nowhere;
+    std::string packages;
+    std::set<std::string> told;
+    for (const LibraryFacts::Absent& absent : facts.absent) {
+        if (!absent.elsewhere.empty()) {
+            findings.push_back({kNeedsElsewhere,
+                                place.file,
+                                place.line,
+                                {facts.path, absent.name, absent.elsewhere,
+                                 absent.elsewhere.substr(0, absent.elsewhere.rfind('/')), absent.neededBy},
+                                place.about});
+            continue;
+        }
+        nowhere += (nowhere.empty() ? "" : ", ") + absent.name;
+        nowhere += absent.neededBy != facts.path ? " (" + absent.neededBy + ")" : "";
+        if (const std::string package = packageOf(absent.name); told.insert(package).second) {
+            packages += (packages.empty() ? "" : ", ") + package;
+        }
+    }
+    if (!nowhere.empty()) {
+        findings.push_back({kNeedsMissing, place.file, place.line, {facts.path, nowhere, packages}, place.about});
+    }
+    std::map<std::pair<std::string, std::string>, std::string> versions;
+    for (const LibraryFacts::AbsentVersion& absent : facts.absentVersions) {
+        std::string& names = versions[{absent.library, absent.neededBy}];
+        names += (names.empty() ? "" : ", ") + absent.version;
+    }
+    for (const auto& [key, names] : versions) {
+        findings.push_back(
+            {kVersionMissing, place.file, place.line, {facts.path, names, key.first, key.second}, place.about});
+    }
+}
+
+void checkLibrary(const Place& place, const std::string& name, const LibraryFacts& facts, Findings& findings) {
+    const std::size_t before = findings.size();
+    const auto add = [&](const FindingKind& kind, std::vector<std::string> subjects) {
+        subjects.insert(subjects.begin(), facts.path.empty() ? name : facts.path);
+        findings.push_back({kind, place.file, place.line, std::move(subjects), place.about});
+    };
+    switch (facts.kind) {
+        case LibraryKind::kMissing:
+            add(kLibraryMissing, {packageOf(name)});
+            return;
+        case LibraryKind::kUnreadable:
+            add(kLibraryUnreadable, {std::strerror(facts.error)});
+            return;
+        case LibraryKind::kNoLibrary:
+            add(kNoLibrary, {});
+            return;
+        case LibraryKind::kOtherMachine:
+            add(kOtherMachine, {facts.machine, ownMachine()});
+            return;
+        case LibraryKind::kLibrary:
+            break;
+    }
+    checkNeeds(place, facts, findings);
+    if (findings.size() == before && !facts.loaderWords.empty()) {
+        add(kLoaderRefuses, {facts.loaderWords});
+    } else if (isManager(facts)) {
+        add(kIsManager, {});
+    } else if (!isDriver(facts) && facts.functions.contains("ConfigDSN")) {
+        add(kIsSetup, {});
+    } else if (!isDriver(facts) && findings.size() == before) {
+        add(kNoDriverFunctions, {});
+    } else if (!facts.missingSymbol.empty() && findings.size() == before) {
+        add(kSymbolMissing, {facts.missingSymbol});
+    }
+}
+
+void checkSetup(const Registered& driver, const Account& account, Findings& findings) {
+    const IniEntry* entry = libraryEntry(driver.section, "Setup");
+    const auto facts = entry != nullptr ? account.setups.find(entry->value) : account.setups.end();
+    if (facts != account.setups.end() &&
+        (facts->second.kind != LibraryKind::kLibrary || !facts->second.absent.empty() ||
+         !facts->second.functions.contains("ConfigDSN"))) {
+        findings.push_back({kSetupUnusable,
+                            driver.file,
+                            entry->line,
+                            {driver.section.name, entry->key, entry->value},
+                            driver.section.name});
+    }
+}
+
+bool isWanted(const Account& account, const std::string& driver) {
+    const std::vector<DataSourceFile> files = dataSourceFiles(account);
+    return std::any_of(files.begin(), files.end(), [&driver](const DataSourceFile& file) {
+        return std::any_of(file.view.sections.begin(), file.view.sections.end(), [&driver](const IniSection& section) {
+            return installer::sameName(section.value("Driver"), driver);
+        });
+    });
+}
+
+void checkManagers(const Account& account, Findings& findings) {
+    if (account.managers.size() < 2) {
+        return;
+    }
+    std::string list;
+    for (const DriverManager& manager : account.managers) {
+        list += (list.empty() ? "" : ", ") + manager.path;
+        std::string folders;
+        for (const std::string& folder : manager.folders) {
+            folders += (folders.empty() ? "" : " ") + folder + "/odbcinst.ini";
+        }
+        list += folders.empty() ? "" : " (" + folders + ")";
+    }
+    findings.push_back({kManagers, account.managers[1].path, 0, {list, account.managers[0].path, driverFile(account)}});
+}
+
+}  // namespace
+
+void findDriverFaults(const Account& account, Findings& findings) {
+    for (const Registered& driver : registeredDrivers(account)) {
+        const IniEntry* entry = libraryEntry(driver.section, "Driver");
+        if (entry != nullptr && entry->value == kNeverThere && !isWanted(account, driver.section.name)) {
+            continue;
+        }
+        if (entry == nullptr || entry->value.empty()) {
+            findings.push_back(
+                {kNoLibraryNamed, driver.file, driver.section.line, {driver.section.name}, driver.section.name});
+        } else if (const auto facts = account.libraries.find(entry->value); facts != account.libraries.end()) {
+            checkLibrary({driver.file, entry->line, driver.section.name}, entry->value, facts->second, findings);
+        }
+        checkSetup(driver, account, findings);
+    }
+    for (const DataSourceFile& file : dataSourceFiles(account)) {
+        for (const IniSection& section : file.view.sections) {
+            const IniEntry* entry = isDataSource(section) ? section.find("Driver") : nullptr;
+            const auto facts = entry != nullptr && entry->value.starts_with('/') ? account.libraries.find(entry->value)
+                                                                                 : account.libraries.end();
+            if (facts != account.libraries.end()) {
+                checkLibrary({file.path, entry->line, section.name}, entry->value, facts->second, findings);
+            }
+        }
+    }
+    checkManagers(account, findings);
+}
+
+}  // namespace doctor

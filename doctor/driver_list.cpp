@@ -1,0 +1,68 @@
+#include "doctor/driver_list.h"
+
+#include <algorithm>
+#include <set>
+
+#include "installer/configuration.h"
+
+namespace doctor {
+
+std::vector<Registered> registeredDrivers(const Account& account) {
+    std::vector<Registered> drivers;
+    for (const std::string& path : {driverFile(account), userDriverFile(account)}) {
+        const ConfigFile* file = findFile(account, path);
+        for (const IniSection& section : viewOf(file != nullptr ? file->text : "").sections) {
+            const bool isKnown = std::any_of(drivers.begin(), drivers.end(), [&section](const Registered& driver) {
+                return installer::sameName(driver.section.name, section.name);
+            });
+            if (!isKnown && !installer::sameName(section.name, "ODBC")) {
+                drivers.push_back({path, section});
+            }
+        }
+    }
+    return drivers;
+}
+
+const IniEntry* libraryEntry(const IniSection& driver, const std::string& key) {
+    const IniEntry* wide = sizeof(void*) == 8 ? driver.find(key + "64") : nullptr;
+    return wide != nullptr && !wide->value.empty() ? wide : driver.find(key);
+}
+
+std::vector<DataSourceFile> dataSourceFiles(const Account& account) {
+    std::vector<DataSourceFile> files;
+    std::set<std::string> paths;
+    for (const std::string& path : {userFile(account), systemFile(account)}) {
+        const ConfigFile* file = findFile(account, path);
+        if (file != nullptr && file->error == 0 && paths.insert(path).second) {
+            files.push_back({path, viewOf(file->text)});
+        }
+    }
+    return files;
+}
+
+bool isDataSource(const IniSection& section) {
+    return !installer::sameName(section.name, "ODBC") && !installer::sameName(section.name, "Default") &&
+           !installer::sameName(section.name, installer::kDataSourceList) && section.find("Driver") != nullptr;
+}
+
+NamedLibraries namedLibraries(const Account& account) {
+    std::set<std::string> drivers;
+    std::set<std::string> setups;
+    for (const Registered& driver : registeredDrivers(account)) {
+        for (const auto& [key, names] : {std::pair{"Driver", &drivers}, {"Setup", &setups}}) {
+            if (const IniEntry* entry = libraryEntry(driver.section, key); entry != nullptr && !entry->value.empty()) {
+                names->insert(entry->value);
+            }
+        }
+    }
+    for (const DataSourceFile& file : dataSourceFiles(account)) {
+        for (const IniSection& section : file.view.sections) {
+            if (isDataSource(section) && section.value("Driver").starts_with('/')) {
+                drivers.insert(section.value("Driver"));
+            }
+        }
+    }
+    return {{drivers.begin(), drivers.end()}, {setups.begin(), setups.end()}};
+}
+
+}  // namespace doctor
