@@ -130,7 +130,12 @@ public:
                 checkSection(file, section);
             }
         }
-        if (listed_.empty() && !hasSections_) {
+        // A file that a variable names and that holds nothing is told of itself.
+        const std::string* named = variable(account_, "ODBCINI");
+        const ConfigFile* file = findFile(account_, userFile(account_));
+        const bool isTold =
+            named != nullptr && !named->empty() && (file == nullptr || !file->isRegular || file->error != 0);
+        if (listed_.empty() && !hasSections_ && !isTold) {
             std::string others;
             for (const std::string& path : account_.otherFiles) {
                 others += (others.empty() ? "" : ", ") + path;

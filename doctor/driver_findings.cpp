@@ -176,7 +176,10 @@ void checkLibrary(const Place& place, const std::string& name, const LibraryFact
 
 void checkSetup(const Registered& driver, const Account& account, Findings& findings) {
     const IniEntry* entry = libraryEntry(driver.section, "Setup");
-    const auto facts = entry != nullptr ? account.setups.find(entry->value) : account.setups.end();
+    if (entry == nullptr) {
+        return;
+    }
+    const auto facts = account.setups.find(entry->value);
     if (facts != account.setups.end() &&
         (facts->second.kind != LibraryKind::kLibrary || !facts->second.absent.empty() ||
          !facts->second.functions.contains("ConfigDSN"))) {
@@ -232,8 +235,10 @@ void findDriverFaults(const Account& account, Findings& findings) {
     for (const DataSourceFile& file : dataSourceFiles(account)) {
         for (const IniSection& section : file.view.sections) {
             const IniEntry* entry = isDataSource(section) ? section.find("Driver") : nullptr;
-            const auto facts = entry != nullptr && entry->value.starts_with('/') ? account.libraries.find(entry->value)
-                                                                                 : account.libraries.end();
+            if (entry == nullptr || !entry->value.starts_with('/')) {
+                continue;
+            }
+            const auto facts = account.libraries.find(entry->value);
             if (facts != account.libraries.end()) {
                 checkLibrary({file.path, entry->line, section.name}, entry->value, facts->second, findings);
             }

@@ -96,9 +96,10 @@ void checkPlaces(const Account& account, Findings& findings) {
     const std::set<std::string> read{userFile(account), systemFile(account), driverFile(account),
                                      userDriverFile(account)};
     const std::string* home = variable(account, "HOME");
+    const std::string* folder = variable(account, "ODBCSYSINI");
     for (const auto& [path, file] : account.files) {
         const std::string base = path.substr(path.rfind('/') + 1);
-        if (read.contains(path) || file.error != 0 || !file.isRegular ||
+        if (read.contains(path) || (folder != nullptr && path == *folder) || file.error != 0 || !file.isRegular ||
             (base.find("odbc") == std::string::npos && base.find("ODBC") == std::string::npos) ||
             viewOf(file.text).sections.empty()) {
             continue;
