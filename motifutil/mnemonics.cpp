@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <cstdint>
 #include <cwchar>
 #include <utility>
 
@@ -116,7 +117,7 @@ std::string mnemonicFor(Message::Number label) {
 }
 
 void underline(Widget labelled, wchar_t letter) {
-    const auto character = static_cast<KeySym>(letter);
+    const KeySym character = static_cast<std::uint32_t>(letter);
     if (character >= kBehindAscii || mnemonicOf(labelled) >= static_cast<wchar_t>(kBehindAscii)) {
         mark(labelled, character >= kBehindAscii ? letter : L'\0');
     }
