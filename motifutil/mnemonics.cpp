@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <array>
-#include <type_traits>
+#include <cstdint>
 #include <utility>
 
 #include "motifutil/catalog_text.h"
@@ -102,7 +102,7 @@ std::string mnemonicFor(Message::Number label) {
 }
 
 void underline(Widget labelled, wchar_t letter) {
-    const KeySym character = static_cast<std::make_unsigned_t<wchar_t>>(letter);
+    const KeySym character = static_cast<std::uint32_t>(letter);
     if (character >= kBehindAscii || mnemonicOf(labelled) >= static_cast<wchar_t>(kBehindAscii)) {
         mark(labelled, character >= kBehindAscii ? letter : L'\0');
     }
