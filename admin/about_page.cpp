@@ -54,7 +54,7 @@ void beginAboutTab() {
 
 Widget createAboutForm(Widget notebook) {
     FrmAbout = createPage(notebook, "FrmAbout");
-    LblAboutText = createLabel(FrmAbout, "LblAboutText", Message::kAboutHeading);
+    LblAboutText = createHeading(FrmAbout, "LblAboutText", Message::kAboutHeading);
 
     ScrAboutLabels = createHeaderWindow(FrmAbout, "ScrAboutLabels");
     FormAboutLabels = createForm(ScrAboutLabels, "FormAboutLabels");

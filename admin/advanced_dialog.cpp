@@ -34,7 +34,7 @@ void createAdvancedDialog() {
     XtAddCallback(AdvFDDialog, XmNdestroyCallback, forgetDestroyed, nullptr);
 
     Widget form = createForm(AdvFDDialog, "frmFDAdv");
-    Widget heading = createLabel(form, "lblAdvFDDesc", Message::kAdvancedHeading);
+    Widget heading = createHeading(form, "lblAdvFDDesc", Message::kAdvancedHeading);
     Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
 
     Widget cancel = createPushButton(form, "BtnAdvFDCancel", Message::kCancel, advFDDialogCancel_Clicked);

@@ -81,6 +81,10 @@ void showInformation(Message::Number text) {
     showReport(kInformationDialog, text);
 }
 
+void showInformation(const std::string& text) {
+    show(createReport(kInformationDialog, text));
+}
+
 void showError(Message::Number text) {
     showReport(kErrorDialog, text);
 }

@@ -16,6 +16,7 @@ Widget createMessageDialogAdmin(short kind, char* message, char* okLabel, char* 
 
 // Shows a box with one button, titled as the program, and keeps it in `Mdialog`.
 void showInformation(Message::Number text);
+void showInformation(const std::string& text);
 void showError(Message::Number text);
 // The same with another label of the button, or another title.
 void showError(Message::Number text, Message::Number okLabel, Message::Number title);

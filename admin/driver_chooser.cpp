@@ -36,7 +36,7 @@ void focusOnDrivers(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*cal
 
 void createDriverScreen(Widget parent, XtCallbackProc doubleClicked) {
     FormScr1 = createForm(parent, "FormScr1");
-    Widget heading = createLabel(FormScr1, "LblDPHeading", Message::kChooserHeading);
+    Widget heading = createHeading(FormScr1, "LblDPHeading", Message::kChooserHeading);
     Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
     BtnAdvanced = createPushButton(FormScr1, "BtnAdvanced", Message::kAdvanced, focusOnDrivers);
     XtAddCallback(BtnAdvanced, XmNactivateCallback, Show_AdvancedOptionDialog, nullptr);

@@ -81,7 +81,7 @@ DriverColumns describeDrivers(const std::vector<std::string>& names) {
 
 Widget createDriversPage(Widget notebook) {
     FrmDrivers = createPage(notebook, "FrmDrivers");
-    LbDDesc = createLabel(FrmDrivers, "LbDDesc", Message::kDriversHeading);
+    LbDDesc = createHeading(FrmDrivers, "LbDDesc", Message::kDriversHeading);
     Attach(LbDDesc).topForm(kPageMargin).leftForm(kPageMargin);
 
     FormDrivers = createForm(FrmDrivers, "FormDrivers");

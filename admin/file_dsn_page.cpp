@@ -13,6 +13,7 @@
 #include "admin/dialogs.h"
 #include "admin/driver_setup.h"
 #include "admin/file_dsn_writer.h"
+#include "admin/file_selection_layout.h"
 #include "admin/globals.h"
 #include "admin/lists.h"
 #include "installer/configuration.h"
@@ -20,6 +21,7 @@
 #include "installer/drivers.h"
 #include "installer/file_dsn.h"
 #include "motifutil/file_dialog.h"
+#include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 
@@ -72,48 +74,6 @@ void emptyFileList() {
     XtVaSetValues(FSelect, XmNfileListItems, &nothing, XmNfileListItemCount, 1, nullptr);
 }
 
-Widget createFileSelection(Widget parent) {
-    char directory[kFileDsnNameSize];
-    getFileDSNDefaultDir(directory);
-    const XmStringPtr mask = compoundString(directory + std::string(kPattern));
-    const XmStringPtr pattern = compoundString(kPattern);
-    const XmStringPtr nothing = compoundString(catalogText(Message::kNoFileDsns));
-    const XmStringPtr filter = compoundString("\nFilter");
-    const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
-    const XmStringPtr fileHeading = compoundString(catalogText(Message::kFileList));
-    const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
-    ArgumentList arguments;
-    arguments.set(XmNdirMask, mask.get())
-        .set(XmNpattern, pattern.get())
-        .set(XmNnoMatchString, nothing.get())
-        .set(XmNfilterLabelString, filter.get())
-        .set(XmNselectionLabelString, selection.get())
-        .set(XmNfileListLabelString, fileHeading.get())
-        .set(XmNdirListLabelString, directories.get());
-    static char name[] = "FSelect";
-    Widget box = XmCreateFileSelectionBox(parent, name, arguments.data(), arguments.size());
-    if (box == nullptr) {
-        throw std::bad_alloc();
-    }
-    // The page has buttons of its own.
-    for (const char* part : {"OK", "Cancel", "Help", "FilterLabel", "Separator"}) {
-        if (Widget child = XtNameToWidget(box, part)) {
-            XtUnmanageChild(child);
-        }
-    }
-    // Else Return anywhere in the window presses the box's OK, out of sight as it is, and not the window's.
-    XtVaSetValues(box, XmNdefaultButton, nullptr, nullptr);
-    finishFileSelection(box);
-    Widget files = XtNameToWidget(box, "*ItemsList");
-    XtAddCallback(files, XmNdefaultActionCallback, btnFDConfigure_Clicked, nullptr);
-    keepReturn(files);
-    Widget selected = XtNameToWidget(box, "Text");
-    XtAddCallback(selected, XmNactivateCallback, btnFDConfigure_Clicked, nullptr);
-    keepReturn(selected);
-    XtManageChild(box);
-    return box;
-}
-
 // Hands every key of the file data source `path` to its driver.
 void configure(const std::string& path) {
     // A name without a directory would mean a file of the installer library's own folder, and to open a pipe means to
@@ -147,6 +107,110 @@ void configure(const std::string& path) {
     refreshFileDsnPage();
 }
 
+// Shows the directory that was typed; false when it is none.
+bool showTypedDirectory(const std::filesystem::path& typed) {
+    std::error_code ignored;
+    const bool isDirectory = std::filesystem::is_directory(typed, ignored);
+    if (isDirectory) {
+        showFileDsnDirectory(typed / "");
+    }
+    return isDirectory;
+}
+
+std::filesystem::path typedPath(Widget field) {
+    return (shownDirectory() / std::filesystem::path(fieldText(field))).lexically_normal();
+}
+
+void searchFiltered(Widget widget, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    guarded([widget] {
+        if (!XmIsTextField(widget) || !showTypedDirectory(typedPath(widget))) {
+            pressButton(XtNameToWidget(FSelect, "Apply"));
+        }
+    });
+}
+
+// Shows the directory that stands in the selection field, or selects the file there; one that is selected already, or
+// that no list shows, is configured.
+void selectTyped(Widget field, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    guarded([field] {
+        std::error_code ignored;
+        const std::filesystem::path typed = typedPath(field);
+        if (showTypedDirectory(typed)) {
+            return;
+        }
+        if (std::filesystem::exists(typed, ignored) && directoryOf(typed) != shownDirectory()) {
+            showFileDsnDirectory(directoryOf(typed));
+        }
+        const XmStringPtr file = compoundString(typed);
+        const std::optional<int> selected = selectedFile();
+        if (XmListItemExists(fileList(), file.get()) != 0 && !(selected && rowText(fileList(), *selected) == typed)) {
+            XmListSelectItem(fileList(), file.get(), True);
+        } else {
+            DsnType = kFileDataSource;
+            configure(typed);
+        }
+    });
+}
+
+Widget createFileSelection(Widget parent) {
+    char directory[kFileDsnNameSize];
+    getFileDSNDefaultDir(directory);
+    const XmStringPtr mask = compoundString(directory + std::string(kPattern));
+    const XmStringPtr pattern = compoundString(kPattern);
+    const XmStringPtr nothing = compoundString(catalogText(Message::kNoFileDsns));
+    const XmStringPtr filter = compoundString("\nFilter");
+    const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
+    const XmStringPtr fileHeading = compoundString(catalogText(Message::kFileList));
+    const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
+    ArgumentList arguments;
+    arguments.set(XmNdirMask, mask.get())
+        .set(XmNpattern, pattern.get())
+        .set(XmNnoMatchString, nothing.get())
+        .set(XmNfilterLabelString, filter.get())
+        .set(XmNselectionLabelString, selection.get())
+        .set(XmNfileListLabelString, fileHeading.get())
+        .set(XmNdirListLabelString, directories.get())
+        .set(XmNchildPlacement, XmPLACE_TOP)
+        .set(XmNshadowThickness, 0)
+        .set(XmNmarginWidth, kPageGap)
+        .set(XmNmarginHeight, kPageGap);
+    static char name[] = "FSelect";
+    Widget box = XmCreateFileSelectionBox(parent, name, arguments.data(), arguments.size());
+    if (box == nullptr) {
+        throw std::bad_alloc();
+    }
+    Widget filterLabel = createHeading(box, "LblFilter", Message::kFilter);
+    leadTo(filterLabel, XtNameToWidget(box, "FilterText"), catalogText(Message::kFilterFieldLetter));
+    // The page has buttons of its own.
+    for (const char* part : {"OK", "Cancel", "Help", "FilterLabel", "Separator"}) {
+        if (Widget child = XtNameToWidget(box, part)) {
+            XtUnmanageChild(child);
+        }
+    }
+    // Else Return anywhere in the window presses the box's OK, out of sight as it is, and not the window's.
+    XtVaSetValues(box, XmNdefaultButton, nullptr, nullptr);
+    finishFileSelection(box);
+    // Its own presses what it thinks of as the default button.
+    XtRemoveAllCallbacks(XtNameToWidget(box, "*DirList"), XmNdefaultActionCallback);
+    // Return acts on what has the keyboard.
+    const struct {
+        const char* part;
+        const char* reason;
+        XtCallbackProc action;
+    } actions[] = {{"FilterText", XmNactivateCallback, searchFiltered},
+                   {"*DirList", XmNdefaultActionCallback, searchFiltered},
+                   {"*ItemsList", XmNdefaultActionCallback, btnFDConfigure_Clicked},
+                   {"Text", XmNactivateCallback, selectTyped}};
+    for (const auto& [part, reason, action] : actions) {
+        Widget widget = XtNameToWidget(box, part);
+        XtAddCallback(widget, reason, action, nullptr);
+        keepReturn(widget);
+    }
+    arrangeFileSelection(box, filterLabel);
+    XtManageChild(box);
+    return box;
+}
+
 }  // namespace
 
 Widget createFileDsnPage(Widget notebook, XtCallbackProc add) {
@@ -157,19 +221,26 @@ Widget createFileDsnPage(Widget notebook, XtCallbackProc add) {
     separator3 = createSeparator(frmFileDSN, "separator3");
     Attach(separator3).leftForm(kPageMargin).rightForm(kPageMargin).above(TxtFDDesc, kPageGap);
 
+    FSelect = createFileSelection(frmFileDSN);
+    TxtDirectory = XtNameToWidget(FSelect, "DirText");
     BtnFDAdd = createPushButton(frmFileDSN, "BtnFDAdd", Message::kFileDsnAdd, add);
     BtnFDRemove = createPushButton(frmFileDSN, "BtnFDRemove", Message::kFileDsnRemove, btnFDRemove_Clicked);
     BtnFDConfigure = createPushButton(frmFileDSN, "BtnFDConfigure", Message::kFileDsnConfigure, btnFDConfigure_Clicked);
     BtnSetDirectory = createPushButton(frmFileDSN, "BtnSetDirectory", Message::kSetDirectory, btnSetDirectory_Activate);
     equalizeWidths({BtnFDAdd, BtnFDRemove, BtnFDConfigure, BtnSetDirectory});
-    Attach(BtnFDAdd).topForm(kPageMargin).rightForm(kPageMargin);
+    // In line with the field that the filter is typed into.
+    const int heading = preferredHeight(XtNameToWidget(FSelect, "LblFilter"));
+    Attach(BtnFDAdd).topForm(kPageMargin + heading).rightForm(kPageMargin);
     Attach(BtnFDRemove).below(BtnFDAdd, kPageGap).rightForm(kPageMargin);
     Attach(BtnFDConfigure).below(BtnFDRemove, kPageGap).rightForm(kPageMargin);
     Attach(BtnSetDirectory).below(BtnFDConfigure, kPageGap).rightForm(kPageMargin);
 
-    FSelect = createFileSelection(frmFileDSN);
-    TxtDirectory = XtNameToWidget(FSelect, "DirText");
-    Attach(FSelect).topForm(kPageGap).leftForm(kPageGap).leftOf(BtnFDAdd, kPageMargin).above(separator3, kPageGap);
+    // The box has margins of its own.
+    Attach(FSelect)
+        .topForm(kPageMargin - kPageGap)
+        .leftForm(kPageMargin - kPageGap)
+        .leftOf(BtnFDAdd, kPageMargin - kPageGap)
+        .above(separator3, 0);
     return frmFileDSN;
 }
 
@@ -244,7 +315,10 @@ void RemoveFileDSN(Widget /*widget*/, XtPointer path, XtPointer /*callData*/) {
 }
 
 void btnSetDirectory_Activate(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
-    guarded([] { askQuestion(catalogText(Message::kSetDirectoryQuestion), {}, change_default_Directory); });
+    guarded([] {
+        askQuestion(catalogText(Message::kSetDirectoryQuestion, {directoryOf(selectionText())}), {},
+                    change_default_Directory);
+    });
 }
 
 void change_default_Directory(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {

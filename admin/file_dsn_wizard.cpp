@@ -35,7 +35,7 @@ constexpr short kSummaryColumns = 10;
 
 void createSummaryScreen(Widget parent) {
     FormScr3 = createForm(parent, "frmScr3");
-    Widget heading = createLabel(FormScr3, "lblScr3Desc", Message::kSummaryHeading);
+    Widget heading = createHeading(FormScr3, "lblScr3Desc", Message::kSummaryHeading);
     Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
     TxtDSNInfo = createScrolledText(FormScr3, "txtDSNInfo", kSummaryRows, kSummaryColumns);
     XtVaSetValues(TxtDSNInfo, XmNeditable, False, nullptr);

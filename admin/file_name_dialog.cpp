@@ -26,6 +26,8 @@ void createFileNameDialog(int mode, XtCallbackProc chosen) {
     arguments.set(XmNdirMask, mask.get())
         .set(XmNdirSpec, start.get())
         .set(XmNpattern, files.get())
+        // What is typed may be a whole path, which Motif would put behind the directory.
+        .set(XmNpathMode, XmPATH_MODE_FULL)
         .set(XmNnoMatchString, nothing.get());
     Fdialog = createFileDialog(mode == kChooseFileName ? DlgDriverPopup : ShODBCAdmin, "fdialog",
                                catalogText(Message::kChooseFileTitle), arguments);

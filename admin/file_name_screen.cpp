@@ -9,7 +9,7 @@ Widget Text7 = nullptr;
 
 void createFileNameScreen(Widget parent, XtCallbackProc browse) {
     FormScr2 = createForm(parent, "frmScr2");
-    Widget heading = createLabel(FormScr2, "lbl", Message::kFileNameHeading);
+    Widget heading = createHeading(FormScr2, "lbl", Message::kFileNameHeading);
     Attach(heading).topForm(kPageMargin).leftForm(kPageMargin);
     Widget button = createPushButton(FormScr2, "BtnBrowse", Message::kBrowse, browse);
     Attach(button).below(heading, kPageGap).rightForm(kPageMargin);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kvlib/text.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/widgets.h"
 
 namespace {
@@ -18,6 +19,7 @@ void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
     for (const XmStringPtr& row : rows) {
         items.push_back(row.get());
     }
+    giveFonts(list);
     items.push_back(nullptr);
     const int count = static_cast<int>(rows.size());
     // Motif refuses to show no row at all.

@@ -4,19 +4,14 @@
 
 namespace {
 
-// All begin with "*": the display is opened without an application class. Selected rows are light, because Xft text in
-// a list keeps its ink when it is selected.
+// All begin with "*": the display is opened without an application class. The colours are the palette's.
 const char* const kFallbackResources[] = {
     "*uif.fontType: FONT_IS_XFT",
-    "*uif.fontName: DejaVu Sans",
+    "*uif.fontName: Sans",
     "*uif.fontSize: 10",
-    "*background: #eceff1",
-    "*foreground: #1f2a33",
     "*shadowThickness: 1",
     "*XmForm.shadowThickness: 0",
     "*highlightThickness: 1",
-    "*highlightColor: #2f6db5",
-    "*highlightBackground: #eceff1",
 
     // Every button is reached by Tab, not only by the arrow keys.
     "*XmPushButton.navigationType: TAB_GROUP",
@@ -26,17 +21,9 @@ const char* const kFallbackResources[] = {
     "*XmPushButton.marginHeight: 5",
     "*XmPushButton.defaultButtonShadowThickness: 0",
     "*XmLabel.alignment: ALIGNMENT_BEGINNING",
-    "*XmTextField.background: #ffffff",
-    "*XmText.background: #ffffff",
     "*XmTextField.marginHeight: 4",
     "*XmToggleButton.shadowThickness: 0",
-    "*XmToggleButton.selectColor: #2f6db5",
-    // The tab in front, under its words.
-    "*TabsSettings*selectColor: #cfe2f6",
-    "*XmToggleButton.indicatorSize: 14",
 
-    "*XmList.background: #ffffff",
-    "*XmList.selectColor: #cfe2f6",
     "*XmList.listMarginWidth: 6",
     "*XmList.listMarginHeight: 4",
     "*XmList.listSpacing: 3",
@@ -44,50 +31,29 @@ const char* const kFallbackResources[] = {
     "*FrmTable*shadowThickness: 0",
     "*frmLists*shadowThickness: 0",
     "*FormAboutLists*shadowThickness: 0",
-    "*FormLists.background: #ffffff",
-    "*FrmTable.background: #ffffff",
-    "*frmLists.background: #ffffff",
-    "*FormAboutLists.background: #ffffff",
-    "*ClipWindow.background: #ffffff",
     "*XmScrolledWindow.spacing: 0",
+    // None has to scroll while something is dragged over its edge, and listening for that waits for the server often.
+    "*XmScrolledWindow.autoDragModel: AUTO_DRAG_DISABLED",
     "*XmScrollBar.width: 14",
-    "*XmScrollBar.troughColor: #dde3e7",
 
     "*FormLabels.XmLabel.marginWidth: 6",
-    "*FormLabels*background: #e1e7eb",
     "*frmLabel.XmLabel.marginWidth: 6",
-    "*frmLabel*background: #e1e7eb",
     "*FormAboutLabels.XmLabel.marginWidth: 6",
-    "*FormAboutLabels*background: #e1e7eb",
-    "*ScrWinLabels.topShadowColor: #c3ccd3",
-    "*ScrWinLabels.bottomShadowColor: #c3ccd3",
-    "*ScrWinLabels.background: #e1e7eb",
-    "*scrolledWin1.topShadowColor: #c3ccd3",
-    "*scrolledWin1.bottomShadowColor: #c3ccd3",
-    "*scrolledWin1.background: #e1e7eb",
-    "*scrWinDPLabel.topShadowColor: #c3ccd3",
-    "*scrWinDPLabel.bottomShadowColor: #c3ccd3",
-    "*scrWinDPLabel.background: #e1e7eb",
-    "*ScrAboutLabels.topShadowColor: #c3ccd3",
-    "*ScrAboutLabels.bottomShadowColor: #c3ccd3",
-    "*ScrAboutLabels.background: #e1e7eb",
 
-    "*TxtODBCDesc.background: #eceff1",
-    "*TxtFDDesc.background: #eceff1",
-    "*TxtDriversDesc.background: #eceff1",
-    "*TxtTraceDesc.background: #eceff1",
-    "*TxtAboutDesc.background: #eceff1",
     "*TxtODBCDesc.shadowThickness: 0",
     "*TxtFDDesc.shadowThickness: 0",
     "*TxtDriversDesc.shadowThickness: 0",
     "*TxtTraceDesc.shadowThickness: 0",
     "*TxtAboutDesc.shadowThickness: 0",
 
-    "*FSelect.listVisibleItemCount: 6",
+    "*FSelect.XmLabelGadget.marginWidth: 0",
+    "*FSelect.XmLabelGadget.shadowThickness: 0",
+    "*FSelect.XmLabelGadget.highlightThickness: 0",
+    "*FSelect.XmPushButtonGadget.marginWidth: 10",
+    "*FSelect.XmPushButtonGadget.marginHeight: 3",
+    "*FSelect.XmPushButtonGadget.defaultButtonShadowThickness: 0",
 
     "*TabManager.frameShadowThickness: 1",
-    "*TabManager.backPageBackground: #eceff1",
-    "*TabManager.backPageForeground: #b0bac2",
     "*FramWizMain.shadowThickness: 0",
     "*XmMessageBox.marginWidth: 16",
     "*XmMessageBox.marginHeight: 14",

@@ -1,17 +1,26 @@
 #include <Xm/Xm.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
 
+#include "admin/desktop_hints.h"
 #include "admin/dialogs.h"
 #include "admin/file_dsn_wizard.h"
 #include "admin/globals.h"
 #include "admin/look.h"
 #include "admin/main_window.h"
+#include "admin/palette.h"
+#include "bos/host.h"
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
+#include "motifutil/shells.h"
+#include "motifutil/true_color.h"
 
 namespace {
 
@@ -31,9 +40,20 @@ void showMissingCatalog() {
     }
 }
 
+// How a session starts this program again: by the launcher of its tree, where it has one.
+std::vector<std::string> restartCommand(int argc, char** argv) {
+    std::vector<std::string> command(argv, argv + argc);
+    const std::string launcher = std::filesystem::path(programDirectory()).parent_path() / "bin/odbcadmin";
+    if (access(launcher.c_str(), X_OK) == 0) {
+        command.front() = launcher;
+    }
+    return command;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    const std::vector<std::string> restart = restartCommand(argc, argv);
     XtToolkitInitialize();
     app_context = XtCreateApplicationContext();
     setFallbackLook(app_context);
@@ -42,6 +62,8 @@ int main(int argc, char** argv) {
         std::puts("Unable to open display");
         return -1;
     }
+    setPalette(display);
+    workOutColours(app_context, display);
     const unsigned int noInstallDirectory = bosSetInstallDir(nullptr);
     Rfile = OpenStrings(nullptr, "odbc.m");
     const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();
@@ -57,6 +79,9 @@ int main(int argc, char** argv) {
     }
     create_FileDsnWizard();
     XtRealizeWidget(ShODBCAdmin);
+    publishTitle(ShODBCAdmin);
+    publishIcon(ShODBCAdmin);
+    publishRestartCommand(ShODBCAdmin, restart);
     showWaitingReport();
     if (textsMissing) {
         showMissingCatalog();

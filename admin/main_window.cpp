@@ -8,15 +8,19 @@
 #include <vector>
 
 #include "admin/about_page.h"
+#include "admin/desktop_hints.h"
 #include "admin/dialogs.h"
 #include "admin/drivers_page.h"
 #include "admin/file_dsn_page.h"
 #include "admin/file_dsn_wizard.h"
+#include "admin/first_size.h"
 #include "admin/globals.h"
 #include "admin/look.h"
 #include "admin/trace_page.h"
 #include "admin/user_dsn_page.h"
 #include "help/help_locator.h"
+#include "motifutil/script_fonts.h"
+#include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
@@ -74,6 +78,7 @@ void beginInPage(Widget shell, XtPointer /*clientData*/, XEvent* event, Boolean*
     if (event->type == MapNotify) {
         XtRemoveEventHandler(shell, StructureNotifyMask, False, beginInPage, nullptr);
         focusFirst(FormUserDSN);
+        setLeastSize(shell, TabManager, FSelect);
     }
 }
 
@@ -159,7 +164,9 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
             throw std::bad_alloc();
         }
         setFont(ShODBCAdmin);
-        onWindowManagerClose(ShODBCAdmin, btnCancel_activate, nullptr);
+        completeFontsOf(ShODBCAdmin);
+        setIconPixmap(ShODBCAdmin);
+        prepareShell(ShODBCAdmin, btnCancel_activate, nullptr);
 
         FrmMain = createForm(ShODBCAdmin, "FrmMain");
         XtUnmanageChild(FrmMain);
@@ -168,12 +175,15 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         createButtonRow();
         Separator = createSeparator(FrmMain, "Separator");
         Attach(Separator).leftForm().rightForm().above(BtnOK, kWindowGap);
-        Attach(TabManager).topForm(kWindowGap).leftForm(kWindowGap).rightForm(kWindowGap).above(Separator, kWindowGap);
+        Attach(TabManager).topForm(kWindowGap).leftForm(kWindowGap).above(Separator, kWindowGap);
+        // On its right the notebook keeps room for the scrollers of tabs that it has not got: it goes into the margin.
+        Attach(TabManager).rightForm(kWindowGap - preferredWidth(XtNameToWidget(TabManager, "MinorTabScrollerNext")));
 
         createPages();
         fillPages();
         XtManageChild(TabManager);
         XtAddEventHandler(ShODBCAdmin, StructureNotifyMask, False, beginInPage, nullptr);
+        askForFirstSize(TabManager, FSelect);
         XtManageChild(FrmMain);
         serveKeys(ShODBCAdmin);
     });

@@ -13,6 +13,7 @@
 
 #include "admin/dialogs.h"
 #include "admin/lists.h"
+#include "motifutil/font_size.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/spacing.h"
 #include "motifutil/table_keys.h"
@@ -24,6 +25,8 @@ using Column = Table::Column;
 
 // The room that a column keeps free on the right of its widest text.
 constexpr int kColumnRoom = 8;
+// What a window makes room for of a single text at first, in pixels at 96 dpi.
+constexpr int kLongestText = 300;
 
 int widthOf(Widget widget) {
     Dimension width = 0;
@@ -45,6 +48,10 @@ Dimension widestRow(Widget list) {
     return count > 0 ? preferredWidth(list) : Dimension{0};
 }
 
+int wantedWidthOf(const Column& column) {
+    return std::max(widestRow(column.list), preferredWidth(column.header));
+}
+
 // Large letters need all of the height that a header has; its text stays in line with the rows.
 void useWholeHeight(Widget header) {
     Dimension highlight = 0;
@@ -52,6 +59,7 @@ void useWholeHeight(Widget header) {
     XtVaGetValues(header, XmNhighlightThickness, &highlight, XmNshadowThickness, &shadow, nullptr);
     XtVaSetValues(header, XmNhighlightThickness, 0, XmNshadowThickness, 0, XmNmarginHeight, 0, XmNmarginLeft,
                   highlight + shadow, nullptr);
+    fitLetters(header, kHeaderHeight);
 }
 
 // How far the window around a list is scrolled to the right.
@@ -166,6 +174,7 @@ void Table::adopt(std::vector<Column> columns, Widget scrolledWindow, XtCallback
     for (Widget bar : {scrollBar, other}) {
         XtVaSetValues(bar, XmNtraversalOn, False, nullptr);
     }
+    XtVaSetValues(window_, XmNuserData, this, nullptr);
     XtAddEventHandler(window_, StructureNotifyMask, False, resized, this);
     for (const Column& column : columns_) {
         scrollWithWheel(window_, column.list);
@@ -196,21 +205,44 @@ void Table::fit() const {
         layOutEmpty(columns_);
         return;
     }
+    const int view = viewWidth(window_);
+    layOut(columns_, widthsFor(view));
+    // The rows may have brought up the vertical scroll bar, or let it go.
+    if (const int viewAfter = viewWidth(window_); viewAfter != view) {
+        layOut(columns_, widthsFor(viewAfter));
+    }
+}
+
+// The columns' widths in a window that shows so much of them. Texts that fit without room between them need no scroll
+// bar.
+std::vector<int> Table::widthsFor(int view) const {
     std::vector<int> widths;
     for (const Column& column : columns_) {
-        widths.push_back(std::max(widestRow(column.list), preferredWidth(column.header)) + kColumnRoom);
+        widths.push_back(wantedWidthOf(column));
     }
-    const int total = std::accumulate(widths.begin(), widths.end(), 0);
-    const int lastWidth = widths.back();
-    const int view = viewWidth(window_);
-    widths.back() = lastWidth + std::max(view - total, 0);
-    layOut(columns_, widths);
-    // The rows may have brought up the vertical scroll bar, or let it go.
-    const int viewAfter = viewWidth(window_);
-    if (viewAfter != view) {
-        widths.back() = lastWidth + std::max(viewAfter - total, 0);
-        layOut(columns_, widths);
+    const int room = kColumnRoom * static_cast<int>(widths.size() - 1);
+    const int spare = view - std::accumulate(widths.begin(), widths.end(), 0);
+    if (spare < 0 || spare >= room) {
+        std::transform(widths.begin(), widths.end() - 1, widths.begin(), [](int width) { return width + kColumnRoom; });
     }
+    widths.back() += std::max(spare >= room ? spare - room : spare, 0);
+    return widths;
+}
+
+int Table::wantedWidth() const {
+    Widget scrollBar = nullptr;
+    Dimension width = 0;
+    XtVaGetValues(window_, XmNverticalScrollBar, &scrollBar, XmNwidth, &width, nullptr);
+    const int most = scaled(window_, kLongestText);
+    return std::accumulate(
+        columns_.begin(), columns_.end(), width - viewWidth(window_) + preferredWidth(scrollBar),
+        [most](int sum, const Column& column) { return sum + std::min(wantedWidthOf(column), most) + kColumnRoom; });
+}
+
+const Table* Table::in(Widget scrolledWindow) {
+    XtPointer table = nullptr;
+    XtVaGetValues(scrolledWindow, XmNuserData, &table, nullptr);
+    return static_cast<const Table*>(table);
 }
 
 void Table::place() const {

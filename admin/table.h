@@ -33,12 +33,20 @@ public:
     // Moves the headers with the lists, from a callback of the horizontal scroll bar with this `callData`.
     void scrollHeaders(XtPointer callData) const;
 
+    // The width, in pixels, with which the window around the lists shows every column and a vertical scroll bar; of a
+    // long text no more than a person reads at a glance.
+    int wantedWidth() const;
+
     // Selects the row that is selected in `clicked` in all lists, without notification, moves the keyboard to it when
     // it was clicked in another column than the first, and brings it into sight. The lists are as long as they have
     // rows, so they can't scroll to it themselves when the keyboard moves the selection.
     void followRow(Widget clicked) const;
 
+    // The table in this window; null for any other.
+    static const Table* in(Widget scrolledWindow);
+
 private:
+    std::vector<int> widthsFor(int view) const;
     static void focusChanged(Widget list, XtPointer table, XEvent* event, Boolean* continueToDispatch);
 
     std::vector<Column> columns_;

@@ -5,7 +5,9 @@
 #include <Xm/Text.h>
 #include <Xm/ToggleB.h>
 
+#include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -14,6 +16,7 @@
 #include "admin/globals.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
+#include "installer/trace_mirror.h"
 #include "motifutil/change_report.h"
 #include "motifutil/file_dialog.h"
 #include "motifutil/mnemonics.h"
@@ -29,6 +32,7 @@ Widget BtnTFileBrowse = nullptr;
 Widget LblTraceLib = nullptr;
 Widget TxtTraceLib = nullptr;
 Widget BtnTLibBrowse = nullptr;
+Widget LblTraceState = nullptr;
 Widget TxtTraceDesc = nullptr;
 
 namespace {
@@ -85,8 +89,74 @@ Widget fieldOf(XtPointer kind) {
 void followToggle() {
     const Boolean on = XmToggleButtonGetState(TgEnableTracing);
     for (Widget control : {LblTraceFile, TxtTraceFile, BtnTFileBrowse, LblTraceLib, TxtTraceLib, BtnTLibBrowse}) {
-        XtSetSensitive(control, on);
+        setEnabled(control, on != 0);
     }
+}
+
+std::string kilobytes(std::uintmax_t bytes) {
+    constexpr std::uintmax_t kBytes = 1024;
+    return std::to_string((bytes + kBytes - 1) / kBytes);
+}
+
+// What the page does not show: what programs that start now will do, where that is something else than is stored, and
+// how large the file has become.
+std::string stateText() {
+    const installer::TraceState state = installer::traceState();
+    const bool isStored = readSetting(kTraceKey, 2) == "1";
+    if (state.isOn && (!isStored || state.file != readSetting(kFileKey, 1024))) {
+        return catalogText(Message::kTraceGoesElsewhere, {state.file, state.source});
+    }
+    if (!state.isOn && isStored) {
+        return catalogText(Message::kTraceIsOff,
+                           {state.source.empty() ? catalogText(Message::kNothingDecides) : state.source + "."});
+    }
+    std::error_code none;
+    const std::uintmax_t size = state.isOn ? std::filesystem::file_size(state.file, none) : 0;
+    return state.isOn && !none ? catalogText(Message::kTraceFileSize, {kilobytes(size)}) : " ";
+}
+
+void showState() {
+    setLabel(LblTraceState, stateText());
+}
+
+XtIntervalId StateTimer = 0;
+
+// The file grows, and others write the files that decide.
+void showStateAgain(XtPointer /*clientData*/, XtIntervalId* /*timer*/) {
+    constexpr unsigned long kMilliseconds = 2000;
+    if (CurrentSelectedTab == 'T') {
+        showState();
+    }
+    StateTimer = XtAppAddTimeOut(app_context, kMilliseconds, showStateAgain, nullptr);
+}
+
+void endShowing(Widget /*page*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    XtRemoveTimeOut(StateTimer);
+}
+
+std::string obstacleText(const installer::TraceObstacle& obstacle, const std::string& file) {
+    switch (obstacle.reason) {
+        case installer::TraceObstacle::kSystemDecides:
+            return catalogText(Message::kTraceSystemDecides, {obstacle.file, file});
+        case installer::TraceObstacle::kNoPath:
+            return catalogText(Message::kTraceNoPath);
+        case installer::TraceObstacle::kRelativePath:
+            return catalogText(Message::kTraceRelativePath, {file});
+        case installer::TraceObstacle::kPathTooLong:
+            return catalogText(Message::kTracePathTooLong);
+        default:
+            return catalogText(Message::kTraceNotWritable, {file, std::strerror(obstacle.error)});
+    }
+}
+
+// Lets unixODBC do what was stored. Returns why it will not, if so.
+std::string mirror(bool on, const std::string& file) {
+    const std::optional<installer::TraceObstacle> obstacle = on ? installer::findTraceObstacle(file) : std::nullopt;
+    const auto failure = installer::mirrorTracing(on && !obstacle ? std::optional(file) : std::nullopt);
+    if (failure) {
+        return catalogText(Message::kTraceNotMirrored) + "\n\n" + changeReport(*failure);
+    }
+    return obstacle ? obstacleText(*obstacle, file) : std::string();
 }
 
 // Before the window is there what changes is what is being loaded.
@@ -132,6 +202,9 @@ void createTraceWidgets(Widget notebook) {
     XtVaSetValues(TxtTraceLib, XmNbottomAttachment, XmATTACH_FORM, XmNbottomOffset, kPageMargin, nullptr);
 
     TxtTraceDesc = createReadOnlyText(FrmTrace, "TxtTraceDesc", Message::kTracingExplanation, 6);
+    LblTraceState = createLabel(FrmTrace, "LblTraceState", std::string(" "));
+    Attach(LblTraceState).below(frame, kPageGap).leftForm(kPageMargin).rightForm(kPageMargin);
+    XtVaSetValues(LblTraceState, XmNrecomputeSize, False, nullptr);
     Attach(TxtTraceDesc).leftForm(kPageMargin).rightForm(kPageMargin).bottomForm(kPageMargin);
 
     XtAddCallback(TgEnableTracing, XmNvalueChangedCallback, TraceConfigStateChanged, nullptr);
@@ -150,6 +223,8 @@ Widget createTraceTab(Widget notebook) {
     guarded([&] {
         createTraceWidgets(notebook);
         Load_Trace();
+        showStateAgain(nullptr, nullptr);
+        XtAddCallback(FrmTrace, XmNdestroyCallback, endShowing, nullptr);
         isBuilt = true;
     });
     return isBuilt ? FrmTrace : nullptr;
@@ -161,6 +236,7 @@ void Load_Trace() {
     XmToggleButtonSetState(TgEnableTracing, trace == "1" ? True : False, True);
     loadPath(kFileKey, TxtTraceFile, TraceFile);
     loadPath(kLibraryKey, TxtTraceLib, TraceLibrary);
+    showState();
 }
 
 void Save_Trace() {
@@ -182,7 +258,14 @@ void Save_Trace() {
             showError(Message::kTraceNotSaved, *failure);
             // OK ends the program at once, and nobody sees the box.
             std::cerr << catalogText(Message::kTraceNotSaved) << '\n' << changeReport(*failure) << '\n';
+            return;
         }
+        const std::string reason = mirror(state[0] == '1', file);
+        if (!reason.empty()) {
+            showInformation(reason);
+            std::cerr << reason << '\n';
+        }
+        showState();
     });
 }
 

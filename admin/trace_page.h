@@ -12,6 +12,7 @@ extern Widget BtnTFileBrowse;
 extern Widget LblTraceLib;
 extern Widget TxtTraceLib;
 extern Widget BtnTLibBrowse;
+extern Widget LblTraceState;
 extern Widget TxtTraceDesc;
 
 // Builds the page and its tab button, both unmanaged, and shows what is stored. Null, after the out-of-memory report,

@@ -140,7 +140,7 @@ Widget createUserDSNXmList(int flag, const char* name) {
 Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
     FormUserDSN = createPage(notebook, "FormUserDSN");
 
-    LbDesc = createLabel(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
+    LbDesc = createHeading(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
 
     ScrWinLabels = createHeaderWindow(FormUserDSN, "ScrWinLabels");
     FormLabels = createForm(ScrWinLabels, "FormLabels");

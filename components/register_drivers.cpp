@@ -4,6 +4,7 @@
 #include <clocale>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -124,8 +125,8 @@ int registerDrivers(const Drivers& wanted) {
     const Drivers lacking = withoutSetup(registered);
     Registration registration;
     int status = 0;
+    const std::vector<OwnDriver> own = ownDrivers();
     for (const std::string& driver : wanted.empty() ? lacking : wanted) {
-        const std::vector<OwnDriver> own = ownDrivers();
         const auto isOwn = std::find_if(own.begin(), own.end(), [&driver](const OwnDriver& candidate) {
             return installer::sameName(candidate.name, driver);
         });
@@ -152,7 +153,9 @@ int main(int argc, char** argv) {
     bosSetInstallDir(nullptr);
     Rfile = OpenStrings(nullptr, "odbc.m");
     std::setlocale(LC_ALL, "");
-    const Drivers arguments(argv + 1, argv + argc);
+    Drivers arguments;
+    std::copy_if(argv + 1, argv + argc, std::back_inserter(arguments),
+                 [&arguments](const char* argument) { return !contains(arguments, argument); });
     if (contains(arguments, "--user")) {
         say(stderr, catalogText(Message::kRegisterForUser, {installer::driverFilePath()}));
         return kBadUse;

@@ -1,7 +1,6 @@
 #include "installer/configuration_change.h"
 
 #include <odbcinst.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,55 +10,13 @@
 #include <set>
 
 #include "installer/configuration.h"
+#include "installer/private_file.h"
 
 // Where the library has its system's files: what the command "odbcinst -j" shows. Only the library's own programs have
 // a declaration of it.
 extern "C" char* odbcinst_system_file_path(char* buffer);
 
 namespace installer {
-
-// A file in memory alone, which nobody else can open, and which goes with the process whatever ends it.
-class ConfigurationChange::PrivateFile {
-public:
-    PrivateFile() : descriptor_(memfd_create("odbc.ini", MFD_CLOEXEC)) {}
-    ~PrivateFile() {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-    }
-    PrivateFile(const PrivateFile&) = delete;
-    PrivateFile& operator=(const PrivateFile&) = delete;
-
-    // False, with errno set, when it could not be made.
-    explicit operator bool() const noexcept { return descriptor_ >= 0; }
-    // Under which the library opens it.
-    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-    // Both false with errno set.
-    bool write(const std::string& text) const {
-        std::string rest = text;
-        off_t offset = 0;
-        while (!rest.empty()) {
-            const ssize_t count = pwrite(descriptor_, rest.data(), rest.size(), offset);
-            if (count <= 0) {
-                return false;
-            }
-            offset += count;
-            rest.erase(0, static_cast<std::size_t>(count));
-        }
-        return ftruncate(descriptor_, offset) == 0;
-    }
-    bool read(std::string& text) const {
-        const off_t size = lseek(descriptor_, 0, SEEK_END);
-        if (size < 0) {
-            return false;
-        }
-        text.assign(static_cast<std::size_t>(size), '\0');
-        return pread(descriptor_, text.data(), text.size(), 0) == size;
-    }
-
-private:
-    int descriptor_;
-};
 
 namespace {
 

@@ -15,6 +15,8 @@
 
 namespace installer {
 
+class PrivateFile;
+
 // Why a file was not changed. It is then as it was, but for kLeftHalf.
 struct ChangeFailure {
     enum Reason {
@@ -60,7 +62,6 @@ private:
         std::string key;
         std::string value;
     };
-    class PrivateFile;
 
     static bool apply(const Step& step, IniText& text);
     static bool applyByLibrary(const Step& step, const std::string& file);

@@ -13,7 +13,10 @@ std::string catalogText(Message::Number number) {
 }
 
 std::string catalogText(Message::Number number, std::initializer_list<std::string> subjects) {
-    std::string text = catalogText(number);
+    return withSubjects(catalogText(number), subjects);
+}
+
+std::string withSubjects(std::string text, std::initializer_list<std::string> subjects) {
     // What is put in may look like a mark.
     std::size_t place = 0;
     while ((place = text.find('%', place)) < text.size() - 1) {

@@ -16,3 +16,5 @@ extern nl_catd Rfile;
 [[nodiscard]] std::string catalogText(Message::Number number);
 // The same with what it is about in the places of "%1", "%2" and so on.
 [[nodiscard]] std::string catalogText(Message::Number number, std::initializer_list<std::string> subjects);
+// The same for a text of any catalog.
+[[nodiscard]] std::string withSubjects(std::string text, std::initializer_list<std::string> subjects);

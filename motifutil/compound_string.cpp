@@ -2,10 +2,18 @@
 
 #include <new>
 
+#include "motifutil/script_fonts.h"
+
 XmStringPtr compoundString(const std::string& text) {
-    XmStringPtr result(XmStringCreateLocalized(const_cast<char*>(text.c_str())));
-    if (!result) {
-        throw std::bad_alloc();
+    XmStringPtr result;
+    for (FontRun& run : fontRuns(text)) {
+        // By tag, not by rendition: Motif frees the names of renditions twice when it takes a text apart.
+        XmString next = run.tag.empty() ? XmStringCreateLocalized(run.text.data())
+                                        : XmStringCreate(run.text.data(), run.tag.data());
+        if (next == nullptr) {
+            throw std::bad_alloc();
+        }
+        result.reset(result ? XmStringConcatAndFree(result.release(), next) : next);
     }
     return result;
 }
@@ -33,4 +41,32 @@ std::string plainText(XmString text) {
     }
     XmStringFreeContext(context);
     return plain;
+}
+
+std::string wrapped(const std::string& text, XmRenderTable fonts, int most) {
+    std::string result = text;
+    std::size_t lineStart = 0;
+    std::size_t lastBlank = std::string::npos;
+    bool isQuoted = false;
+    for (std::size_t at = 0; at < result.size(); ++at) {
+        if (result[at] == '\n') {
+            lineStart = at + 1;
+            lastBlank = std::string::npos;
+        }
+        isQuoted = isQuoted != (result[at] == '"');
+        const bool endsWord = at + 1 == result.size() || result[at + 1] == ' ' || result[at + 1] == '\n';
+        if (!endsWord) {
+            continue;
+        }
+        const std::string line = result.substr(lineStart, at + 1 - lineStart);
+        if (lastBlank != std::string::npos && XmStringWidth(fonts, compoundString(line).get()) > most) {
+            result[lastBlank] = '\n';
+            lineStart = lastBlank + 1;
+            lastBlank = std::string::npos;
+        }
+        if (!isQuoted && at + 1 < result.size() && result[at + 1] == ' ') {
+            lastBlank = at + 1;
+        }
+    }
+    return result;
 }

@@ -23,6 +23,10 @@ using XtTextPtr = std::unique_ptr<char, XtTextDeleter>;
 // The text of a compound string, newlines between its lines.
 [[nodiscard]] std::string plainText(XmString text);
 
+// The text with more line breaks, in the place of blanks, where a line of it would be wider than `most` pixels. What
+// stands between quotation marks stays as it is: it may be a name.
+[[nodiscard]] std::string wrapped(const std::string& text, XmRenderTable fonts, int most);
+
 // A plain Xt argument list, for the creation calls that take no variable arguments.
 class ArgumentList {
 public:
@@ -31,6 +35,11 @@ public:
         Arg argument;
         XtSetArg(argument, const_cast<char*>(name), value);
         arguments_.push_back(argument);
+        return *this;
+    }
+    // Of two with the same name Xt takes the later.
+    ArgumentList& add(const ArgumentList& others) {
+        arguments_.insert(arguments_.end(), others.arguments_.begin(), others.arguments_.end());
         return *this;
     }
     Arg* data() noexcept { return arguments_.data(); }

@@ -7,6 +7,7 @@
 
 #include "motifutil/catalog_text.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/shells.h"
 #include "motifutil/table_keys.h"
 #include "motifutil/window_help.h"
 #include "motifutil/window_keys.h"
@@ -15,6 +16,7 @@ namespace {
 
 // Room for paths of a usual length, whatever the lists hold at first.
 constexpr short kTextColumns = 48;
+constexpr int kVisibleItems = 10;
 
 void closed(Widget /*shell*/, XtPointer box, XtPointer /*callData*/) {
     XtCallCallbacks(static_cast<Widget>(box), XmNcancelCallback, nullptr);
@@ -36,8 +38,12 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
     const XmStringPtr ok = compoundString(catalogText(Message::kOk));
     const XmStringPtr cancel = compoundString(catalogText(Message::kCancel));
     const XmStringPtr filter = compoundString(catalogText(Message::kFilter));
-    ArgumentList arguments = further;
-    arguments.set(XmNtextColumns, kTextColumns)
+    const XmStringPtr nothing = compoundString(catalogText(Message::kNoFiles));
+    ArgumentList arguments;
+    // Names without their directory, which has a field of its own then.
+    arguments.set(XmNpathMode, XmPATH_MODE_RELATIVE)
+        .set(XmNlistVisibleItemCount, kVisibleItems)
+        .set(XmNtextColumns, kTextColumns)
         .set(XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL)
         .set(XmNtitle, title.c_str())
         .set(XmNselectionLabelString, selection.get())
@@ -46,14 +52,16 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
         .set(XmNokLabelString, ok.get())
         .set(XmNcancelLabelString, cancel.get())
         .set(XmNfilterLabelString, filter.get())
-        .set(XmNapplyLabelString, filter.get());
+        .set(XmNapplyLabelString, filter.get())
+        .set(XmNnoMatchString, nothing.get())
+        .add(further);
     Widget box = XmCreateFileSelectionDialog(parent, const_cast<char*>(name), arguments.data(), arguments.size());
     if (box == nullptr) {
         throw std::bad_alloc();
     }
     XtUnmanageChild(XtNameToWidget(box, "Help"));
     finishFileSelection(box);
-    onWindowManagerClose(XtParent(box), closed, box);
+    prepareShell(XtParent(box), closed, box);
     serveKeys(XtParent(box));
     setHelpTopic(box, "choose");
     return box;

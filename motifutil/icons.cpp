@@ -2,9 +2,20 @@
 
 #include <X11/xpm.h>
 
+#include "motifutil/true_color.h"
+
 Widget frmabout = nullptr;
 
 namespace {
+
+// Xpm's way to allocate a colour: by name, or what `colour` holds without one. As many as an icon has would be waited
+// for one by one.
+int allocate(Display* connection, Colormap colormap, char* name, XColor* colour, void* /*closure*/) {
+    if (name != nullptr && XParseColor(connection, colormap, name, colour) == 0) {
+        return -1;
+    }
+    return setPixel(connection, colormap, *colour) || XAllocColor(connection, colormap, colour) != 0 ? 1 : 0;
+}
 
 // Makes the pixmap in the colormap and depth of `widget`; what Xpm answers is told by the pixmap alone.
 Pixmap createPixmap(Widget widget, char** xpmData, XpmAttributes& attributes) {
@@ -15,6 +26,8 @@ Pixmap createPixmap(Widget widget, char** xpmData, XpmAttributes& attributes) {
     int depth = 0;
     XtVaGetValues(widget, XmNcolormap, &attributes.colormap, XmNdepth, &depth, nullptr);
     attributes.depth = static_cast<unsigned int>(depth);
+    attributes.valuemask |= XpmAllocColor;
+    attributes.alloc_color = allocate;
     Pixmap pixmap = None;
     XpmCreatePixmapFromData(display, RootWindow(display, screen), xpmData, &pixmap, nullptr, &attributes);
     return pixmap;

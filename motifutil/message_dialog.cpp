@@ -10,10 +10,12 @@
 #include "kvlib/error_report.h"
 #include "kvlib/library_errors.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/compound_string.h"
 #include "motifutil/icons.h"
 #include "motifutil/message_icons.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/shells.h"
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
 #include "motifutil/window_keys.h"
@@ -25,36 +27,6 @@ namespace {
 
 // The share of the screen's width that a line may have, in percent.
 constexpr int kWidestLine = 75;
-
-// The text with more line breaks, in the place of blanks, where a line of it would be wider than `most` pixels. What
-// stands between quotation marks stays as it is: it may be a name.
-std::string wrapped(const std::string& text, XmRenderTable fonts, int most) {
-    std::string result = text;
-    std::size_t lineStart = 0;
-    std::size_t lastBlank = std::string::npos;
-    bool isQuoted = false;
-    for (std::size_t at = 0; at < result.size(); ++at) {
-        if (result[at] == '\n') {
-            lineStart = at + 1;
-            lastBlank = std::string::npos;
-        }
-        isQuoted = isQuoted != (result[at] == '"');
-        const bool endsWord = at + 1 == result.size() || result[at + 1] == ' ' || result[at + 1] == '\n';
-        if (!endsWord) {
-            continue;
-        }
-        const std::string line = result.substr(lineStart, at + 1 - lineStart);
-        if (lastBlank != std::string::npos && XmStringWidth(fonts, compoundString(line).get()) > most) {
-            result[lastBlank] = '\n';
-            lineStart = lastBlank + 1;
-            lastBlank = std::string::npos;
-        }
-        if (!isQuoted && at + 1 < result.size() && result[at + 1] == ' ') {
-            lastBlank = at + 1;
-        }
-    }
-    return result;
-}
 
 // Keeps the box on the screen.
 void wrapMessage(Widget box, const char* message) {
@@ -151,6 +123,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, char* message, cha
         overrideTranslations(dialog, "<Key>osfCancel: BulletinBoardReturn()");
     }
     XtAddCallback(dialog, XmNdestroyCallback, forgetDestroyed, nullptr);
+    prepareShell(XtParent(dialog), answerClosed, dialog);
     for (const auto& [button, label] : {std::pair{"OK", okLabel}, {"Cancel", cancelLabel}}) {
         for (const Message::Number known :
              {Message::kOk, Message::kSetupErrorOk, Message::kCancel, Message::kAnswerYes, Message::kAnswerNo}) {
@@ -159,7 +132,6 @@ Widget createMessageDialog(Widget parent, unsigned long type, char* message, cha
             }
         }
     }
-    onWindowManagerClose(XtParent(dialog), answerClosed, dialog);
     serveKeys(XtParent(dialog));
     setHelpTopic(dialog, "troubleshooting");
     return dialog;

@@ -1,12 +1,10 @@
 #include "motifutil/widgets.h"
 
-#include <Xm/AtomMgr.h>
 #include <Xm/Form.h>
 #include <Xm/Label.h>
 #include <Xm/List.h>
 #include <Xm/MessageB.h>
 #include <Xm/Notebook.h>
-#include <Xm/Protocols.h>
 #include <Xm/PushB.h>
 #include <Xm/ScrolledW.h>
 #include <Xm/SeparatoG.h>
@@ -20,6 +18,8 @@
 
 #include "motifutil/catalog_text.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/script_fonts.h"
+#include "motifutil/shells.h"
 
 namespace {
 
@@ -66,6 +66,29 @@ void raiseActivate(Widget text, XEvent* event, String* /*parameters*/, Cardinal*
     XtCallCallbacks(text, XmNactivateCallback, &call);
 }
 
+// Gives a text that can't be scrolled as many lines as it takes at the width that it has.
+void fitRows(Widget text, XtPointer /*clientData*/, XEvent* event, Boolean* /*continueToDispatch*/) {
+    if (event->type != ConfigureNotify) {
+        return;
+    }
+    XmRenderTable fonts = nullptr;
+    Dimension width = 0;
+    Dimension margin = 0;
+    Dimension shadow = 0;
+    Dimension highlight = 0;
+    short rows = 0;
+    XtVaGetValues(text, XmNrenderTable, &fonts, XmNwidth, &width, XmNmarginWidth, &margin, XmNshadowThickness, &shadow,
+                  XmNhighlightThickness, &highlight, XmNrows, &rows, nullptr);
+    // The widget breaks its lines at any blank.
+    std::string words = fieldText(text);
+    std::replace(words.begin(), words.end(), '"', '\'');
+    const std::string lines = wrapped(words, fonts, width - 2 * (margin + shadow + highlight));
+    const auto needed = static_cast<short>(std::count(lines.begin(), lines.end(), '\n') + 1);
+    if (needed != rows) {
+        XtVaSetValues(text, XmNrows, needed, nullptr);
+    }
+}
+
 }  // namespace
 
 Widget createForm(Widget parent, const char* name) {
@@ -94,6 +117,12 @@ Widget createLabel(Widget parent, const char* name, const std::string& text) {
 
 Widget createLabel(Widget parent, const char* name, Message::Number text) {
     return createLabel(parent, name, catalogText(text));
+}
+
+Widget createHeading(Widget parent, const char* name, Message::Number text) {
+    Widget heading = createLabel(parent, name, text);
+    XtVaSetValues(heading, XmNmarginWidth, 0, XmNshadowThickness, 0, XmNhighlightThickness, 0, nullptr);
+    return heading;
 }
 
 Widget createPushButton(Widget parent, const char* name, const std::string& text, XtCallbackProc activated,
@@ -126,6 +155,7 @@ Widget createTextField(Widget parent, const char* name) {
     Widget field = made(XtVaCreateManagedWidget(name, xmTextFieldWidgetClass, parent, nullptr));
     overrideTranslations(field, kSelectAll);
     hideIdleCursor(field);
+    followScripts(field);
     return field;
 }
 
@@ -137,10 +167,12 @@ void hideIdleCursor(Widget text) {
 }
 
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows) {
-    Widget widget = made(XtVaCreateManagedWidget(name, xmTextWidgetClass, parent, XmNeditMode, XmMULTI_LINE_EDIT,
-                                                 XmNeditable, False, XmNwordWrap, True, XmNcursorPositionVisible, False,
-                                                 XmNtraversalOn, False, XmNrows, rows, nullptr));
+    Widget widget =
+        made(XtVaCreateManagedWidget(name, xmTextWidgetClass, parent, XmNeditMode, XmMULTI_LINE_EDIT, XmNeditable,
+                                     False, XmNwordWrap, True, XmNcursorPositionVisible, False, XmNtraversalOn, False,
+                                     XmNrows, rows, XmNmarginWidth, 0, XmNhighlightThickness, 0, nullptr));
     XmTextSetString(widget, catalogText(text).data());
+    XtAddEventHandler(widget, StructureNotifyMask, False, fitRows, nullptr);
     return widget;
 }
 
@@ -154,6 +186,7 @@ Widget createScrolledText(Widget parent, const char* name, short rows, short col
     Widget text = made(XmCreateScrolledText(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
     overrideTranslations(text, kSelectAll);
     hideIdleCursor(text);
+    followScripts(text);
     XtManageChild(text);
     return text;
 }
@@ -167,7 +200,7 @@ Widget createTemplateDialog(Widget parent, const char* name, Message::Number tit
         .set(XmNnoResize, True);
     Widget dialogBox =
         made(XmCreateTemplateDialog(parent, const_cast<char*>(name), arguments.data(), arguments.size()));
-    onWindowManagerClose(XtParent(dialogBox), closed, nullptr);
+    prepareShell(XtParent(dialogBox), closed, nullptr);
     // The template's own separator would stand between the dialog's buttons and nothing.
     XtUnmanageChild(XtNameToWidget(dialogBox, "Separator"));
     return dialogBox;
@@ -217,8 +250,23 @@ void keepReturn(Widget widget) {
     overrideTranslations(widget, table);
 }
 
+void setEnabled(Widget widget, bool enabled) {
+    if (XmIsTextField(widget) && enabled != (XtIsSensitive(widget) != 0)) {
+        // An empty field tells by nothing else than its ground that nothing can be typed into it.
+        Pixel own = 0;
+        Pixel around = 0;
+        XtPointer before = nullptr;
+        XtVaGetValues(widget, XmNbackground, &own, XmNuserData, &before, nullptr);
+        XtVaGetValues(XtParent(widget), XmNbackground, &around, nullptr);
+        XtVaSetValues(widget, XmNbackground, enabled ? reinterpret_cast<Pixel>(before) : around, XmNuserData, own,
+                      nullptr);
+    }
+    XtSetSensitive(widget, enabled ? True : False);
+}
+
 void setLabel(Widget widget, const std::string& text) {
     const XmStringPtr label = compoundString(text);
+    giveFonts(widget);
     XtVaSetValues(widget, XmNlabelString, label.get(), nullptr);
 }
 
@@ -318,12 +366,6 @@ Attach& Attach::strip(int height) {
     XtVaSetValues(child_, XmNtopAttachment, XmATTACH_FORM, XmNtopOffset, 0, XmNbottomAttachment, XmATTACH_OPPOSITE_FORM,
                   XmNbottomOffset, -height, nullptr);
     return *this;
-}
-
-void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientData) {
-    XtVaSetValues(shell, XmNdeleteResponse, XmDO_NOTHING, nullptr);
-    const Atom deleteWindow = XInternAtom(XtDisplay(shell), "WM_DELETE_WINDOW", False);
-    XmAddWMProtocolCallback(shell, deleteWindow, closed, clientData);
 }
 
 void pressButton(Widget button) {

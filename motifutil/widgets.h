@@ -20,6 +20,8 @@ Widget createForm(Widget parent, const char* name);
 Widget createSeparator(Widget parent, const char* name);
 Widget createLabel(Widget parent, const char* name, Message::Number text);
 Widget createLabel(Widget parent, const char* name, const std::string& text);
+// A label above what it tells of, whose text begins where that begins.
+Widget createHeading(Widget parent, const char* name, Message::Number text);
 Widget createPushButton(Widget parent, const char* name, const std::string& text, XtCallbackProc activated = nullptr,
                         XtPointer clientData = nullptr);
 Widget createPushButton(Widget parent, const char* name, Message::Number text, XtCallbackProc activated = nullptr,
@@ -91,9 +93,8 @@ private:
     Widget child_;
 };
 
-// Makes closing a shell by the window manager call `closed` and nothing else. By default Motif would destroy a main
-// shell and unmap a dialog, and whoever waits for the dialog would wait for ever (ICCCM, WM_DELETE_WINDOW).
-void onWindowManagerClose(Widget shell, XtCallbackProc closed, XtPointer clientData);
+// Lets a widget be used, or not, and look so.
+void setEnabled(Widget widget, bool enabled);
 
 // Presses a push button as a click does: it flashes, and its callbacks run.
 void pressButton(Widget button);

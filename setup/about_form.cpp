@@ -6,16 +6,19 @@
 #include <link.h>
 
 #include <array>
+#include <chrono>
 #include <new>
 #include <vector>
 
 #include "motifutil/catalog_text.h"
 #include "motifutil/component_version.h"
 #include "motifutil/icons.h"
+#include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
 #include "motifutil/window_keys.h"
+#include "setup/driver_process.h"
 #include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
 
@@ -31,7 +34,7 @@ std::string ownPath() {
                                                                                                     : "";
 }
 
-// The file of a library that can be asked for its version; empty for any other.
+// The file of a library that can be asked for its version; empty for any other. Asked in this process.
 std::string fileWithVersion(const std::string& library) {
     void* handle = dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL);
     if (handle == nullptr) {
@@ -96,6 +99,15 @@ Widget createAddress(Widget form, Widget icon) {
     return textHeight > preferredHeight(icon) ? second : icon;
 }
 
+// The size in the unit's usual spelling: the text that others read has it in small letters.
+std::string shownSize() {
+    std::string size = fileSize;
+    if (size.ends_with("kb")) {
+        size.back() = 'B';
+    }
+    return size;
+}
+
 // What is known of the component, one row for each. Returns the last row's text.
 Widget createRows(Widget form, Widget above) {
     struct Row {
@@ -107,7 +119,7 @@ Widget createRows(Widget form, Widget above) {
                                    {"Version", SetupMessage::kAboutVersion, FileVersion},
                                    {"Company", SetupMessage::kAboutCompany, CompanyName},
                                    {"Date", SetupMessage::kAboutDate, fileDate},
-                                   {"Size", SetupMessage::kAboutSize, fileSize}}};
+                                   {"Size", SetupMessage::kAboutSize, shownSize()}}};
     std::vector<Widget> labels;
     int gap = kWindowGap;
     for (const Row& row : rows) {
@@ -126,7 +138,10 @@ Widget createRows(Widget form, Widget above) {
 }  // namespace
 
 void describeForAbout(const std::string& path) {
-    std::string component = fileWithVersion(path);
+    constexpr std::chrono::seconds kPatience(2);
+    DriverProcess process([&path] { return fileWithVersion(path); });
+    const std::optional<DriverProcess::End> end = process.waitForEnd(kPatience);
+    std::string component = end ? end->answer.value_or("") : "";
     if (component.empty()) {
         component = ownPath();
     }
@@ -151,7 +166,7 @@ Widget createAbtForm(Widget parent) {
     }
     Widget form = frmabout;
     XtAddCallback(form, XmNdestroyCallback, forget, nullptr);
-    onWindowManagerClose(XtParent(form), closePressed, form);
+    prepareShell(XtParent(form), closePressed, form);
     serveKeys(XtParent(form));
     setHelpTopic(form, "setup");
 

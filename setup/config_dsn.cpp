@@ -107,7 +107,7 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
     content.stored = stored.settings;
     content.name = request.name;
     content.leftOut = request.leftOut;
-    std::optional<std::vector<DriverProperty>> described = knownProperties(library);
+    std::optional<std::vector<DriverProperty>> described = knownProperties(library, request.isFile);
     if (described) {
         // Those that most people need; the driver knows more.
         content.rows.hasFurtherSettings = true;
@@ -119,6 +119,9 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
     } else {
         content.rows.properties = commonProperties();
         content.rows.hasFurtherSettings = true;
+    }
+    for (DriverProperty& property : content.rows.properties) {
+        property.isPercentEncoded = property.kind == PropertyKind::kPassword && hasEncodedPasswords(library);
     }
 
     content.rows.stored = settingsOf(stored.settings);

@@ -1,24 +1,18 @@
 #include "setup/connection_test.h"
 
-#include <fcntl.h>
 #include <sql.h>
 #include <sqlext.h>
-#include <sys/mman.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <new>
 
 #include "installer/configuration.h"
 #include "installer/file_replacement.h"
 #include "installer/ini_text.h"
+#include "installer/private_file.h"
 
 namespace {
 
@@ -46,9 +40,8 @@ private:
     bool isMade_;
 };
 
-// The text of one record, asked for again when it was longer than there was room for; empty when there is no such
-// record.
-std::string diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record) {
+// The text of one record, asked for again when it was longer than there was room for.
+std::optional<std::string> diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record) {
     std::array<SQLCHAR, SQL_SQLSTATE_SIZE + 1> state{};
     SQLINTEGER native = 0;
     SQLSMALLINT length = 0;
@@ -58,24 +51,27 @@ std::string diagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT rec
                                            static_cast<SQLSMALLINT>(message.size()), &length));
     };
     if (!ask()) {
-        return {};
+        return std::nullopt;
     }
     if (static_cast<std::size_t>(length) >= message.size()) {
         message.resize(std::min<std::size_t>(static_cast<std::size_t>(length) + 1, SHRT_MAX));
         ask();
     }
-    return std::string(reinterpret_cast<const char*>(state.data())) + ": " +
-           oneLine(reinterpret_cast<const char*>(message.data()));
+    // One driver has no states.
+    const std::string heading = reinterpret_cast<const char*>(state.data());
+    return (heading.empty() ? "" : heading + ": ") + oneLine(reinterpret_cast<const char*>(message.data()));
 }
 
 std::vector<std::string> diagnosticsOf(SQLSMALLINT type, SQLHANDLE handle) {
     std::vector<std::string> records;
     for (SQLSMALLINT number = 1; number < SHRT_MAX; ++number) {
-        const std::string record = diagnosticRecord(type, handle, number);
-        if (record.empty()) {
+        const std::optional<std::string> record = diagnosticRecord(type, handle, number);
+        if (!record) {
             break;
         }
-        records.push_back(record);
+        if (!record->empty()) {
+            records.push_back(*record);
+        }
     }
     return records;
 }
@@ -140,43 +136,30 @@ ConnectionOutcome connect(std::string connectionString) {
     return outcome;
 }
 
-// Lets the installer library read this text as the user's file, in this process alone, in memory alone.
-void useConfiguration(const std::string& text) {
-    const int file = memfd_create("odbc.ini", 0);
-    if (write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size())) {
-        setenv("ODBCINI", ("/proc/self/fd/" + std::to_string(file)).c_str(), 1);
-    }
+// Lets the installer library read this file as the user's, in this process alone.
+void useConfiguration(const installer::PrivateFile& file) {
+    setenv("ODBCINI", file.path().c_str(), 1);
+    // It is that of a user, whichever a caller of ours asked for.
+    installer::useUserConfiguration();
 }
 
 // The outcome as it passes from one process to the other: whether it is connected, the server, the records, each with a
 // terminator.
-void writeOutcome(int file, const ConnectionOutcome& outcome) {
+std::string textOf(const ConnectionOutcome& outcome) {
     std::string text = outcome.connected ? "1" : "0";
     text += outcome.server + '\0';
     for (const std::string& record : outcome.diagnostics) {
         text += record + '\0';
     }
-    const ssize_t written = write(file, text.data(), text.size());
-    static_cast<void>(written);
-}
-
-ConnectionOutcome readOutcome(const std::string& text) {
-    ConnectionOutcome outcome;
-    if (!text.empty()) {
-        outcome.connected = text.front() == '1';
-        outcome.server = text.c_str() + 1;
-        outcome.diagnostics = installer::attributeItems(text.c_str() + 1 + outcome.server.size() + 1);
-    }
-    return outcome;
-}
-
-// What a file in memory holds, as far as a person would read it.
-std::string textOf(int file) {
-    constexpr std::size_t kMost = 1 << 16;
-    std::string text(kMost, '\0');
-    const ssize_t size = pread(file, text.data(), text.size(), 0);
-    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
     return text;
+}
+
+ConnectionOutcome outcomeOf(const std::string& text) {
+    ConnectionOutcome outcome;
+    outcome.connected = text.front() == '1';
+    outcome.server = text.c_str() + 1;
+    outcome.diagnostics = installer::attributeItems(text.c_str() + 1 + outcome.server.size() + 1);
+    return outcome;
 }
 
 }  // namespace
@@ -212,46 +195,24 @@ ConnectionTest testOfDataSource(const std::string& name, const Settings& setting
 }
 
 ConnectionAttempt::ConnectionAttempt(const ConnectionTest& test)
-    : result_(memfd_create("result", MFD_CLOEXEC)), printed_(memfd_create("printed", MFD_CLOEXEC)) {
-    std::fflush(nullptr);
-    process_ = result_ < 0 || printed_ < 0 ? -1 : fork();
-    if (process_ == 0) {
-        // Whoever waits for it may die.
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
-        dup2(printed_, STDOUT_FILENO);
-        dup2(printed_, STDERR_FILENO);
-        if (test.configuration) {
-            useConfiguration(*test.configuration);
-        }
-        writeOutcome(result_, connect(test.connectionString));
-        std::fflush(nullptr);
-        _exit(0);
-    }
-    if (process_ < 0) {
-        close(result_);
-        close(printed_);
-        throw std::bad_alloc();
-    }
-}
-
-ConnectionAttempt::~ConnectionAttempt() {
-    if (process_ > 0) {
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-    }
-    close(result_);
-    close(printed_);
-}
+    : process_([&test] {
+          const installer::PrivateFile configuration;
+          if (test.configuration) {
+              if (!configuration.write(*test.configuration)) {
+                  throw std::bad_alloc();
+              }
+              useConfiguration(configuration);
+          }
+          return textOf(connect(test.connectionString));
+      }) {}
 
 std::optional<ConnectionOutcome> ConnectionAttempt::outcome() {
-    int status = 0;
-    if (process_ <= 0 || waitpid(process_, &status, WNOHANG) != process_) {
+    const std::optional<DriverProcess::End> end = process_.end();
+    if (!end) {
         return std::nullopt;
     }
-    process_ = -1;
-    ConnectionOutcome outcome = readOutcome(textOf(result_));
-    outcome.printed = textOf(printed_);
-    outcome.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    ConnectionOutcome outcome = end->answer ? outcomeOf(*end->answer) : ConnectionOutcome();
+    outcome.printed = end->printed;
+    outcome.crash = end->reason;
     return outcome;
 }

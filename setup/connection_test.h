@@ -1,12 +1,11 @@
 // Tries a data source before it is stored. GUI thread only.
 #pragma once
 
-#include <sys/types.h>
-
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "setup/driver_process.h"
 #include "setup/settings.h"
 
 // A connection string for `driver` with these settings (ODBC SQLDriverConnect). What names or would write a data source
@@ -32,24 +31,20 @@ struct ConnectionOutcome {
     std::vector<std::string> diagnostics;
     std::string server{};   // Product and version, when they are known.
     std::string printed{};  // What the driver wrote on the console.
-    int signal = 0;         // That ended the driver's process; 0 when it came to its end.
+    std::string crash{};    // How the driver ended its process; empty when it came to its end.
 };
 
-// A connection that is made, without any prompt, and closed again in a process of its own: drivers wait for servers for
-// minutes, print and crash. The process ends with this object.
+// A connection that is made, without any prompt, and closed again in a process of its own, which ends with this object.
 class ConnectionAttempt {
 public:
     // Throws std::bad_alloc when there can be no other process.
     explicit ConnectionAttempt(const ConnectionTest& test);
-    ~ConnectionAttempt();
-    ConnectionAttempt(const ConnectionAttempt&) = delete;
-    ConnectionAttempt& operator=(const ConnectionAttempt&) = delete;
 
     // What came of it; nothing as long as it goes on.
     std::optional<ConnectionOutcome> outcome();
+    // What the driver wrote on the console until then.
+    const std::string& printed() const noexcept { return process_.printed(); }
 
 private:
-    pid_t process_ = -1;
-    int result_ = -1;
-    int printed_ = -1;
+    DriverProcess process_;
 };

@@ -4,18 +4,21 @@
 #include <Xm/Text.h>
 
 #include <algorithm>
+#include <cctype>
 #include <chrono>
-#include <cstring>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <utility>
 
 #include "installer/configuration.h"
+#include "kvlib/text.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/icons.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/message_icons.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/shells.h"
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
 #include "motifutil/window_keys.h"
@@ -63,6 +66,15 @@ private:
     XmRenderTable fonts_ = nullptr;
 };
 
+// A line without what no text widget takes: it would end there.
+std::string displayable(std::string line) {
+    std::replace_if(
+        line.begin(), line.end(), [](unsigned char byte) { return std::iscntrl(byte) != 0; }, ' ');
+    std::u16string text = toUtf16(line, kCPLocale);
+    std::replace(text.begin(), text.end(), u'\uFFFD', u'?');
+    return fromUtf16(text, kCPLocale);
+}
+
 // The records below the heading of a box: read only, to be marked and copied.
 void addRecords(Widget box, const std::vector<std::string>& records) {
     const Measure measure(box);
@@ -70,7 +82,8 @@ void addRecords(Widget box, const std::vector<std::string>& records) {
     const int mostLines = HeightOfScreen(XtScreen(box)) * kLargestShare / 100 / measure.lineHeight();
     std::string text;
     int lines = 0;
-    for (const std::string& record : records) {
+    for (const std::string& given : records) {
+        const std::string record = displayable(given);
         text += (text.empty() ? "" : "\n") + record;
         lines += measure.wrappedLines(record, width);
     }
@@ -99,24 +112,30 @@ std::string headingOf(const ConnectionOutcome& outcome, const std::string& libra
         const std::string works = setupText(SetupMessage::kTestSucceeded);
         return outcome.server.empty() ? works : works + "\n" + setupText(SetupMessage::kTestServer, outcome.server);
     }
-    if (outcome.signal != 0) {
-        return setupText(SetupMessage::kTestCrashed, strsignal(outcome.signal));
+    if (!outcome.crash.empty()) {
+        return setupText(SetupMessage::kTestCrashed, outcome.crash);
     }
     if (!isDriverInstalled(library)) {
-        const std::string package = packageOf(library);
-        const std::string missing = setupText(SetupMessage::kDriverNotInstalled, library);
-        return package.empty() ? missing : missing + "\n" + setupText(SetupMessage::kDriverPackage, package);
+        std::string missing = setupText(SetupMessage::kDriverNotInstalled, library);
+        if (const std::string package = packageOf(library); !package.empty()) {
+            missing += "\n" + setupText(SetupMessage::kDriverPackage, package);
+        }
+        if (const std::string other = driverInsteadOf(library); !other.empty()) {
+            missing += "\n" + setupText(SetupMessage::kOtherDriver, other);
+        }
+        return missing;
     }
     return setupText(outcome.diagnostics.empty() ? SetupMessage::kTestFailedSilently : SetupMessage::kTestFailed);
 }
 
-// What is shown below the heading.
-std::vector<std::string> recordsOf(const ConnectionOutcome& outcome) {
-    std::vector<std::string> records = outcome.diagnostics;
-    const std::string printed = installer::trimmed(outcome.printed);
-    if (!printed.empty()) {
+// What is shown below the heading: with the lines that the driver printed.
+std::vector<std::string> withPrinted(std::vector<std::string> records, const std::string& printed) {
+    if (!installer::trimmed(printed).empty()) {
         records.push_back(setupText(SetupMessage::kDriverPrinted));
-        records.push_back(printed);
+        std::istringstream lines(printed);
+        for (std::string line; std::getline(lines, line);) {
+            records.push_back(line);
+        }
     }
     return records;
 }
@@ -126,19 +145,12 @@ Widget createBox(Widget parent, unsigned long kind, std::string text) {
                                setupText(SetupMessage::kTestTitle).data());
 }
 
-void showError(Widget parent, const std::string& text) {
-    if (Widget box = createBox(parent, kErrorDialog, text)) {
-        XtManageChild(box);
-    }
-}
-
-void showOutcome(Widget parent, const ConnectionOutcome& outcome, const std::string& library) {
-    Widget box = createBox(parent, outcome.connected ? kInformationDialog : kErrorDialog, headingOf(outcome, library));
+void showBox(Widget parent, unsigned long kind, const std::string& heading, const std::vector<std::string>& records) {
+    Widget box = createBox(parent, kind, heading);
     if (box == nullptr) {
         return;
     }
     setHelpTopic(box, "test");
-    const std::vector<std::string> records = recordsOf(outcome);
     if (!records.empty()) {
         addRecords(box, records);
     }
@@ -155,7 +167,7 @@ public:
         XtAddCallback(box_, XmNokCallback, waitOn, this);
         XtAddCallback(box_, XmNcancelCallback, cancelled, this);
         XtAddCallback(box_, XmNdestroyCallback, destroyed, this);
-        onWindowManagerClose(XtParent(box_), cancelled, this);
+        prepareShell(XtParent(box_), cancelled, this);
         XtAddEventHandler(box_, NoEventMask, True, eventCame, this);
         look();
         XtManageChild(box_);
@@ -208,10 +220,12 @@ private:
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start_).count();
         if (const std::optional<ConnectionOutcome> outcome = attempt_->outcome()) {
             leave();
-            showOutcome(parent_, *outcome, library_);
+            showBox(parent_, outcome->connected ? kInformationDialog : kErrorDialog, headingOf(*outcome, library_),
+                    withPrinted(outcome->diagnostics, outcome->printed));
         } else if (!isEndless_ && seconds >= kPatience) {
+            const std::vector<std::string> records = withPrinted({}, attempt_->printed());
             leave();
-            showError(parent_, setupText(SetupMessage::kNoAnswer));
+            showBox(parent_, kErrorDialog, setupText(SetupMessage::kNoAnswer), records);
         } else {
             showText(setupText(isEndless_ ? SetupMessage::kConnectingOn : SetupMessage::kConnecting,
                                std::to_string(seconds)));

@@ -4,6 +4,10 @@
 #include <sql.h>
 #include <unistd.h>
 
+#include <chrono>
+
+#include "setup/driver_process.h"
+
 namespace {
 
 // The folder of the driver manager that this process uses.
@@ -29,6 +33,14 @@ std::string driverPath(const std::string& library) {
 
 bool isDriverInstalled(const std::string& library) {
     const std::string path = driverPath(library);
-    return path.find('/') != std::string::npos ? access(path.c_str(), F_OK) == 0
-                                               : access((managerFolder() + library).c_str(), F_OK) == 0;
+    if (path.find('/') != std::string::npos) {
+        return access(path.c_str(), F_OK) == 0;
+    }
+    // Wherever else the loader looks. What the library does when it is loaded, it does not do here.
+    constexpr std::chrono::seconds kPatience(2);
+    DriverProcess process([&library] {
+        return std::string(dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL) == nullptr ? dlerror() : "");
+    });
+    const std::optional<DriverProcess::End> end = process.waitForEnd(kPatience);
+    return !end || !end->answer || !end->answer->starts_with(library + ": cannot open shared object file");
 }

@@ -5,16 +5,19 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <string_view>
 
 #include "bos/library.h"
 #include "installer/configuration.h"
 #include "setup/driver_files.h"
+#include "setup/driver_process.h"
 #include "setup/settings.h"
 
 namespace {
@@ -99,6 +102,63 @@ std::vector<DriverProperty> copyProperties(const ODBCINSTPROPERTY* node) {
     return properties;
 }
 
+// What the driver describes, asked in this process.
+std::vector<DriverProperty> describedBy(const std::string& library) {
+    const std::unique_ptr<void, LibraryCloser> handle(dlopen(driverPath(library).c_str(), RTLD_LAZY | RTLD_LOCAL));
+    const auto getProperties =
+        handle ? reinterpret_cast<int (*)(HODBCINSTPROPERTY)>(dlsym(handle.get(), "ODBCINSTGetProperties")) : nullptr;
+    if (getProperties == nullptr) {
+        return {};
+    }
+    // The driver appends to a list that begins with the name, which is no setting.
+    const std::unique_ptr<ODBCINSTPROPERTY, PropertiesDeleter> list(
+        static_cast<ODBCINSTPROPERTY*>(std::calloc(1, sizeof(ODBCINSTPROPERTY))));
+    if (!list) {
+        throw std::bad_alloc();
+    }
+    std::strcpy(list->szName, "Name");
+    list->nPromptType = ODBCINST_PROMPTTYPE_TEXTEDIT;
+    // Drivers do not agree about what they return, so only the list counts.
+    getProperties(list.get());
+    return copyProperties(list->pNext);
+}
+
+// The properties as they pass from one process to the other: all their texts and numbers, each with a terminator.
+std::string packed(const std::vector<DriverProperty>& properties) {
+    std::string text;
+    const auto add = [&text](const std::string& item) { text += item + '\0'; };
+    for (const DriverProperty& property : properties) {
+        add(property.key);
+        add(property.defaultValue);
+        add(property.help);
+        add(std::to_string(static_cast<int>(property.kind)));
+        add(std::to_string(property.choices.size()));
+        std::for_each(property.choices.begin(), property.choices.end(), add);
+    }
+    return text;
+}
+
+std::vector<DriverProperty> unpacked(const std::string& text) {
+    std::vector<DriverProperty> properties;
+    std::istringstream items(text);
+    const auto next = [&items] {
+        std::string item;
+        std::getline(items, item, '\0');
+        return item;
+    };
+    for (std::string key = next(); !key.empty(); key = next()) {
+        DriverProperty property;
+        property.key = key;
+        property.defaultValue = next();
+        property.help = next();
+        property.kind = static_cast<PropertyKind>(std::stoi(next()));
+        property.choices.resize(std::stoul(next()));
+        std::generate(property.choices.begin(), property.choices.end(), next);
+        properties.push_back(std::move(property));
+    }
+    return properties;
+}
+
 bool hasPart(const DriverProperty& property, std::initializer_list<const char*> parts) {
     return std::any_of(parts.begin(), parts.end(),
                        [&property](const char* part) { return strcasestr(property.key.c_str(), part) != nullptr; });
@@ -129,26 +189,11 @@ void addLogin(std::vector<DriverProperty>& properties) {
 }  // namespace
 
 std::optional<std::vector<DriverProperty>> askDriver(const std::string& library) {
-    const std::unique_ptr<void, LibraryCloser> handle(dlopen(driverPath(library).c_str(), RTLD_LAZY | RTLD_LOCAL));
-    if (!handle) {
-        return std::nullopt;
-    }
-    const auto getProperties =
-        reinterpret_cast<int (*)(HODBCINSTPROPERTY)>(dlsym(handle.get(), "ODBCINSTGetProperties"));
-    if (getProperties == nullptr) {
-        return std::nullopt;
-    }
-    // The driver appends to a list that begins with the name, which is no setting.
-    const std::unique_ptr<ODBCINSTPROPERTY, PropertiesDeleter> list(
-        static_cast<ODBCINSTPROPERTY*>(std::calloc(1, sizeof(ODBCINSTPROPERTY))));
-    if (!list) {
-        throw std::bad_alloc();
-    }
-    std::strcpy(list->szName, "Name");
-    list->nPromptType = ODBCINST_PROMPTTYPE_TEXTEDIT;
-    // Drivers do not agree about what they return, so only the list counts.
-    getProperties(list.get());
-    std::vector<DriverProperty> properties = copyProperties(list->pNext);
+    constexpr std::chrono::seconds kPatience(2);
+    DriverProcess process([&library] { return packed(describedBy(library)); });
+    const std::optional<DriverProcess::End> end = process.waitForEnd(kPatience);
+    std::vector<DriverProperty> properties =
+        end && end->answer ? unpacked(*end->answer) : std::vector<DriverProperty>();
     if (properties.empty()) {
         return std::nullopt;
     }

@@ -22,13 +22,14 @@ struct DriverProperty {
     PropertyKind kind = PropertyKind::kText;
     std::vector<std::string> choices;
     std::string help{};             // One line; empty when the driver says nothing.
+    std::string label{};            // In the place of the words for its key; mostly empty.
     bool isPercentEncoded = false;  // The file has "%25" for "%" and "%2B" for "+", as in an address.
-    bool isNeverStored = false;     // Of use for a test alone: the driver does not read it from a data source.
+    bool isNeverStored = false;     // Of use for a test alone: the driver does not read it where it would be stored.
 };
 
-// Loads the driver's library and asks it (ODBCINSTGetProperties, odbcinstext.h). Nothing when the library can't be
-// loaded or can't tell. Keys that every data source has are left out, and so is what comes twice; user and password are
-// added for a driver that names a server and no login.
+// Asks the driver's library in a process of its own (ODBCINSTGetProperties, odbcinstext.h). Nothing when it can't be
+// loaded, can't tell, takes more than two seconds or ends its process. Keys that every data source has are left out,
+// and so is what comes twice; user and password are added for a driver that names a server and no login.
 [[nodiscard]] std::optional<std::vector<DriverProperty>> askDriver(const std::string& library);
 
 // Where a setting stands in a dialog that has too many of them for one page.

@@ -8,8 +8,16 @@
 
 #include "setup/driver_properties.h"
 
-// The settings that the driver reads from a data source; nothing for a driver that is to be asked itself.
-[[nodiscard]] std::optional<std::vector<DriverProperty>> knownProperties(const std::string& library);
+// The settings that the driver reads from a data source, one of the user or a file; nothing for a driver that is to be
+// asked itself.
+[[nodiscard]] std::optional<std::vector<DriverProperty>> knownProperties(const std::string& library, bool isFile);
+
+// Whether the driver reads a password as a part of an address: "%25" stands for "%" and "%2B" for "+".
+[[nodiscard]] bool hasEncodedPasswords(const std::string& library);
 
 // The Debian package that brings the library; empty when it is not known.
 [[nodiscard]] std::string packageOf(const std::string& library);
+
+// The driver that people more likely mean where the library is registered and in no package; empty when it is not
+// known.
+[[nodiscard]] std::string driverInsteadOf(const std::string& library);

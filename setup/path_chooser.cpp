@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int kVisibleItems = 10;
 
 void cancelled(Widget box, XtPointer /*clientData*/, XtPointer /*callData*/) {
     XtDestroyWidget(XtParent(box));
@@ -45,8 +44,6 @@ void choosePath(Widget field) {
     const std::string start = existingDirectoryOf(path);
     const XmStringPtr directory = compoundString(start);
     ArgumentList arguments;
-    // Names without their directory, which has a field of its own then.
-    arguments.set(XmNpathMode, XmPATH_MODE_RELATIVE).set(XmNlistVisibleItemCount, kVisibleItems);
     if (!start.empty()) {
         arguments.set(XmNdirectory, directory.get());
     }

@@ -1,15 +1,17 @@
 #include "setup/setting_row.h"
 
 #include <Xm/ComboBox.h>
+#include <Xm/Label.h>
 #include <Xm/TextF.h>
 #include <Xm/ToggleB.h>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <new>
+#include <string_view>
 #include <vector>
 
 #include "installer/configuration.h"
@@ -18,12 +20,13 @@
 #include "motifutil/text_verifiers.h"
 #include "motifutil/widgets.h"
 #include "setup/path_chooser.h"
+#include "setup/setting_words.h"
 #include "setup/settings.h"
 #include "setup/setup_texts.h"
 
 namespace {
 
-constexpr short kTextColumns = 36;
+constexpr short kTextColumns = 42;
 constexpr short kChoiceColumns = 16;
 constexpr int kMostVisibleChoices = 10;
 
@@ -90,9 +93,13 @@ std::string percentDecoded(const std::string& text) {
 }
 
 std::string percentEncoded(const std::string& text) {
+    // Braces are a quotation to the driver, within which it decodes nothing.
+    constexpr std::string_view kEncoded = "%+ {}";
     std::string encoded;
     for (const char byte : text) {
-        encoded += byte == '%' ? "%25" : byte == '+' ? "%2B" : byte == ' ' ? "%20" : std::string(1, byte);
+        char code[] = "%00";
+        std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned int>(byte & 0xFF));
+        encoded += kEncoded.find(byte) != std::string_view::npos ? code : std::string(1, byte);
     }
     return encoded;
 }
@@ -115,7 +122,10 @@ public:
                 createToggleButton(parent, widgetName("TglSave", key).c_str(), setupText(SetupMessage::kSavePassword));
             setMnemonic(toggle_, setupMnemonic(SetupMessage::kSavePassword));
             XmToggleButtonSetState(toggle_, isInFile ? True : False, False);
-            toggleHint_ = createLabel(parent, "LblSavePasswordHint", setupText(SetupMessage::kSavePasswordHint));
+            toggleHint_ = createLabel(parent, "LblSavePasswordHint", std::string());
+            XmRenderTable fonts = nullptr;
+            XtVaGetValues(toggleHint_, XmNrenderTable, &fonts, nullptr);
+            setLabel(toggleHint_, wrapped(setupText(SetupMessage::kSavePasswordHint), fonts, preferredWidth(field_)));
         }
         filled();
     }
@@ -198,7 +208,11 @@ private:
         Dimension marginHeight = 0;
         XtVaGetValues(field_, XmNshadowThickness, &shadow, nullptr);
         XtVaGetValues(text_, XmNmarginWidth, &marginWidth, XmNmarginHeight, &marginHeight, nullptr);
-        XtVaSetValues(field_, XmNshadowThickness, 0, XmNmarginWidth, 0, XmNmarginHeight, 0, nullptr);
+        // The box draws its arrow in the colours of a relief, in which it looks switched off.
+        Pixel ink = 0;
+        XtVaGetValues(field_, XmNforeground, &ink, nullptr);
+        XtVaSetValues(field_, XmNshadowThickness, 0, XmNmarginWidth, 0, XmNmarginHeight, 0, XmNtopShadowColor, ink,
+                      XmNbottomShadowColor, ink, nullptr);
         XtVaSetValues(text_, XmNshadowThickness, shadow, XmNmarginWidth, marginWidth, XmNmarginHeight, marginHeight,
                       nullptr);
         XtVaSetValues(list, XmNshadowThickness, shadow, nullptr);
@@ -237,7 +251,7 @@ public:
 class MenuRow : public ChoiceRow {
 public:
     MenuRow(Widget parent, const DriverProperty& property, const std::string& value)
-        : MenuRow(parent, property.key, allValues(property, value), value) {
+        : MenuRow(parent, property.key, allValues(property, value), value, isSwitch(property.choices)) {
         tellDefault(parent, property);
     }
     std::string value() const override {
@@ -249,8 +263,8 @@ public:
 private:
     using Values = std::vector<std::string>;
 
-    MenuRow(Widget parent, const std::string& key, const Values& values, const std::string& value)
-        : ChoiceRow(parent, key, XmDROP_DOWN_LIST, labels(values)), values_(values) {
+    MenuRow(Widget parent, const std::string& key, const Values& values, const std::string& value, bool isSwitched)
+        : ChoiceRow(parent, key, XmDROP_DOWN_LIST, labels(values, isSwitched)), values_(values) {
         XtVaSetValues(field_, XmNselectedPosition, static_cast<int>(positionOf(value, values)) + 1, nullptr);
         filled();
     }
@@ -263,7 +277,14 @@ private:
         }
         return values;
     }
-    static Values labels(const Values& values) { return withDriverDefault(values); }
+    // A value that is stored, and is none of a switch's, stays as it stands.
+    static Values labels(const Values& values, bool isSwitched) {
+        Values labels = withDriverDefault(values);
+        if (isSwitched) {
+            std::transform(labels.begin() + 1, labels.begin() + 3, labels.begin() + 1, switchWord);
+        }
+        return labels;
+    }
     static std::size_t positionOf(const std::string& value, const Values& values) {
         const auto found = std::find_if(values.begin(), values.end(), [&value](const std::string& other) {
             return installer::sameName(other, value);
@@ -276,51 +297,44 @@ private:
 
 }  // namespace
 
-namespace {
-
-// The text that stands before the field of a setting in the place of its key; null when the key does.
-const SetupMessage::Number* textFor(const std::string& key) {
-    struct Label {
-        const char* key;
-        SetupMessage::Number text;
-    };
-    static constexpr std::array<Label, 9> kLabels{{{"Database", SetupMessage::kDatabase},
-                                                   {"Server", SetupMessage::kServer},
-                                                   {"Servername", SetupMessage::kServer},
-                                                   {"Port", SetupMessage::kPort},
-                                                   {"UID", SetupMessage::kUser},
-                                                   {"User", SetupMessage::kUser},
-                                                   {"Username", SetupMessage::kUser},
-                                                   {"PWD", SetupMessage::kPassword},
-                                                   {"Password", SetupMessage::kPassword}}};
-    const auto* known = std::find_if(kLabels.begin(), kLabels.end(),
-                                     [&key](const Label& label) { return installer::sameName(label.key, key); });
-    return known == kLabels.end() ? nullptr : &known->text;
-}
-
-}  // namespace
-
-std::string settingLabel(const std::string& key) {
-    const SetupMessage::Number* text = textFor(key);
-    return text == nullptr ? key : setupText(*text);
-}
-
 SettingRow::SettingRow(Widget parent, std::string key) : key_(std::move(key)) {
-    label_ = createLabel(parent, widgetName("Lbl", key_).c_str(), settingLabel(key_));
+    label_ = createLabel(parent, widgetName("Lbl", key_).c_str(), wordsOf(key_));
     XtVaSetValues(label_, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
 }
 
 void SettingRow::filled() {
     initial_ = value();
-    const SetupMessage::Number* text = textFor(key_);
-    leadTo(label_, focus(), text == nullptr ? std::string() : setupMnemonic(*text));
+    leadTo(label_, focus(), letterOf(key_));
+}
+
+void SettingRow::rename(const std::string& label) {
+    setLabel(label_, label);
+    if (!XmIsLabel(field_)) {
+        leadTo(label_, focus());
+    }
+}
+
+void SettingRow::nameKey() {
+    const std::string words = labelText();
+    if (!installer::sameName(words, key_)) {
+        const std::string named = setupText(SetupMessage::kHintKey, words, key_);
+        help_ = help_.empty() ? named : named + ": " + help_;
+    }
+}
+
+std::string SettingRow::labelText() const {
+    XmString text = nullptr;
+    XtVaGetValues(label_, XmNlabelString, &text, nullptr);
+    return plainText(XmStringPtr(text).get());
 }
 
 void SettingRow::tellDefault(Widget parent, const DriverProperty& property) {
     // An empty field says nothing of what the driver does then.
     if (!property.defaultValue.empty()) {
-        companion_ = createLabel(parent, widgetName("LblDefault", key_).c_str(),
-                                 setupText(SetupMessage::kDefaultHint, property.defaultValue));
+        const std::string shown =
+            isSwitch(property.choices) ? switchWord(property.defaultValue) : property.defaultValue;
+        companion_ =
+            createLabel(parent, widgetName("LblDefault", key_).c_str(), setupText(SetupMessage::kDefaultHint, shown));
     }
 }
 
@@ -341,7 +355,12 @@ std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty
             row = std::make_unique<MenuRow>(parent, property, value);
             break;
         case PropertyKind::kCombo:
-            row = std::make_unique<ComboRow>(parent, property, value);
+            // There is nothing else to be typed where a switch is meant.
+            if (isSwitch(property.choices)) {
+                row = std::make_unique<MenuRow>(parent, property, value);
+            } else {
+                row = std::make_unique<ComboRow>(parent, property, value);
+            }
             break;
         case PropertyKind::kFixed:
             row = std::make_unique<FixedRow>(parent, property.key, value.empty() ? property.defaultValue : value);
@@ -349,12 +368,16 @@ std::unique_ptr<SettingRow> createSettingRow(Widget parent, const DriverProperty
         case PropertyKind::kHidden:
             return nullptr;
     }
+    if (!property.label.empty()) {
+        row->rename(property.label);
+    }
     row->help_ = property.help;
     // A field that grows with the window has no room behind it, as a list of choices has.
     if (property.kind == PropertyKind::kText && !property.defaultValue.empty()) {
         row->help_ += (row->help_.empty() ? "" : " ") + setupText(SetupMessage::kDefaultHint, property.defaultValue);
     }
     row->isNeverStored_ = property.isNeverStored;
+    row->nameKey();
     return row;
 }
 

@@ -21,11 +21,15 @@ public:
     Widget field() const noexcept { return field_; }
     // What belongs to the field and stands on its right, a word or a button; null when there is none.
     Widget companion() const noexcept { return companion_; }
-    // A second line below the field: a choice and a word on its right; null when there is none.
+    // Further lines below the field: a choice, and a word of it below that; null when there is none.
     Widget toggle() const noexcept { return toggle_; }
     Widget toggleHint() const noexcept { return toggleHint_; }
-    // What the driver says of the setting, one line; empty when it says nothing.
+    // The label in words, with the key as the file has it, and what the driver says of the setting: one line; empty
+    // when there is nothing to be said.
     const std::string& help() const noexcept { return help_; }
+    std::string labelText() const;
+    // Changes the label, which then gets any letter.
+    void rename(const std::string& label);
     // Whether the field grows with the window.
     virtual bool isStretched() const { return true; }
     // The widget inside of the field that takes the keyboard.
@@ -60,13 +64,12 @@ protected:
 private:
     friend std::unique_ptr<SettingRow> createSettingRow(Widget, const DriverProperty&, const std::string&, bool);
 
+    // Lets the help begin with the label and the key, where they differ.
+    void nameKey();
+
     std::string help_;
     bool isNeverStored_ = false;
 };
-
-// What stands before the field of a setting: drivers name their settings for files, the common ones read better in
-// words.
-std::string settingLabel(const std::string& key);
 
 // Makes label and field as children of the form `parent`, named "Lbl", "Txt" or "Opt" and the key. The row must live as
 // long as its widgets. `isInFile` tells whether the data source has a value of the setting already. Null for a hidden

@@ -67,11 +67,10 @@ bool isStorable(const SettingRow& row) {
 void useKeysForEqualLabels(const std::vector<std::unique_ptr<SettingRow>>& rows) {
     for (const auto& row : rows) {
         const bool isAlone = std::none_of(rows.begin(), rows.end(), [&row](const auto& other) {
-            return other != row && settingLabel(other->key()) == settingLabel(row->key());
+            return other != row && other->labelText() == row->labelText();
         });
         if (!isAlone) {
-            setLabel(row->label(), row->key());
-            setMnemonic(row->label(), {});
+            row->rename(row->key());
         }
     }
 }
@@ -255,9 +254,8 @@ Widget placeRow(const SettingRow& row, Widget above, int margin) {
         return row.field();
     }
     Attach(row.toggle()).below(row.field(), 0).rightOf(row.label(), kWindowGap);
-    Attach(row.toggleHint()).rightOf(row.toggle(), kWindowGap);
-    keepLevel(row.toggleHint(), row.toggle());
-    return row.toggle();
+    Attach(row.toggleHint()).below(row.toggle(), 0).rightOf(row.label(), kWindowGap);
+    return row.toggleHint();
 }
 
 void SettingRows::layOut() {
@@ -333,9 +331,9 @@ bool SettingRows::hasRow(const std::string& key) const {
 std::optional<SetupFailure> SettingRows::collect(Settings& changed) {
     for (const auto& row : rows_) {
         if (row->isNeverStored()) {
-            continue;
-        }
-        if (!row->isStored()) {
+            // Whoever opened the dialog may have proposed a value.
+            std::erase_if(changed, [&row](const auto& change) { return installer::sameName(change.key, row->key()); });
+        } else if (!row->isStored()) {
             setValue(changed, row->key(), {});
         } else if (row->isChanged()) {
             setValue(changed, row->key(), row->storedValue());

@@ -15,6 +15,8 @@
 #include "motifutil/message_dialog.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/modal_loop.h"
+#include "motifutil/script_fonts.h"
+#include "motifutil/shells.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
@@ -30,7 +32,7 @@
 namespace {
 
 // The share of the screen's height that the dialog takes before its rows scroll, in percent.
-constexpr int kLargestShare = 70;
+constexpr int kLargestShare = 85;
 // What is seen of the rows at least, in pixels, however small the screen or the window.
 constexpr int kLeastRows = 110;
 // What is told of attributes that are left out: so many, so many bytes of each.
@@ -104,7 +106,8 @@ bool SetupForm::run() {
     if (form_ == nullptr) {
         throw std::bad_alloc();
     }
-    onWindowManagerClose(shell_, cancelPressed, this);
+    prepareShell(shell_, cancelPressed, this);
+    completeFontsOf(shell_);
     serveKeys(shell_);
     XtAddCallback(form_, XmNhelpCallback, helpPressed, this);
     createFields();
@@ -259,7 +262,9 @@ ConnectionTest SetupForm::connectionTest(const Settings& changed) const {
 
 void SetupForm::test() {
     Settings changed;
-    if (const std::optional<SetupFailure> failure = collectSettings(changed)) {
+    std::optional<SetupFailure> failure = collectSettings(changed);
+    failure = failure ? failure : checkSettings(changed);
+    if (failure) {
         report(*failure);
         return;
     }

@@ -25,12 +25,10 @@ SetupCatalogs::~SetupCatalogs() {
     SetupCatalog = invalidCatalog();
 }
 
-std::string setupText(SetupMessage::Number number, const std::string& subject) {
+std::string setupText(SetupMessage::Number number, const std::string& subject, const std::string& second) {
     std::array<char, 512> buffer{};
     LoadStringFromOpenFile(SetupCatalog, number, buffer.data(), buffer.size());
-    std::string text = buffer.data();
-    const std::size_t place = text.find("%1");
-    return place == std::string::npos ? text : text.replace(place, 2, subject);
+    return withSubjects(buffer.data(), {subject, second});
 }
 
 std::string setupMnemonic(SetupMessage::Number label) {

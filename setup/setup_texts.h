@@ -17,8 +17,8 @@ public:
     SetupCatalogs& operator=(const SetupCatalogs&) = delete;
 };
 
-// The text with this number; `subject` takes the place of "%1" in it.
-std::string setupText(SetupMessage::Number number, const std::string& subject = {});
+// The text with this number; `subject` takes the place of "%1" in it, `second` that of "%2".
+std::string setupText(SetupMessage::Number number, const std::string& subject = {}, const std::string& second = {});
 
 // The letter that acts on the label with this number (motifutil/mnemonics.h).
 std::string setupMnemonic(SetupMessage::Number label);

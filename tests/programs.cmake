@@ -15,6 +15,12 @@ add_subdirectory(catalogs)
 add_subdirectory(installer)
 add_subdirectory(help)
 
+# What `cmake --install` installs.
+set(installed_tree odbcadmin describe-component odbcadmin-register libsqliteodbc_stand_in libsqlite3odbc_stand_in
+                   libmdbodbc_stand_in vhsetup23 vhsqlite23 vhpostgresql23 vhfreetds23 odbccurs_identification
+                   libodbc_identification libvhicu23_identification catalog_en_US_odbc catalog_en_US_vhutl23
+                   catalog_en_US_vhsetup23 helpbook)
+
 # The real windows in the test's own process.
 add_executable(widget_tests ${display_support} support/child_process.cpp support/window_test.cpp)
 target_link_libraries(widget_tests PRIVATE project_flags admin ${XTST_LIBRARY} GTest::gtest_main)
@@ -23,7 +29,7 @@ target_compile_definitions(widget_tests PRIVATE
   VH_TEST_SETUP="$<TARGET_FILE:recording_setup>"
   VH_TEST_USER_SETUP="$<TARGET_FILE:user_recording_setup>"
   VH_TEST_NO_SETUP="$<TARGET_FILE:bos_test_library>")
-add_dependencies(widget_tests recording_setup user_recording_setup bos_test_library catalog_en_US_odbc)
+add_dependencies(widget_tests recording_setup user_recording_setup bos_test_library ${installed_tree})
 add_subdirectory(admin)
 add_subdirectory(motifutil)
 add_test(NAME widget_tests COMMAND widget_tests)

@@ -5,8 +5,9 @@ processes=()
 # The window manager would spin for ever when it is asked politely after its server has gone.
 trap 'kill -KILL "${processes[@]}" 2>/dev/null || true; wait 2>/dev/null || true; rm -rf "$scratch"' EXIT
 
+# Starts a screen of the size $1 with $2 dots an inch.
 startScreen() {
-    Xvfb -displayfd 3 -screen 0 800x680x24 3>"$scratch/display" 2>"$scratch/server-log" &
+    Xvfb -displayfd 3 -screen 0 "${1:-800x680}x24" -dpi "${2:-96}" 3>"$scratch/display" 2>"$scratch/server-log" &
     processes+=($!)
     for _ in $(seq 100); do
         [ -s "$scratch/display" ] && break

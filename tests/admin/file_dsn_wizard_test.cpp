@@ -244,6 +244,24 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     clickRow(list, 2);
     click(BtnFDConfigure);
     expectReport(Message::kFileNamesNoDriver);
+    // Return leads to what was typed, wherever it is, and from the lists share their room in the same way.
+    Widget directories = child(FSelect, "*DirList");
+    const std::string deep = std::string(60, 'd');
+    std::filesystem::create_directory(files.path(deep));
+    files.write(deep + "/c.dsn", "");
+    for (const auto& [field, typed, expected] : {std::tuple{"FilterText", files.path(deep), Rows{"c.dsn"}},
+                                                 {"Text", "..", Rows{"a\tb.dsn", "b.dsn"}},
+                                                 {"Text", files.path(deep) + "/c.dsn", Rows{"c.dsn"}},
+                                                 {"FilterText", files.path(""), Rows{"a\tb.dsn", "b.dsn"}}}) {
+        XmProcessTraversal(child(FSelect, field), XmTRAVERSE_CURRENT);
+        key(XK_slash, XK_Control_L);
+        type(typed);
+        key(XK_Return);
+        EXPECT_EQ(listed(), expected) << typed;
+        const int ratio = 100 * placeOf(XtParent(directories)).width / placeOf(XtParent(list)).width;
+        EXPECT_NEAR(ratio, 66, 1) << typed;
+    }
+    clickRow(list, 2);
     files.write("b.dsn", "[ODBC]\nDriver=Nobody\n");
     click(BtnFDConfigure);
     EXPECT_NE(answer("OK").find("\"Nobody\""), std::string::npos);
@@ -255,7 +273,7 @@ TEST_F(FileDsnWizardTest, ThePageConfiguresRemovesAndSetsItsDirectory) {
     EXPECT_EQ(listed(), Rows{"a\tb.dsn"});
 
     click(BtnSetDirectory);
-    EXPECT_EQ(answer("OK"), catalogText(Message::kSetDirectoryQuestion));
+    EXPECT_EQ(answer("OK"), catalogText(Message::kSetDirectoryQuestion, {files.path("")}));
     EXPECT_EQ(files.summary(), "ODBC FILE DSN{DefaultDSNDir=" + files.path("") + "}");
 
     clickRow(list, 1);

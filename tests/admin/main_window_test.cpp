@@ -86,9 +86,8 @@ TEST_F(MainWindowTest, TabLeadsAsTheEyeReadsFromTheFirstWidgetOfEachPage) {
     openWith("[ODBC Data Sources]\nabc=Recorder\n[ODBC]\nTRACE=1\n");
     for (const std::string page :
          {"lstUName BtnAdd BtnRemove BtnConfigure ",
-          "FilterText DirList ItemsList Text Apply BtnFDAdd BtnFDRemove BtnFDConfigure "
-          "BtnSetDirectory ",
-          "LstName ", "TgEnableTracing TxtTraceFile BtnTFileBrowse TxtTraceLib BtnTLibBrowse ", "LstAbtDesc "}) {
+          "FilterText Apply DirList ItemsList Text BtnFDAdd BtnFDRemove BtnFDConfigure BtnSetDirectory ", "LstName ",
+          "TgEnableTracing TxtTraceFile BtnTFileBrowse TxtTraceLib BtnTLibBrowse ", "LstAbtDesc "}) {
         std::string order;
         for (int times = 0; times < 2; ++times) {
             do {
@@ -102,6 +101,28 @@ TEST_F(MainWindowTest, TabLeadsAsTheEyeReadsFromTheFirstWidgetOfEachPage) {
         const std::size_t half = order.size() / 2;
         EXPECT_TRUE(order.starts_with(once)) << order;
         EXPECT_EQ(order.substr(0, half), order.substr(half));
+        key(XK_Next, XK_Control_L);
+    }
+}
+
+TEST_F(MainWindowTest, NamesDoNotMakeTheWindowWideAndNothingIsCutOffInTheLeastOne) {
+    openWith("[ODBC Data Sources]\n" + std::string(200, 'w') + "=Recorder\n");
+    const Place first = placeOf(ShODBCAdmin);
+    EXPECT_GE(first.width, 700);
+    EXPECT_LE(first.width, std::max(700, WidthOfScreen(XtScreen(ShODBCAdmin)) * 6 / 10));
+    EXPECT_LE(placeOf(LbColDate).x + placeOf(LbColDate).width, placeOf(scrolledWin2).x + placeOf(scrolledWin2).width);
+    XResizeWindow(display, XtWindow(ShODBCAdmin), 1, 1);
+    ASSERT_TRUE(waitFor([&first] { return placeOf(ShODBCAdmin).width < first.width; }));
+    for (const auto& [above, below] : {std::pair{ScrWinLists, TxtODBCDesc},
+                                       {BtnSetDirectory, TxtFDDesc},
+                                       {scrolledWin2, TxtDriversDesc},
+                                       {child(FrmTrace, "FramConfigTracing"), TxtTraceDesc},
+                                       {ScrAboutLists, TxtAboutDesc}}) {
+        settle();
+        const Place low = placeOf(below);
+        EXPECT_GE(placeOf(above).width, 90) << XtName(above);
+        EXPECT_LT(placeOf(above).y + placeOf(above).height, low.y) << XtName(above);
+        EXPECT_LT(low.y + low.height, placeOf(BtnOK).y) << XtName(below);
         key(XK_Next, XK_Control_L);
     }
 }

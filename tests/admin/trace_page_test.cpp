@@ -1,5 +1,6 @@
 #include "tests/support/window_test.h"
 
+#include <cstring>
 #include <filesystem>
 #include <tuple>
 
@@ -67,6 +68,45 @@ TEST_F(TracePageTest, PathsAreStoredExactlyOrNotAtAll) {
     click(TgEnableTracing);
     expectOn(false);
     EXPECT_TRUE(XtIsSensitive(BtnApply));
+}
+
+TEST_F(TracePageTest, ProgramsTraceAsThePageSaysOrItSaysWhyNot) {
+    const std::string log = files.path("t.log");
+    files.write("books.db", "");
+    files.write(OdbcFiles::kDrivers, "[SQLite]\nDriver=" VH_TEST_SQLITE_DRIVER "\n");
+    const auto traced = [&] {
+        remove(log.c_str());
+        outputOf("echo 'select 1' | isql -b -k 'DRIVER=SQLite;Database=" + files.path("books.db") + "'");
+        return files.read("t.log").find("SQLDriverConnect") != std::string::npos;
+    };
+    const auto apply = [](const std::string& file) {
+        XmToggleButtonSetState(TgEnableTracing, True, True);
+        XmTextSetString(TxtTraceFile, const_cast<char*>(file.c_str()));
+        click(BtnApply);
+    };
+    openPage("TRACE=0\n");
+    apply(log);
+    EXPECT_TRUE(traced());
+    click(TgEnableTracing);
+    click(BtnApply);
+    EXPECT_FALSE(traced());
+    EXPECT_EQ(files.read(".odbcinst.ini"), "(missing)");
+    const std::string mine = "# mine\n[X]\nTrace=1";
+    files.write(".odbcinst.ini", mine);
+    for (const auto& [file, reason] : {std::pair{""s, Message::kTraceNoPath},
+                                       {"t.log", Message::kTraceRelativePath},
+                                       {"/" + std::string(62, 't'), Message::kTracePathTooLong},
+                                       {"/none/t.log", Message::kTraceNotWritable}}) {
+        apply(file);
+        EXPECT_EQ(answer("OK"), catalogText(reason, {file, std::strerror(ENOENT)}));
+        EXPECT_EQ(files.read(".odbcinst.ini"), mine) << file;
+        EXPECT_EQ(files.section("ODBC"), "TRACE=1|TraceFile=" + file + "|TraceDll=");
+    }
+    EXPECT_NE(textOf(LblTraceState), " ");
+    files.write(OdbcFiles::kDrivers, "[ODBC]\nPooling=No\n");
+    apply(log);
+    EXPECT_NE(answer("OK").find(files.path(OdbcFiles::kDrivers)), std::string::npos);
+    EXPECT_EQ(files.read(".odbcinst.ini"), mine);
 }
 
 TEST_F(TracePageTest, BrowsingFillsTheFieldOrLeavesIt) {

@@ -204,6 +204,17 @@ TEST_F(UserDsnPageTest, OddNamesActOnThemselvesOrNotAtAll) {
     EXPECT_EQ(files.summary(), "ODBC Data Sources{ab=Recorder|Pair=Recorder|PAIR=Recorder} ab{X=2} Pair{X=3}");
 }
 
+TEST_F(UserDsnPageTest, NamesInScriptsThatTheFontLacksAreDrawnAndActed) {
+    openWith("[ODBC Data Sources]\nä名前=Recorder\n[ä名前]\nDriver=Recorder\n");
+    XmRenderTable fonts = nullptr;
+    XtVaGetValues(LstUName, XmNrenderTable, &fonts, nullptr);
+    XmStringTag* tags = nullptr;
+    EXPECT_EQ(XmRenderTableGetTags(fonts, &tags), 2);
+    clickRow(LstUName, 1);
+    click(BtnConfigure);
+    EXPECT_EQ(calls(), call(2, "Recorder", "DSN=ä名前\0Driver=Recorder\0\0"s));
+}
+
 TEST_F(UserDsnPageTest, AFileThatCannotBeReadEndsTheProgramWhateverElseIsReported) {
     mkdir(files.path(OdbcFiles::kUser).c_str(), 0700);
     // The missing driver file is reported later, and must not hide it.

@@ -1,7 +1,5 @@
-// The setup dialog over the administrator's window, used by keyboard.
-#include "tests/support/window_test.h"
+#include "tests/setup/setup_dialog_test.h"
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
 
@@ -11,14 +9,12 @@
 
 namespace {
 
-const std::string kForm = "vhsetup23.FormSetup";
-
-class SetupFormTest : public WindowTest {
+class SetupFormTest : public SetupDialogTest {
 protected:
     SetupFormTest() {
         files.write(OdbcFiles::kDrivers,
                     "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
-                    "\n[Silent]\nDriver=/none.so\nSetup=" VH_TEST_SETUP_LIBRARY
+                    "\n[Silent]\nDriver=" VH_TEST_CRASHING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Working]\nDriver=" VH_TEST_SQLITE_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Zp]\nDriver=/none/psqlodbcw.so\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Tds]\nDriver=" VH_TEST_FREETDS_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
@@ -27,91 +23,6 @@ protected:
         openWith(dataSources);
         clickRow(LstUName, 1);
     }
-    // Opens the dialog, does the steps while it runs an event loop of its own inside of the click, and checks that they
-    // end it.
-    static void inDialog(const std::function<void()>& steps, Widget button = BtnConfigure) {
-        inDialog(steps, [button] { click(button); });
-    }
-    static void inDialog(const std::function<void()>& steps, const std::function<void()>& open) {
-        Steps = steps;
-        wait();
-        open();
-        XtRemoveTimeOut(Timer);
-        EXPECT_FALSE(Steps) << "no dialog";
-    }
-    // All that follow wait until the dialog, or the box over it, has the keyboard.
-    static void enter(Inputs inputs) {
-        for (const Input& input : inputs) {
-            waitForDialog();
-            person().enter({input});
-        }
-    }
-    static void press(const std::string& button) {
-        waitForDialog();
-        click(inForm("." + button));
-    }
-    static std::string field(const std::string& name) {
-        waitForDialog();
-        Widget widget = inForm("*" + name);
-        return widget == nullptr ? "(none)" : textOf(widget);
-    }
-    static void moveTo(const std::string& name) {
-        waitForDialog();
-        XmProcessTraversal(inForm("*" + name), XmTRAVERSE_CURRENT);
-    }
-    // The message over the dialog.
-    static std::string message() {
-        if (!waitFor([] { return topBox() == XtNameToWidget(ShODBCAdmin, "*FormSetup*dialog"); })) {
-            return "(none)";
-        }
-        waitForDialog();
-        std::string line = stringOf(topBox(), XmNmessageString);
-        if (Widget records = XtNameToWidget(topBox(), "*TxtDiagnostics")) {
-            line += "\n" + textOf(records);
-        }
-        std::replace(line.begin(), line.end(), '\n', ' ');
-        return line;
-    }
-    static void expectMessage(const std::string& text) {
-        EXPECT_NE(message().find(text), std::string::npos) << message();
-    }
-    static Widget inForm(const std::string& path) { return child(ShODBCAdmin, kForm + path); }
-
-private:
-    // The dialog or the box over it; null when it is not open.
-    static Widget topBox() {
-        for (const char* name : {"*dialog", "*fileDialog", "*FormAbout", ""}) {
-            Widget box = XtNameToWidget(ShODBCAdmin, (kForm + name).c_str());
-            if (box != nullptr && XtIsManaged(box)) {
-                return box;
-            }
-        }
-        return nullptr;
-    }
-    static void waitForDialog() {
-        EXPECT_TRUE(waitUntil([] {
-            settle();
-            return isUp(topBox());
-        }));
-    }
-    static void wait() { Timer = XtAppAddTimeOut(app_context, 100, takeSteps, nullptr); }
-    static void takeSteps(XtPointer /*clientData*/, XtIntervalId* /*timer*/) {
-        if (topBox() != nullptr) {
-            if (Steps) {
-                std::exchange(Steps, nullptr)();
-                settle();
-            } else {
-                ADD_FAILURE() << "the dialog stays";
-                pressButton(inForm(".BtnCancel"));
-            }
-            // Only an event makes the loop look whether it is over.
-            person().key(XK_Shift_L);
-        }
-        wait();
-    }
-
-    static inline std::function<void()> Steps;
-    static inline XtIntervalId Timer;
 };
 
 // With a comment, which any write would drop.
@@ -215,17 +126,20 @@ TEST_F(SetupFormTest, ADriverOfAServerTakesALoginThatItDoesNotDescribe) {
     clickRow(LstUName, 2);
     inDialog([] {
         EXPECT_EQ(XtNameToWidget(ShODBCAdmin, "*TxtUID"), nullptr);
-        enter({XK_Escape});
+        moveTo("OptFKSupport");
+        EXPECT_EQ(field("LblHint"), "Foreign keys (FKSupport)");
+        enter({{XK_Down, 2}, XK_Return});
     });
+    EXPECT_EQ(files.section("B"), "Driver=Working|FKSupport=Yes");
     // One that reads a password as a part of an address, and more of them than its form has.
     clickRow(LstUName, 3);
     inDialog([] {
         moveTo("TxtPassword");
-        enter({"a%+", XK_Tab, XK_space, {XK_Tab, 2}, "sslpassword=b", {XK_Tab, 3}, XK_Return});
+        enter({"a%{+", XK_Tab, XK_space, {XK_Tab, 2}, "sslpassword=b", {XK_Tab, 3}, XK_Return});
     });
-    EXPECT_EQ(files.section("P"), "Driver=Zp|Password=a%25%2B|sslpassword=b");
+    EXPECT_EQ(files.section("P"), "Driver=Zp|Password=a%25%7B%2B|sslpassword=b");
     inDialog([] {
-        EXPECT_EQ(field("TxtPassword"), "***");
+        EXPECT_EQ(field("TxtPassword"), "****");
         moveTo("TglSavePassword");
         enter({XK_space, XK_Return});
     });
@@ -240,7 +154,7 @@ TEST_F(SetupFormTest, RowsBeyondTheScreenScrollIntoSightAsTheyAreReached) {
         return row.y >= window.y && row.y + row.height <= window.y + window.height;
     };
     inDialog([isInSight] {
-        EXPECT_LE(placeOf(inForm("")).height, 768 * 3 / 4);
+        EXPECT_LE(placeOf(inForm("")).height, 768 * 9 / 10);
         click(inForm("*TabAdvanced"));
         EXPECT_TRUE(isInSight("OptMode") && !isInSight("TxtMany30"));
         enter({{XK_Tab, 31}, "last"});
@@ -279,22 +193,25 @@ TEST_F(SetupFormTest, AFileDataSourceIsTriedAndChangedInItsOwnFile) {
         EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(saved ? 0600 : 0644));
     }
     // A new one with attributes that were typed: what can't be stored is named, and a password has a row.
-    replaceText(CurrentDriver, "Talker");
     replaceText(FileDSNName, files.path("new").c_str());
-    DsnType = kFileDataSource;
-    std::string list = "FILEDSN=" + files.path("new.dsn");
-    for (const char* item : {"DRIVER=Talker", " Mode = read", "tail", "#k=secret", "KeyPassword=q", "X=1", ""}) {
-        list += '\0' + std::string(item);
-    }
-    inDialog(
-        [] {
-            expectMessage(" tail #k=");
-            enter({XK_Return});
-            EXPECT_EQ(field("TxtKeyPassword"), "*");
-            enter({XK_Return});
-        },
-        [&list] { finish(nullptr, list.data()); });
+    const auto add = [](const char* driver, const std::string& attributes, const std::function<void()>& steps) {
+        replaceText(CurrentDriver, driver);
+        DsnType = kFileDataSource;
+        std::string list = "FILEDSN=" + std::string(FileDSNName) + ".dsn|" + attributes + "|";
+        std::replace(list.begin(), list.end(), '|', '\0');
+        inDialog(steps, [&list] { finish(nullptr, list.data()); });
+    };
+    add("Talker", "DRIVER=Talker| Mode = read|tail|#k=secret|KeyPassword=q|X=1", [] {
+        expectMessage(" tail #k=");
+        enter({XK_Return});
+        EXPECT_EQ(field("TxtKeyPassword"), "*");
+        enter({XK_Return});
+    });
     EXPECT_EQ(files.read("new.dsn"), "[ODBC]\nDriver=Talker\nMode=read\nX=1\n");
+    // The same driver that reads no login from a data source of the user gets one from a file.
+    replaceText(FileDSNName, files.path("login").c_str());
+    add("Tds", "UID=u|PWD=p", [] { enter({XK_Return}); });
+    EXPECT_EQ(files.read("login.dsn"), "[ODBC]\nDriver=Tds\nUID=u\n");
 }
 
 TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing) {
@@ -329,10 +246,10 @@ TEST_F(SetupFormTest, TestShowsAllThatTheDriverSaysOfWhatIsTypedAndStoresNothing
         expectMessage("The connection was made. The settings work.");
         enter({XK_Return});
         moveTo("TxtDatabase");
-        enter({XK_End, " Crash=1"});
+        enter({XK_End, " Exit=1"});
         press("BtnTest");
-        expectMessage("The driver ended its process: Segmentation fault");
-        expectMessage("The driver printed: before the end");
+        expectMessage("The driver ended its process: exit(3)");
+        expectMessage("The driver printed: before the end? what it tells after that");
         enter({XK_Return, XK_Escape});
     });
     EXPECT_EQ(files.read(OdbcFiles::kUser), before);
@@ -349,7 +266,7 @@ TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDu
         const std::string title = "About " + path.substr(path.rfind('/') + 1);
         const std::string facts =
             path + "\n" + version + "\n" + company + "\n" +
-            outputOf("date -r '" + path + "' +%x; echo $(($(stat -c %s '" + path + "') / 1024)) kb");
+            outputOf("date -r '" + path + "' +%x; echo $(($(stat -c %s '" + path + "') / 1024)) kB");
         inDialog([&] {
             press("BtnHelp");
             enter({XK_F1});

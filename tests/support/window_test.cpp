@@ -17,11 +17,13 @@
 
 #include "admin/dialogs.h"
 #include "admin/look.h"
+#include "admin/palette.h"
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
 #include "motifutil/key_stroke.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/true_color.h"
 
 namespace {
 
@@ -47,6 +49,8 @@ public:
         if (display == nullptr) {
             throw std::runtime_error("no display");
         }
+        setPalette(display);
+        workOutColours(app_context, display);
     }
     void TearDown() override {
         XtDestroyApplicationContext(app_context);
