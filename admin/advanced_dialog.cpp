@@ -56,7 +56,7 @@ void createAdvancedDialog() {
         .above(verify, kPageGap);
     leadTo(heading, TxtFDAdv, mnemonicFor(Message::kAdvancedHeading));
     serveKeys(XtParent(AdvFDDialog));
-    setHelpTopic(AdvFDDialog, "wizard-advanced");
+    setHelpTopic(AdvFDDialog, "advanced");
     XtVaSetValues(form, XmNdefaultButton, ok, XmNcancelButton, cancel, XmNinitialFocus, XtParent(TxtFDAdv), nullptr);
 }
 

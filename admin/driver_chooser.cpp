@@ -83,6 +83,10 @@ void offerAdvancedAttributes(bool offered) {
     }
 }
 
+int widthForDrivers() {
+    return Drivers.wantedWidth(3) + 2 * kPageMargin;
+}
+
 void CloseDriverPopup(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*callData*/) {
     XtUnmanageChild(DlgDriverPopup);
 }

@@ -18,6 +18,9 @@ void createDriverScreen(Widget parent, XtCallbackProc doubleClicked);
 // Shows or hides the button behind which attributes are typed, and gives the lists the room.
 void offerAdvancedAttributes(bool offered);
 
+// The width with which the screen shows names, versions and companies.
+int widthForDrivers();
+
 // Hides the dialog.
 void CloseDriverPopup(Widget widget, XtPointer clientData, XtPointer callData);
 // Keeps the selected row of the five lists in step and remembers the chosen driver in `CurrentDriver`.

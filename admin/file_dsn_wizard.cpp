@@ -4,6 +4,7 @@
 #include <Xm/Text.h>
 #include <Xm/TextF.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -15,6 +16,7 @@
 #include "admin/forms.h"
 #include "admin/globals.h"
 #include "admin/wizard_finish.h"
+#include "motifutil/font_size.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/spacing.h"
 #include "motifutil/widgets.h"
@@ -63,9 +65,25 @@ void labelFinish(Message::Number text) {
     setMnemonic(BtnFinish, mnemonicFor(text));
 }
 
+// Large letters, or long texts of drivers, need more than what the screen is shown with.
+void showScreen(Widget screen) {
+    // In percent of the monitor.
+    constexpr int kWidest = 90;
+    constexpr int kHighest = 60;
+    show_Form(screen);
+    int width = 0;
+    int height = 0;
+    XtVaGetValues(screen, XmNrightOffset, &width, XmNbottomOffset, &height, nullptr);
+    const Screen* monitor = XtScreen(screen);
+    const int wantedWidth = std::min(widthForDrivers(), monitor->width * kWidest / 100);
+    const int wantedHeight = std::min(scaled(screen, -height), monitor->height * kHighest / 100);
+    XtVaSetValues(screen, XmNrightOffset, -std::max(-width, wantedWidth), XmNbottomOffset,
+                  -std::max(-height, wantedHeight), nullptr);
+}
+
 void changeScreen(Widget from, Widget to, short number, Widget focus) {
     hide_Form(from);
-    show_Form(to);
+    showScreen(to);
     CurScreenAt = number;
     XmProcessTraversal(focus, XmTRAVERSE_CURRENT);
 }
@@ -143,7 +161,7 @@ void AddFDsn_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*ca
 
 void addDsn(short kind) {
     CurScreenAt = 1;
-    show_Form(FormScr1);
+    showScreen(FormScr1);
     hide_Form(FormScr2);
     hide_Form(FormScr3);
     DsnType = kind;

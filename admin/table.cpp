@@ -229,13 +229,14 @@ std::vector<int> Table::widthsFor(int view) const {
     return widths;
 }
 
-int Table::wantedWidth() const {
+int Table::wantedWidth(std::size_t columns) const {
     Widget scrollBar = nullptr;
     Dimension width = 0;
     XtVaGetValues(window_, XmNverticalScrollBar, &scrollBar, XmNwidth, &width, nullptr);
     const int most = scaled(window_, kLongestText);
     return std::accumulate(
-        columns_.begin(), columns_.end(), width - viewWidth(window_) + preferredWidth(scrollBar),
+        columns_.begin(), columns_.begin() + static_cast<std::ptrdiff_t>(columns),
+        width - viewWidth(window_) + preferredWidth(scrollBar),
         [most](int sum, const Column& column) { return sum + std::min(wantedWidthOf(column), most) + kColumnRoom; });
 }
 

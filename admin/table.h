@@ -33,9 +33,10 @@ public:
     // Moves the headers with the lists, from a callback of the horizontal scroll bar with this `callData`.
     void scrollHeaders(XtPointer callData) const;
 
-    // The width, in pixels, with which the window around the lists shows every column and a vertical scroll bar; of a
-    // long text no more than a person reads at a glance.
-    int wantedWidth() const;
+    // The width, in pixels, with which the window around the lists shows so many columns, from the left, and a vertical
+    // scroll bar; of a long text no more than a person reads at a glance.
+    int wantedWidth(std::size_t columns) const;
+    int wantedWidth() const { return wantedWidth(columns_.size()); }
 
     // Selects the row that is selected in `clicked` in all lists, without notification, moves the keyboard to it when
     // it was clicked in another column than the first, and brings it into sight. The lists are as long as they have

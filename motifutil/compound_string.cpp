@@ -1,6 +1,5 @@
 #include "motifutil/compound_string.h"
 
-#include <array>
 #include <new>
 
 #include "motifutil/script_fonts.h"
@@ -20,23 +19,28 @@ XmStringPtr compoundString(const std::string& text) {
 }
 
 std::string plainText(XmString text) {
-    // Without a mapping Motif leaves the ends of lines, and tabs, out.
-    static char newline[] = "\n";
-    static char tab[] = "\t";
-    const XmStringPtr separator(XmStringSeparatorCreate());
-    const XmStringPtr tabulator(XmStringComponentCreate(XmSTRING_COMPONENT_TAB, 0, nullptr));
-    const auto mapping = [](char* pattern, XmString substitute) {
-        ArgumentList arguments;
-        arguments.set(XmNpattern, pattern).set(XmNsubstitute, substitute).set(XmNincludeStatus, XmINSERT);
-        return XmParseMappingCreate(arguments.data(), arguments.size());
-    };
-    std::array mappings{mapping(newline, separator.get()), mapping(tab, tabulator.get())};
-    const XtTextPtr plain(static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT,
-                                                             mappings.data(), mappings.size(), XmOUTPUT_ALL)));
-    for (XmParseMapping each : mappings) {
-        XmParseMappingFree(each);
+    // Not by XmStringUnparse: it leaves out the ends of lines and tabs, and frees twice what has a rendition of its
+    // own.
+    std::string plain;
+    XmStringContext context = nullptr;
+    if (XmStringInitContext(&context, text) == 0) {
+        return plain;
     }
-    return plain ? std::string(plain.get()) : std::string();
+    unsigned int length = 0;
+    XtPointer value = nullptr;
+    XmStringComponentType type = XmSTRING_COMPONENT_END;
+    while ((type = XmStringGetNextTriple(context, &length, &value)) != XmSTRING_COMPONENT_END) {
+        const XtTextPtr owned(static_cast<char*>(value));
+        if (type == XmSTRING_COMPONENT_TEXT || type == XmSTRING_COMPONENT_LOCALE_TEXT) {
+            plain.append(owned.get(), length);
+        } else if (type == XmSTRING_COMPONENT_SEPARATOR) {
+            plain += '\n';
+        } else if (type == XmSTRING_COMPONENT_TAB) {
+            plain += '\t';
+        }
+    }
+    XmStringFreeContext(context);
+    return plain;
 }
 
 std::string wrapped(const std::string& text, XmRenderTable fonts, int most) {

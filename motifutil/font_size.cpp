@@ -1,5 +1,6 @@
 #include "motifutil/font_size.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -27,7 +28,7 @@ XmRendition shrunk(Widget widget, XmRenderTable fonts, XmStringTag tag, int heig
     if (type == XmFONT_IS_XFT) {
         XtSetArg(arguments[0], const_cast<char*>(XmNfontType), type);
         XtSetArg(arguments[1], const_cast<char*>(XmNfontName), name);
-        XtSetArg(arguments[2], const_cast<char*>(XmNfontSize), size * height / lineHeight(fonts));
+        XtSetArg(arguments[2], const_cast<char*>(XmNfontSize), size * height / std::max(lineHeight(fonts), 1));
         smaller = XmRenditionCreate(widget, tag, arguments, XtNumber(arguments));
     }
     XmRenditionFree(whole);

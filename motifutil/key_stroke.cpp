@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cwchar>
 #include <cwctype>
 #include <iterator>
+#include <string>
+
+#include "motifutil/characters.h"
 
 namespace {
 
@@ -53,35 +55,6 @@ KeyStroke keyStrokeOf(XEvent* event) {
         stroke.symbol = synonym->key;
     }
     return stroke;
-}
-
-std::wstring charactersOf(const std::string& text) {
-    std::wstring characters;
-    std::mbstate_t state{};
-    for (std::size_t place = 0; place < text.size();) {
-        wchar_t character = 0;
-        std::size_t length = std::mbrtowc(&character, &text[place], text.size() - place, &state);
-        if (length == 0 || length > text.size()) {
-            character = static_cast<unsigned char>(text[place]);
-            length = 1;
-            state = {};
-        }
-        characters += character;
-        place += length;
-    }
-    return characters;
-}
-
-std::wstring lowerCase(const std::string& text) {
-    std::wstring characters = charactersOf(text);
-    for (wchar_t& character : characters) {
-        character = lowerCase(character);
-    }
-    return characters;
-}
-
-wchar_t lowerCase(wchar_t character) {
-    return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
 }
 
 void onKeyStroke(Widget widget, KeyHandler pressed) {

@@ -3,8 +3,6 @@
 
 #include <Xm/Xm.h>
 
-#include <string>
-
 struct KeyStroke {
     // Which key, one of the keypad as its like, Shift and Tab as Tab.
     KeySym symbol = NoSymbol;
@@ -16,12 +14,6 @@ struct KeyStroke {
 
 // Reads an event of the type KeyPress.
 [[nodiscard]] KeyStroke keyStrokeOf(XEvent* event);
-
-// The characters of a text in the encoding of the locale; bytes that are none stand for themselves.
-[[nodiscard]] std::wstring charactersOf(const std::string& text);
-// The same in lower case, for comparisons.
-[[nodiscard]] std::wstring lowerCase(const std::string& text);
-[[nodiscard]] wchar_t lowerCase(wchar_t character);
 
 // Calls `pressed` for the keys that a widget gets, before Motif acts on them, and leaves to Motif those for which it
 // returns false. The same function twice for one widget counts once.

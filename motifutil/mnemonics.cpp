@@ -8,13 +8,12 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
-#include <cwchar>
+#include <cstdint>
 #include <utility>
 
 #include "motifutil/catalog_text.h"
+#include "motifutil/characters.h"
 #include "motifutil/compound_string.h"
-#include "motifutil/key_stroke.h"
 
 namespace {
 
@@ -71,18 +70,6 @@ constexpr KeySym kBehindLatin1Keys = 0x100;
 constexpr KeySym kUnicodeKeys = 0x1000000;
 constexpr KeySym kBehindAscii = 0x80;
 
-// In the encoding of the locale.
-std::string bytesOf(const std::wstring& characters) {
-    std::string bytes;
-    for (const wchar_t character : characters) {
-        std::array<char, MB_LEN_MAX> buffer{};
-        std::mbstate_t state{};
-        const std::size_t length = std::wcrtomb(buffer.data(), character, &state);
-        bytes.append(buffer.data(), length <= buffer.size() ? length : 0);
-    }
-    return bytes;
-}
-
 // Underlines the letter by a rendition of its own, and nothing for 0: Motif underlines the letters of ASCII alone.
 void mark(Widget labelled, wchar_t letter) {
     static char tag[] = "mnemonic";
@@ -90,8 +77,7 @@ void mark(Widget labelled, wchar_t letter) {
     const std::size_t place = std::min(label.find(letter), label.size());
     XmStringPtr text = compoundString(bytesOf(label.substr(0, place)));
     if (place < label.size()) {
-        const XmStringPtr marked(
-            XmStringGenerate(bytesOf(label.substr(place, 1)).data(), nullptr, XmCHARSET_TEXT, tag));
+        const XmStringPtr marked(XmStringCreate(bytesOf(label.substr(place, 1)).data(), tag));
         const XmStringPtr rest = compoundString(bytesOf(label.substr(place + 1)));
         text.reset(XmStringConcatAndFree(text.release(), XmStringConcat(marked.get(), rest.get())));
         XmRenderTable table = nullptr;
@@ -116,7 +102,7 @@ std::string mnemonicFor(Message::Number label) {
 }
 
 void underline(Widget labelled, wchar_t letter) {
-    const auto character = static_cast<KeySym>(letter);
+    const KeySym character = static_cast<std::uint32_t>(letter);
     if (character >= kBehindAscii || mnemonicOf(labelled) >= static_cast<wchar_t>(kBehindAscii)) {
         mark(labelled, character >= kBehindAscii ? letter : L'\0');
     }

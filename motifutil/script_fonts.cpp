@@ -5,9 +5,10 @@
 #include <langinfo.h>
 
 #include <cstring>
-#include <cwchar>
 #include <map>
 #include <memory>
+
+#include "motifutil/characters.h"
 
 namespace {
 
@@ -34,25 +35,6 @@ struct Fonts {
 Fonts& fonts() {
     static Fonts instance;
     return instance;
-}
-
-// The characters of a text in the locale's encoding, each with its bytes; what is none is left out.
-std::vector<std::pair<wchar_t, std::string>> charactersOf(const std::string& text) {
-    std::vector<std::pair<wchar_t, std::string>> characters;
-    std::mbstate_t state{};
-    for (std::size_t at = 0; at < text.size();) {
-        wchar_t character = 0;
-        const std::size_t length = std::mbrtowc(&character, text.data() + at, text.size() - at, &state);
-        if (length == 0 || length > text.size() - at) {
-            characters.emplace_back(0, text.substr(at, 1));
-            state = {};
-            ++at;
-            continue;
-        }
-        characters.emplace_back(character, text.substr(at, length));
-        at += length;
-    }
-    return characters;
 }
 
 bool isOwn(wchar_t character) {
@@ -131,7 +113,7 @@ std::string tagFor(wchar_t character) {
 void choose(Widget text, XtPointer family, XtPointer /*callData*/) {
     std::vector<wchar_t> lacking;
     char* content = XmTextGetString(text);
-    for (const auto& [character, bytes] : charactersOf(content == nullptr ? "" : content)) {
+    for (const auto& [character, bytes] : split(content == nullptr ? "" : content)) {
         if (!isOwn(character)) {
             lacking.push_back(character);
         }
@@ -181,7 +163,7 @@ std::vector<FontRun> fontRuns(const std::string& text) {
         return {{text, ""}};
     }
     std::vector<FontRun> runs{{"", ""}};
-    for (const auto& [character, bytes] : charactersOf(text)) {
+    for (const auto& [character, bytes] : split(text)) {
         const std::string tag = isOwn(character) ? "" : tagFor(character);
         if (tag != runs.back().tag) {
             runs.push_back({"", tag});

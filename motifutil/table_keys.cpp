@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <string>
 
+#include "motifutil/characters.h"
 #include "motifutil/key_stroke.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/widgets.h"

@@ -221,8 +221,8 @@ Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCa
     }
     if (acted != nullptr) {
         XtAddCallback(list, XmNdefaultActionCallback, acted, nullptr);
-        keepReturn(list);
     }
+    keepReturn(list);
     return list;
 }
 

@@ -41,7 +41,7 @@ Widget createTemplateDialog(Widget parent, const char* name, Message::Number tit
 // A scrolled window that clips its work area and shows scroll bars as they are needed.
 Widget createScrolledWindow(Widget parent, const char* name);
 // A single-selection list, as wide as its widest item or, with XmCONSTANT, of a width of its own. `acted` is its
-// default action: a double click, and Return, which then presses no button of the window.
+// default action: a double click, and Return, which presses no button of the window, with or without one.
 Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc acted,
                   unsigned char sizePolicy = XmVARIABLE);
 // Lets a widget act by this translation table before its own.

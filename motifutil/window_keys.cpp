@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "motifutil/characters.h"
 #include "motifutil/dialog_focus.h"
 #include "motifutil/key_stroke.h"
 #include "motifutil/mnemonics.h"

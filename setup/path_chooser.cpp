@@ -11,7 +11,6 @@
 
 namespace {
 
-
 void cancelled(Widget box, XtPointer /*clientData*/, XtPointer /*callData*/) {
     XtDestroyWidget(XtParent(box));
 }

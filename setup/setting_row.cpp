@@ -27,6 +27,8 @@
 namespace {
 
 constexpr short kTextColumns = 42;
+// What a text may take of the screen's width at first, in percent: a label stands before it, and a button may behind.
+constexpr int kWidestText = 45;
 constexpr short kChoiceColumns = 16;
 constexpr int kMostVisibleChoices = 10;
 
@@ -38,12 +40,22 @@ std::string widgetName(const char* prefix, const std::string& key, const char* s
     return name;
 }
 
+// A field as wide as most values are, or as there is room for.
+Widget createField(Widget parent, const std::string& name) {
+    Widget field = createTextField(parent, name.c_str());
+    XtVaSetValues(field, XmNcolumns, kTextColumns, nullptr);
+    const int most = WidthOfScreen(XtScreen(field)) * kWidestText / 100;
+    if (const int wanted = preferredWidth(field); wanted > most) {
+        XtVaSetValues(field, XmNcolumns, static_cast<short>(kTextColumns * most / wanted), nullptr);
+    }
+    return field;
+}
+
 class TextRow : public SettingRow {
 public:
     TextRow(Widget parent, const std::string& key, const std::string& fieldName, const std::string& value)
         : SettingRow(parent, key) {
-        field_ = createTextField(parent, fieldName.c_str());
-        XtVaSetValues(field_, XmNcolumns, kTextColumns, nullptr);
+        field_ = createField(parent, fieldName);
         XmTextFieldSetString(field_, const_cast<char*>(value.c_str()));
         filled();
     }
@@ -110,8 +122,7 @@ public:
     PasswordRow(Widget parent, const DriverProperty& property, const std::string& value, bool isInFile)
         : SettingRow(parent, property.key), isPercentEncoded_(property.isPercentEncoded) {
         const std::string& key = property.key;
-        field_ = createTextField(parent, widgetName("Txt", key).c_str());
-        XtVaSetValues(field_, XmNcolumns, kTextColumns, nullptr);
+        field_ = createField(parent, widgetName("Txt", key));
         // First the verifier: the field itself never sees the password, not even the stored one.
         XtAddCallback(field_, XmNmodifyVerifyCallback, checkPassword, static_cast<XtPointer>(&password_));
         std::string shown = isPercentEncoded_ ? percentDecoded(value) : value;

@@ -292,6 +292,7 @@ void SettingRows::show(int width, int height) {
         Attach(further_->hint()).bottomForm();
         Attach(further_->frame()).bottomForm(preferredHeight(further_->hint()));
     }
+    leastWidth_ = width < width_ ? width_ : 1;
     if (height < height_) {
         Widget scrollBar = nullptr;
         XtVaGetValues(window_, XmNverticalScrollBar, &scrollBar, nullptr);
@@ -300,10 +301,11 @@ void SettingRows::show(int width, int height) {
     XtVaSetValues(window_, XmNwidth, width + kFrame, XmNheight, height + kFrame, nullptr);
 }
 
-// Lets the rows have the width of the window, and its height where that is more than they need.
+// Lets the rows have the width of the window, unless the screen was too narrow for them, and its height where that is
+// more than they need.
 void SettingRows::fit() {
     const Page& page = pages_[front_];
-    XtVaSetValues(page.form, XmNwidth, static_cast<Dimension>(std::max(viewWidth(window_), 1)), XmNheight,
+    XtVaSetValues(page.form, XmNwidth, static_cast<Dimension>(std::max(viewWidth(window_), leastWidth_)), XmNheight,
                   static_cast<Dimension>(std::max(viewHeight(window_), page.height)), nullptr);
 }
 

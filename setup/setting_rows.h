@@ -93,6 +93,7 @@ private:
     std::vector<std::unique_ptr<SettingRow>> rows_;
     std::unique_ptr<FurtherSettings> further_;
     int width_ = 0;
+    int leastWidth_ = 1;
     int height_ = 0;
 };
 

@@ -33,6 +33,8 @@ namespace {
 
 // The share of the screen's height that the dialog takes before its rows scroll, in percent.
 constexpr int kLargestShare = 85;
+// The same of its width.
+constexpr int kWidestShare = 94;
 // What is seen of the rows at least, in pixels, however small the screen or the window.
 constexpr int kLeastRows = 110;
 // What is told of attributes that are left out: so many, so many bytes of each.
@@ -203,7 +205,14 @@ void SetupForm::setSizes() {
                        (rows_->tabs() != nullptr ? preferredHeight(rows_->tabs()) + kWindowGap : 0) +
                        (hint_ ? preferredHeight(hint_->line()) + 2 * kRowGap - kWindowGap : 0);
     const int most = HeightOfScreen(XtScreen(form_)) * kLargestShare / 100 - around;
-    const int width = std::max<int>(rows_->width(), 5 * preferredWidth(btnOk_) + 6 * kWindowGap);
+    const int widest = WidthOfScreen(XtScreen(form_)) * kWidestShare / 100;
+    if (rows_->width() > widest) {
+        // They are as wide as the rows.
+        for (Widget field : {name_->field(), description_->field()}) {
+            XtVaSetValues(field, XmNcolumns, 1, nullptr);
+        }
+    }
+    const int width = std::max<int>(std::min(rows_->width(), widest), 5 * preferredWidth(btnOk_) + 6 * kWindowGap);
     rows_->show(width, std::min(rows_->height(), std::max(most, kLeastRows)));
     Dimension shown = 0;
     XtVaGetValues(rows_->window(), XmNwidth, &shown, nullptr);

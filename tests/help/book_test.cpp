@@ -85,7 +85,7 @@ TEST_F(BookTest, ShowsTopicsFindsWordsAndKeepsFavorites) {
         {"four slashes: Add a data source, step by step" + end + "[pane-contents] ", "Press Add"},
         {"index: Getting started" + end + "[pane-index] ", "What would you like to do?"},
         {"other book: Contents" + end + "[pane-search] ", "There is no help topic add."},
-        {"navigation: Tracing" + end + "[pane-contents] ", "unixODBC does not."},
+        {"navigation: Tracing" + end + "[pane-contents] ", "unixODBC can't always follow."},
         {"pictures: all there", ""},
         {"search PASSW plain: ", "Passwords The setup dialog"},
         {"after search: File data sources" + end + "[pane-search]", "is saved only if you tick"},

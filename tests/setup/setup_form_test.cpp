@@ -316,7 +316,7 @@ TEST_F(SetupFormTest, EveryWindowIsReachedByLettersOfItsOwnAndLeftByEscapeAndHas
     press(XK_a);
     look(DlgDriverPopup, "wizard");
     press(XK_a);
-    look(AdvFDDialog, "wizard-advanced");
+    look(AdvFDDialog, "advanced");
     key(XK_Escape);
     EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
     press(XK_n);

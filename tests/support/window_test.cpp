@@ -21,7 +21,7 @@
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
-#include "motifutil/key_stroke.h"
+#include "motifutil/characters.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/true_color.h"
 
