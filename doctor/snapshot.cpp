@@ -155,6 +155,8 @@ void addManagers(Account& account, const Folders& otherFolders) {
         patterns.push_back(folder + "/libodbc.so.[0-9]*");
         patterns.push_back(folder + "/libiodbc.so.[0-9]*");
     }
+    // The system's own, where a variable of the loader hides it.
+    patterns.emplace_back("/usr/lib/*-linux-gnu/libodbc.so.[0-9]*");
     for (const std::string& prefix : {account.home + "/.local", std::string("/usr/local"), std::string("/usr")}) {
         patterns.push_back(prefix + "/lib/python3*/*-packages/*.libs/lib*odbc*.so*");
     }
@@ -186,10 +188,12 @@ void addManagers(Account& account, const Folders& otherFolders) {
 // What the loader says, in another process: a library may do anything when it is loaded.
 void load(LibraryFacts& facts) {
     DriverProcess process([path = facts.path] {
-        if (dlopen(path.c_str(), RTLD_LAZY) == nullptr) {
-            return std::string("L") + dlerror();
+        // Functions that are nowhere matter to the loader only when it is to find all at once.
+        if (dlopen(path.c_str(), RTLD_NOW) != nullptr) {
+            return std::string();
         }
-        return dlopen(path.c_str(), RTLD_NOW) == nullptr ? std::string("N") + dlerror() : std::string();
+        const std::string words = dlerror();
+        return dlopen(path.c_str(), RTLD_LAZY) == nullptr ? std::string("L") + dlerror() : "N" + words;
     });
     const std::optional<DriverProcess::End> end = process.waitForEnd(kPatience);
     if (!end) {
@@ -207,7 +211,12 @@ void addLibraries(Account& account, const Folders& otherFolders) {
     for (const DriverManager& manager : account.managers) {
         folders.push_back(folderOf(manager.path));
     }
-    const std::string modules = account.managers.empty() ? "" : folderOf(account.managers.front().path) + "/odbc";
+    // The directory of drivers is written into the manager; distributions have it beside that.
+    std::string modules;
+    for (const DriverManager& manager : account.managers) {
+        const std::string folder = folderOf(manager.path) + "/odbc";
+        modules = modules.empty() && access(folder.c_str(), F_OK) == 0 ? folder : modules;
+    }
     for (const std::string& name : named.drivers) {
         LibraryFacts facts = examineLibrary(name, modules, folders);
         if (facts.kind == LibraryKind::kLibrary && facts.absent.empty() && facts.absentVersions.empty()) {
