@@ -10,6 +10,7 @@
 #include <new>
 #include <vector>
 
+#include "installer/driver_process.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/component_version.h"
 #include "motifutil/icons.h"
@@ -18,7 +19,6 @@
 #include "motifutil/widgets.h"
 #include "motifutil/window_help.h"
 #include "motifutil/window_keys.h"
-#include "installer/driver_process.h"
 #include "setup/logo_icon.h"
 #include "setup/setup_texts.h"
 

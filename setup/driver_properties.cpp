@@ -16,8 +16,8 @@
 
 #include "bos/library.h"
 #include "installer/configuration.h"
-#include "setup/driver_files.h"
 #include "installer/driver_process.h"
+#include "setup/driver_files.h"
 #include "setup/settings.h"
 
 namespace {
