@@ -82,7 +82,8 @@ Folders split(const std::string& path, const std::string& origin) {
 // The first library of the name that is made for this machine.
 std::string findIn(const Folders& folders, const std::string& name) {
     for (const std::string& folder : folders) {
-        const std::string path = folder + "/" + name;
+        std::string path = folder;
+        path.append("/").append(name);
         if (isThere(path) && readElf(path).kind == ElfFile::kLibrary) {
             return path;
         }
