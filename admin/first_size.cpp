@@ -24,7 +24,7 @@ constexpr int kRowHeight = 19;
 // What there is above and below the lists of files: letters, and room between them that does not grow with them, with
 // what a window manager draws around the window.
 constexpr int kAboveAndBelowLetters = 140;
-constexpr int kAboveAndBelowRoom = 266;
+constexpr int kAboveAndBelowRoom = 286;
 // Of the screen's width, in percent.
 constexpr int kLargestShare = 60;
 constexpr int kMostRows = 10;

@@ -34,13 +34,13 @@ bool isLight(const Rgb& colour) {
 }
 
 // The user's colour for all widgets of this program.
-std::optional<Rgb> usersColour(Display* connection, const std::string& program, const char* name,
-                               const char* className) {
+std::optional<Rgb> usersColour(Display* connection, const std::string& program, const std::string& name,
+                               const std::string& className) {
     char* type = nullptr;
     XrmValue value{};
     XColor colour{};
     if (XrmGetResource(XtDatabase(connection), (program + "." + name).c_str(),
-                       ("ODBC Administrator." + std::string(className)).c_str(), &type, &value) == 0 ||
+                       ("ODBC Administrator." + className).c_str(), &type, &value) == 0 ||
         XParseColor(connection, DefaultColormap(connection, DefaultScreen(connection)),
                     static_cast<const char*>(value.addr), &colour) == 0) {
         return std::nullopt;
@@ -95,6 +95,11 @@ constexpr std::pair<const char*, Rgb Palette::*> kUses[] = {
     {"*TxtDriversDesc.background", &Palette::ground},
     {"*TxtTraceDesc.background", &Palette::ground},
     {"*TxtAboutDesc.background", &Palette::ground},
+    {"*TxtODBCDesc.foreground", &Palette::ink},
+    {"*TxtFDDesc.foreground", &Palette::ink},
+    {"*TxtDriversDesc.foreground", &Palette::ink},
+    {"*TxtTraceDesc.foreground", &Palette::ink},
+    {"*TxtAboutDesc.foreground", &Palette::ink},
 };
 
 }  // namespace
@@ -131,11 +136,29 @@ void setPalette(Display* connection) {
     const std::string prefix = colours == usersColours(connection, kAnyOtherProgram) ? "" : programName;
     const Palette palette = paletteOf(colours.first, colours.second);
     std::string lines;
-    for (const auto& [resource, part] : kUses) {
-        const Rgb& colour = palette.*part;
+    const auto set = [&lines, &prefix](const std::string& resource, const Rgb& colour) {
         char text[8];
         std::snprintf(text, sizeof text, "#%02x%02x%02x", colour.red & 255, colour.green & 255, colour.blue & 255);
-        lines += prefix + resource + ": " + text + "\n";
+        lines.append(prefix).append(resource).append(": ").append(text).append("\n");
+    };
+    for (const auto& [resource, part] : kUses) {
+        set(resource, palette.*part);
+    }
+    // Whoever chose the ink of fields alone gets a ground for it.
+    const std::string kList = "XmList";
+    for (const std::string& kind : {std::string("XmTextField"), std::string("XmText"), kList}) {
+        const std::optional<Rgb> ink = usersColour(connection, programName, "x.foreground", kind + ".Foreground");
+        if (ink && ink != colours.second) {
+            const Palette own = paletteOf(std::nullopt, ink);
+            set("*" + kind + ".background", own.field);
+            set("*" + kind + ".selectColor", own.selection);
+            // What is around lists is as they are.
+            for (const auto& [resource, part] : kUses) {
+                if (part == &Palette::field && kind == kList && !std::string(resource).starts_with("*XmText")) {
+                    set(resource, own.field);
+                }
+            }
+        }
     }
     XrmDatabase users = XtDatabase(connection);
     XrmCombineDatabase(XrmGetStringDatabase(lines.c_str()), &users, False);

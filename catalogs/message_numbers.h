@@ -95,6 +95,7 @@ enum Number : std::uint32_t {
     kFileDsnUnreadable = 9055,
     kNoFileDsns = 9056,
     kNoFiles = 9129,
+    kDirectoryField = 9184,
     kFileIncomplete = 9037,
     kFileNamesNoDriver = 9106,
     kFileDriverUnknown = 9107,

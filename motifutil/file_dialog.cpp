@@ -38,6 +38,7 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
     const XmStringPtr ok = compoundString(catalogText(Message::kOk));
     const XmStringPtr cancel = compoundString(catalogText(Message::kCancel));
     const XmStringPtr filter = compoundString(catalogText(Message::kFilter));
+    const XmStringPtr directory = compoundString(catalogText(Message::kDirectoryField));
     const XmStringPtr nothing = compoundString(catalogText(Message::kNoFiles));
     ArgumentList arguments;
     // Names without their directory, which has a field of its own then.
@@ -53,6 +54,7 @@ Widget createFileDialog(Widget parent, const char* name, const std::string& titl
         .set(XmNcancelLabelString, cancel.get())
         .set(XmNfilterLabelString, filter.get())
         .set(XmNapplyLabelString, filter.get())
+        .set(XmNdirTextLabelString, directory.get())
         .set(XmNnoMatchString, nothing.get())
         .add(further);
     Widget box = XmCreateFileSelectionDialog(parent, const_cast<char*>(name), arguments.data(), arguments.size());
@@ -80,7 +82,7 @@ void finishFileSelection(Widget box) {
         leadTo(child(label), child(field), letter);
         XmIsList(child(field)) ? addTableKeys(child(field)) : hideIdleCursor(child(field));
     }
-    // There where names stand without their directories. Its label is Motif's own.
+    // There where names stand without their directories.
     if (Widget directory = XtNameToWidget(box, "DirText")) {
         leadTo(XtNameToWidget(box, "DirL"), directory);
     }

@@ -30,6 +30,7 @@ struct Fonts {
     XmRenderTable table = nullptr;            // The shell's own font and those that complete it.
     std::map<std::string, std::string> tags;  // By family.
     std::map<std::string, XmRenderTable> whole;
+    std::map<wchar_t, std::string> known;  // The tags of characters, empty where no font has them.
 };
 
 Fonts& fonts() {
@@ -88,8 +89,7 @@ XmRenderTable tableOf(const std::string& family) {
 
 // The tag of the font that has this character; empty for the shell's own, also where nothing has it.
 std::string tagFor(wchar_t character) {
-    static std::map<wchar_t, std::string> known;
-    const auto [place, isNew] = known.try_emplace(character);
+    const auto [place, isNew] = fonts().known.try_emplace(character);
     if (!isNew) {
         return place->second;
     }
@@ -130,6 +130,12 @@ void forgetFamily(Widget /*text*/, XtPointer family, XtPointer /*callData*/) {
     delete static_cast<std::string*>(family);
 }
 
+void forgetShell(Widget shell, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    if (fonts().shell == shell) {
+        fonts().shell = nullptr;
+    }
+}
+
 }  // namespace
 
 void completeFontsOf(Widget shell) {
@@ -149,13 +155,17 @@ void completeFontsOf(Widget shell) {
         return;
     }
     Fonts& all = fonts();
+    all = Fonts();
     Arg arguments[2];
     XtSetArg(arguments[0], const_cast<char*>(XmNxftFont), &all.own);
     XtSetArg(arguments[1], const_cast<char*>(XmNfontSize), &all.size);
     XmRenditionRetrieve(rendition, arguments, XtNumber(arguments));
     XmRenditionFree(rendition);
-    all.shell = all.own == nullptr ? nullptr : shell;
-    all.table = XmRenderTableCopy(table, nullptr, 0);
+    if (all.own != nullptr) {
+        all.shell = shell;
+        all.table = XmRenderTableCopy(table, nullptr, 0);
+        XtAddCallback(shell, XmNdestroyCallback, forgetShell, nullptr);
+    }
 }
 
 std::vector<FontRun> fontRuns(const std::string& text) {
@@ -174,7 +184,7 @@ std::vector<FontRun> fontRuns(const std::string& text) {
 }
 
 void giveFonts(Widget widget) {
-    if (!fonts().tags.empty()) {
+    if (fonts().shell != nullptr && !fonts().tags.empty()) {
         XtVaSetValues(widget, XmNrenderTable, fonts().table, nullptr);
     }
 }

@@ -20,8 +20,7 @@ struct FontRun {
 // The text in runs of one font each; one run without a tag for most texts.
 [[nodiscard]] std::vector<FontRun> fontRuns(const std::string& text);
 
-// Lets a widget that is there already draw the texts that were split until now; those that are made later have the
-// fonts from their shell.
+// Lets a widget draw the texts that were split until now: its shell may be older than one of them.
 void giveFonts(Widget widget);
 
 // Lets a text widget, which has one font, have one that draws all of its text, whenever that changes.

@@ -35,7 +35,9 @@ Widget made(Widget widget) {
 
 Widget createLabelled(Widget parent, const char* name, WidgetClass kind, const std::string& text) {
     const XmStringPtr label = compoundString(text);
-    return made(XtVaCreateManagedWidget(name, kind, parent, XmNlabelString, label.get(), nullptr));
+    Widget widget = made(XtVaCreateManagedWidget(name, kind, parent, XmNlabelString, label.get(), nullptr));
+    giveFonts(widget);
+    return widget;
 }
 
 void setCursorVisible(Widget text, XtPointer visible, XtPointer /*callData*/) {

@@ -160,8 +160,8 @@ bool turnPage(Widget shell, bool isBackward) {
     return true;
 }
 
-// Acts on what has this letter and can be reached; false when nothing has.
-bool pressMnemonic(Widget shell, wchar_t letter) {
+// Acts on what has this letter and can be reached, if anything.
+void pressMnemonic(Widget shell, wchar_t letter) {
     for (Widget widget : managedBelow(shell)) {
         Widget target = mnemonicTarget(widget);
         if (target == nullptr || mnemonicOf(widget) != letter || XmIsTraversable(target) == 0) {
@@ -173,9 +173,8 @@ bool pressMnemonic(Widget shell, wchar_t letter) {
         if (target == widget) {
             pressButton(target);
         }
-        return true;
+        return;
     }
-    return false;
 }
 
 bool keyPressed(Widget widget, XEvent* event) {
@@ -192,7 +191,12 @@ bool keyPressed(Widget widget, XEvent* event) {
         return turnPage(shell, stroke.symbol == XK_Left);
     }
     const bool isWithAlt = (stroke.modifiers & ~static_cast<unsigned int>(ShiftMask)) == Mod1Mask;
-    return isWithAlt && stroke.character != 0 && pressMnemonic(shell, stroke.character);
+    if (isWithAlt && stroke.character != 0) {
+        // A letter that nothing has is not meant to be typed into a field either.
+        pressMnemonic(shell, stroke.character);
+        return true;
+    }
+    return false;
 }
 
 void cameUp(Widget shell, XtPointer /*clientData*/, XtPointer /*callData*/) {
