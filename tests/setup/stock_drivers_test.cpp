@@ -160,7 +160,7 @@ TEST_F(StockDriversTest, EachIsListedAddedTriedConfiguredAndUsed) {
         names.push_back(driver.name);
     }
     EXPECT_EQ(rows(LstName), names);
-    int row = 0;
+    std::size_t row = 0;
     for (const std::string& version : rows(LstVersion)) {
         EXPECT_EQ(std::regex_search(version, std::regex("^[0-9.]+$")), names[row++] != "SQLite") << row << version;
     }
