@@ -34,7 +34,7 @@ namespace {
 // The share of the screen's height that the dialog takes before its rows scroll, in percent.
 constexpr int kLargestShare = 85;
 // The same of its width.
-constexpr int kWidestShare = 94;
+constexpr int kWidestShare = 90;
 // What is seen of the rows at least, in pixels, however small the screen or the window.
 constexpr int kLeastRows = 110;
 // What is told of attributes that are left out: so many, so many bytes of each.
