@@ -43,10 +43,14 @@ bool isOnRim(const Point& at, double middle) {
 // tick.
 unsigned long logoColour(const Point& at) {
     constexpr double kHalfTick = 2.25;
+    // Most of it is ground.
+    if (std::abs(at.x - 24) > 14 || at.y < 7.5 || at.y > 40.5) {
+        return kBlue;
+    }
     if (inEllipse(at, 13, 5.5) <= 1) {
         return kLid;
     }
-    const bool isInBody = std::abs(at.x - 24) <= 14 && at.y >= 17 && (at.y <= 35 || inEllipse(at, 35, 5.5) <= 1);
+    const bool isInBody = at.y >= 17 && (at.y <= 35 || inEllipse(at, 35, 5.5) <= 1);
     const bool isInTick = distanceToSegment(at, {15.5, 28}, {24, 39}) <= kHalfTick ||
                           distanceToSegment(at, {24, 39}, {32.5, 28}) <= kHalfTick;
     return isInBody && !isInTick && !isOnRim(at, 16.5) && !isOnRim(at, 25.5) ? kBody : kBlue;
@@ -70,6 +74,15 @@ unsigned long logoPixel(int column, int row, int size) {
     return pixel;
 }
 
+// Row by row.
+std::vector<unsigned long> drawLogo(int size) {
+    std::vector<unsigned long> picture;
+    for (int pixel = 0; pixel < size * size; ++pixel) {
+        picture.push_back(logoPixel(pixel % size, pixel / size, size));
+    }
+    return picture;
+}
+
 XColor colourOf(unsigned long pixel) {
     XColor colour{};
     const auto part = [pixel](int shift) { return static_cast<unsigned short>((pixel >> shift & 255) * 257); };
@@ -77,6 +90,56 @@ XColor colourOf(unsigned long pixel) {
     colour.green = part(8);
     colour.blue = part(0);
     return colour;
+}
+
+// For window managers that take a pixmap: the picture of the logo's own size.
+void setIconPixmap(Widget shell, const std::vector<unsigned long>& picture) {
+    Display* connection = XtDisplay(shell);
+    const int screen = DefaultScreen(connection);
+    const auto depth = static_cast<unsigned int>(DefaultDepth(connection, screen));
+    constexpr int kBitsOfAPixel = 32;
+    std::vector<char> data(picture.size() * kBitsOfAPixel / 8);
+    XImage* image = XCreateImage(connection, DefaultVisual(connection, screen), depth, ZPixmap, 0, data.data(),
+                                 kLogoSize, kLogoSize, kBitsOfAPixel, 0);
+    if (image == nullptr) {
+        return;
+    }
+    bool isDrawn = true;
+    for (int pixel = 0; pixel < kLogoSize * kLogoSize; ++pixel) {
+        XColor colour = colourOf(picture[static_cast<std::size_t>(pixel)]);
+        isDrawn = isDrawn && setPixel(connection, DefaultColormap(connection, screen), colour);
+        XPutPixel(image, pixel % kLogoSize, pixel / kLogoSize, colour.pixel);
+    }
+    // A server of few colours shows no icon, which it could show only in colours of others.
+    if (isDrawn) {
+        const Pixmap icon = XCreatePixmap(connection, RootWindow(connection, screen), kLogoSize, kLogoSize, depth);
+        GC context = XCreateGC(connection, icon, 0, nullptr);
+        XPutImage(connection, icon, context, image, 0, 0, 0, 0, kLogoSize, kLogoSize);
+        XFreeGC(connection, context);
+        setIcon(shell, XmNiconPixmap, icon);
+    }
+    image->data = nullptr;
+    XDestroyImage(image);
+}
+
+// Xt calls it when there is nothing else to do (XtWorkProc).
+Boolean drawIcon(XtPointer window) {
+    auto* shell = static_cast<Widget>(window);
+    // Each picture begins with its width and height.
+    std::vector<unsigned long> pictures;
+    for (const int size : {16, 32, kLogoSize, 64}) {
+        const std::vector<unsigned long> picture = drawLogo(size);
+        if (size == kLogoSize) {
+            setIconPixmap(shell, picture);
+        }
+        pictures.insert(pictures.end(), 2, static_cast<unsigned long>(size));
+        pictures.insert(pictures.end(), picture.begin(), picture.end());
+    }
+    // What has 32 bits on the wire is a long for Xlib (XChangeProperty).
+    XChangeProperty(XtDisplay(shell), XtWindow(shell), XInternAtom(XtDisplay(shell), "_NET_WM_ICON", False),
+                    XA_CARDINAL, 32, PropModeReplace, reinterpret_cast<const unsigned char*>(pictures.data()),
+                    static_cast<int>(pictures.size()));
+    return True;
 }
 
 std::vector<std::string>& restartCommand() {
@@ -95,48 +158,8 @@ void saveYourself(Widget shell, XtPointer /*clientData*/, XtPointer /*callData*/
 
 }  // namespace
 
-void setIconPixmap(Widget shell) {
-    Display* connection = XtDisplay(shell);
-    const int screen = DefaultScreen(connection);
-    const auto depth = static_cast<unsigned int>(DefaultDepth(connection, screen));
-    constexpr int kBitsOfAPixel = 32;
-    std::vector<char> data(std::size_t{kLogoSize} * kLogoSize * kBitsOfAPixel / 8);
-    XImage* image = XCreateImage(connection, DefaultVisual(connection, screen), depth, ZPixmap, 0, data.data(),
-                                 kLogoSize, kLogoSize, kBitsOfAPixel, 0);
-    if (image == nullptr) {
-        return;
-    }
-    bool isDrawn = true;
-    for (int pixel = 0; pixel < kLogoSize * kLogoSize; ++pixel) {
-        XColor colour = colourOf(logoPixel(pixel % kLogoSize, pixel / kLogoSize, kLogoSize));
-        isDrawn = isDrawn && setPixel(connection, DefaultColormap(connection, screen), colour);
-        XPutPixel(image, pixel % kLogoSize, pixel / kLogoSize, colour.pixel);
-    }
-    // A server of few colours shows no icon, which it could show only in colours of others.
-    if (isDrawn) {
-        const Pixmap icon = XCreatePixmap(connection, RootWindow(connection, screen), kLogoSize, kLogoSize, depth);
-        GC context = XCreateGC(connection, icon, 0, nullptr);
-        XPutImage(connection, icon, context, image, 0, 0, 0, 0, kLogoSize, kLogoSize);
-        XFreeGC(connection, context);
-        setIcon(shell, XmNiconPixmap, icon);
-    }
-    image->data = nullptr;
-    XDestroyImage(image);
-}
-
 void publishIcon(Widget shell) {
-    // Each picture begins with its width and height.
-    std::vector<unsigned long> pictures;
-    for (const int size : {16, 32, 48, 64}) {
-        pictures.insert(pictures.end(), 2, static_cast<unsigned long>(size));
-        for (int pixel = 0; pixel < size * size; ++pixel) {
-            pictures.push_back(logoPixel(pixel % size, pixel / size, size));
-        }
-    }
-    // What has 32 bits on the wire is a long for Xlib (XChangeProperty).
-    XChangeProperty(XtDisplay(shell), XtWindow(shell), XInternAtom(XtDisplay(shell), "_NET_WM_ICON", False),
-                    XA_CARDINAL, 32, PropModeReplace, reinterpret_cast<const unsigned char*>(pictures.data()),
-                    static_cast<int>(pictures.size()));
+    XtAppAddWorkProc(XtWidgetToApplicationContext(shell), drawIcon, shell);
 }
 
 void publishRestartCommand(Widget shell, std::vector<std::string> command) {

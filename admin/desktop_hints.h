@@ -7,11 +7,9 @@
 #include <string>
 #include <vector>
 
-// Gives a shell that is not realized yet its icon for window managers that take a pixmap.
-void setIconPixmap(Widget shell);
-
-// Gives a realized shell the icon that taskbars show, in the sizes that they ask for (_NET_WM_ICON, Extended Window
-// Manager Hints).
+// Gives a realized shell its icon, when the program has nothing else to do: the pixmap that some window managers take,
+// and what taskbars show, in the sizes that they ask for (_NET_WM_ICON, Extended Window Manager Hints). The shell must
+// live until then.
 void publishIcon(Widget shell);
 
 // Lets session managers start the program again (ICCCM, WM_COMMAND and WM_SAVE_YOURSELF) with the arguments that it was

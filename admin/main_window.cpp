@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "admin/about_page.h"
-#include "admin/desktop_hints.h"
 #include "admin/dialogs.h"
 #include "admin/drivers_page.h"
 #include "admin/file_dsn_page.h"
@@ -165,7 +164,6 @@ void create_shODBCAdmin(Display* connection, char* appName, int argc, char** arg
         }
         setFont(ShODBCAdmin);
         completeFontsOf(ShODBCAdmin);
-        setIconPixmap(ShODBCAdmin);
         prepareShell(ShODBCAdmin, btnCancel_activate, nullptr);
 
         FrmMain = createForm(ShODBCAdmin, "FrmMain");
