@@ -12,12 +12,6 @@
 
 namespace {
 
-Dimension sizeOf(Widget widget, const char* which) {
-    Dimension size = 0;
-    XtVaGetValues(widget, which, &size, nullptr);
-    return size;
-}
-
 // Returns the height.
 int place(Widget widget, int x, int y, int width, int height) {
     Position oldX = 0;

@@ -35,12 +35,6 @@ constexpr int kAroundPage = 2 * (kWindowGap + kPageMargin) + 4;
 // What window managers draw on both sides of a window.
 constexpr int kFrameWidth = 16;
 
-Dimension sizeOf(Widget widget, const char* which) {
-    Dimension size = 0;
-    XtVaGetValues(widget, which, &size, nullptr);
-    return size;
-}
-
 std::vector<Widget> tablesIn(Widget form) {
     std::vector<Widget> tables = managedBelow(form);
     std::erase_if(tables, [](Widget widget) { return !XmIsScrolledWindow(widget) || Table::in(widget) == nullptr; });
@@ -84,8 +78,11 @@ Size spareOf(Widget page, Widget fileSelection) {
         Position y = 0;
         unsigned char attachment = XmATTACH_NONE;
         XtVaGetValues(child, XmNy, &y, XmNbottomAttachment, &attachment, nullptr);
-        attachment == XmATTACH_FORM ? bottom = std::min<int>(bottom, y)
-                                    : top = std::max(top, y + sizeOf(child, XmNheight));
+        if (attachment == XmATTACH_FORM) {
+            bottom = std::min<int>(bottom, y);
+        } else {
+            top = std::max(top, y + sizeOf(child, XmNheight));
+        }
     }
     // An explanation takes more lines in a narrow window.
     return {0, bottom - top - scaled(page, 2 * kRowHeight)};

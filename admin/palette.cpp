@@ -2,6 +2,7 @@
 
 #include <X11/Xresource.h>
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -53,16 +54,25 @@ std::pair<std::optional<Rgb>, std::optional<Rgb>> usersColours(Display* connecti
             usersColour(connection, program, "foreground", "Foreground")};
 }
 
-constexpr std::pair<const char*, Rgb Palette::*> kUses[] = {
+// What has an ink of its own when the user says so, and then a ground for it.
+enum Kind { kWindow, kTextField, kText, kList, kKinds };
+constexpr const char* kClasses[kKinds] = {"", "XmTextField", "XmText", "XmList"};
+
+struct Use {
+    const char* resource;
+    Rgb Palette::*part;
+    Kind kind = kWindow;
+};
+constexpr Use kUses[] = {
     {"*background", &Palette::ground},
     {"*foreground", &Palette::ink},
     {"*highlightColor", &Palette::accent},
     {"*highlightBackground", &Palette::ground},
-    {"*XmTextField.background", &Palette::field},
-    {"*XmText.background", &Palette::field},
-    {"*XmList.background", &Palette::field},
-    {"*ClipWindow.background", &Palette::field},
-    {"*XmList.selectColor", &Palette::selection},
+    {"*XmTextField.background", &Palette::field, kTextField},
+    {"*XmText.background", &Palette::field, kText},
+    {"*XmList.background", &Palette::field, kList},
+    {"*ClipWindow.background", &Palette::field, kList},
+    {"*XmList.selectColor", &Palette::selection, kList},
     {"*XmToggleButton.selectColor", &Palette::accent},
     // The tab in front, under its words.
     {"*TabsSettings*selectColor", &Palette::selection},
@@ -70,10 +80,10 @@ constexpr std::pair<const char*, Rgb Palette::*> kUses[] = {
     {"*TabManager.backPageBackground", &Palette::ground},
     {"*TabManager.backPageForeground", &Palette::frame},
     // Tables and their headers.
-    {"*FormLists.background", &Palette::field},
-    {"*FrmTable.background", &Palette::field},
-    {"*frmLists.background", &Palette::field},
-    {"*FormAboutLists.background", &Palette::field},
+    {"*FormLists.background", &Palette::field, kList},
+    {"*FrmTable.background", &Palette::field, kList},
+    {"*frmLists.background", &Palette::field, kList},
+    {"*FormAboutLists.background", &Palette::field, kList},
     {"*FormLabels*background", &Palette::header},
     {"*frmLabel*background", &Palette::header},
     {"*FormAboutLabels*background", &Palette::header},
@@ -134,31 +144,21 @@ void setPalette(Display* connection) {
     // What is set for this program alone would win over what is set for a kind of widget of any program.
     constexpr const char* kAnyOtherProgram = "-";
     const std::string prefix = colours == usersColours(connection, kAnyOtherProgram) ? "" : programName;
-    const Palette palette = paletteOf(colours.first, colours.second);
+    std::array<Palette, kKinds> palettes;
+    palettes.fill(paletteOf(colours.first, colours.second));
+    for (const Kind kind : {kTextField, kText, kList}) {
+        const auto ink =
+            usersColour(connection, programName, "x.foreground", std::string(kClasses[kind]) + ".Foreground");
+        if (ink && ink != colours.second) {
+            palettes[kind] = paletteOf(std::nullopt, ink);
+        }
+    }
     std::string lines;
-    const auto set = [&lines, &prefix](const std::string& resource, const Rgb& colour) {
+    for (const Use& use : kUses) {
+        const Rgb& colour = palettes[use.kind].*use.part;
         char text[8];
         std::snprintf(text, sizeof text, "#%02x%02x%02x", colour.red & 255, colour.green & 255, colour.blue & 255);
-        lines.append(prefix).append(resource).append(": ").append(text).append("\n");
-    };
-    for (const auto& [resource, part] : kUses) {
-        set(resource, palette.*part);
-    }
-    // Whoever chose the ink of fields alone gets a ground for it.
-    const std::string kList = "XmList";
-    for (const std::string& kind : {std::string("XmTextField"), std::string("XmText"), kList}) {
-        const std::optional<Rgb> ink = usersColour(connection, programName, "x.foreground", kind + ".Foreground");
-        if (ink && ink != colours.second) {
-            const Palette own = paletteOf(std::nullopt, ink);
-            set("*" + kind + ".background", own.field);
-            set("*" + kind + ".selectColor", own.selection);
-            // What is around lists is as they are.
-            for (const auto& [resource, part] : kUses) {
-                if (part == &Palette::field && kind == kList && !std::string(resource).starts_with("*XmText")) {
-                    set(resource, own.field);
-                }
-            }
-        }
+        lines.append(prefix).append(use.resource).append(": ").append(text).append("\n");
     }
     XrmDatabase users = XtDatabase(connection);
     XrmCombineDatabase(XrmGetStringDatabase(lines.c_str()), &users, False);

@@ -100,10 +100,10 @@ std::string kilobytes(std::uintmax_t bytes) {
 
 // What the page does not show: what programs that start now will do, where that is something else than is stored, and
 // how large the file has become.
-std::string stateText() {
+std::string stateText(const std::string& storedState, const std::string& storedFile) {
     const installer::TraceState state = installer::traceState();
-    const bool isStored = readSetting(kTraceKey, 2) == "1";
-    if (state.isOn && (!isStored || state.file != readSetting(kFileKey, 1024))) {
+    const bool isStored = storedState == "1";
+    if (state.isOn && (!isStored || state.file != storedFile)) {
         return catalogText(Message::kTraceGoesElsewhere, {state.file, state.source});
     }
     if (!state.isOn && isStored) {
@@ -115,8 +115,12 @@ std::string stateText() {
     return state.isOn && !none ? catalogText(Message::kTraceFileSize, {kilobytes(size)}) : " ";
 }
 
+void showState(const std::string& storedState, const std::string& storedFile) {
+    setLabel(LblTraceState, stateText(storedState, storedFile));
+}
+
 void showState() {
-    setLabel(LblTraceState, stateText());
+    showState(readSetting(kTraceKey, 2), readSetting(kFileKey, 1024));
 }
 
 XtIntervalId StateTimer = 0;
@@ -236,7 +240,7 @@ void Load_Trace() {
     XmToggleButtonSetState(TgEnableTracing, trace == "1" ? True : False, True);
     loadPath(kFileKey, TxtTraceFile, TraceFile);
     loadPath(kLibraryKey, TxtTraceLib, TraceLibrary);
-    showState();
+    showState(trace, TraceFile.value);
 }
 
 void Save_Trace() {

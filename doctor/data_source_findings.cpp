@@ -4,6 +4,7 @@
 #include <set>
 
 #include "doctor/driver_list.h"
+#include "doctor/names.h"
 #include "installer/configuration.h"
 
 namespace doctor {
@@ -39,10 +40,6 @@ bool isMisnamedList(const IniSection& section, const IniView& view) {
     }
     return std::all_of(section.entries.begin(), section.entries.end(),
                        [&view](const IniEntry& entry) { return view.find(entry.key) != nullptr; });
-}
-
-std::string baseName(const std::string& path) {
-    return path.substr(path.rfind('/') + 1);
 }
 
 void checkDriver(const DataSourceFile& file, const IniSection& section, const std::vector<Registered>& drivers,
@@ -149,12 +146,6 @@ public:
     }
 
 private:
-    static std::string folded(std::string name) {
-        std::transform(name.begin(), name.end(), name.begin(), [](char letter) {
-            return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
-        });
-        return name;
-    }
     void addList(const IniSection& list) {
         for (const IniEntry& entry : list.entries) {
             listed_[folded(entry.key)] = entry.value;

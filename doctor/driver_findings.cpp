@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "doctor/driver_list.h"
+#include "doctor/names.h"
 #include "installer/configuration.h"
 
 namespace doctor {
@@ -75,8 +76,8 @@ constexpr std::array<std::string_view, 4> kManagerNames{"libodbc.so", "libodbc-"
 constexpr std::string_view kNeverThere = "libsqliteodbc.so";
 
 std::string packageOf(const std::string& library) {
-    const std::string_view base = std::string_view(library).substr(library.rfind('/') + 1);
-    const auto* const found = std::find_if(kPackages.begin(), kPackages.end(), [base](const Package& package) {
+    const std::string base = baseName(library);
+    const auto* const found = std::find_if(kPackages.begin(), kPackages.end(), [&base](const Package& package) {
         return base.starts_with(package.library);
     });
     return found == kPackages.end() ? "?" : found->package;
@@ -84,10 +85,10 @@ std::string packageOf(const std::string& library) {
 
 // Some drivers export these functions as well, so the name counts too.
 bool isManager(const LibraryFacts& facts) {
-    const std::string_view base = std::string_view(facts.path).substr(facts.path.rfind('/') + 1);
+    const std::string base = baseName(facts.path);
     return facts.functions.contains("SQLDataSources") &&
            std::any_of(kManagerNames.begin(), kManagerNames.end(),
-                       [base](std::string_view name) { return base.starts_with(name); });
+                       [&base](std::string_view name) { return base.starts_with(name); });
 }
 
 bool isDriver(const LibraryFacts& facts) {
@@ -110,12 +111,12 @@ void checkNeeds(const Place& place, const LibraryFacts& facts, Findings& finding
     std::set<std::string> told;
     for (const LibraryFacts::Absent& absent : facts.absent) {
         if (!absent.elsewhere.empty()) {
-            findings.push_back({kNeedsElsewhere,
-                                place.file,
-                                place.line,
-                                {facts.path, absent.name, absent.elsewhere,
-                                 absent.elsewhere.substr(0, absent.elsewhere.rfind('/')), absent.neededBy},
-                                place.about});
+            findings.push_back(
+                {kNeedsElsewhere,
+                 place.file,
+                 place.line,
+                 {facts.path, absent.name, absent.elsewhere, folderOf(absent.elsewhere), absent.neededBy},
+                 place.about});
             continue;
         }
         nowhere += (nowhere.empty() ? "" : ", ") + absent.name;

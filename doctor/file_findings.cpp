@@ -8,6 +8,7 @@
 
 #include "doctor/driver_list.h"
 #include "doctor/ini_view.h"
+#include "doctor/names.h"
 #include "doctor/utf8.h"
 #include "installer/configuration.h"
 
@@ -98,7 +99,7 @@ void checkPlaces(const Account& account, Findings& findings) {
     const std::string* home = variable(account, "HOME");
     const std::string* folder = variable(account, "ODBCSYSINI");
     for (const auto& [path, file] : account.files) {
-        const std::string base = path.substr(path.rfind('/') + 1);
+        const std::string base = baseName(path);
         if (read.contains(path) || (folder != nullptr && path == *folder) || file.error != 0 || !file.isRegular ||
             (base.find("odbc") == std::string::npos && base.find("ODBC") == std::string::npos) ||
             viewOf(file.text).sections.empty()) {
@@ -212,12 +213,6 @@ void checkSections(const ConfigFile& file, bool isDriverList, Findings& findings
             add(kStray, entry.line, {entry.key});
         }
     }
-    const auto folded = [](std::string text) {
-        std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-            return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
-        });
-        return text;
-    };
     std::map<std::string, const IniSection*> sections;
     for (const IniSection& section : view.sections) {
         const auto [first, isNew] = sections.emplace(folded(section.name), &section);

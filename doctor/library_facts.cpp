@@ -14,14 +14,11 @@
 #include <map>
 
 #include "doctor/elf_file.h"
+#include "doctor/names.h"
 
 namespace doctor {
 
 namespace {
-
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
 
 bool isThere(const std::string& path) {
     struct stat status {};

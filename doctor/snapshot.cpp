@@ -13,6 +13,7 @@
 #include <chrono>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -20,18 +21,16 @@
 #include "bos/library.h"
 #include "doctor/driver_list.h"
 #include "doctor/ini_view.h"
+#include "doctor/names.h"
 #include "installer/driver_process.h"
 #include "installer/file_replacement.h"
+#include "installer/trace_mirror.h"
 
 namespace doctor {
 
 namespace {
 
 constexpr std::chrono::seconds kPatience(2);
-
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
 
 std::vector<std::string> matches(const std::string& pattern) {
     glob_t found{};
@@ -238,17 +237,15 @@ void addTraceFiles(Account& account) {
         if (section == nullptr || section->find("Trace") == nullptr) {
             continue;
         }
-        const std::string trace = section->find("TraceFile") != nullptr ? section->value("TraceFile") : "/tmp/sql.log";
-        struct stat status {};
-        if (stat(trace.c_str(), &status) == 0) {
-            account.sizes[trace] = static_cast<std::uint64_t>(status.st_size);
-            if (S_ISDIR(status.st_mode)) {
-                account.writeErrors[trace] = EISDIR;
-            } else if (access(trace.c_str(), W_OK) != 0) {
-                account.writeErrors[trace] = errno;
-            }
-        } else if (errno != ENOENT || access(folderOf(trace).c_str(), W_OK) != 0) {
-            account.writeErrors[trace] = errno;
+        const IniEntry* entry = section->find("TraceFile");
+        const std::string trace = entry != nullptr ? entry->value : installer::kDefaultTraceFile;
+        std::error_code none;
+        const std::uintmax_t size = std::filesystem::file_size(trace, none);
+        if (!none) {
+            account.sizes[trace] = size;
+        }
+        if (const int error = installer::traceWritingError(trace)) {
+            account.writeErrors[trace] = error;
         }
     }
 }

@@ -17,25 +17,22 @@ constexpr FindingKind kTraceLong{DoctorMessage::kTraceLong, Severity::kWarning, 
 constexpr FindingKind kTraceUnwritable{DoctorMessage::kTraceUnwritable, Severity::kWarning, "trace-unwritable"};
 constexpr FindingKind kTraceElsewhere{DoctorMessage::kTraceElsewhere, Severity::kWarning, "trace-not-read"};
 
-bool isOn(const std::string& value) {
-    return !value.empty() && (std::strchr("1Yy", value.front()) != nullptr || installer::sameName(value, "On"));
-}
-
 bool isMeantOn(const std::string& value) {
-    return isOn(value) || installer::sameName(value, "True") || value == "\"1\"" || value == "01" || value == "2";
+    return installer::isTraceOn(value) || installer::sameName(value, "True") || value == "\"1\"" || value == "01" ||
+           value == "2";
 }
 
 void checkTrace(const Account& account, const std::string& path, const IniSection& section, Findings& findings) {
     const IniEntry* trace = section.find("Trace");
     const std::string value = section.value("Trace");
-    if (!isOn(value)) {
+    if (!installer::isTraceOn(value)) {
         if (isMeantOn(value)) {
             findings.push_back({kTraceValue, path, trace->line, {value}});
         }
         return;
     }
     const IniEntry* entry = section.find("TraceFile");
-    const std::string file = entry != nullptr ? entry->value : "/tmp/sql.log";
+    const std::string file = entry != nullptr ? entry->value : installer::kDefaultTraceFile;
     const std::size_t line = entry != nullptr ? entry->line : trace->line;
     const auto unwritable = account.writeErrors.find(file);
     const auto size = account.sizes.find(file);

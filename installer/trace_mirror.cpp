@@ -90,13 +90,14 @@ Lines linesOfFile(const std::string& path) {
     return !path.empty() && readFile(followLinks(path), file) ? linesOf(file.text) : Lines();
 }
 
-bool isOn(const std::string& value) {
+}  // namespace
+
+bool isTraceOn(std::string_view value) {
     return !value.empty() &&
            (value.front() == '1' || value.front() == 'Y' || value.front() == 'y' || sameName(value, "On"));
 }
 
-// An errno when the file can't be written or made, else 0.
-int writingError(const std::string& path) {
+int traceWritingError(const std::string& path) {
     const bool isThere = access(path.c_str(), F_OK) == 0;
     const std::string folder = std::filesystem::path(path).parent_path();
     const bool isWritable = isThere ? !std::filesystem::is_directory(path) && access(path.c_str(), W_OK) == 0
@@ -107,14 +108,12 @@ int writingError(const std::string& path) {
     return isThere && std::filesystem::is_directory(path) ? EISDIR : errno;
 }
 
-}  // namespace
-
 TraceState traceState() {
     for (const std::string& path : {systemsFile(), personsFile()}) {
         Lines lines = linesOfFile(path);
         if (const std::optional<Section> section = findSection(lines)) {
             const std::string file = valueIn(*section, kFileKey);
-            return {isOn(valueIn(*section, kStateKey)), file.empty() ? "/tmp/sql.log" : file, path};
+            return {isTraceOn(valueIn(*section, kStateKey)), file.empty() ? kDefaultTraceFile : file, path};
         }
     }
     return {};
@@ -135,7 +134,7 @@ std::optional<TraceObstacle> findTraceObstacle(const std::string& traceFile) {
     if (traceFile.size() > kLongestTracePath) {
         return TraceObstacle{TraceObstacle::kPathTooLong, traceFile};
     }
-    if (const int error = writingError(traceFile)) {
+    if (const int error = traceWritingError(traceFile)) {
         return TraceObstacle{TraceObstacle::kNotWritable, traceFile, error};
     }
     return std::nullopt;

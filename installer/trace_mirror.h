@@ -14,6 +14,14 @@ namespace installer {
 // The longest path of a trace file, in bytes, that the driver manager takes; it cuts a longer one.
 inline constexpr std::size_t kLongestTracePath = 62;
 
+// What it takes for a trace file when none is named.
+inline constexpr const char* kDefaultTraceFile = "/tmp/sql.log";
+
+// Whether it takes this value of "Trace" for on.
+[[nodiscard]] bool isTraceOn(std::string_view value);
+// The errno with which a trace file can't be written or made; 0 when it can.
+[[nodiscard]] int traceWritingError(const std::string& path);
+
 // What programs that start now will do.
 struct TraceState {
     bool isOn = false;

@@ -80,7 +80,11 @@ void finishFileSelection(Widget box) {
                   {XmDIALOG_SELECTION_LABEL, XmDIALOG_TEXT, mnemonicFor(Message::kFileSelection)}};
     for (const auto& [label, field, letter] : fields) {
         leadTo(child(label), child(field), letter);
-        XmIsList(child(field)) ? addTableKeys(child(field)) : hideIdleCursor(child(field));
+        if (XmIsList(child(field))) {
+            addTableKeys(child(field));
+        } else {
+            hideIdleCursor(child(field));
+        }
     }
     // There where names stand without their directories.
     if (Widget directory = XtNameToWidget(box, "DirText")) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "motifutil/compound_string.h"
+#include "motifutil/shells.h"
 
 namespace {
 
@@ -39,11 +40,8 @@ XmRendition shrunk(Widget widget, XmRenderTable fonts, XmStringTag tag, int heig
 
 int scaled(Widget widget, int pixels) {
     constexpr int kLineHeight = 17;
-    while (!XtIsVendorShell(widget)) {
-        widget = XtParent(widget);
-    }
     XmRenderTable fonts = nullptr;
-    XtVaGetValues(widget, XmNlabelRenderTable, &fonts, nullptr);
+    XtVaGetValues(shellOf(widget), XmNlabelRenderTable, &fonts, nullptr);
     const int height = lineHeight(fonts);
     return height == 0 ? pixels : pixels * height / kLineHeight;
 }

@@ -23,6 +23,13 @@ void prepareShell(Widget shell, XtCallbackProc closed, XtPointer clientData) {
     XtAddCallback(shell, XtNpopupCallback, poppingUp, nullptr);
 }
 
+Widget shellOf(Widget widget) {
+    while (!XtIsShell(widget)) {
+        widget = XtParent(widget);
+    }
+    return widget;
+}
+
 void publishTitle(Widget shell) {
     char* title = nullptr;
     XtVaGetValues(shell, XmNtitle, &title, nullptr);

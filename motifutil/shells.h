@@ -9,5 +9,8 @@
 // locale's encoding.
 void prepareShell(Widget shell, XtCallbackProc closed, XtPointer clientData);
 
+// The shell that a widget is in.
+[[nodiscard]] Widget shellOf(Widget widget);
+
 // Tells the title in UTF-8 of a shell that is realized; those that pop up do it themselves.
 void publishTitle(Widget shell);

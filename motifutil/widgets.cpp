@@ -282,6 +282,12 @@ void showPath(Widget textField, const std::string& path) {
     XmTextFieldSetInsertionPosition(textField, XmTextFieldGetLastPosition(textField));
 }
 
+Dimension sizeOf(Widget widget, const char* resource) {
+    Dimension size = 0;
+    XtVaGetValues(widget, resource, &size, nullptr);
+    return size;
+}
+
 Dimension preferredWidth(Widget widget) {
     XtWidgetGeometry wanted{};
     XtQueryGeometry(widget, nullptr, &wanted);

@@ -58,6 +58,8 @@ void setLabel(Widget widget, const std::string& text);
 void showPath(Widget textField, const std::string& path);
 
 // The width, or height, that the widget asks for, in pixels.
+// The resource XmNwidth, XmNheight, or another of the type Dimension.
+Dimension sizeOf(Widget widget, const char* resource);
 Dimension preferredWidth(Widget widget);
 Dimension preferredHeight(Widget widget);
 

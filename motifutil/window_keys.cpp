@@ -18,18 +18,12 @@
 #include "motifutil/dialog_focus.h"
 #include "motifutil/key_stroke.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/shells.h"
 #include "motifutil/widgets.h"
 
 namespace {
 
 using Widgets = std::vector<Widget>;
-
-Widget shellOf(Widget widget) {
-    while (!XtIsShell(widget)) {
-        widget = XtParent(widget);
-    }
-    return widget;
-}
 
 // A strip of tabs: those of a notebook, or toggles in a radio box.
 bool isStrip(Widget widget) {
@@ -214,7 +208,11 @@ void chooseMnemonics(Widget window) {
             // Of rows with the same button the first keeps its letter; screens in forms of their own are never seen
             // together.
             const bool isAlone = letter != 0 && inForms.emplace(XtParent(widget), letter).second;
-            isAlone ? taken.push_back(letter) : without.push_back(widget);
+            if (isAlone) {
+                taken.push_back(letter);
+            } else {
+                without.push_back(widget);
+            }
         }
     }
     for (Widget widget : without) {

@@ -1,0 +1,15 @@
+// Names of files, and names that ODBC compares without regard to case.
+#pragma once
+
+#include <string>
+
+namespace doctor {
+
+// Of a path: what is before its last slash, and what is behind it.
+[[nodiscard]] std::string folderOf(const std::string& path);
+[[nodiscard]] std::string baseName(const std::string& path);
+
+// The same text for names that differ in the case of ASCII letters alone.
+[[nodiscard]] std::string folded(std::string name);
+
+}  // namespace doctor
