@@ -400,6 +400,9 @@ enum Number : std::uint32_t {
     kRoleDrivers = 9,
     kRoleUserDrivers = 10,
     kNotThere = 11,
+    kConnects = 12,
+    kDoesNotConnect = 13,
+    kConnecting = 14,
 
     // Files and variables.
     kFolderIsFile = 100,
@@ -447,6 +450,11 @@ enum Number : std::uint32_t {
     kNameUnknown = 151,
     kNameElsewhere = 152,
 
+    kKeyUnknown = 153,
+    kKeyUnknownNear = 154,
+    kKeyNotRead = 155,
+    kLoginNotRead = 156,
+
     // Drivers.
     kNoLibraryNamed = 160,
     kLibraryMissing = 161,
@@ -463,6 +471,10 @@ enum Number : std::uint32_t {
     kNoDriverFunctions = 172,
     kSetupUnusable = 173,
     kManagers = 174,
+    kLibraryDeleted = 175,
+    kInNoPackage = 176,
+    kLibraryMissingAnywhere = 177,
+    kNeedsMissingAnywhere = 178,
 
     // Tracing.
     kTracing = 180,
@@ -471,5 +483,31 @@ enum Number : std::uint32_t {
     kTraceLong = 183,
     kTraceUnwritable = 184,
     kTraceElsewhere = 185,
+
+    // Connections.
+    kCrash = 190,
+    kSourceNotFound = 191,
+    kDriverNotLoaded = 192,
+    kDriverNotStarted = 193,
+    kNoPassword = 194,
+    kLoginRefused = 195,
+    kDatabaseUnknown = 196,
+    kDatabaseFile = 197,
+    kTooMany = 198,
+    kNotAdmitted = 199,
+    kHostUnresolved = 200,
+    kNoSocket = 201,
+    kPortClosed = 202,
+    kUnreachable = 203,
+    kSilent = 204,
+    kTlsRequired = 205,
+    kTlsNotOffered = 206,
+    kCertificate = 207,
+    kTlsFailed = 208,
+    kTimeout = 209,
+    kDeadline = 210,
+    kServerRefuses = 211,
+    kFails = 212,
+    kOtherServer = 213,
 };
 }  // namespace DoctorMessage

@@ -4,9 +4,11 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "doctor/connection_facts.h"
 #include "doctor/library_facts.h"
 
 namespace doctor {
@@ -36,9 +38,10 @@ struct Account {
     std::map<std::string, LibraryFacts> libraries;  // Drivers, by the name that a file gives them.
     std::map<std::string, LibraryFacts> setups;     // Setup libraries, in the same way.
     std::vector<DriverManager> managers;
-    std::vector<std::string> otherFiles;         // Files of data sources that belong to other people.
-    std::map<std::string, std::uint64_t> sizes;  // Of trace files, in bytes.
-    std::map<std::string, int> writeErrors;      // The errno with which a trace file can't be written.
+    std::map<std::string, std::string> otherFiles;  // Other people's data sources: paths, and texts that can be read.
+    std::optional<ConnectionFacts> connection;      // When one was tried.
+    std::map<std::string, std::uint64_t> sizes;     // Of trace files, in bytes.
+    std::map<std::string, int> writeErrors;         // The errno with which a trace file can't be written.
 };
 
 // Null when unset.

@@ -1,6 +1,7 @@
 #include "doctor/data_source_findings.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "doctor/driver_list.h"
@@ -134,7 +135,7 @@ public:
             named != nullptr && !named->empty() && (file == nullptr || !file->isRegular || file->error != 0);
         if (listed_.empty() && !hasSections_ && !isTold) {
             std::string others;
-            for (const std::string& path : account_.otherFiles) {
+            for (const auto& [path, text] : account_.otherFiles) {
                 others += (others.empty() ? "" : ", ") + path;
             }
             findings_.push_back({kNoDataSources,
@@ -238,9 +239,16 @@ void findMissingName(const Account& account, const std::string& name, Findings& 
             }
         }
     }
+    // That there are none at all, or that a file is not read, is then said with it.
+    std::erase_if(findings, [](const Finding& finding) { return finding.kind.text == kNoDataSources.text; });
+    std::map<std::string, std::string> texts = account.otherFiles;
     for (const auto& [path, file] : account.files) {
-        const IniView view = viewOf(file.text);
+        texts[path] = file.text;
+    }
+    for (const auto& [path, text] : texts) {
+        const IniView view = viewOf(text);
         if (const IniSection* section = view.find(name); section != nullptr && isDataSource(*section)) {
+            std::erase_if(findings, [&path = path](const Finding& finding) { return finding.file == path; });
             findings.push_back({kNameElsewhere,
                                 path,
                                 section->line,

@@ -9,6 +9,7 @@
 #include "doctor/driver_list.h"
 #include "doctor/names.h"
 #include "installer/configuration.h"
+#include "installer/debian_packages.h"
 
 namespace doctor {
 
@@ -16,10 +17,16 @@ namespace {
 
 constexpr FindingKind kNoLibraryNamed{DoctorMessage::kNoLibraryNamed, Severity::kError, "driver-without-library"};
 constexpr FindingKind kLibraryMissing{DoctorMessage::kLibraryMissing, Severity::kError, "library-missing"};
+constexpr FindingKind kLibraryMissingAnywhere{DoctorMessage::kLibraryMissingAnywhere, Severity::kError,
+                                              "library-missing"};
+constexpr FindingKind kLibraryDeleted{DoctorMessage::kLibraryDeleted, Severity::kError, "library-missing"};
+constexpr FindingKind kInNoPackage{DoctorMessage::kInNoPackage, Severity::kError, "library-in-no-package"};
 constexpr FindingKind kLibraryUnreadable{DoctorMessage::kLibraryUnreadable, Severity::kError, "library-unreadable"};
 constexpr FindingKind kNoLibrary{DoctorMessage::kNoLibrary, Severity::kError, "not-a-library"};
 constexpr FindingKind kOtherMachine{DoctorMessage::kOtherMachine, Severity::kError, "library-architecture"};
 constexpr FindingKind kNeedsMissing{DoctorMessage::kNeedsMissing, Severity::kError, "dependency-missing"};
+constexpr FindingKind kNeedsMissingAnywhere{DoctorMessage::kNeedsMissingAnywhere, Severity::kError,
+                                            "dependency-missing"};
 constexpr FindingKind kNeedsElsewhere{DoctorMessage::kNeedsElsewhere, Severity::kError, "dependency-not-searched"};
 constexpr FindingKind kVersionMissing{DoctorMessage::kVersionMissing, Severity::kError, "version-missing"};
 constexpr FindingKind kLoaderRefuses{DoctorMessage::kLoaderRefuses, Severity::kError, "loader-refuses"};
@@ -30,72 +37,14 @@ constexpr FindingKind kNoDriverFunctions{DoctorMessage::kNoDriverFunctions, Seve
 constexpr FindingKind kSetupUnusable{DoctorMessage::kSetupUnusable, Severity::kWarning, "setup-unusable"};
 constexpr FindingKind kManagers{DoctorMessage::kManagers, Severity::kWarning, "driver-managers"};
 
-// The Debian package that a library is in, or was.
-struct Package {
-    std::string_view library;
-    const char* package;
-};
-constexpr std::array kPackages{Package{"libodbcinst.so.2", "libodbcinst2"},
-                               Package{"libodbc.so.2", "libodbc2"},
-                               Package{"libodbccr.so.2", "libodbccr2"},
-                               Package{"libstdc++.so.6", "libstdc++6"},
-                               Package{"libgcc_s.so.1", "libgcc-s1"},
-                               Package{"libssl.so.3", "libssl3"},
-                               Package{"libcrypto.so.3", "libssl3"},
-                               Package{"libssl.so.1.1", "libssl1.1 (Debian 11)"},
-                               Package{"libcrypto.so.1.1", "libssl1.1 (Debian 11)"},
-                               Package{"libssl.so.1.0.", "libssl1.0.0 (Debian 8), libssl1.0.2 (Debian 9)"},
-                               Package{"libcrypto.so.1.0.", "libssl1.0.0 (Debian 8), libssl1.0.2 (Debian 9)"},
-                               Package{"libltdl.so.7", "libltdl7"},
-                               Package{"libkrb5.so.3", "libkrb5-3"},
-                               Package{"libgssapi_krb5.so.2", "libgssapi-krb5-2"},
-                               Package{"libpq.so.5", "libpq5"},
-                               Package{"libmariadb.so.3", "libmariadb3"},
-                               Package{"libsqlite3.so.0", "libsqlite3-0"},
-                               Package{"libct.so.4", "libct4"},
-                               Package{"libcurl.so.4", "libcurl4"},
-                               Package{"libuuid.so.1", "libuuid1"},
-                               Package{"libz.so.1", "zlib1g"},
-                               Package{"libaio.so.1", "libaio1"},
-                               Package{"libsasl2.so.2", "libsasl2-2"},
-                               Package{"libsasl2.so.3", "libsasl2-2, as libsasl2.so.2"},
-                               Package{"libreadline.so.", "libreadline8"},
-                               Package{"libncurses.so.5", "libncurses5"},
-                               Package{"libicuuc.so.", "libicu72"},
-                               Package{"libsqlite3odbc.so", "libsqliteodbc"},
-                               Package{"libsqliteodbc.so", "libsqliteodbc"},
-                               Package{"psqlodbc", "odbc-postgresql"},
-                               Package{"libmaodbc.so", "odbc-mariadb"},
-                               Package{"libmdbodbc.so", "odbc-mdbtools"},
-                               Package{"libtdsodbc.so", "tdsodbc"},
-                               Package{"libtdsS.so", "tdsodbc"}};
-
-constexpr std::array<std::string_view, 4> kManagerNames{"libodbc.so", "libodbc-", "libiodbc.so", "libiodbc-"};
-
-// Debian registers this one and has it in no package, so it is no fault as long as nobody wants it.
-constexpr std::string_view kNeverThere = "libsqliteodbc.so";
-
-std::string packageOf(const std::string& library) {
-    const std::string base = baseName(library);
-    const auto* const found = std::find_if(kPackages.begin(), kPackages.end(), [&base](const Package& package) {
-        return base.starts_with(package.library);
-    });
-    return found == kPackages.end() ? "?" : found->package;
+// The machine's own list knows better than ours.
+std::string packageOf(const std::string& library, const std::string& listed) {
+    return listed.empty() ? installer::packageOf(library) : listed;
 }
 
 // Some drivers export these functions as well, so the name counts too.
 bool isManager(const LibraryFacts& facts) {
-    const std::string base = baseName(facts.path);
-    return facts.functions.contains("SQLDataSources") &&
-           std::any_of(kManagerNames.begin(), kManagerNames.end(),
-                       [&base](std::string_view name) { return base.starts_with(name); });
-}
-
-bool isDriver(const LibraryFacts& facts) {
-    return std::any_of(facts.functions.begin(), facts.functions.end(), [](const std::string& function) {
-        return function == "SQLConnect" || function == "SQLDriverConnect" || function == "SQLConnectW" ||
-               function == "SQLDriverConnectW";
-    });
+    return facts.functions.contains("SQLDataSources") && isManagerName(facts.path);
 }
 
 // Where a library is named.
@@ -121,12 +70,17 @@ void checkNeeds(const Place& place, const LibraryFacts& facts, Findings& finding
         }
         nowhere += (nowhere.empty() ? "" : ", ") + absent.name;
         nowhere += absent.neededBy != facts.path ? " (" + absent.neededBy + ")" : "";
-        if (const std::string package = packageOf(absent.name); told.insert(package).second) {
+        const std::string package = packageOf(absent.name, absent.package);
+        if (!package.empty() && told.insert(package).second) {
             packages += (packages.empty() ? "" : ", ") + package;
         }
     }
     if (!nowhere.empty()) {
-        findings.push_back({kNeedsMissing, place.file, place.line, {facts.path, nowhere, packages}, place.about});
+        findings.push_back({packages.empty() ? kNeedsMissingAnywhere : kNeedsMissing,
+                            place.file,
+                            place.line,
+                            {facts.path, nowhere, packages},
+                            place.about});
     }
     std::map<std::pair<std::string, std::string>, std::string> versions;
     for (const LibraryFacts::AbsentVersion& absent : facts.absentVersions) {
@@ -147,7 +101,15 @@ void checkLibrary(const Place& place, const std::string& name, const LibraryFact
     };
     switch (facts.kind) {
         case LibraryKind::kMissing:
-            add(kLibraryMissing, {packageOf(name)});
+            if (const std::string other = installer::driverInsteadOf(name); !other.empty()) {
+                add(kInNoPackage, {place.about, other});
+            } else if (!facts.package.empty()) {
+                add(kLibraryDeleted, {facts.package});
+            } else if (const std::string package = installer::packageOf(name); !package.empty()) {
+                add(kLibraryMissing, {package});
+            } else {
+                add(kLibraryMissingAnywhere, {});
+            }
             return;
         case LibraryKind::kUnreadable:
             add(kLibraryUnreadable, {std::strerror(facts.error)});
@@ -166,9 +128,9 @@ void checkLibrary(const Place& place, const std::string& name, const LibraryFact
         add(kLoaderRefuses, {facts.loaderWords});
     } else if (isManager(facts)) {
         add(kIsManager, {});
-    } else if (!isDriver(facts) && facts.functions.contains("ConfigDSN")) {
+    } else if (!isDriver(facts.functions) && facts.functions.contains("ConfigDSN")) {
         add(kIsSetup, {});
-    } else if (!isDriver(facts) && findings.size() == before) {
+    } else if (!isDriver(facts.functions) && findings.size() == before) {
         add(kNoDriverFunctions, {});
     } else if (!facts.missingSymbol.empty() && findings.size() == before) {
         add(kSymbolMissing, {facts.missingSymbol});
@@ -222,7 +184,9 @@ void checkManagers(const Account& account, Findings& findings) {
 void findDriverFaults(const Account& account, Findings& findings) {
     for (const Registered& driver : registeredDrivers(account)) {
         const IniEntry* entry = libraryEntry(driver.section, "Driver");
-        if (entry != nullptr && entry->value == kNeverThere && !isWanted(account, driver.section.name)) {
+        // Debian registers one and has it in no package: that is no fault as long as nobody wants it.
+        if (entry != nullptr && !installer::driverInsteadOf(entry->value).empty() &&
+            !isWanted(account, driver.section.name)) {
             continue;
         }
         if (entry == nullptr || entry->value.empty()) {

@@ -45,6 +45,29 @@ bool isDataSource(const IniSection& section) {
            !installer::sameName(section.name, installer::kDataSourceList) && section.find("Driver") != nullptr;
 }
 
+std::optional<DataSource> findDataSource(const Account& account, const std::string& name) {
+    for (const DataSourceFile& file : dataSourceFiles(account)) {
+        if (const IniSection* section = file.view.find(name)) {
+            return DataSource{file.path, *section, libraryOf(*section, registeredDrivers(account))};
+        }
+    }
+    return std::nullopt;
+}
+
+std::string libraryOf(const IniSection& dataSource, const std::vector<Registered>& drivers) {
+    std::string name = dataSource.value("Driver");
+    if (name.starts_with('/')) {
+        return name;
+    }
+    for (const Registered& driver : drivers) {
+        if (installer::sameName(driver.section.name, name)) {
+            const IniEntry* entry = libraryEntry(driver.section, "Driver");
+            return entry != nullptr ? entry->value : "";
+        }
+    }
+    return {};
+}
+
 NamedLibraries namedLibraries(const Account& account) {
     std::set<std::string> drivers;
     std::set<std::string> setups;

@@ -1,6 +1,7 @@
 // The drivers and data sources that the account's files hold.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,17 @@ struct DataSourceFile {
 
 // Whether a section of such a file may be a data source.
 [[nodiscard]] bool isDataSource(const IniSection& section);
+
+// The data source of this name that the driver manager takes, and its driver's library as a file names it; nothing when
+// no section has the name.
+struct DataSource {
+    std::string file;
+    IniSection section;
+    std::string library;
+};
+[[nodiscard]] std::optional<DataSource> findDataSource(const Account& account, const std::string& name);
+// The library of the driver that the section names; empty when no driver has that name.
+[[nodiscard]] std::string libraryOf(const IniSection& dataSource, const std::vector<Registered>& drivers);
 
 // The libraries that the files name.
 struct NamedLibraries {

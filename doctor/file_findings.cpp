@@ -256,7 +256,9 @@ void findFileFaults(const Account& account, Findings& findings) {
         return std::string_view(finding.kind.name).starts_with("odbcsysini") ||
                finding.kind.text == kDriverFileIsPath.text;
     });
-    if (!isVariableWrong && registeredDrivers(account).empty() && hasDataSources(account)) {
+    const bool isWanted = hasDataSources(account) || variable(account, "ODBCSYSINI") != nullptr ||
+                          variable(account, "ODBCINSTINI") != nullptr;
+    if (!isVariableWrong && isWanted && registeredDrivers(account).empty()) {
         findings.push_back({kDriverFileMissing, driverFile(account), 0, {driverFile(account)}});
     }
     checkPlaces(account, findings);

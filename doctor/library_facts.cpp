@@ -121,6 +121,16 @@ public:
         }
     }
 
+    // What the library has from others that are drivers themselves.
+    void addDrivers() const {
+        for (const auto& [name, known] : known_) {
+            if (isDriver(known.file.functions) && !isManagerName(known.path)) {
+                facts_.functions.insert(known.file.functions.begin(), known.file.functions.end());
+                facts_.driverFiles.push_back(known.path);
+            }
+        }
+    }
+
 private:
     struct Known {
         std::string path;
@@ -150,6 +160,11 @@ private:
 };
 
 }  // namespace
+
+bool isDriver(const std::set<std::string>& functions) {
+    return functions.contains("SQLConnect") || functions.contains("SQLDriverConnect") ||
+           functions.contains("SQLConnectW") || functions.contains("SQLDriverConnectW");
+}
 
 std::string ownMachine() {
     return readElf("/proc/self/exe").machine;
@@ -196,7 +211,10 @@ LibraryFacts examineLibrary(const std::string& name, const std::string& moduleFo
             break;
         case ElfFile::kLibrary:
             facts.kind = LibraryKind::kLibrary;
-            Walk(facts, otherFolders).visit(facts.path, file, {});
+            facts.driverFiles = {facts.path};
+            Walk walk(facts, otherFolders);
+            walk.visit(facts.path, file, {});
+            walk.addDrivers();
     }
     return facts;
 }

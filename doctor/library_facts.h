@@ -21,6 +21,7 @@ struct LibraryFacts {
         std::string name;
         std::string neededBy;
         std::string elsewhere{};  // Where a library of that name was found all the same.
+        std::string package{};    // Of Debian: that has it, by the machine's own list.
     };
     std::vector<Absent> absent{};
     struct AbsentVersion {
@@ -29,10 +30,22 @@ struct LibraryFacts {
         std::string neededBy;
     };
     std::vector<AbsentVersion> absentVersions{};
-    std::set<std::string> functions{};  // Those of ODBC that it exports.
-    std::string loaderWords{};          // Why the loader refuses it, when nothing above says so.
-    std::string missingSymbol{};        // The loader's words when a function that it calls is nowhere.
+    // Those of ODBC that it exports, or has from a driver that it needs: the loader looks for functions in both.
+    std::set<std::string> functions{};
+    std::vector<std::string> driverFiles{};  // It, and the drivers that it needs.
+    std::string loaderWords{};               // Why the loader refuses it, when nothing above says so.
+    std::string missingSymbol{};             // The loader's words when a function that it calls is nowhere.
+
+    // Keys of data sources that the driver does not know, in lower case, and keys that it does.
+    std::set<std::string> foreignKeys{};
+    std::vector<std::string> knownKeys{};
+    bool isDescribed = false;  // It tells its keys itself.
+
+    std::string package{};  // Of Debian: that has a library which is missing, by the machine's own list.
 };
+
+// Whether a library with these functions can connect.
+[[nodiscard]] bool isDriver(const std::set<std::string>& functions);
 
 // What programs of this machine are made for.
 [[nodiscard]] std::string ownMachine();

@@ -9,6 +9,9 @@ namespace doctor {
 [[nodiscard]] std::string folderOf(const std::string& path);
 [[nodiscard]] std::string baseName(const std::string& path);
 
+// Whether a library is called as driver managers are.
+[[nodiscard]] bool isManagerName(const std::string& path);
+
 // The same text for names that differ in the case of ASCII letters alone.
 [[nodiscard]] std::string folded(std::string name);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 #include "doctor/utf8.h"
@@ -88,6 +89,35 @@ std::vector<ReadFile> readFiles(const Account& account) {
             {"user-drivers", DoctorMessage::kRoleUserDrivers, userDriverFile(account), firstSet({"HOME"})}};
 }
 
+// Seconds with one digit behind the point, whatever the locale has for one.
+std::string shortSeconds(double seconds) {
+    const long tenths = std::lround(seconds * 10);
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+}
+
+std::string connectionForPeople(const ConnectionFacts& facts, const std::string& name) {
+    const std::string seconds = shortSeconds(facts.seconds);
+    std::string report = facts.connected
+                             ? clean(doctorText(DoctorMessage::kConnects, {name, seconds, facts.server})) + "\n"
+                             : clean(doctorText(DoctorMessage::kDoesNotConnect, {name, seconds})) + "\n";
+    for (const std::string& record : facts.diagnostics) {
+        report += "  " + clean(record) + "\n";
+    }
+    return report;
+}
+
+std::string connectionForScripts(const ConnectionFacts& facts) {
+    std::string report = std::string("{\"connected\": ") + (facts.connected ? "true" : "false") +
+                         ", \"seconds\": " + shortSeconds(facts.seconds) + ", \"server\": " + quoted(facts.server) +
+                         ", \"diagnostics\": [";
+    const char* separator = "";
+    for (const std::string& record : facts.diagnostics) {
+        report += separator + quoted(record);
+        separator = ", ";
+    }
+    return report + "]}";
+}
+
 std::size_t count(const Findings& findings, Severity severity) {
     return static_cast<std::size_t>(std::count_if(findings.begin(), findings.end(), [severity](const Finding& finding) {
         return finding.kind.severity == severity;
@@ -111,7 +141,8 @@ std::string doctorText(DoctorMessage::Number number, std::initializer_list<std::
     return withSubjects(text.data(), subjects);
 }
 
-std::string reportForPeople(const Account& account, const Findings& findings, bool hasColours) {
+std::string reportForPeople(const Account& account, const Findings& findings, const std::string& name,
+                            bool hasColours) {
     const auto coloured = [hasColours](const char* colour, const std::string& text) {
         return hasColours ? "\033[" + std::string(colour) + "m" + text + "\033[0m" : text;
     };
@@ -121,6 +152,9 @@ std::string reportForPeople(const Account& account, const Findings& findings, bo
         line += file.source.empty() ? "" : " (" + file.source + ")";
         line += findFile(account, file.path) == nullptr ? ", " + doctorText(DoctorMessage::kNotThere) : "";
         report += "  " + clean(line) + "\n";
+    }
+    if (account.connection) {
+        report += "\n" + connectionForPeople(*account.connection, name);
     }
     for (const Finding& finding : findings) {
         const bool isError = finding.kind.severity == Severity::kError;
@@ -147,7 +181,11 @@ std::string reportForScripts(const Account& account, const Findings& findings) {
                   ", \"exists\": " + (findFile(account, file.path) != nullptr ? "true" : "false") + "}";
         separator = ",\n";
     }
-    report += "],\n \"findings\": [";
+    report += "],\n";
+    if (account.connection) {
+        report += " \"connection\": " + connectionForScripts(*account.connection) + ",\n";
+    }
+    report += " \"findings\": [";
     separator = "\n";
     for (const Finding& finding : findings) {
         const Words words = wordsOf(finding);

@@ -18,8 +18,10 @@ public:
 };
 [[nodiscard]] std::string doctorText(DoctorMessage::Number number, std::initializer_list<std::string> subjects = {});
 
-// UTF-8 without control characters, whatever the files hold. `hasColours` for a terminal.
-[[nodiscard]] std::string reportForPeople(const Account& account, const Findings& findings, bool hasColours);
+// UTF-8 without control characters, whatever the files hold. `name` is the data source that was asked for, if any;
+// `hasColours` for a terminal.
+[[nodiscard]] std::string reportForPeople(const Account& account, const Findings& findings, const std::string& name,
+                                          bool hasColours);
 [[nodiscard]] std::string reportForScripts(const Account& account, const Findings& findings);
 
 // 0 without findings, 1 with warnings alone, 2 with errors.

@@ -21,6 +21,8 @@
 #include "bos/library.h"
 #include "doctor/driver_list.h"
 #include "doctor/ini_view.h"
+#include "doctor/key_findings.h"
+#include "doctor/library_keys.h"
 #include "doctor/names.h"
 #include "installer/driver_process.h"
 #include "installer/file_replacement.h"
@@ -74,11 +76,13 @@ void addUser(Account& account) {
             account.home = home;
             account.userName = entry->pw_name;
         } else if (access((home + "/.odbc.ini").c_str(), F_OK) == 0) {
-            account.otherFiles.push_back(home + "/.odbc.ini");
+            installer::FileText text;
+            const std::string path = home + "/.odbc.ini";
+            account.otherFiles[path] = installer::readFile(path, text) ? text.text : "";
         }
     }
     endpwent();
-    std::erase(account.otherFiles, account.home + "/.odbc.ini");
+    account.otherFiles.erase(account.home + "/.odbc.ini");
     for (const char* name : {"HOME", "ODBCINI", "ODBCSYSINI", "ODBCINSTINI", "ODBC_INI"}) {
         if (const char* value = std::getenv(name)) {
             account.variables[name] = value;
@@ -204,6 +208,68 @@ void load(LibraryFacts& facts) {
     }
 }
 
+// The package that has a file of this name, given with its path or with "*/", as the machine's list has it.
+std::string installedPackageOf(const std::string& file) {
+    DriverProcess process([&file]() -> std::string {
+        execlp("dpkg-query", "dpkg-query", "-S", file.c_str(), nullptr);
+        return {};
+    });
+    const std::optional<DriverProcess::End> end = process.waitForEnd(kPatience);
+    // "package: /path", or "package:amd64: /path", one for each line.
+    const std::string line = end ? end->printed.substr(0, end->printed.find('\n')) : "";
+    const std::size_t mark = line.find(": /");
+    return line.ends_with(baseName(file)) && mark != std::string::npos ? line.substr(0, line.find(':')) : "";
+}
+
+void addPackages(LibraryFacts& facts) {
+    if (facts.kind == LibraryKind::kMissing && facts.path.starts_with('/')) {
+        facts.package = installedPackageOf(facts.path);
+    }
+    for (LibraryFacts::Absent& absent : facts.absent) {
+        absent.package = absent.elsewhere.empty() ? installedPackageOf("*/" + absent.name) : "";
+    }
+}
+
+// What the driver knows of the keys that data sources have for it.
+void addKeys(const Account& account, const std::string& library, LibraryFacts& facts) {
+    const std::set<std::string> keys = keysForLibrary(account, library);
+    if (keys.empty()) {
+        return;
+    }
+    std::set<std::string> missing = keys;
+    for (const std::string& key : usualKeys()) {
+        missing.insert(folded(key));
+    }
+    for (const std::string& path : facts.driverFiles) {
+        installer::FileText text;
+        if (installer::readFile(installer::followLinks(path), text)) {
+            missing = keysNotIn(text.text, missing);
+        }
+    }
+    std::set_intersection(keys.begin(), keys.end(), missing.begin(), missing.end(),
+                          std::inserter(facts.foreignKeys, facts.foreignKeys.end()));
+    // One that knows none of them has its texts somewhere else.
+    if (facts.foreignKeys.size() == keys.size()) {
+        facts.foreignKeys.clear();
+    }
+    if (facts.foreignKeys.empty()) {
+        return;
+    }
+    for (const Registered& driver : registeredDrivers(account)) {
+        const IniEntry* entry = libraryEntry(driver.section, "Driver");
+        if (entry != nullptr && entry->value == library && libraryEntry(driver.section, "Setup") != nullptr) {
+            facts.knownKeys = describedKeys(driver.section.name);
+            break;
+        }
+    }
+    facts.isDescribed = !facts.knownKeys.empty();
+    for (const std::string& key : facts.knownKeys) {
+        facts.foreignKeys.erase(folded(key));
+    }
+    std::copy_if(usualKeys().begin(), usualKeys().end(), std::back_inserter(facts.knownKeys),
+                 [&missing](const std::string& key) { return !missing.contains(folded(key)); });
+}
+
 void addLibraries(Account& account, const Folders& otherFolders) {
     const NamedLibraries named = namedLibraries(account);
     Folders folders = otherFolders;
@@ -220,7 +286,9 @@ void addLibraries(Account& account, const Folders& otherFolders) {
         LibraryFacts facts = examineLibrary(name, modules, folders);
         if (facts.kind == LibraryKind::kLibrary && facts.absent.empty() && facts.absentVersions.empty()) {
             load(facts);
+            addKeys(account, name, facts);
         }
+        addPackages(facts);
         account.libraries.emplace(name, facts);
     }
     for (const std::string& name : named.setups) {

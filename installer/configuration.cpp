@@ -188,6 +188,17 @@ std::string copyOfAttributeList(const char* list) {
     return list != nullptr ? terminatedList(attributeItems(list)) : std::string();
 }
 
+std::string oneLine(std::string_view text) {
+    std::string line;
+    for (const char byte : text) {
+        const bool isBlank = std::string_view(" \t\r\n\v\f").find(byte) != std::string_view::npos;
+        if (!isBlank || (!line.empty() && line.back() != ' ')) {
+            line += isBlank ? ' ' : byte;
+        }
+    }
+    return trimmed(line);
+}
+
 std::string trimmed(std::string_view text) {
     return std::string(trimmedView(text));
 }

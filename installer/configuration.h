@@ -94,6 +94,9 @@ struct Attribute {
 // Without the blanks at both ends, which configuration files do not keep.
 [[nodiscard]] std::string trimmed(std::string_view text);
 [[nodiscard]] std::string_view trimmedView(std::string_view text);
+// One line of it: without the blanks at both ends, and with line breaks, tabs and runs of blanks inside as one blank
+// each.
+[[nodiscard]] std::string oneLine(std::string_view text);
 
 // Whether the key is one of a password: its value is never shown, and a file that holds one is its owner's alone.
 [[nodiscard]] bool isPasswordKey(std::string_view key);

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "installer/configuration.h"
+#include "installer/debian_packages.h"
 #include "kvlib/text.h"
 #include "motifutil/catalog_text.h"
 #include "motifutil/icons.h"
@@ -24,7 +25,6 @@
 #include "motifutil/window_keys.h"
 #include "setup/connection_test.h"
 #include "setup/driver_files.h"
-#include "setup/known_drivers.h"
 #include "setup/setup_texts.h"
 
 namespace {
@@ -117,10 +117,10 @@ std::string headingOf(const ConnectionOutcome& outcome, const std::string& libra
     }
     if (!isDriverInstalled(library)) {
         std::string missing = setupText(SetupMessage::kDriverNotInstalled, library);
-        if (const std::string package = packageOf(library); !package.empty()) {
+        if (const std::string package = installer::packageOf(library); !package.empty()) {
             missing += "\n" + setupText(SetupMessage::kDriverPackage, package);
         }
-        if (const std::string other = driverInsteadOf(library); !other.empty()) {
+        if (const std::string other = installer::driverInsteadOf(library); !other.empty()) {
             missing += "\n" + setupText(SetupMessage::kOtherDriver, other);
         }
         return missing;

@@ -93,7 +93,7 @@ std::vector<DriverProperty> copyProperties(const ODBCINSTPROPERTY* node) {
         property.key = installer::trimmed(textOf(node->szName));
         property.defaultValue = installer::trimmed(textOf(node->szValue));
         property.choices = choicesOf(*node);
-        property.help = oneLine(node->pszHelp == nullptr ? "" : node->pszHelp);
+        property.help = installer::oneLine(node->pszHelp == nullptr ? "" : node->pszHelp);
         property.kind = kindOf(node->nPromptType, property.key, !property.choices.empty());
         if (isWanted(property.key, properties)) {
             properties.push_back(std::move(property));

@@ -13,7 +13,6 @@ using Properties = std::vector<DriverProperty>;
 // A driver is known by what its library's name begins with.
 struct KnownDriver {
     std::string_view name;
-    const char* package;                    // Empty for one of ours.
     Properties (*properties)(bool isFile);  // Null for a driver that describes itself well.
     bool hasEncodedPasswords = false;
 };
@@ -100,13 +99,9 @@ Properties freetds(bool isFile) {
     return properties;
 }
 
-constexpr std::array kDrivers{KnownDriver{"psqlodbc", "odbc-postgresql", postgresql, true},
-                              KnownDriver{"vhpostgresql", "", nullptr, true},
-                              KnownDriver{"libmaodbc", "odbc-mariadb", mariadb},
-                              KnownDriver{"libmdbodbc", "odbc-mdbtools", mdbtools},
-                              KnownDriver{"libtdsodbc", "tdsodbc", freetds},
-                              KnownDriver{"vhfreetds", "", freetds},
-                              KnownDriver{"libsqlite3odbc", "libsqliteodbc", nullptr}};
+constexpr std::array kDrivers{KnownDriver{"psqlodbc", postgresql, true}, KnownDriver{"vhpostgresql", nullptr, true},
+                              KnownDriver{"libmaodbc", mariadb},         KnownDriver{"libmdbodbc", mdbtools},
+                              KnownDriver{"libtdsodbc", freetds},        KnownDriver{"vhfreetds", freetds}};
 
 std::string_view baseName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
@@ -130,13 +125,4 @@ std::optional<Properties> knownProperties(const std::string& library, bool isFil
 bool hasEncodedPasswords(const std::string& library) {
     const KnownDriver* driver = find(library);
     return driver != nullptr && driver->hasEncodedPasswords;
-}
-
-std::string packageOf(const std::string& library) {
-    const KnownDriver* driver = find(library);
-    return driver != nullptr ? driver->package : "";
-}
-
-std::string driverInsteadOf(const std::string& library) {
-    return baseName(library) == "libsqliteodbc.so" ? "SQLite3" : "";
 }

@@ -14,10 +14,3 @@
 
 // Whether the driver reads a password as a part of an address: "%25" stands for "%" and "%2B" for "+".
 [[nodiscard]] bool hasEncodedPasswords(const std::string& library);
-
-// The Debian package that brings the library; empty when it is not known.
-[[nodiscard]] std::string packageOf(const std::string& library);
-
-// The driver that people more likely mean where the library is registered and in no package; empty when it is not
-// known.
-[[nodiscard]] std::string driverInsteadOf(const std::string& library);

@@ -32,17 +32,6 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
     }
 }
 
-std::string oneLine(std::string_view text) {
-    std::string line;
-    for (const char byte : text) {
-        const bool isBlank = std::string_view(" \t\r\n\v\f").find(byte) != std::string_view::npos;
-        if (!isBlank || (!line.empty() && line.back() != ' ')) {
-            line += isBlank ? ' ' : byte;
-        }
-    }
-    return installer::trimmed(line);
-}
-
 bool isNamingKey(std::string_view key) {
     constexpr std::array kKeys{kNameKey, kDriverKey, "FILEDSN", "SAVEFILE"};
     return std::any_of(kKeys.begin(), kKeys.end(), [key](const char* other) { return sameName(key, other); });

@@ -31,10 +31,6 @@ using Settings = std::vector<installer::Attribute>;
 // Replaces the value of `key` or appends it. The key keeps the spelling that it has.
 void setValue(Settings& settings, const std::string& key, const std::string& value);
 
-// One line of it: without the blanks at both ends, and with line breaks, tabs and runs of blanks inside as one blank
-// each.
-[[nodiscard]] std::string oneLine(std::string_view text);
-
 // Whether the key names a data source, its driver or its file, and so is no setting.
 [[nodiscard]] bool isNamingKey(std::string_view key);
 

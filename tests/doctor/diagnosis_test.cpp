@@ -2,12 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdlib>
+#include <thread>
+#include <tuple>
 
+#include "doctor/library_keys.h"
+#include "doctor/server_look.h"
 #include "tests/support/temporary_folder.h"
 
 using namespace std::string_literals;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -25,6 +34,9 @@ doctor::Account accountOf(const Pairs& files, const Pairs& variables = {}) {
     account.variables = {{"HOME", "/h"}};
     account.libraries["/good.so"] = {doctor::LibraryKind::kLibrary, "/good.so"};
     account.libraries["/good.so"].functions = {"SQLConnect"};
+    account.libraries["/good.so"].foreignKeys = {"databse", "server", "own"};
+    account.libraries["/good.so"].knownKeys = {"Database"};
+    account.otherFiles["/home/you/.odbc.ini"] = "[Yours]\nDriver=Good\n";
     Pairs all{{"/etc/odbcinst.ini", kDrivers}, {"/h/.odbc.ini", kSound}};
     all.insert(all.end(), files.begin(), files.end());
     for (const auto& [path, text] : all) {
@@ -64,6 +76,9 @@ TEST(DoctorTest, TellsWhatIsWrongAndWhere) {
              {{}, "", {}, "a"},
              // Drivers that are not known to a program with files of its own, and variables that lead astray.
              {{{"/s/odbc.ini", kSound}}, "odbcsysini-is-file@/s/odbc.ini:0", {{"ODBCSYSINI", "/s/odbc.ini"}}},
+             {{{"/s", "/"}, {user, "gone"}},
+              "driver-file-missing@/s/odbcinst.ini:0 no-data-sources@/h/.odbc.ini:0",
+              {{"ODBCSYSINI", "/s"}}},
              {{}, "odbcsysini-missing@/none:0", {{"ODBCSYSINI", "/none"}}},
              {{}, "odbcsysini-empty@:0", {{"ODBCSYSINI", ""}}},
              {{}, "odbcinstini-is-path@/etc//etc/odbcinst.ini:0", {{"ODBCINSTINI", "/etc/odbcinst.ini"}}},
@@ -75,12 +90,10 @@ TEST(DoctorTest, TellsWhatIsWrongAndWhere) {
              {{{"/other/.odbc.ini", kSound}}, "homes-differ@/other/.odbc.ini:0", {{"HOME", "/other"}}},
              {{{"/h/odbc.ini", kSound}}, "file-not-read@/h/odbc.ini:0"},
              {{{user, "gone"}}, "no-data-sources@/h/.odbc.ini:0"},
-             {{{user, "gone"}, {"/h/odbc.ini", kSound}},
-              "name-in-unread-file@/h/odbc.ini:3 file-not-read@/h/odbc.ini:0"
-              " no-data-sources@/h/.odbc.ini:0",
-              {},
-              "A"},
+             {{{user, "gone"}, {"/h/odbc.ini", kSound}}, "name-in-unread-file@/h/odbc.ini:3", {}, "A"},
+             {{}, "name-in-unread-file@/home/you/.odbc.ini:1", {}, "Yours"},
              {{}, "name-unknown@/h/.odbc.ini:0", {}, "B"},
+             {{{user, "gone"}}, "name-unknown@/h/.odbc.ini:0", {}, "A"},
              // Data sources.
              {{{user, listed("[A]\nDriver=God\n")}}, "driver-unknown@/h/.odbc.ini:4"},
              {{{user, listed("[A]\nDriver={Good}\n")}}, "driver-quoted@/h/.odbc.ini:4"},
@@ -92,6 +105,10 @@ TEST(DoctorTest, TellsWhatIsWrongAndWhere) {
              {{{user, listed("")}, {"/etc/odbc.ini", "[A]\nDriver=Good\n"}}, ""},
              {{{user, listed("[A]\nDriver=Good\n[B]\nDriver=Good\n")}}, "section-not-listed@/h/.odbc.ini:5"},
              {{{user, "[Data Sources]\nA=Good\n[A]\nDriver=Good\n"}}, "list-misnamed@/h/.odbc.ini:1"},
+             {{{user, listed("[A]\nDriver=Good\nDatabse=x\nServer=y\nOwn=z\n")}}, "key-unknown@/h/.odbc.ini:5"},
+             {{{"/etc/odbcinst.ini", "[Good]\nDriver=psqlodbcw.so\n"},
+               {user, listed("[A]\nDriver=Good\nServer=x\nUsername=x\nUID=y\n")}},
+              "key-not-read@/h/.odbc.ini:5"},
              // Lines.
              {{{user, "\xEF\xBB\xBF" + ""s + kSound}},
               "byte-order-mark@/h/.odbc.ini:1 section-not-listed@/h/.odbc.ini:3"},
@@ -119,6 +136,113 @@ TEST(DoctorTest, TellsWhatIsWrongAndWhere) {
     account.managers = {{"/lib/libodbc.so.2", {"/etc"}}, {"/p/libodbc-1.so", {"/p/etc"}}};
     EXPECT_EQ(told(doctor::diagnose(account)),
               "password-readable@/h/.odbc.ini:5 file-owner@/etc/odbc.ini:0 driver-managers@/p/libodbc-1.so:0");
+}
+
+TEST(DoctorTest, TellsWhyAConnectionFails) {
+    using doctor::Encryption;
+    using doctor::Reach;
+    struct Case {
+        std::string library;
+        std::string settings;  // Behind the driver, from line 5 on.
+        std::string words;
+        Reach reach;
+        std::string told;
+        std::string server{};
+        Encryption encryption = Encryption::kUnknown;
+    };
+    for (const Case& row : std::vector<Case>{
+             {"x.so", "", "IM002: [unixODBC]Data source name not found", Reach::kNotLooked, "connection-im002:3"},
+             {"x.so", "", "01000: [unixODBC]Can't open lib 'x.so' : file not found", Reach::kNotLooked,
+              "connection-im003:3"},
+             {"psqlodbcw.so", "Servername=h", "08001: could not translate", Reach::kUnresolved, "host-unresolved:5",
+              "h"},
+             {"psqlodbcw.so", "Port=7", "08001: x", Reach::kNoSocket, "socket-missing:3",
+              "/var/run/postgresql/.s.PGSQL.7"},
+             {"libmaodbc.so", "Port=1\nServer=h", "HY000: Can't connect", Reach::kRefused, "port-closed:6", "h (1)"},
+             {"libmaodbc.so", "Server=localhost", "HY000: no", Reach::kNoSocket, "socket-missing:5",
+              "/run/mysqld/mysqld.sock"},
+             {"libtdsodbc.so", "Server=tcp:h,14", "08001: x", Reach::kSilent, "host-silent:5", "h (14)"},
+             {"libmsodbcsql-17.so", "Server=h\\I", "HYT00: Login timeout", Reach::kReached, "connection-timeout:5",
+              "h"},
+             {"x.so", "Host=[::1]:4", "08001: x", Reach::kReached, "connection-08001:5", "::1 (4)"},
+             {"x.so", "Host=::1\nPort=5", "HY000: odd", Reach::kReached, "connection-fails:5", "::1 (5)"},
+             {"psqlodbcw.so", "Servername=h", "08001: FATAL: password authentication failed", Reach::kReached,
+              "login-refused:5", "h (5432)"},
+             {"libmaodbc.so", "Server=h", "HY000: Access denied for user 'a'@'b' (using password: NO)", Reach::kReached,
+              "login-without-password:5", "h (3306)"},
+             {"libmaodbc.so", "Server=h\nDatabase=d", "HY000: Unknown database 'd'", Reach::kReached,
+              "database-unknown:6", "h (3306)"},
+             {"psqlodbcw.so", "Servername=h", "08001: no pg_hba.conf entry for host, no encryption", Reach::kReached,
+              "tls-required:5", "h (5432)", Encryption::kOffered},
+             {"psqlodbcw.so", "Servername=h", "08001: no pg_hba.conf entry for host, no encryption", Reach::kReached,
+              "host-not-admitted:5", "h (5432)", Encryption::kNotOffered},
+             {"x.so", "Server=h", "08001: SSL error: certificate verify failed", Reach::kReached, "tls-certificate:5",
+              "h"},
+             {"libmaodbc.so", "Server=h", "HY000: TLS/SSL error", Reach::kReached, "tls-not-offered:5", "h (3306)",
+              Encryption::kNotOffered},
+             {"psqlodbcw.so", "Servername=h", "", Reach::kReached, "server-of-another-kind:5", "h (5432)"},
+             {"x.so", "Server=h", "", Reach::kReached, "connection-deadline:5", "h"}}) {
+        doctor::Account account = accountOf({{"/etc/odbcinst.ini", "[Good]\nDriver=" + row.library + "\n"},
+                                             {"/h/.odbc.ini", listed("[A]\nDriver=Good\n" + row.settings + "\n")}});
+        account.connection = doctor::ConnectionFacts{false, !row.words.empty()};
+        account.connection->diagnostics = {row.words};
+        account.connection->look = {row.reach, row.encryption};
+        const doctor::Findings findings = doctor::diagnose(account, "A");
+        ASSERT_EQ(findings.size(), 1U) << row.words;
+        EXPECT_EQ(findings[0].kind.name + ":"s + std::to_string(findings[0].line), row.told) << row.words;
+        EXPECT_EQ(findings[0].subjects[1], row.server) << row.words;
+    }
+}
+
+// Servers that were made for it: one answers each of two connections with the text, one only listens.
+TEST(DoctorTest, LooksAtServers) {
+    using doctor::Encryption;
+    using doctor::Protocol;
+    using doctor::Reach;
+    const auto look = [](Protocol protocol, std::string_view answer, bool isListening = true) {
+        const int server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in place{};
+        place.sin_family = AF_INET;
+        place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof place;
+        EXPECT_EQ(bind(server, reinterpret_cast<sockaddr*>(&place), size), 0);
+        getsockname(server, reinterpret_cast<sockaddr*>(&place), &size);
+        if (isListening) {
+            listen(server, 1);
+        }
+        std::thread answering([&] {
+            const int client = answer.empty() ? -1 : accept(server, nullptr, nullptr);
+            EXPECT_TRUE(answer.empty() || send(client, answer.data(), answer.size(), 0) > 0);
+            close(client);
+        });
+        const doctor::ServerLook seen = doctor::lookAtServer(
+            {protocol, "127.0.0.1", std::to_string(ntohs(place.sin_port))}, std::chrono::milliseconds(1000));
+        answering.join();
+        close(server);
+        return std::pair(seen.reach, seen.encryption);
+    };
+    constexpr auto kMySql =
+        "\x20\0\0\0\x0A"
+        "10.1\0aaaabbbbbbbb\0\xFF\xF7\x08"sv;
+    constexpr auto kTds = "\x04\x01\0\x0F\0\0\x01\0\x01\0\x06\0\x01\xFF\x02"sv;
+    for (const auto& [protocol, answer, expected] : {std::tuple{Protocol::kPostgreSql, "S"sv, Encryption::kOffered},
+                                                     {Protocol::kPostgreSql, "N"sv, Encryption::kNotOffered},
+                                                     {Protocol::kPostgreSql, "HTTP"sv, Encryption::kUnknown},
+                                                     {Protocol::kMySql, kMySql, Encryption::kNotOffered},
+                                                     {Protocol::kMySql, kMySql.substr(0, 12), Encryption::kUnknown},
+                                                     {Protocol::kTds, kTds, Encryption::kNotOffered},
+                                                     {Protocol::kTds, kTds.substr(0, 14), Encryption::kUnknown},
+                                                     {Protocol::kUnknown, ""sv, Encryption::kUnknown}}) {
+        EXPECT_EQ(look(protocol, answer), std::pair(Reach::kReached, expected)) << answer.size();
+    }
+    EXPECT_EQ(look(Protocol::kUnknown, "", false).first, Reach::kRefused);
+    EXPECT_EQ(doctor::lookAtServer({Protocol::kUnknown, "no.such.host.invalid", "1"}, std::chrono::seconds(5)).reach,
+              Reach::kUnresolved);
+    EXPECT_EQ(doctor::lookAtServer({Protocol::kMySql, "", "", "/none/socket"}, std::chrono::seconds(5)).reach,
+              Reach::kNoSocket);
+    EXPECT_EQ(doctor::keysNotIn("ab\0Port\0S\0e\0r\0v\0e\0r\0\0\0U\0\0\0I\0\0\0D\0\0\0"sv,
+                                {"port", "server", "uid", "database"}),
+              std::set<std::string>{"database"});
 }
 
 TEST(DoctorTest, TellsWhyTheLoaderDoesNotFindALibraryThatIsThere) {

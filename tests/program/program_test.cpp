@@ -306,4 +306,30 @@ TEST_F(ProgramTest, DriversOfDebianGetADialogAndTheOneThatNamesNoneIsRegistered)
     EXPECT_NE(answer.find("[FreeTDS]"), std::string::npos) << answer;
 }
 
+TEST_F(ProgramTest, DoctorConnectsAndTellsPeopleAndScripts) {
+    files.write(OdbcFiles::kUser,
+                "[ODBC Data Sources]\nGood=Varnholt SQLite\nBad=Varnholt SQLite\n[Good]\n"
+                "Driver=Varnholt SQLite\nDatabase=" +
+                    files.path("g.db") +
+                    "\nTimeot=1\n[Bad]\n"
+                    "Driver=Varnholt SQLite\nDatabase=/none/\"\x01\n");
+    const auto doctor = [](const std::string& arguments) {
+        return outputOf("'" + stage("bin/odbcadmin-doctor") + "' " + arguments + "; echo exit=$?");
+    };
+    const auto expectIn = [](const std::string& text, const std::vector<std::string>& parts) {
+        for (const std::string& part : parts) {
+            EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
+        }
+    };
+    expectIn(doctor("Good"), {"\nGood connects, in 0.", "SQLite", "\nWarning " + files.path(OdbcFiles::kUser) + ":7\n",
+                              "  => If you mean Timeout, write that.\n", "exit=1"});
+    expectIn(doctor("Bad"),
+             {"\nBad does not connect", "/none/\"\uFFFD can't be read", "Errors: 1, warnings: 0", "exit=2"});
+    expectIn(doctor("Sad"), {"There is no data source Sad", "exit=2"});
+    expectIn(doctor("--timeout x Good"), {"Usage: ", "exit=3"});
+    expectIn(doctor("--json Bad | jq -c '[.connection.connected, .findings[0].code, .findings[0].line, .errors, "
+                    ".files[0].variables]'"),
+             {"[false,\"database-file\",10,1,\"ODBCINI\"]"});
+}
+
 }  // namespace
