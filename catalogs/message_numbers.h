@@ -73,6 +73,8 @@ enum Number : std::uint32_t {
     kRegisterDone = 9126,
     kRegisterNew = 9127,
     kRegisterUnknown = 9128,
+    kRegisterRemoved = 9185,
+    kRegisterSetupRemoved = 9186,
 
     // File DSN page.
     kFileDsnTab = 9039,

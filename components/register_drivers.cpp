@@ -1,5 +1,5 @@
 // odbcadmin-register: gives drivers our setup library, by an entry Setup in the driver file, and registers the drivers
-// that come with it.
+// that come with it. Takes all of that out again.
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
@@ -101,6 +101,14 @@ public:
         change_.write(driver.name, "UsageCount", "1");
         done_.push_back(catalogText(Message::kRegisterNew, {driver.name, file_}));
     }
+    void removeDriver(const std::string& driver) {
+        change_.removeSection(driver);
+        done_.push_back(catalogText(Message::kRegisterRemoved, {driver, file_}));
+    }
+    void removeSetup(const std::string& driver, const std::string& library) {
+        change_.write(driver, "Setup", nullptr);
+        done_.push_back(catalogText(Message::kRegisterSetupRemoved, {driver, file_, "Setup=" + library}));
+    }
     int carryOut() const {
         if (const std::optional<installer::ChangeFailure> failure = change_.commit()) {
             say(stderr, changeReport(*failure));
@@ -147,6 +155,21 @@ int registerDrivers(const Drivers& wanted) {
     return status != 0 || registration.isEmpty() ? status : registration.carryOut();
 }
 
+// Takes out what names libraries of this tree, whoever wrote it.
+int removeOwn() {
+    const std::string folder = tree() / "lib/";
+    Registration registration;
+    for (const std::string& driver : installer::listDrivers().names) {
+        const std::string setup = installer::readValue(driver, "Setup", installer::kDriverFile);
+        if (installer::readValue(driver, "Driver", installer::kDriverFile).starts_with(folder)) {
+            registration.removeDriver(driver);
+        } else if (setup.starts_with(folder)) {
+            registration.removeSetup(driver, setup);
+        }
+    }
+    return registration.carryOut();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -159,6 +182,9 @@ int main(int argc, char** argv) {
     if (contains(arguments, "--user")) {
         say(stderr, catalogText(Message::kRegisterForUser, {installer::driverFilePath()}));
         return kBadUse;
+    }
+    if (arguments == Drivers{"--remove"}) {
+        return removeOwn();
     }
     if (std::any_of(arguments.begin(), arguments.end(),
                     [](const std::string& argument) { return argument.starts_with('-'); })) {

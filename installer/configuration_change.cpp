@@ -123,8 +123,12 @@ void ConfigurationChange::write(const std::string& section, const std::string& k
     steps_.push_back({kind, trimmed(section), trimmed(key), trimmed(value != nullptr ? value : "")});
 }
 
+void ConfigurationChange::removeSection(const std::string& section) {
+    steps_.push_back({Step::kDeleteSection, section, {}, {}});
+}
+
 void ConfigurationChange::removeDataSource(const std::string& name) {
-    steps_.push_back({Step::kDeleteSection, name, {}, {}});
+    removeSection(name);
     // The library deletes the section and leaves the name in the list: the data source would be back, without settings.
     steps_.push_back({Step::kDeleteKey, kDataSourceList, name, {}});
 }

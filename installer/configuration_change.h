@@ -47,6 +47,8 @@ public:
     // What is to be done, in this order. A null `value` deletes the key, as often as it stands in the section. Blanks
     // at the ends are left out: no reader gets them.
     void write(const std::string& section, const std::string& key, const char* value);
+    // Removes a section, as often as it stands there.
+    void removeSection(const std::string& section);
     // Removes a data source, its section and its line in the list of names.
     void removeDataSource(const std::string& name);
     // The file is to be readable for its owner alone.

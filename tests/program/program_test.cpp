@@ -292,6 +292,8 @@ TEST_F(ProgramTest, DriversOfDebianGetADialogAndTheOneThatNamesNoneIsRegistered)
     const std::string said = outputOf(command);
     EXPECT_TRUE(said.starts_with("MariaDB ") && said.find("SQLite3") == std::string::npos) << said;
     EXPECT_EQ(files.read(OdbcFiles::kDrivers), before + "Setup=" + stage("lib/vhsetup23.so") + "\n");
+    outputOf(command + " 'Varnholt SQLite' 'Varnholt PostgreSQL'; " + command + " --remove");
+    EXPECT_EQ(files.read(OdbcFiles::kDrivers), before);
     start();
     press(XK_a);
     waitFor("Create a New Data Source", true);
