@@ -7,6 +7,20 @@ add_library(motif INTERFACE)
 pkg_check_modules(XFT REQUIRED IMPORTED_TARGET xft fontconfig)
 target_link_libraries(motif INTERFACE ${MOTIF_LIBRARY} PkgConfig::XFT X11::Xt X11::Xmu X11::Xpm X11::X11)
 
+option(VARNHOLT_SYSTEM_PACKAGE "Install for a package of the system: the tree below lib/ of /usr" OFF)
+set(VARNHOLT_TREE "")
+if(VARNHOLT_SYSTEM_PACKAGE)
+  set(VARNHOLT_TREE lib/varnholt-odbcadmin/)
+endif()
+# The install step alone knows where the tree is written to, and where it will stand: "tree" and "prefix" in what follows.
+install(CODE [[
+  get_filename_component(prefix "${CMAKE_INSTALL_PREFIX}" ABSOLUTE)
+  set(tree "$ENV{DESTDIR}${prefix}")
+]])
+if(VARNHOLT_SYSTEM_PACKAGE)
+  install(CODE "set(tree \"\${tree}/lib/varnholt-odbcadmin\")\nset(prefix /usr/lib/varnholt-odbcadmin)")
+endif()
+
 add_subdirectory(installer)
 add_subdirectory(motifutil)
 add_subdirectory(help)

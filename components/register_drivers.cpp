@@ -70,7 +70,11 @@ std::vector<OwnDriver> ownDrivers() {
             if (line.kind == installer::IniLineKind::kSection) {
                 drivers.push_back({std::string(line.name), {}});
             } else if (line.kind == installer::IniLineKind::kEntry && !drivers.empty()) {
-                drivers.back().entries.push_back({std::string(line.name), std::string(line.value)});
+                // The tree may have been moved since the templates were written.
+                const fs::path value(line.value);
+                const bool isLibrary = value.extension() == ".so";
+                drivers.back().entries.push_back(
+                    {std::string(line.name), isLibrary ? tree() / "lib" / value.filename() : value});
             }
         }
     }

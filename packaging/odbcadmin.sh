@@ -17,6 +17,14 @@ modules() {
 : "${ODBCINST:=$here/etc/odbcinst.ini}"
 export VH_INSTALLDIR KVLIB ODBCINST
 
+# The tree may have been moved: its file, which says where it stands, is then written anew, in the tree or for this person.
+text=$(<"$here/etc/odbcinst.ini")
+if [[ $text$'\n' != *"InstallDir=$here"$'\n'* && $text =~ InstallDir=([^$'\n']*) && $ODBCINST == "$here/etc/odbcinst.ini" ]]; then
+    [[ -w $here/etc ]] || ODBCINST=${XDG_CACHE_HOME:-$HOME/.cache}/varnholt-odbcadmin/odbcinst.ini
+    mkdir -p "${ODBCINST%/*}" && printf '%s\n' "${text//"=${BASH_REMATCH[1]}"/"=$here"}" >"$ODBCINST.$$" &&
+        mv -f "$ODBCINST.$$" "$ODBCINST"
+fi
+
 # The last place where help looks for a browser.
 PATH=$PATH:$here/libexec/browser
 
