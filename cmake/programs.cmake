@@ -21,6 +21,12 @@ if(VARNHOLT_SYSTEM_PACKAGE)
   install(CODE "set(tree \"\${tree}/lib/varnholt-odbcadmin\")\nset(prefix /usr/lib/varnholt-odbcadmin)")
 endif()
 
+# The languages beside English, each with the countries where it is spoken.
+set(VARNHOLT_LANGUAGES "")
+set(VARNHOLT_COUNTRIES_de _DE _AT _CH _LU _LI)
+set(VARNHOLT_COUNTRIES_fr _FR _BE _CA _CH _LU)
+set(VARNHOLT_COUNTRIES_ja _JP)
+
 add_subdirectory(installer)
 add_subdirectory(motifutil)
 add_subdirectory(help)

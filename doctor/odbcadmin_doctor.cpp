@@ -60,8 +60,9 @@ std::optional<doctor::ConnectionFacts> connectTo(const doctor::Account& account,
 
 int main(int argc, char** argv) {
     bosSetInstallDir(nullptr);
-    std::setlocale(LC_ALL, "");
+    // The language is chosen as the administrator does it: before the locale is set.
     const doctor::Texts texts;
+    std::setlocale(LC_ALL, "");
     bool isForScripts = false;
     bool areOptionsOver = false;
     std::optional<std::chrono::seconds> patience = kUsualPatience;

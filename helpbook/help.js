@@ -99,11 +99,19 @@
         }
     }
 
-    // The sections with a word that begins with `start`, as a map from their numbers.
+    // A text of the page's own, in its language.
+    function words(name, subject) {
+        return document.body.getAttribute("data-" + name).replace("%1", subject);
+    }
+
+    // The sections with a word that begins with `start`, as a map from their numbers. Languages that write without blanks
+    // have it anywhere.
     function sectionsWith(start) {
         var found = {};
+        var isAnywhere = /[\u3040-\u30ff\u3400-\u9fff]/.test(start);
         Object.keys(bookIndex.words).forEach(function (word) {
-            if (word.indexOf(start) === 0) {
+            var place = word.toLowerCase().indexOf(start);
+            if (place === 0 || (isAnywhere && place > 0)) {
                 bookIndex.words[word].split(" ").forEach(function (section) {
                     found[section] = true;
                 });
@@ -113,24 +121,23 @@
     }
 
     function search() {
-        var words = element("words").value.toLowerCase().split(/[^a-z0-9_]+/).filter(Boolean);
+        var asked = element("words").value.toLowerCase().split(/[^a-z0-9_\u0080-\uffff]+/).filter(Boolean);
         var inTitle = [];
         var inText = [];
-        if (words.length > 0) {
-            var hits = words.map(sectionsWith);
+        if (asked.length > 0) {
+            var hits = asked.map(sectionsWith);
             bookIndex.sections.forEach(function (section, number) {
                 var title = section[1].toLowerCase();
                 if (hits.every(function (hit) { return hit[number]; })) {
-                    var named = words.some(function (word) { return title.indexOf(word) >= 0; });
+                    var named = asked.some(function (word) { return title.indexOf(word) >= 0; });
                     (named ? inTitle : inText).push(row(section[0], section[1], section[1] === section[2] ? "" : section[2]));
                 }
             });
         }
         var results = inTitle.concat(inText);
         fill(element("results"), results);
-        element("found").textContent = words.length === 0 ? "" : results.length === 0 ?
-            "Nothing was found. Try fewer words, or only the beginning of one." :
-            results.length === 1 ? "1 place" : results.length + " places";
+        element("found").textContent = asked.length === 0 ? "" : results.length === 0 ?
+            words("nothing") : words(results.length === 1 ? "place" : "places", results.length);
     }
 
     function readFavorites() {
@@ -159,8 +166,7 @@
             return row(topic, titleOf(topic));
         }));
         element("no-favorites").hidden = favorites.length > 0;
-        element("favorite").textContent =
-            (favorites.indexOf(current) < 0 ? "Add \u201c" : "Remove \u201c") + titleOf(current) + "\u201d";
+        element("favorite").textContent = words(favorites.indexOf(current) < 0 ? "add" : "remove", titleOf(current));
     }
 
     function showWholeBook(event) {

@@ -1,9 +1,10 @@
 # Makes the help book, one page with all topics, and its index.
 #
-#   awk -v indexFile=index.js -f make_book.awk odbc.msg vhsetup23.msg vhutl23.msg book.htm topics/*.htm >api.htm
+#   awk -v indexFile=index.js -v root=../../ -f make_book.awk odbc.msg vhsetup23.msg vhutl23.msg book.htm topics/*.htm >api.htm
 #
 # @odbc:NUMBER@ in a topic, or another catalog, becomes the text that people see. book.htm is
-# the page around the topics: @contents@ and @topics@ stand for what is made of them. A topic is an <article> with an id, its
+# the page around the topics: @contents@ and @topics@ stand for what is made of them, @root@ for the folder of what the books
+# of all languages share; its body has words for the turning of topics. A topic is an <article> with an id, its
 # name in addresses, and a data-group, under which the contents list it. Its headings h1 and h2 stand on a line each; an h2
 # has an id, and both may have a data-index: keywords with ";" between them. A link to an id that is not there, or an id
 # that is there twice, ends the run.
@@ -72,7 +73,8 @@ function addSection(id, line, keywords, count, i) {
 function addWords(line, words, count, i) {
     gsub(/<[^>]*>|&[a-z]+;/, " ", line)
     line = tolower(line)
-    count = split(line, words, /[^a-z0-9_]+/)
+    # Every byte of a letter beyond ASCII is one of its word.
+    count = split(line, words, /[^a-z0-9_\200-\377]+/)
     for (i = 1; i <= count; ++i) {
         if (words[i] != "" && !((words[i], sections) in seen)) {
             seen[words[i], sections] = 1
@@ -110,14 +112,20 @@ function contents(result, i) {
 }
 
 function turning(topic) {
-    return "<p class=\"turn\">" (topic > 1 ? "<span>Previous: " link(topic - 1) "</span> " : "") \
-        (topic < topics ? "<span>Next: " link(topic + 1) "</span>" : "") "</p>\n"
+    return "<p class=\"turn\">" (topic > 1 ? "<span>" previousWord " " link(topic - 1) "</span> " : "") \
+        (topic < topics ? "<span>" nextWord " " link(topic + 1) "</span>" : "") "</p>\n"
 }
 
 FNR == 1 { catalog = FILENAME; sub(/.*\//, "", catalog); isTemplate = catalog == "book.htm"; isCatalog = sub(/\.msg$/, "", catalog) }
 isCatalog && /^[0-9]+ "/ { readMessage() }
 isCatalog { next }
-isTemplate { template[++templateLines] = $0; next }
+isTemplate {
+    gsub(/@root@/, root)
+    previousWord = previousWord attribute("data-previous", $0)
+    nextWord = nextWord attribute("data-next", $0)
+    template[++templateLines] = $0
+    next
+}
 
 { $0 = withMessages($0); checkNames($0) }
 /^<article / {
@@ -136,7 +144,7 @@ isTemplate { template[++templateLines] = $0; next }
 }
 {
     addWords($0)
-    gsub(/ src="/, "&../../")
+    gsub(/ src="/, "&" root)
     sub(/ data-index="[^"]*"/, "")
     sub(/ data-group="[^"]*"/, "")
     texts[topics] = texts[topics] $0 "\n"

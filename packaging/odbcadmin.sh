@@ -14,13 +14,18 @@ modules() {
 
 : "${VH_INSTALLDIR:=$here}"
 : "${KVLIB:=$here/lib:$here/lib/setup$(modules)}"
-: "${ODBCINST:=$here/etc/odbcinst.ini}"
+# The help of the language whose texts are shown; the names of locales are those of folders.
+own=$here/etc/odbcinst.ini
+locale=${LC_MESSAGES:-C}
+[[ $locale == C ]] && locale=${LANG:-C}
+[[ -f $here/etc/$locale/odbcinst.ini ]] && own=$here/etc/$locale/odbcinst.ini
+: "${ODBCINST:=$own}"
 export VH_INSTALLDIR KVLIB ODBCINST
 
 # The tree may have been moved: its file, which says where it stands, is then written anew, in the tree or for this person.
-text=$(<"$here/etc/odbcinst.ini")
-if [[ $text$'\n' != *"InstallDir=$here"$'\n'* && $text =~ InstallDir=([^$'\n']*) && $ODBCINST == "$here/etc/odbcinst.ini" ]]; then
-    [[ -w $here/etc ]] || ODBCINST=${XDG_CACHE_HOME:-$HOME/.cache}/varnholt-odbcadmin/odbcinst.ini
+text=$(<"$own")
+if [[ $text$'\n' != *"InstallDir=$here"$'\n'* && $text =~ InstallDir=([^$'\n']*) && $ODBCINST == "$own" ]]; then
+    [[ -w ${own%/*} ]] || ODBCINST=${XDG_CACHE_HOME:-$HOME/.cache}/varnholt-odbcadmin/odbcinst.ini
     mkdir -p "${ODBCINST%/*}" && printf '%s\n' "${text//"=${BASH_REMATCH[1]}"/"=$here"}" >"$ODBCINST.$$" &&
         mv -f "$ODBCINST.$$" "$ODBCINST"
 fi

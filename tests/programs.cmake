@@ -19,8 +19,7 @@ add_subdirectory(help)
 # What `cmake --install` installs.
 set(installed_tree odbcadmin odbcadmin-doctor describe-component odbcadmin-register libsqliteodbc_stand_in libsqlite3odbc_stand_in
                    libmdbodbc_stand_in vhsetup23 vhsqlite23 vhpostgresql23 vhfreetds23 odbccurs_identification
-                   libodbc_identification libvhicu23_identification catalog_en_US_odbc catalog_en_US_odbcdoctor catalog_en_US_vhutl23
-                   catalog_en_US_vhsetup23 helpbook)
+                   libodbc_identification libvhicu23_identification catalogs helpbook)
 
 # The real windows in the test's own process.
 add_executable(widget_tests ${display_support} support/child_process.cpp support/window_test.cpp)
