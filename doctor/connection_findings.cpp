@@ -181,7 +181,7 @@ void findConnectionFaults(const Account& account, const DataSource& source, Find
     const IniEntry* entry = address.entry;
     // %1 the data source, %2 what it is about, %3 what was said, %4 its driver.
     std::string about = kind.text == kHostUnresolved.text ? address.host : serverOf(address);
-    std::string said = words;
+    std::string said = words.empty() ? "-" : words;
     if (kind.text == kDatabaseFile.text) {
         entry = databaseFile(source.section);
         about = entry->value;

@@ -45,11 +45,9 @@ std::vector<std::string> matches(const std::string& pattern) {
     return paths;
 }
 
-void addFile(Account& account, const std::string& path) {
+// What is no regular file is not opened: a pipe would wait for ever.
+ConfigFile readConfigFile(const std::string& path) {
     struct stat status {};
-    if (account.files.contains(path)) {
-        return;
-    }
     ConfigFile file{path};
     if (stat(path.c_str(), &status) != 0) {
         file.error = errno == ENOTDIR ? ENOENT : errno;
@@ -63,7 +61,7 @@ void addFile(Account& account, const std::string& path) {
         }
         file.text = text.text;
     }
-    account.files.emplace(path, file);
+    return file;
 }
 
 void addUser(Account& account) {
@@ -76,9 +74,8 @@ void addUser(Account& account) {
             account.home = home;
             account.userName = entry->pw_name;
         } else if (access((home + "/.odbc.ini").c_str(), F_OK) == 0) {
-            installer::FileText text;
             const std::string path = home + "/.odbc.ini";
-            account.otherFiles[path] = installer::readFile(path, text) ? text.text : "";
+            account.otherFiles[path] = readConfigFile(path).text;
         }
     }
     endpwent();
@@ -113,7 +110,9 @@ void addFiles(Account& account) {
         paths.push_back(folder + std::string("/odbcinst.ini"));
     }
     for (const std::string& path : paths) {
-        addFile(account, path);
+        if (!account.files.contains(path)) {
+            account.files.emplace(path, readConfigFile(path));
+        }
     }
 }
 
