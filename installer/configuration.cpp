@@ -11,10 +11,15 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <limits>
+
+// Where the library has its system's files: what the command "odbcinst -j" shows. Only the library's own programs have
+// a declaration of it.
+extern "C" char* odbcinst_system_file_path(char* buffer);
 
 namespace installer {
 namespace {
@@ -89,6 +94,16 @@ std::string userDataSourcePath() {
     return std::string(entry != nullptr ? entry->pw_dir : "") + "/" + kDataSourceFile;
 }
 
+std::string dataSourcePath() {
+    UWORD mode = ODBC_BOTH_DSN;
+    SQLGetConfigMode(&mode);
+    if (mode != ODBC_SYSTEM_DSN) {
+        return userDataSourcePath();
+    }
+    char folder[PATH_MAX + 1] = "";
+    return std::string(odbcinst_system_file_path(folder)) + "/odbc.ini";
+}
+
 bool isDataSourceFileReadable() {
     const std::string path = userDataSourcePath();
     struct stat status {};
@@ -154,16 +169,6 @@ NameList listDrivers() {
             return drivers;
         }
     }
-}
-
-std::vector<Attribute> readSection(const std::string& section, const std::string& file) {
-    const NameList keys = listKeys(section, file, Growth::kByDoubling);
-    std::vector<Attribute> attributes;
-    attributes.reserve(keys.names.size());
-    for (const std::string& key : keys.names) {
-        attributes.push_back({key, readValue(section, key, file)});
-    }
-    return attributes;
 }
 
 std::string attributeList(const std::vector<Attribute>& attributes) {

@@ -1,8 +1,8 @@
 // The one place that asks the ODBC installer library for the configuration of data sources and drivers, which
 // installer/configuration_change.h changes.
 // It knows what the library leaves to its callers: lists that are cut without a word, negative lengths, values cached
-// for seconds, names left behind by a removal. Every reading function looks into the files anew. GUI thread only: the
-// installer library keeps process-wide state.
+// for seconds, names left behind by a removal. Every reading function looks into the files anew; who asks for many
+// values takes a ConfigurationReader. GUI thread only: the installer library keeps process-wide state.
 #pragma once
 
 #include <cstddef>
@@ -60,6 +60,9 @@ void keepMemoryBetweenReads() noexcept;
 // home directory of the password entry, whatever HOME says.
 [[nodiscard]] std::string userDataSourcePath();
 
+// Where the library has data sources in its present mode: the user's, or the system's.
+[[nodiscard]] std::string dataSourcePath();
+
 // False when there is a user's ".odbc.ini" that can't be read, for want of permission or because it is no file. To the
 // library that looks like an empty one. One that is missing is no failure.
 [[nodiscard]] bool isDataSourceFileReadable();
@@ -75,12 +78,10 @@ void keepMemoryBetweenReads() noexcept;
 // The installed drivers in file order; the library tells at most 65,535 bytes of them.
 [[nodiscard]] NameList listDrivers();
 
-// Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.
 struct Attribute {
     std::string key;
     std::string value;
 };
-[[nodiscard]] std::vector<Attribute> readSection(const std::string& section, const std::string& file);
 
 // The form in which attributes pass to a driver's setup library: "key=value" strings, each with a terminator, and one
 // more terminator at the end (ODBC ConfigDSN, lpszAttributes).

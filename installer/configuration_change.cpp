@@ -5,62 +5,19 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <set>
 
 #include "installer/configuration.h"
 #include "installer/private_file.h"
 
-// Where the library has its system's files: what the command "odbcinst -j" shows. Only the library's own programs have
-// a declaration of it.
-extern "C" char* odbcinst_system_file_path(char* buffer);
-
 namespace installer {
 
 namespace {
 
-constexpr const char* kPathVariable = "ODBCINI";
 // Says which file's first text a process has kept: its number and the path. A setup library is loaded anew for each
 // call, so nothing but the process can remember that.
 constexpr const char* kKeptVariable = "VH_KEPT_SETTINGS";
-
-std::string dataSourcePath() {
-    UWORD mode = ODBC_BOTH_DSN;
-    SQLGetConfigMode(&mode);
-    if (mode != ODBC_SYSTEM_DSN) {
-        return userDataSourcePath();
-    }
-    char folder[PATH_MAX + 1] = "";
-    return std::string(odbcinst_system_file_path(folder)) + "/odbc.ini";
-}
-
-// The library takes the copy for the user's file, whatever its mode is, while this lives.
-class CopyForLibrary {
-public:
-    explicit CopyForLibrary(const std::string& path) {
-        if (const char* before = std::getenv(kPathVariable)) {
-            before_ = before;
-        }
-        SQLGetConfigMode(&mode_);
-        SQLSetConfigMode(ODBC_USER_DSN);
-        setenv(kPathVariable, path.c_str(), 1);
-    }
-    ~CopyForLibrary() {
-        if (before_) {
-            setenv(kPathVariable, before_->c_str(), 1);
-        } else {
-            unsetenv(kPathVariable);
-        }
-        SQLSetConfigMode(mode_);
-    }
-    CopyForLibrary(const CopyForLibrary&) = delete;
-    CopyForLibrary& operator=(const CopyForLibrary&) = delete;
-
-private:
-    std::optional<std::string> before_;
-    UWORD mode_ = ODBC_BOTH_DSN;
-};
 
 // Lets the library write all that it reads in the file once more: it deletes a section that can't be there.
 bool rewriteByLibrary(const std::string& file) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "installer/configuration_reader.h"
 #include "installer/file_dsn.h"
 #include "motifutil/change_report.h"
 #include "setup/setup_texts.h"

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "installer/configuration_change.h"
+#include "installer/configuration_reader.h"
 #include "motifutil/change_report.h"
 #include "setup/setup_texts.h"
 

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "installer/configuration.h"
+#include "installer/configuration_reader.h"
 #include "tests/support/child_process.h"
 #include "tests/support/odbc_files.h"
 #include "tests/support/system_fault.h"

@@ -4,7 +4,9 @@
 #include <odbcinst.h>
 #include <sys/stat.h>
 
+#include "installer/configuration_reader.h"
 #include "installer/drivers.h"
+#include "installer/plain_text.h"
 #include "tests/support/odbc_files.h"
 
 using namespace std::string_literals;
@@ -70,6 +72,50 @@ TEST_F(ConfigurationTest, ReadingFollowsOtherPrograms) {
     // Missing names are not taken for "all of them".
     EXPECT_EQ(value("", "k") + value("S", ""), "");
     EXPECT_EQ(keys("").names, Names());
+}
+
+TEST_F(ConfigurationTest, TheReaderTellsOfOneTextWhatTheLibraryDoes) {
+    const auto long999 = "[S]\nk=" + std::string(997, 'v') + "\n";
+    for (const auto& [isPlain, text] : std::initializer_list<std::pair<bool, std::string>>{
+             {true, ""},
+             {true, "[S]\nk = a = b \n# c\n;c\n\nj=[x] \"y\" #z\nempty=\n[ODBC Data Sources]\nk=v\n[t]\nk=1\n"},
+             {true, long999},
+             {false, long999.substr(0, 7) + long999.substr(5)},
+             {false, "[S]\nk=v"},
+             {false, "[S]\nk\n"},
+             {false, "[S]\n=v\nj=1\n"},
+             {false, "[S]\n k=v\n"},
+             {false, "[S]\r\nk=v\r\n"},
+             {false, "[S]\nk=\vv\n"},
+             {false, "[S]\nk=v\0w\n"s},
+             {false, "[S]\nk=1\nj=2\nK=3\n"},
+             {false, "[S]\nk=1\n[t]\n[s]\nj=2\n"},
+             {false, "k=v\n[S]\nk=v\n"},
+             {false, " [S]\nk=v\n"},
+             {false, "[S] x\nk=v\n"},
+             {false, "[S\nk=v\n"},
+             {false, "[ S]\nk=v\n"},
+             {false, "[x]\n[]\nk=v\n"},
+             {false, "[S]]\nk=v\n"}}) {
+        EXPECT_EQ(installer::isPlain(text), isPlain) << text;
+        files.write(OdbcFiles::kUser, text);
+        for (const std::string& file : {std::string(installer::kDataSourceFile), files.path(OdbcFiles::kUser)}) {
+            installer::ConfigurationReader reader(file);
+            for (const std::string section : {"s", "T", "odbc data sources", ""}) {
+                const Names names = keys(section).names;
+                EXPECT_EQ(reader.listKeys(section, installer::Growth::kByDoubling).names, names) << text;
+                for (const std::string key : {"K", "j", "empty", "none", ""}) {
+                    EXPECT_EQ(reader.readValue(section, key), value(section, key)) << text;
+                }
+            }
+        }
+    }
+    files.write(OdbcFiles::kUser, "[S]\nk=12345\n");
+    installer::ConfigurationReader reader(installer::kDataSourceFile);
+    files.write(OdbcFiles::kUser, "[S]\nj=new\n");
+    EXPECT_EQ(installer::attributeList(reader.readSection("S")), "k=12345\0\0"s);
+    EXPECT_EQ(reader.readValue("S", "k", 4), "123");
+    EXPECT_EQ(keys("S").names, Names{"j"}) << "the library has the file again";
 }
 
 TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
