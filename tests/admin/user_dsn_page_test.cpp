@@ -2,7 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <random>
 #include <tuple>
+
+#include "kvlib/text.h"
 
 using namespace std::string_literals;
 using Rows = std::vector<std::string>;
@@ -41,6 +44,33 @@ TEST_F(UserDsnPageTest, NamesAreSortedAsTheyAlwaysWere) {
         EXPECT_EQ(rows(LstUName), shown) << about;
         EXPECT_EQ(rows(LstUDesc), Rows(shown.size(), "Recorder")) << about;
     }
+}
+
+TEST(SortListTest, EqualNamesStandWhereExchangingLeavesThem) {
+    constexpr const char* kNames[] = {"a", "A", "b", "B", "ab", "aB", "AB", "", "\u00e4", "\u00c4", "c\xff", "C\xff"};
+    std::minstd_rand random(1);  // NOLINT: the same numbers each time
+    for (std::size_t round = 0; round < 5000; ++round) {
+        Rows rows(random() % 60);
+        std::vector<char*> expected;
+        for (std::string& row : rows) {
+            row = kNames[random() % (round % std::size(kNames) + 1)];
+            expected.push_back(row.data());
+        }
+        std::vector<char*> sorted = expected;
+        sortList(sorted.data(), static_cast<short>(sorted.size()));
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            for (std::size_t j = i + 1; j < expected.size(); ++j) {
+                if (strCompareCi(expected[i], expected[j]) > 0) {
+                    std::swap(expected[i], expected[j]);
+                }
+            }
+        }
+        ASSERT_EQ(sorted, expected) << "round " << round;
+    }
+    Rows many(70000, "b");
+    many.back() = "a";
+    sortRows(many);
+    EXPECT_EQ(many.front() + many.back() + std::to_string(many.size()), "ab70000");
 }
 
 TEST_F(UserDsnPageTest, BothListsSelectTheSameRowAndKeepItsPosition) {
