@@ -113,7 +113,7 @@ bool isDataSourceFileReadable() {
     return (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode)) && access(path.c_str(), R_OK) == 0;
 }
 
-NameList listKeys(const std::string& section, const std::string& file, Growth growth) {
+NameList listKeys(const std::string& section, const std::string& file, Growth growth, std::size_t expected) {
     // A null section would list the file's sections, and an empty one has no keys.
     if (section.empty() || isPathOfNoFile(file)) {
         return {};
@@ -121,7 +121,9 @@ NameList listKeys(const std::string& section, const std::string& file, Growth gr
     forgetCachedValues();
     std::size_t size = kGrowthStep;
     while (true) {
-        size = growth == Growth::kByDoubling ? size * 2 : size + kGrowthStep;
+        do {
+            size = growth == Growth::kByDoubling ? size * 2 : size + kGrowthStep;
+        } while (!isComplete(expected, size));
         std::string buffer(size, '\0');
         const int length = SQLGetPrivateProfileString(section.c_str(), nullptr, "", buffer.data(),
                                                       static_cast<int>(size), file.c_str());
@@ -206,9 +208,7 @@ std::string_view trimmedView(std::string_view text) {
 
 bool isPasswordKey(std::string_view key) {
     constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
-    std::string lower(key);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    const std::string lower = foldedName(key);
     return std::any_of(kMarks.begin(), kMarks.end(),
                        [&lower](std::string_view mark) { return lower.find(mark) != std::string::npos; });
 }
@@ -223,6 +223,13 @@ void postError(unsigned int code, const std::string& text) {
 
 bool sameName(std::string_view a, std::string_view b) noexcept {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+std::string foldedName(std::string_view name) {
+    std::string folded(name);
+    std::transform(folded.begin(), folded.end(), folded.begin(),
+                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    return folded;
 }
 
 }  // namespace installer

@@ -68,8 +68,9 @@ void keepMemoryBetweenReads() noexcept;
 [[nodiscard]] bool isDataSourceFileReadable();
 
 // The keys of `section` in `file`, in file order, never cut short. What an absolute path names is looked at only when
-// it is a regular file.
-[[nodiscard]] NameList listKeys(const std::string& section, const std::string& file, Growth growth);
+// it is a regular file. Sizes in which `expected` bytes would not be a whole list are passed over.
+[[nodiscard]] NameList listKeys(const std::string& section, const std::string& file, Growth growth,
+                                std::size_t expected = 0);
 
 // The value of `key`, at most `size` - 1 bytes of it; empty when missing, empty, or when the file can't be read.
 [[nodiscard]] std::string readValue(const std::string& section, const std::string& key, const std::string& file,
@@ -109,5 +110,7 @@ void postError(unsigned int code, const std::string& text);
 
 // Whether two section or key names mean the same to the installer library: ASCII case does not count.
 [[nodiscard]] bool sameName(std::string_view a, std::string_view b) noexcept;
+// The one spelling of all names that mean the same, for tables.
+[[nodiscard]] std::string foldedName(std::string_view name);
 
 }  // namespace installer

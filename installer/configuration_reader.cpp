@@ -3,7 +3,7 @@
 #include <odbcinst.h>
 
 #include <algorithm>
-#include <cctype>
+#include <numeric>
 #include <utility>
 
 #include "installer/file_replacement.h"
@@ -36,13 +36,6 @@ std::optional<std::string> readPlainText(const std::string& file) {
     return std::move(read.text);
 }
 
-std::string inSmallLetters(std::string_view name) {
-    std::string result(name);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
-    return result;
-}
-
 }  // namespace
 
 ConfigurationReader::ConfigurationReader(std::string file) : file_(std::move(file)), text_(readPlainText(file_)) {}
@@ -54,8 +47,11 @@ NameList ConfigurationReader::listKeys(const std::string& section, Growth growth
         if (copy && copy.write(std::string(part))) {
             const bool isNamedByLibrary = file_ == kDataSourceFile;
             const CopyForLibrary asFile(copy.path());
-            NameList list = installer::listKeys(section, isNamedByLibrary ? file_ : copy.path(), growth);
             const std::vector<IniLine> entries = entriesIn(part);
+            const std::size_t size =
+                std::accumulate(entries.begin(), entries.end(), std::size_t{0},
+                                [](std::size_t sum, const IniLine& entry) { return sum + entry.name.size() + 1; });
+            NameList list = installer::listKeys(section, isNamedByLibrary ? file_ : copy.path(), growth, size);
             if (std::equal(list.names.begin(), list.names.end(), entries.begin(), entries.end(),
                            [](const std::string& key, const IniLine& entry) { return key == entry.name; })) {
                 return list;
@@ -69,7 +65,7 @@ NameList ConfigurationReader::listKeys(const std::string& section, Growth growth
 void ConfigurationReader::index(const std::string& section) {
     values_.clear();
     for (const IniLine& entry : entriesIn(sectionIn(*text_, section))) {
-        values_.emplace(inSmallLetters(entry.name), entry.value);
+        values_.emplace(foldedName(entry.name), entry.value);
     }
     indexed_ = section;
 }
@@ -81,7 +77,7 @@ std::string ConfigurationReader::readValue(const std::string& section, const std
     if (indexed_ != section) {
         index(section);
     }
-    const auto found = values_.find(inSmallLetters(key));
+    const auto found = values_.find(foldedName(key));
     return found == values_.end() ? std::string() : std::string(found->second.substr(0, size - 1));
 }
 

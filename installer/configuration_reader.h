@@ -31,7 +31,7 @@ private:
     std::string file_;
     std::optional<std::string> text_;  // A plain one.
     std::optional<std::string> indexed_;
-    std::unordered_map<std::string, std::string_view> values_;  // Of that section; the keys in small letters.
+    std::unordered_map<std::string, std::string_view> values_;  // Of that section, by foldedName().
 };
 
 // Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.
