@@ -22,6 +22,7 @@
 #include "bos/host.h"
 #include "catalogs/message_numbers.h"
 #include "installer/configuration.h"
+#include "installer/configuration_reader.h"
 #include "installer/file_dsn.h"
 #include "kvlib/private_error_list.h"
 #include "kvlib/text.h"
@@ -214,8 +215,9 @@ bool writeFileDsn(const std::string& path, const char* driver, const char* conne
         std::erase_if(written, [&key = key](const auto& old) { return installer::sameName(old.key, key); });
         written.push_back({key, value});
     }
-    return isComplete && std::all_of(written.begin(), written.end(), [&path](const auto& attribute) {
-               return installer::readValue(installer::kFileDsnSection, attribute.key, path) == attribute.value;
+    installer::ConfigurationReader file(path);
+    return isComplete && std::all_of(written.begin(), written.end(), [&file](const auto& attribute) {
+               return file.readValue(installer::kFileDsnSection, attribute.key) == attribute.value;
            });
 }
 

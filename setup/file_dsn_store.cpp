@@ -50,9 +50,11 @@ bool fileExists(const std::string& path) {
 
 Settings readFileDataSource(const std::string& path) {
     Settings settings;
+    SettingIndex index;
     for (Attribute& setting : installer::readSection(installer::kFileDsnSection, path)) {
         // Of a key that stands there twice every program reads the first.
-        if (findValue(settings, setting.key) == nullptr) {
+        if (!index.find(setting.key)) {
+            index.add(setting.key);
             settings.push_back(std::move(setting));
         }
     }
