@@ -1,7 +1,8 @@
 #include "installer/ini_text.h"
 
 #include <algorithm>
-#include <functional>
+#include <cctype>
+#include <numeric>
 
 #include "installer/configuration.h"
 
@@ -17,7 +18,10 @@ bool isBlank(const std::string& line) {
 
 // The same for names that differ in case only.
 std::size_t hashOf(std::string_view name) {
-    return std::hash<std::string>()(foldedName(name));
+    constexpr std::size_t kFactor = 31;
+    return std::accumulate(name.begin(), name.end(), std::size_t{0}, [](std::size_t hash, char byte) {
+        return hash * kFactor + static_cast<std::size_t>(std::tolower(static_cast<unsigned char>(byte)));
+    });
 }
 
 // The end of a line: "\n", "\r\n", or nothing for a last line that is open.
