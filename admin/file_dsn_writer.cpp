@@ -99,9 +99,10 @@ void createPrivateFile(const std::string& path) {
 void getFileDSNDefaultDir(char* buffer) {
     // One byte is left for the slash.
     constexpr std::size_t kSize = kFileDsnNameSize - 1;
-    std::string directory = installer::readValue("ODBC FILE DSN", "DefaultDSNDir", installer::kDataSourceFile, kSize);
+    installer::ConfigurationReader file(installer::kDataSourceFile);
+    std::string directory = file.readValue("ODBC FILE DSN", "DefaultDSNDir", kSize);
     if (directory.empty()) {
-        directory = installer::readValue("ODBC", "InstallDir", installer::kDataSourceFile, kSize);
+        directory = file.readValue("ODBC", "InstallDir", kSize);
     }
     if (directory.empty()) {
         const char* home = bosGetEnv("HOME");

@@ -48,7 +48,7 @@ TEST_F(UserDsnPageTest, NamesAreSortedAsTheyAlwaysWere) {
 
 TEST(SortListTest, EqualNamesStandWhereExchangingLeavesThem) {
     constexpr const char* kNames[] = {"a", "A", "b", "B", "ab", "aB", "AB", "", "\u00e4", "\u00c4", "c\xff", "C\xff"};
-    std::minstd_rand random(1);  // NOLINT: the same numbers each time
+    std::minstd_rand random(1);
     for (std::size_t round = 0; round < 5000; ++round) {
         Rows rows(random() % 60);
         std::vector<char*> expected;
