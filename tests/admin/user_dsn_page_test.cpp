@@ -51,17 +51,15 @@ TEST(SortListTest, EqualNamesStandWhereExchangingLeavesThem) {
     std::minstd_rand random(1);
     for (std::size_t round = 0; round < 5000; ++round) {
         Rows rows(random() % 60);
-        std::vector<char*> expected;
-        for (std::string& row : rows) {
-            row = kNames[random() % (round % std::size(kNames) + 1)];
-            expected.push_back(row.data());
-        }
-        std::vector<char*> sorted = expected;
+        std::generate(rows.begin(), rows.end(), [&] { return kNames[random() % (round % std::size(kNames) + 1)]; });
+        std::vector<char*> sorted;
+        std::transform(rows.begin(), rows.end(), std::back_inserter(sorted), [](auto& row) { return row.data(); });
+        std::vector<char*> expected = sorted;
         sortList(sorted.data(), static_cast<short>(sorted.size()));
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            for (std::size_t j = i + 1; j < expected.size(); ++j) {
-                if (strCompareCi(expected[i], expected[j]) > 0) {
-                    std::swap(expected[i], expected[j]);
+        for (auto one = expected.begin(); one != expected.end(); ++one) {
+            for (auto later = one + 1; later != expected.end(); ++later) {
+                if (strCompareCi(*one, *later) > 0) {
+                    std::swap(*one, *later);
                 }
             }
         }
