@@ -18,6 +18,7 @@
 #include "admin/lists.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
+#include "installer/configuration_reader.h"
 #include "installer/drivers.h"
 #include "installer/file_dsn.h"
 #include "motifutil/file_dialog.h"

@@ -22,6 +22,7 @@
 #include "bos/host.h"
 #include "catalogs/message_numbers.h"
 #include "installer/configuration.h"
+#include "installer/configuration_reader.h"
 #include "installer/file_dsn.h"
 #include "kvlib/private_error_list.h"
 #include "kvlib/text.h"
@@ -98,9 +99,10 @@ void createPrivateFile(const std::string& path) {
 void getFileDSNDefaultDir(char* buffer) {
     // One byte is left for the slash.
     constexpr std::size_t kSize = kFileDsnNameSize - 1;
-    std::string directory = installer::readValue("ODBC FILE DSN", "DefaultDSNDir", installer::kDataSourceFile, kSize);
+    installer::ConfigurationReader file(installer::kDataSourceFile);
+    std::string directory = file.readValue("ODBC FILE DSN", "DefaultDSNDir", kSize);
     if (directory.empty()) {
-        directory = installer::readValue("ODBC", "InstallDir", installer::kDataSourceFile, kSize);
+        directory = file.readValue("ODBC", "InstallDir", kSize);
     }
     if (directory.empty()) {
         const char* home = bosGetEnv("HOME");
@@ -214,8 +216,9 @@ bool writeFileDsn(const std::string& path, const char* driver, const char* conne
         std::erase_if(written, [&key = key](const auto& old) { return installer::sameName(old.key, key); });
         written.push_back({key, value});
     }
-    return isComplete && std::all_of(written.begin(), written.end(), [&path](const auto& attribute) {
-               return installer::readValue(installer::kFileDsnSection, attribute.key, path) == attribute.value;
+    installer::ConfigurationReader file(path);
+    return isComplete && std::all_of(written.begin(), written.end(), [&file](const auto& attribute) {
+               return file.readValue(installer::kFileDsnSection, attribute.key) == attribute.value;
            });
 }
 

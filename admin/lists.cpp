@@ -5,9 +5,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
 
-#include "kvlib/text.h"
+#include "admin/exchange_sort.h"
 #include "motifutil/script_fonts.h"
 #include "motifutil/widgets.h"
 
@@ -68,18 +67,12 @@ void FreeListMemory(char** strings, int count) noexcept {
 }
 
 void sortList(char** strings, short count) {
-    for (short i = 0; i < count; ++i) {
-        for (int j = i + 1; j < count; ++j) {
-            if (strCompareCi(strings[i], strings[j]) > 0) {
-                std::swap(strings[i], strings[j]);
-            }
-        }
-    }
+    exchangeSort({strings, static_cast<std::size_t>(std::max<short>(count, 0))});
 }
 
 void sortRows(std::vector<std::string>& rows) {
     std::vector<char*> order = pointersTo(rows);
-    sortList(order.data(), static_cast<short>(order.size()));
+    exchangeSort(order);
     rows = std::vector<std::string>(order.begin(), order.end());
 }
 

@@ -22,8 +22,8 @@ void populateList(Widget list, const FixedRow* rows, int count);
 // less only the array is freed.
 void FreeListMemory(char** strings, int count) noexcept;
 
-// Sorts in place, ascending, without regard to case, by exchanging: each position is compared with every later one. The
-// order of names that compare equal follows from the exchanges and is what people know from their lists.
+// Sorts in place, ascending, without regard to case, in the order that exchanging leaves (admin/exchange_sort.h).
+// sortRows() takes any number of rows.
 void sortList(char** strings, short count);
 void sortRows(std::vector<std::string>& rows);
 

@@ -16,6 +16,7 @@
 #include "admin/globals.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
+#include "installer/configuration_reader.h"
 #include "installer/trace_mirror.h"
 #include "motifutil/change_report.h"
 #include "motifutil/file_dialog.h"
@@ -42,10 +43,6 @@ constexpr const char* kTraceKey = "TRACE";
 constexpr const char* kFileKey = "TraceFile";
 constexpr const char* kLibraryKey = "TraceDll";
 
-std::string readSetting(const char* key, std::size_t size) {
-    return installer::readValue(kSection, key, installer::kDataSourceFile, size);
-}
-
 // What is stored of a path, and how its field shows that: bytes that are no characters of the locale are not shown.
 struct StoredPath {
     std::string value;
@@ -54,8 +51,8 @@ struct StoredPath {
 StoredPath TraceFile;
 StoredPath TraceLibrary;
 
-void loadPath(const char* key, Widget field, StoredPath& path) {
-    path.value = readSetting(key, 1024);
+void loadPath(installer::ConfigurationReader& file, const char* key, Widget field, StoredPath& path) {
+    path.value = file.readValue(kSection, key);
     XmTextSetString(field, path.value.data());
     path.shown = fieldText(field);
 }
@@ -120,7 +117,8 @@ void showState(const std::string& storedState, const std::string& storedFile) {
 }
 
 void showState() {
-    showState(readSetting(kTraceKey, 2), readSetting(kFileKey, 1024));
+    installer::ConfigurationReader file(installer::kDataSourceFile);
+    showState(file.readValue(kSection, kTraceKey, 2), file.readValue(kSection, kFileKey));
 }
 
 XtIntervalId StateTimer = 0;
@@ -235,11 +233,12 @@ Widget createTraceTab(Widget notebook) {
 }
 
 void Load_Trace() {
+    installer::ConfigurationReader file(installer::kDataSourceFile);
     // One character is read, so "10" reads as "1", on.
-    const std::string trace = readSetting(kTraceKey, 2);
+    const std::string trace = file.readValue(kSection, kTraceKey, 2);
     XmToggleButtonSetState(TgEnableTracing, trace == "1" ? True : False, True);
-    loadPath(kFileKey, TxtTraceFile, TraceFile);
-    loadPath(kLibraryKey, TxtTraceLib, TraceLibrary);
+    loadPath(file, kFileKey, TxtTraceFile, TraceFile);
+    loadPath(file, kLibraryKey, TxtTraceLib, TraceLibrary);
     showState(trace, TraceFile.value);
 }
 

@@ -13,6 +13,7 @@
 #include "admin/table.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
+#include "installer/configuration_reader.h"
 #include "installer/drivers.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/widgets.h"
@@ -44,18 +45,14 @@ constexpr int kLongestEmptyList = 2;
 
 Table DataSources;
 
-std::string driverOf(const std::string& dataSource, std::size_t size) {
-    return installer::readValue(installer::kDataSourceList, dataSource, installer::kDataSourceFile, size);
-}
-
 // Reads names and drivers and fills the lists; false after the error that ends the program was shown.
 bool fillLists(Widget nameList, Widget driverList) {
     if (!installer::isDataSourceFileReadable()) {
         showODBCINIError();
         return false;
     }
-    installer::NameList list =
-        installer::listKeys(installer::kDataSourceList, installer::kDataSourceFile, installer::Growth::kByKilobyte);
+    installer::ConfigurationReader file(installer::kDataSourceFile);
+    installer::NameList list = file.listKeys(installer::kDataSourceList, installer::Growth::kByKilobyte);
     if (list.length <= kLongestEmptyList) {
         list.names.clear();
     }
@@ -64,7 +61,7 @@ bool fillLists(Widget nameList, Widget driverList) {
 
     std::vector<std::string> drivers;
     for (const std::string& name : list.names) {
-        drivers.push_back(driverOf(name, kDriverRowSize));
+        drivers.push_back(file.readValue(installer::kDataSourceList, name, kDriverRowSize));
         if (drivers.back().empty()) {
             showODBCINIError();
             return false;
@@ -75,10 +72,9 @@ bool fillLists(Widget nameList, Widget driverList) {
 }
 
 // Whether the installer library would take another data source for this one: to it, case does not count in names.
-bool isTakenForAnother(const std::string& name) {
+bool isTakenForAnother(const std::string& name, installer::ConfigurationReader& file) {
     const std::vector<std::string> names =
-        installer::listKeys(installer::kDataSourceList, installer::kDataSourceFile, installer::Growth::kByKilobyte)
-            .names;
+        file.listKeys(installer::kDataSourceList, installer::Growth::kByKilobyte).names;
     return std::count_if(names.begin(), names.end(),
                          [&name](const std::string& other) { return installer::sameName(other, name); }) > 1;
 }
@@ -91,11 +87,12 @@ void selectRow(Widget nameList, Widget driverList, int row) {
 
 // Configures the data source `name`: hands every key that it has to its driver.
 void configure(const std::string& name) {
-    if (isTakenForAnother(name)) {
+    installer::ConfigurationReader file(installer::kDataSourceFile);
+    if (isTakenForAnother(name, file)) {
         showError(Message::kNamesDifferInCase);
         return;
     }
-    const std::vector<installer::Attribute> settings = installer::readSection(name, installer::kDataSourceFile);
+    const std::vector<installer::Attribute> settings = file.readSection(name);
     if (settings.empty()) {
         showODBCINIError();
         return;
@@ -103,7 +100,7 @@ void configure(const std::string& name) {
     std::vector<installer::Attribute> attributes{{"DSN", name}};
     attributes.insert(attributes.end(), settings.begin(), settings.end());
 
-    const std::string driver = driverOf(name, 1024);
+    const std::string driver = file.readValue(installer::kDataSourceList, name);
     if (driver.empty()) {
         showODBCINIError();
         return;
@@ -192,7 +189,8 @@ void btnRemove_Clicked(Widget /*widget*/, XtPointer /*clientData*/, XtPointer /*
     }
     guarded([&row] {
         const std::string name = rowText(LstUName, *row);
-        if (isTakenForAnother(name)) {
+        installer::ConfigurationReader file(installer::kDataSourceFile);
+        if (isTakenForAnother(name, file)) {
             showError(Message::kNamesDifferInCase);
             return;
         }

@@ -2,11 +2,18 @@
 #include <benchmark/benchmark.h>
 #include <odbcinst.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "admin/exchange_sort.h"
 #include "installer/configuration_change.h"
+#include "installer/configuration_reader.h"
 #include "kvini/install_dir.h"
 #include "kvini/profile.h"
 #include "tests/support/temporary_folder.h"
@@ -133,6 +140,100 @@ BENCHMARK_DEFINE_F(IniBench, carefulChange)(benchmark::State& state) {
     });
 }
 
+// What the User DSN page reads: the names, and for each of them its driver.
+BENCHMARK_DEFINE_F(IniBench, namesAndDrivers)(benchmark::State& state) {
+    setenv("ODBCINI", file.c_str(), 1);
+    SQLSetConfigMode(ODBC_USER_DSN);
+    for (auto step : state) {
+        installer::ConfigurationReader reader(installer::kDataSourceFile);
+        std::size_t found = 0;
+        for (const std::string& name :
+             reader.listKeys(installer::kDataSourceList, installer::Growth::kByKilobyte).names) {
+            found += reader.readValue(installer::kDataSourceList, name).empty() ? 0 : 1;
+        }
+        if (found != static_cast<std::size_t>(state.range(0))) {
+            state.SkipWithError("The list was not read.");
+            return;
+        }
+    }
+}
+
+BENCHMARK_DEFINE_F(IniBench, sortNames)(benchmark::State& state) {
+    std::vector<std::string> names;
+    for (int i = 0; i < state.range(0); ++i) {
+        names.push_back("data source " + std::to_string(i));
+    }
+    std::vector<char*> pointers;
+    std::transform(names.begin(), names.end(), std::back_inserter(pointers),
+                   [](std::string& name) { return name.data(); });
+    std::shuffle(pointers.begin(), pointers.end(), std::minstd_rand(1));
+    for (auto step : state) {
+        std::vector<char*> sorted = pointers;
+        exchangeSort(sorted);
+        benchmark::DoNotOptimize(sorted.data());
+    }
+}
+
+// range(0) settings of one data source: reading them, changing one of them, and a new name for it.
+class ManySettings : public benchmark::Fixture {
+public:
+    using benchmark::Fixture::SetUp;
+    void SetUp(benchmark::State& state) override {
+        std::string text = "[ODBC Data Sources]\nold=D\n\n[old]\n";
+        for (int i = 0; i < state.range(0); ++i) {
+            text += "Key" + std::to_string(i) + "=value " + std::to_string(i) + "\n";
+        }
+        setenv("ODBCINI", folder.write("odbc.ini", text).c_str(), 1);
+        SQLSetConfigMode(ODBC_USER_DSN);
+    }
+    static std::vector<installer::Attribute> read(const char* name) {
+        return installer::readSection(name, installer::kDataSourceFile);
+    }
+
+private:
+    TemporaryFolder folder;
+};
+
+BENCHMARK_DEFINE_F(ManySettings, readAll)(benchmark::State& state) {
+    for (auto step : state) {
+        if (read("old").size() != static_cast<std::size_t>(state.range(0))) {
+            state.SkipWithError("The settings were not read.");
+            return;
+        }
+    }
+}
+
+BENCHMARK_DEFINE_F(ManySettings, changeOne)(benchmark::State& state) {
+    int number = 0;
+    for (auto step : state) {
+        installer::ConfigurationChange change;
+        change.write("old", "Key7", std::to_string(++number).c_str());
+        if (change.commit()) {
+            state.SkipWithError("The setting was not written.");
+            return;
+        }
+    }
+}
+
+BENCHMARK_DEFINE_F(ManySettings, rename)(benchmark::State& state) {
+    std::string from = "old";
+    std::string to = "new";
+    const std::vector<installer::Attribute> settings = read("old");
+    for (auto step : state) {
+        installer::ConfigurationChange change;
+        change.removeDataSource(from);
+        for (const auto& [key, value] : settings) {
+            change.write(to, key, value.c_str());
+        }
+        change.write(installer::kDataSourceList, to, "D");
+        if (change.commit()) {
+            state.SkipWithError("The settings were not written.");
+            return;
+        }
+        std::swap(from, to);
+    }
+}
+
 void changes(benchmark::internal::Benchmark* benchmark) {
     benchmark->ArgNames({"sources", "keys"})->ArgsProduct({{10, 1000}, {1, 5}})->Unit(benchmark::kMicrosecond);
     benchmark->UseRealTime();
@@ -148,6 +249,11 @@ BENCHMARK_REGISTER_F(IniBench, installerLibrary)->Apply(sizes);
 BENCHMARK_REGISTER_F(IniBench, listKeys)->Apply(sizes);
 // The disk takes its part of the time.
 BENCHMARK_REGISTER_F(IniBench, update)->Apply(sizes)->UseRealTime();
+BENCHMARK_REGISTER_F(IniBench, namesAndDrivers)->Apply(sizes);
+BENCHMARK_REGISTER_F(IniBench, sortNames)->Apply(sizes);
+BENCHMARK_REGISTER_F(ManySettings, readAll)->Arg(3000)->Unit(benchmark::kMicrosecond);
+BENCHMARK_REGISTER_F(ManySettings, changeOne)->Arg(3000)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK_REGISTER_F(ManySettings, rename)->Arg(3000)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK_REGISTER_F(IniBench, libraryWrite)->Apply(changes);
 BENCHMARK_REGISTER_F(IniBench, carefulChange)->Apply(changes);
 

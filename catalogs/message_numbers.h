@@ -76,6 +76,11 @@ enum Number : std::uint32_t {
     kRegisterRemoved = 9185,
     kRegisterSetupRemoved = 9186,
 
+    // A first start, and the command.
+    kNoDriverYet = 9187,
+    kNoDataSourceYet = 9188,
+    kUsage = 9189,
+
     // File DSN page.
     kFileDsnTab = 9039,
     kFileDsnExplanation = 9062,

@@ -8,6 +8,7 @@
 
 #include "doctor/names.h"
 #include "doctor/server_address.h"
+#include "installer/configuration.h"
 
 namespace doctor {
 
@@ -177,7 +178,7 @@ void findConnectionFaults(const Account& account, const DataSource& source, Find
     }
     const ServerAddress address = addressOf(source.section, source.library);
     const bool isKnown = address.protocol != Protocol::kUnknown && address.socket.empty();
-    const FindingKind& kind = kindOf(facts, folded(words), isKnown);
+    const FindingKind& kind = kindOf(facts, installer::foldedName(words), isKnown);
     const IniEntry* entry = address.entry;
     // %1 the data source, %2 what it is about, %3 what was said, %4 its driver.
     std::string about = kind.text == kHostUnresolved.text ? address.host : serverOf(address);

@@ -149,7 +149,7 @@ public:
 private:
     void addList(const IniSection& list) {
         for (const IniEntry& entry : list.entries) {
-            listed_[folded(entry.key)] = entry.value;
+            listed_[installer::foldedName(entry.key)] = entry.value;
         }
     }
     bool hasSection(const std::string& name) const {
@@ -160,7 +160,7 @@ private:
         std::vector<std::string> unlisted;
         for (const IniSection& section : file.view.sections) {
             if (!isListName(section.name) && !sameName(section.name, "ODBC") && !section.entries.empty() &&
-                !listed_.contains(folded(section.name))) {
+                !listed_.contains(installer::foldedName(section.name))) {
                 unlisted.push_back(section.name);
             }
         }
@@ -189,11 +189,11 @@ private:
                                  entry.line,
                                  {entry.key, section->name, std::to_string(section->line)},
                                  entry.key});
-            told_.insert(folded(section->name));
+            told_.insert(installer::foldedName(section->name));
         }
     }
     void checkSection(const DataSourceFile& file, const IniSection& section) {
-        const auto listed = listed_.find(folded(section.name));
+        const auto listed = listed_.find(installer::foldedName(section.name));
         // Of two sections the first counts, and the second is told of as such.
         if (isListName(section.name) || sameName(section.name, "ODBC") || meantLists_.contains(section.name) ||
             file.view.find(section.name) != &section) {
@@ -205,7 +205,7 @@ private:
         hasSections_ = true;
         checkDriver(file, section, drivers_, driverFile(account_), listed != listed_.end() ? listed->second : "",
                     findings_);
-        if (listed == listed_.end() && !told_.contains(folded(section.name))) {
+        if (listed == listed_.end() && !told_.contains(installer::foldedName(section.name))) {
             findings_.push_back(
                 {kNotListed, file.path, section.line, {section.name, section.value("Driver")}, section.name});
         }

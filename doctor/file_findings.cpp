@@ -215,7 +215,7 @@ void checkSections(const ConfigFile& file, bool isDriverList, Findings& findings
     }
     std::map<std::string, const IniSection*> sections;
     for (const IniSection& section : view.sections) {
-        const auto [first, isNew] = sections.emplace(folded(section.name), &section);
+        const auto [first, isNew] = sections.emplace(installer::foldedName(section.name), &section);
         if (!isNew) {
             const bool isSame = first->second->name == section.name;
             add(isSame ? kSectionTwice : kCaseDiffers, section.line,
@@ -227,7 +227,7 @@ void checkSections(const ConfigFile& file, bool isDriverList, Findings& findings
         const bool isList = installer::sameName(section.name, kDataSourceList);
         std::map<std::string, const IniEntry*> entries;
         for (const IniEntry& entry : section.entries) {
-            const auto [earlier, isFirst] = entries.emplace(folded(entry.key), &entry);
+            const auto [earlier, isFirst] = entries.emplace(installer::foldedName(entry.key), &entry);
             if (!isFirst) {
                 const bool isSame = !isList || earlier->second->key == entry.key;
                 add(isSame ? kKeyTwice : kCaseDiffers, entry.line,

@@ -50,7 +50,7 @@ const Misplaced* misplaced(const std::string& library, const std::string& key) {
 }
 
 void checkKey(const DataSource& source, const IniEntry& entry, const LibraryFacts* facts, Findings& findings) {
-    const std::string key = folded(entry.key);
+    const std::string key = installer::foldedName(entry.key);
     const auto add = [&](const FindingKind& kind, const std::string& right) {
         findings.push_back({kind,
                             source.file,
@@ -99,7 +99,7 @@ std::set<std::string> keysForLibrary(const Account& account, const std::string& 
                 continue;
             }
             for (const IniEntry& entry : section.entries) {
-                const std::string key = folded(entry.key);
+                const std::string key = installer::foldedName(entry.key);
                 if (std::find(kManagerKeys.begin(), kManagerKeys.end(), key) == kManagerKeys.end()) {
                     keys.insert(key);
                 }

@@ -20,11 +20,4 @@ bool isManagerName(const std::string& path) {
     return std::any_of(kNames.begin(), kNames.end(), [&base](std::string_view name) { return base.starts_with(name); });
 }
 
-std::string folded(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
-    });
-    return name;
-}
-
 }  // namespace doctor

@@ -1,4 +1,4 @@
-// Names of files, and names that ODBC compares without regard to case.
+// Names of files.
 #pragma once
 
 #include <string>
@@ -11,8 +11,5 @@ namespace doctor {
 
 // Whether a library is called as driver managers are.
 [[nodiscard]] bool isManagerName(const std::string& path);
-
-// The same text for names that differ in the case of ASCII letters alone.
-[[nodiscard]] std::string folded(std::string name);
 
 }  // namespace doctor

@@ -24,6 +24,7 @@
 #include "doctor/key_findings.h"
 #include "doctor/library_keys.h"
 #include "doctor/names.h"
+#include "installer/configuration.h"
 #include "installer/driver_process.h"
 #include "installer/file_replacement.h"
 #include "installer/trace_mirror.h"
@@ -237,7 +238,7 @@ void addKeys(const Account& account, const std::string& library, LibraryFacts& f
     }
     std::set<std::string> missing = keys;
     for (const std::string& key : usualKeys()) {
-        missing.insert(folded(key));
+        missing.insert(installer::foldedName(key));
     }
     for (const std::string& path : facts.driverFiles) {
         installer::FileText text;
@@ -263,10 +264,10 @@ void addKeys(const Account& account, const std::string& library, LibraryFacts& f
     }
     facts.isDescribed = !facts.knownKeys.empty();
     for (const std::string& key : facts.knownKeys) {
-        facts.foreignKeys.erase(folded(key));
+        facts.foreignKeys.erase(installer::foldedName(key));
     }
     std::copy_if(usualKeys().begin(), usualKeys().end(), std::back_inserter(facts.knownKeys),
-                 [&missing](const std::string& key) { return !missing.contains(folded(key)); });
+                 [&missing](const std::string& key) { return !missing.contains(installer::foldedName(key)); });
 }
 
 void addLibraries(Account& account, const Folders& otherFolders) {

@@ -11,10 +11,15 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <limits>
+
+// Where the library has its system's files: what the command "odbcinst -j" shows. Only the library's own programs have
+// a declaration of it.
+extern "C" char* odbcinst_system_file_path(char* buffer);
 
 namespace installer {
 namespace {
@@ -89,6 +94,16 @@ std::string userDataSourcePath() {
     return std::string(entry != nullptr ? entry->pw_dir : "") + "/" + kDataSourceFile;
 }
 
+std::string dataSourcePath() {
+    UWORD mode = ODBC_BOTH_DSN;
+    SQLGetConfigMode(&mode);
+    if (mode != ODBC_SYSTEM_DSN) {
+        return userDataSourcePath();
+    }
+    char folder[PATH_MAX + 1] = "";
+    return std::string(odbcinst_system_file_path(folder)) + "/odbc.ini";
+}
+
 bool isDataSourceFileReadable() {
     const std::string path = userDataSourcePath();
     struct stat status {};
@@ -98,7 +113,7 @@ bool isDataSourceFileReadable() {
     return (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode)) && access(path.c_str(), R_OK) == 0;
 }
 
-NameList listKeys(const std::string& section, const std::string& file, Growth growth) {
+NameList listKeys(const std::string& section, const std::string& file, Growth growth, std::size_t expected) {
     // A null section would list the file's sections, and an empty one has no keys.
     if (section.empty() || isPathOfNoFile(file)) {
         return {};
@@ -106,7 +121,9 @@ NameList listKeys(const std::string& section, const std::string& file, Growth gr
     forgetCachedValues();
     std::size_t size = kGrowthStep;
     while (true) {
-        size = growth == Growth::kByDoubling ? size * 2 : size + kGrowthStep;
+        do {
+            size = growth == Growth::kByDoubling ? size * 2 : size + kGrowthStep;
+        } while (!isComplete(expected, size));
         std::string buffer(size, '\0');
         const int length = SQLGetPrivateProfileString(section.c_str(), nullptr, "", buffer.data(),
                                                       static_cast<int>(size), file.c_str());
@@ -156,16 +173,6 @@ NameList listDrivers() {
     }
 }
 
-std::vector<Attribute> readSection(const std::string& section, const std::string& file) {
-    const NameList keys = listKeys(section, file, Growth::kByDoubling);
-    std::vector<Attribute> attributes;
-    attributes.reserve(keys.names.size());
-    for (const std::string& key : keys.names) {
-        attributes.push_back({key, readValue(section, key, file)});
-    }
-    return attributes;
-}
-
 std::string attributeList(const std::vector<Attribute>& attributes) {
     std::vector<std::string> items;
     items.reserve(attributes.size());
@@ -212,9 +219,7 @@ std::string_view trimmedView(std::string_view text) {
 
 bool isPasswordKey(std::string_view key) {
     constexpr std::array<std::string_view, 5> kMarks{"password", "passwd", "pwd", "passphrase", "secret"};
-    std::string lower(key);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    const std::string lower = foldedName(key);
     return std::any_of(kMarks.begin(), kMarks.end(),
                        [&lower](std::string_view mark) { return lower.find(mark) != std::string::npos; });
 }
@@ -229,6 +234,13 @@ void postError(unsigned int code, const std::string& text) {
 
 bool sameName(std::string_view a, std::string_view b) noexcept {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+std::string foldedName(std::string_view name) {
+    std::string folded(name);
+    std::transform(folded.begin(), folded.end(), folded.begin(),
+                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    return folded;
 }
 
 }  // namespace installer

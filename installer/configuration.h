@@ -1,8 +1,8 @@
 // The one place that asks the ODBC installer library for the configuration of data sources and drivers, which
 // installer/configuration_change.h changes.
 // It knows what the library leaves to its callers: lists that are cut without a word, negative lengths, values cached
-// for seconds, names left behind by a removal. Every reading function looks into the files anew. GUI thread only: the
-// installer library keeps process-wide state.
+// for seconds, names left behind by a removal. Every reading function looks into the files anew; who asks for many
+// values takes a ConfigurationReader. GUI thread only: the installer library keeps process-wide state.
 #pragma once
 
 #include <cstddef>
@@ -60,13 +60,17 @@ void keepMemoryBetweenReads() noexcept;
 // home directory of the password entry, whatever HOME says.
 [[nodiscard]] std::string userDataSourcePath();
 
+// Where the library has data sources in its present mode: the user's, or the system's.
+[[nodiscard]] std::string dataSourcePath();
+
 // False when there is a user's ".odbc.ini" that can't be read, for want of permission or because it is no file. To the
 // library that looks like an empty one. One that is missing is no failure.
 [[nodiscard]] bool isDataSourceFileReadable();
 
 // The keys of `section` in `file`, in file order, never cut short. What an absolute path names is looked at only when
-// it is a regular file.
-[[nodiscard]] NameList listKeys(const std::string& section, const std::string& file, Growth growth);
+// it is a regular file. Sizes in which `expected` bytes would not be a whole list are passed over.
+[[nodiscard]] NameList listKeys(const std::string& section, const std::string& file, Growth growth,
+                                std::size_t expected = 0);
 
 // The value of `key`, at most `size` - 1 bytes of it; empty when missing, empty, or when the file can't be read.
 [[nodiscard]] std::string readValue(const std::string& section, const std::string& key, const std::string& file,
@@ -75,12 +79,10 @@ void keepMemoryBetweenReads() noexcept;
 // The installed drivers in file order; the library tells at most 65,535 bytes of them.
 [[nodiscard]] NameList listDrivers();
 
-// Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.
 struct Attribute {
     std::string key;
     std::string value;
 };
-[[nodiscard]] std::vector<Attribute> readSection(const std::string& section, const std::string& file);
 
 // The form in which attributes pass to a driver's setup library: "key=value" strings, each with a terminator, and one
 // more terminator at the end (ODBC ConfigDSN, lpszAttributes).
@@ -111,5 +113,7 @@ void postError(unsigned int code, const std::string& text);
 
 // Whether two section or key names mean the same to the installer library: ASCII case does not count.
 [[nodiscard]] bool sameName(std::string_view a, std::string_view b) noexcept;
+// The one spelling of all names that mean the same, for tables.
+[[nodiscard]] std::string foldedName(std::string_view name);
 
 }  // namespace installer

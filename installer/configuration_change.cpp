@@ -5,62 +5,20 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <set>
 
 #include "installer/configuration.h"
+#include "installer/plain_text.h"
 #include "installer/private_file.h"
-
-// Where the library has its system's files: what the command "odbcinst -j" shows. Only the library's own programs have
-// a declaration of it.
-extern "C" char* odbcinst_system_file_path(char* buffer);
 
 namespace installer {
 
 namespace {
 
-constexpr const char* kPathVariable = "ODBCINI";
 // Says which file's first text a process has kept: its number and the path. A setup library is loaded anew for each
 // call, so nothing but the process can remember that.
 constexpr const char* kKeptVariable = "VH_KEPT_SETTINGS";
-
-std::string dataSourcePath() {
-    UWORD mode = ODBC_BOTH_DSN;
-    SQLGetConfigMode(&mode);
-    if (mode != ODBC_SYSTEM_DSN) {
-        return userDataSourcePath();
-    }
-    char folder[PATH_MAX + 1] = "";
-    return std::string(odbcinst_system_file_path(folder)) + "/odbc.ini";
-}
-
-// The library takes the copy for the user's file, whatever its mode is, while this lives.
-class CopyForLibrary {
-public:
-    explicit CopyForLibrary(const std::string& path) {
-        if (const char* before = std::getenv(kPathVariable)) {
-            before_ = before;
-        }
-        SQLGetConfigMode(&mode_);
-        SQLSetConfigMode(ODBC_USER_DSN);
-        setenv(kPathVariable, path.c_str(), 1);
-    }
-    ~CopyForLibrary() {
-        if (before_) {
-            setenv(kPathVariable, before_->c_str(), 1);
-        } else {
-            unsetenv(kPathVariable);
-        }
-        SQLSetConfigMode(mode_);
-    }
-    CopyForLibrary(const CopyForLibrary&) = delete;
-    CopyForLibrary& operator=(const CopyForLibrary&) = delete;
-
-private:
-    std::optional<std::string> before_;
-    UWORD mode_ = ODBC_BOTH_DSN;
-};
 
 // Lets the library write all that it reads in the file once more: it deletes a section that can't be there.
 bool rewriteByLibrary(const std::string& file) {
@@ -69,7 +27,7 @@ bool rewriteByLibrary(const std::string& file) {
 
 // Whether the library reads each line whole. Then what it wrote tells how it reads them, and there is no need to ask it
 // again, which takes as long as the change itself.
-bool isPlain(const std::string& text) {
+bool isReadWhole(const std::string& text) {
     const std::vector<std::string_view> lines = splitLines(text);
     return text.find('\0') == std::string::npos &&
            std::none_of(lines.begin(), lines.end(), [](std::string_view line) { return line.size() > kLongestLine; });
@@ -242,7 +200,7 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> ste
     if (!copy.read(judged)) {
         return systemFailure();
     }
-    if (isPlain(text) && asTheLibraryWrites(text) == judged) {
+    if (isReadWhole(text) && asTheLibraryWrites(text) == judged) {
         return std::nullopt;
     }
     const auto readBack = [&copy, &file](std::string& written) {
@@ -271,6 +229,66 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> ste
     return std::nullopt;
 }
 
+// What a plain text says: the lines that the steps are about, and all the rest.
+struct ConfigurationChange::Division {
+    std::string meant;
+    std::string others;
+};
+
+ConfigurationChange::Division ConfigurationChange::divide(std::string_view plainText, std::span<const Step> steps) {
+    Division division;
+    std::string section;
+    bool isNamed = false;  // The section, by any of the steps.
+    for (const std::string_view text : splitLines(plainText)) {
+        const IniLine line = parseIniLine(text);
+        if (line.kind == IniLineKind::kSection) {
+            section = line.name;
+            isNamed = std::any_of(steps.begin(), steps.end(),
+                                  [&section](const Step& step) { return sameName(step.section, section); });
+            (isNamed ? division.meant : division.others) += text;
+        } else if (line.kind == IniLineKind::kEntry) {
+            const bool isMeantByAny = isNamed && std::any_of(steps.begin(), steps.end(), [&](const Step& step) {
+                                          return isMeant(step, section, line);
+                                      });
+            if (isMeantByAny) {
+                division.meant += text;
+            } else {
+                division.others.append(isNamed ? section : "").append("]").append(text);
+            }
+        }
+    }
+    return division;
+}
+
+// Makes the steps in a plain text, and lets the library judge the lines that they are about, a few at a time: what it
+// makes of those does not depend on the others, and it takes as long as it has lines to read. False when it has to be
+// shown the whole.
+bool ConfigurationChange::makeInParts(std::span<const Step> steps, const PrivateFile& copy, std::string& text) const {
+    constexpr std::size_t kMostSteps = 32;
+    if (!isPlain(text)) {
+        return false;
+    }
+    IniText edited(text);
+    while (!steps.empty()) {
+        const std::span<const Step> some = steps.first(std::min(steps.size(), kMostSteps));
+        const Division before = divide(text, some);
+        std::string part = before.meant;
+        if (make(some, copy, part) || !isPlain(part)) {
+            return false;
+        }
+        for (const Step& step : some) {
+            apply(step, edited);
+        }
+        text = edited.text();
+        const Division after = divide(text, some);
+        if (after.others != before.others || asTheLibraryWrites(after.meant) != asTheLibraryWrites(part)) {
+            return false;
+        }
+        steps = steps.subspan(some.size());
+    }
+    return true;
+}
+
 std::optional<ChangeFailure> ConfigurationChange::findNewText(const FileText& old, std::string& text) const {
     const PrivateFile copy;
     if (!copy) {
@@ -280,7 +298,11 @@ std::optional<ChangeFailure> ConfigurationChange::findNewText(const FileText& ol
     const std::string before = startsAnew_ ? std::string() : old.text;
     const std::vector<Step> steps = stepsFor(before);
     text = before;
-    if (steps.empty() || !make(steps, copy, text)) {
+    if (steps.empty() || makeInParts(steps, copy, text)) {
+        return std::nullopt;
+    }
+    text = before;
+    if (!make(steps, copy, text)) {
         return std::nullopt;
     }
     // With each write of its own the library cuts a long line once more, so each step begins with our text.

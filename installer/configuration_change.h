@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "installer/file_replacement.h"
@@ -65,13 +66,17 @@ private:
         std::string value;
     };
 
+    struct Division;
+
     static bool apply(const Step& step, IniText& text);
     static bool applyByLibrary(const Step& step, const std::string& file);
     static bool isMeant(const Step& step, const std::string& section, const IniLine& line);
+    static Division divide(std::string_view plainText, std::span<const Step> steps);
     std::vector<Step> stepsFor(const std::string& text) const;
     bool fitsIntoLines() const;
     int findLostLine(const std::string& before, const std::string& after) const;
     std::optional<ChangeFailure> make(std::span<const Step> steps, const PrivateFile& copy, std::string& text) const;
+    bool makeInParts(std::span<const Step> steps, const PrivateFile& copy, std::string& text) const;
     std::optional<ChangeFailure> findNewText(const FileText& old, std::string& text) const;
 
     std::string path_;

@@ -1,6 +1,8 @@
 #include "installer/ini_text.h"
 
 #include <algorithm>
+#include <cctype>
+#include <numeric>
 
 #include "installer/configuration.h"
 
@@ -14,14 +16,12 @@ bool isBlank(const std::string& line) {
     return trimmedView(line).empty();
 }
 
-bool isHeaderOf(const std::string& line, std::string_view section) {
-    const IniLine parsed = parseIniLine(line);
-    return parsed.kind == IniLineKind::kSection && sameName(parsed.name, section);
-}
-
-bool isEntryOf(const std::string& line, std::string_view key) {
-    const IniLine parsed = parseIniLine(line);
-    return parsed.kind == IniLineKind::kEntry && sameName(parsed.name, key);
+// The same for names that differ in case only.
+std::size_t hashOf(std::string_view name) {
+    constexpr std::size_t kFactor = 31;
+    return std::accumulate(name.begin(), name.end(), std::size_t{0}, [](std::size_t hash, char byte) {
+        return hash * kFactor + static_cast<std::size_t>(std::tolower(static_cast<unsigned char>(byte)));
+    });
 }
 
 // The end of a line: "\n", "\r\n", or nothing for a last line that is open.
@@ -81,44 +81,58 @@ std::vector<std::string_view> splitLines(std::string_view text) {
     return lines;
 }
 
+IniText::Line::Line(std::string_view line) : text(line) {
+    const IniLine parsed = parseIniLine(text);
+    kind = parsed.kind;
+    hash = kind == IniLineKind::kNothing ? 0 : hashOf(parsed.name);
+}
+
+bool IniText::Line::isHeaderOf(std::string_view section, std::size_t sectionHash) const {
+    return kind == IniLineKind::kSection && hash == sectionHash && sameName(parseIniLine(text).name, section);
+}
+
+bool IniText::Line::isEntryOf(std::string_view key, std::size_t keyHash) const {
+    return kind == IniLineKind::kEntry && hash == keyHash && sameName(parseIniLine(text).name, key);
+}
+
 IniText::IniText(std::string_view text) : lastIsOpen_(!text.empty() && text.back() != '\n') {
     const std::vector<std::string_view> lines = splitLines(text);
-    lines_.assign(lines.begin(), lines.end());
+    lines_ = std::vector<Line>(lines.begin(), lines.end());
     if (lastIsOpen_) {
         // Until the text is asked for all lines are alike.
-        lines_.back() += lines_.size() > 1 ? endOfLine(lines_.front()) : kLineEnd;
+        lines_.back().text += lines_.size() > 1 ? endOfLine(lines_.front().text) : kLineEnd;
     }
 }
 
 std::string IniText::text() const {
     std::string text;
-    for (const std::string& line : lines_) {
-        text += line;
+    for (const Line& line : lines_) {
+        text += line.text;
     }
     if (lastIsOpen_ && !lines_.empty()) {
-        text.resize(text.size() - endOfLine(lines_.back()).size());
+        text.resize(text.size() - endOfLine(lines_.back().text).size());
     }
     return text;
 }
 
 // The place of the section's first header; the number of lines when there is none.
 std::size_t IniText::findHeader(std::string_view section) const {
-    const auto found = std::find_if(lines_.begin(), lines_.end(),
-                                    [section](const std::string& line) { return isHeaderOf(line, section); });
+    const std::size_t hash = hashOf(section);
+    const auto found =
+        std::find_if(lines_.begin(), lines_.end(), [&](const Line& line) { return line.isHeaderOf(section, hash); });
     return static_cast<std::size_t>(found - lines_.begin());
 }
 
 std::size_t IniText::endOf(std::size_t header) const {
-    const auto next =
-        std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, lines_.end(),
-                     [](const std::string& line) { return parseIniLine(line).kind == IniLineKind::kSection; });
+    const auto next = std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, lines_.end(),
+                                   [](const Line& line) { return line.kind == IniLineKind::kSection; });
     return static_cast<std::size_t>(next - lines_.begin());
 }
 
 // Adds a line, with the line end that the file has.
 void IniText::insert(std::size_t place, const std::string& text) {
-    const std::string end(lines_.empty() ? kLineEnd : endOfLine(lines_[place > 0 ? place - 1 : 0]));
-    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(place), text + end);
+    const std::string end(lines_.empty() ? kLineEnd : endOfLine(lines_[place > 0 ? place - 1 : 0].text));
+    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(place), Line(text + end));
 }
 
 void IniText::set(std::string_view section, std::string_view key, std::string_view value) {
@@ -126,7 +140,7 @@ void IniText::set(std::string_view section, std::string_view key, std::string_vi
     const std::size_t header = findHeader(section);
     if (header == lines_.size()) {
         // Blank lines set it off as they do the sections before, so that removeSection() can take them away again.
-        const bool endsBlank = !lines_.empty() && isBlank(lines_.back());
+        const bool endsBlank = !lines_.empty() && isBlank(lines_.back().text);
         if (!lines_.empty() && !endsBlank) {
             insert(lines_.size(), "");
         }
@@ -137,14 +151,15 @@ void IniText::set(std::string_view section, std::string_view key, std::string_vi
         }
         return;
     }
+    const std::size_t hash = hashOf(key);
     std::size_t last = header;
     const std::size_t end = endOf(header);
     for (std::size_t place = header + 1; place < end; ++place) {
-        if (isEntryOf(lines_[place], key)) {
-            lines_[place] = withValue(lines_[place], key, value);
+        if (lines_[place].isEntryOf(key, hash)) {
+            lines_[place] = Line(withValue(lines_[place].text, key, value));
             return;
         }
-        if (parseIniLine(lines_[place]).kind == IniLineKind::kEntry) {
+        if (lines_[place].kind == IniLineKind::kEntry) {
             last = place;
         }
     }
@@ -158,7 +173,7 @@ bool IniText::removeKey(std::string_view section, std::string_view key) {
     }
     const auto end = lines_.begin() + static_cast<std::ptrdiff_t>(endOf(header));
     const auto found = std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, end,
-                                    [key](const std::string& line) { return isEntryOf(line, key); });
+                                    [key, hash = hashOf(key)](const Line& line) { return line.isEntryOf(key, hash); });
     if (found == end) {
         return false;
     }
@@ -173,12 +188,10 @@ bool IniText::removeSection(std::string_view section) {
     }
     const auto at = [this](std::size_t place) { return lines_.begin() + static_cast<std::ptrdiff_t>(place); };
     const auto end = at(endOf(header));
-    lines_.erase(
-        std::remove_if(at(header), end,
-                       [](const std::string& line) { return parseIniLine(line).kind != IniLineKind::kNothing; }),
-        end);
-    const bool isSetOff = header > 0 && isBlank(lines_[header - 1]);
-    if (isSetOff && (header == lines_.size() || isBlank(lines_[header]))) {
+    lines_.erase(std::remove_if(at(header), end, [](const Line& line) { return line.kind != IniLineKind::kNothing; }),
+                 end);
+    const bool isSetOff = header > 0 && isBlank(lines_[header - 1].text);
+    if (isSetOff && (header == lines_.size() || isBlank(lines_[header].text))) {
         lines_.erase(at(header - 1));
     }
     return true;

@@ -9,6 +9,16 @@
 
 namespace installer {
 
+// What the installer library makes of a line: it takes no notice of blanks at both ends and around the first "=".
+enum class IniLineKind { kNothing, kSection, kEntry };
+struct IniLine {
+    IniLineKind kind = IniLineKind::kNothing;  // Blank lines and comments.
+    std::string_view name;                     // Of the section, or the key.
+    std::string_view value;
+};
+// The result points into `line`.
+IniLine parseIniLine(std::string_view line);
+
 class IniText {
 public:
     explicit IniText(std::string_view text);
@@ -24,23 +34,24 @@ public:
     std::string text() const;
 
 private:
+    // What a line says is found out once: each change looks through all of them.
+    struct Line {
+        explicit Line(std::string_view line);
+        bool isHeaderOf(std::string_view section, std::size_t sectionHash) const;
+        bool isEntryOf(std::string_view key, std::size_t keyHash) const;
+
+        std::string text;  // With its end.
+        IniLineKind kind;
+        std::size_t hash;  // Of its name, whose case does not count.
+    };
+
     std::size_t findHeader(std::string_view section) const;
     std::size_t endOf(std::size_t header) const;
     void insert(std::size_t place, const std::string& text);
 
-    std::vector<std::string> lines_;  // With their ends.
-    bool lastIsOpen_;                 // The last line has no end.
+    std::vector<Line> lines_;
+    bool lastIsOpen_;  // The last line has no end.
 };
-
-// What the installer library makes of a line: it takes no notice of blanks at both ends and around the first "=".
-enum class IniLineKind { kNothing, kSection, kEntry };
-struct IniLine {
-    IniLineKind kind = IniLineKind::kNothing;  // Blank lines and comments.
-    std::string_view name;                     // Of the section, or the key.
-    std::string_view value;
-};
-// The result points into `line`.
-IniLine parseIniLine(std::string_view line);
 
 // What the installer library writes when it has read the text, as long as no line is too long for it. Each line says
 // the same to it wherever it stands, but for the section that it is in.

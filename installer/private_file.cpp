@@ -1,9 +1,18 @@
 #include "installer/private_file.h"
 
+#include <odbcinst.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 namespace installer {
+
+namespace {
+
+constexpr const char* kPathVariable = "ODBCINI";
+
+}  // namespace
 
 PrivateFile::PrivateFile() : descriptor_(memfd_create("private", MFD_CLOEXEC)) {}
 
@@ -38,6 +47,24 @@ bool PrivateFile::read(std::string& text) const {
     }
     text.assign(static_cast<std::size_t>(size), '\0');
     return pread(descriptor_, text.data(), text.size(), 0) == size;
+}
+
+CopyForLibrary::CopyForLibrary(const std::string& path) : modeBefore_(ODBC_BOTH_DSN) {
+    if (const char* before = std::getenv(kPathVariable)) {
+        before_ = before;
+    }
+    SQLGetConfigMode(&modeBefore_);
+    SQLSetConfigMode(ODBC_USER_DSN);
+    setenv(kPathVariable, path.c_str(), 1);
+}
+
+CopyForLibrary::~CopyForLibrary() {
+    if (before_) {
+        setenv(kPathVariable, before_->c_str(), 1);
+    } else {
+        unsetenv(kPathVariable);
+    }
+    SQLSetConfigMode(modeBefore_);
 }
 
 }  // namespace installer

@@ -1,6 +1,7 @@
 // A file in memory alone, which nobody else can open, and which goes with the process whatever ends it.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace installer {
@@ -22,6 +23,20 @@ public:
 
 private:
     int descriptor_;
+};
+
+// The ODBC installer library takes the file `path` for the user's file of data sources, whatever its mode is, while
+// this lives. GUI thread only: the library is told of it through the environment.
+class CopyForLibrary {
+public:
+    explicit CopyForLibrary(const std::string& path);
+    ~CopyForLibrary();
+    CopyForLibrary(const CopyForLibrary&) = delete;
+    CopyForLibrary& operator=(const CopyForLibrary&) = delete;
+
+private:
+    std::optional<std::string> before_;
+    unsigned short modeBefore_;
 };
 
 }  // namespace installer

@@ -89,6 +89,14 @@ Converter openConverter(kvCPType cp) {
     return converter;
 }
 
+bool isAscii(char c) {
+    return static_cast<signed char>(c) >= 0;
+}
+
+char upperOfAscii(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
 std::string upperOfByte(char c) {
     std::string text(1, c);
     strUpper(text.data());
@@ -261,6 +269,16 @@ void strRightTrim(char* s, kvCPType cp) noexcept {
 
 int strCompareCi(const char* a, const char* b, kvCPType cp) {
     for (;;) {
+        // In no code page does a longer character begin with a byte of ASCII.
+        if (isAscii(*a) && isAscii(*b)) {
+            const int order = upperOfAscii(*a) - upperOfAscii(*b);
+            if (order != 0 || *a == '\0') {
+                return sign(order);
+            }
+            a++;
+            b++;
+            continue;
+        }
         auto size = static_cast<std::size_t>(kvCharNext(a, cp) - a);
         if (size > 1) {
             int order = sign(std::strncmp(a, b, size));
@@ -276,8 +294,6 @@ int strCompareCi(const char* a, const char* b, kvCPType cp) {
             if (order != 0) {
                 return order;
             }
-        } else if (*a == '\0') {
-            return 0;
         }
         a++;
         b++;

@@ -4,6 +4,7 @@
 #include <Xm/Text.h>
 #include <langinfo.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -169,7 +170,8 @@ void completeFontsOf(Widget shell) {
 }
 
 std::vector<FontRun> fontRuns(const std::string& text) {
-    if (fonts().shell == nullptr) {
+    const auto isBeyondAscii = [](char byte) { return static_cast<signed char>(byte) < 0; };
+    if (fonts().shell == nullptr || std::none_of(text.begin(), text.end(), isBeyondAscii)) {
         return {{text, ""}};
     }
     std::vector<FontRun> runs{{"", ""}};

@@ -36,6 +36,7 @@ struct GivenAttributes {
 
 GivenAttributes parse(const char* list) {
     GivenAttributes given;
+    SettingIndex index;
     const auto leaveOut = [&given](const std::string& item, const SetupFailure& problem) {
         given.unstorable.push_back(item);
         given.problem = given.problem ? given.problem : problem;
@@ -55,7 +56,7 @@ GivenAttributes parse(const char* list) {
         } else if (const std::optional<SetupFailure> problem = checkSetting(attribute)) {
             leaveOut(item.substr(0, equals + 1), *problem);
         } else {
-            setValue(given.settings, attribute.key, attribute.value);
+            setValue(given.settings, index, attribute.key, attribute.value);
         }
     }
     return given;
@@ -64,9 +65,10 @@ GivenAttributes parse(const char* list) {
 // Those of the attributes that are settings.
 Settings settingsOf(const Settings& attributes) {
     Settings result;
+    SettingIndex index;
     for (const installer::Attribute& attribute : attributes) {
         if (!isNamingKey(attribute.key)) {
-            setValue(result, attribute.key, attribute.value);
+            setValue(result, index, attribute.key, attribute.value);
         }
     }
     return result;
@@ -126,13 +128,18 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
 
     content.rows.stored = settingsOf(stored.settings);
     content.rows.shown = content.rows.stored;
+    const SettingIndex inFile(content.rows.stored);
+    SettingIndex pending;
     for (const installer::Attribute& attribute : request.attributes) {
-        if (stored.name.empty() || valueOf(content.rows.stored, attribute.key) != attribute.value) {
-            setValue(content.pending, attribute.key, attribute.value);
+        const std::optional<std::size_t> place = inFile.find(attribute.key);
+        const std::string before = place ? content.rows.stored[*place].value : std::string();
+        if (stored.name.empty() || before != attribute.value) {
+            setValue(content.pending, pending, attribute.key, attribute.value);
         }
     }
+    SettingIndex shown = inFile;
     for (const installer::Attribute& attribute : content.pending) {
-        setValue(content.rows.shown, attribute.key, attribute.value);
+        setValue(content.rows.shown, shown, attribute.key, attribute.value);
     }
     return content;
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "installer/configuration_reader.h"
 #include "installer/file_dsn.h"
 #include "motifutil/change_report.h"
 #include "setup/setup_texts.h"
@@ -49,9 +50,11 @@ bool fileExists(const std::string& path) {
 
 Settings readFileDataSource(const std::string& path) {
     Settings settings;
+    SettingIndex index;
     for (Attribute& setting : installer::readSection(installer::kFileDsnSection, path)) {
         // Of a key that stands there twice every program reads the first.
-        if (findValue(settings, setting.key) == nullptr) {
+        if (!index.find(setting.key)) {
+            index.add(setting.key);
             settings.push_back(std::move(setting));
         }
     }

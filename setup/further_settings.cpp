@@ -19,6 +19,7 @@ std::optional<SetupFailure> parseLines(std::string_view text, Settings& settings
     const auto wrong = [](SetupMessage::Number message, const std::string& subject) {
         return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(message, subject), subject};
     };
+    SettingIndex index(settings);
     while (!text.empty()) {
         const std::size_t end = text.find('\n');
         const std::string line = installer::trimmed(text.substr(0, end));
@@ -31,7 +32,7 @@ std::optional<SetupFailure> parseLines(std::string_view text, Settings& settings
             return wrong(SetupMessage::kNotKeyAndValue, line);
         }
         const std::string key = installer::trimmed(line.substr(0, equals));
-        if (findValue(settings, key) != nullptr) {
+        if (!index.add(key)) {
             return wrong(SetupMessage::kKeyTwice, key);
         }
         settings.push_back({key, installer::trimmed(line.substr(equals + 1))});
@@ -64,18 +65,20 @@ std::optional<SetupFailure> FurtherSettings::changes(const std::function<bool(co
     if (std::optional<SetupFailure> failure = parseLines(text(), now)) {
         return failure;
     }
+    const SettingIndex initially(initial_);
     for (const installer::Attribute& setting : now) {
-        const std::string* before = findValue(initial_, setting.key);
-        if (before == nullptr && isTaken(setting.key)) {
+        const std::optional<std::size_t> before = initially.find(setting.key);
+        if (!before && isTaken(setting.key)) {
             return SetupFailure{ODBC_ERROR_INVALID_KEYWORD_VALUE, setupText(SetupMessage::kKeyHasField, setting.key),
                                 setting.key};
         }
-        if (before == nullptr || *before != setting.value) {
+        if (!before || initial_[*before].value != setting.value) {
             setValue(changed, setting.key, setting.value);
         }
     }
+    const SettingIndex stillThere(now);
     for (const installer::Attribute& setting : initial_) {
-        if (findValue(now, setting.key) == nullptr) {
+        if (!stillThere.find(setting.key)) {
             setValue(changed, setting.key, {});
         }
     }

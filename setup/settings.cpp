@@ -32,6 +32,30 @@ void setValue(Settings& settings, const std::string& key, const std::string& val
     }
 }
 
+SettingIndex::SettingIndex(const Settings& settings) {
+    for (const Attribute& setting : settings) {
+        add(setting.key);
+    }
+}
+
+std::optional<std::size_t> SettingIndex::find(std::string_view key) const {
+    const auto found = places_.find(installer::foldedName(key));
+    return found == places_.end() ? std::nullopt : std::optional(found->second);
+}
+
+bool SettingIndex::add(std::string_view key) {
+    return places_.emplace(installer::foldedName(key), size_++).second;
+}
+
+void setValue(Settings& settings, SettingIndex& index, const std::string& key, const std::string& value) {
+    if (const std::optional<std::size_t> place = index.find(key)) {
+        settings[*place].value = value;
+    } else {
+        index.add(key);
+        settings.push_back({key, value});
+    }
+}
+
 bool isNamingKey(std::string_view key) {
     constexpr std::array kKeys{kNameKey, kDriverKey, "FILEDSN", "SAVEFILE"};
     return std::any_of(kKeys.begin(), kKeys.end(), [key](const char* other) { return sameName(key, other); });
@@ -79,14 +103,16 @@ void applyChanges(const Settings& changes, Settings& settings) {
 }
 
 void writeChanges(const Settings& present, const Settings& wanted, const SettingWriter& write) {
+    const SettingIndex kept(wanted);
     for (const Attribute& old : present) {
-        if (findValue(wanted, old.key) == nullptr) {
+        if (!kept.find(old.key)) {
             write(old.key, nullptr);
         }
     }
+    const SettingIndex before(present);
     for (const Attribute& setting : wanted) {
-        const std::string* old = findValue(present, setting.key);
-        if (old == nullptr || *old != setting.value) {
+        const std::optional<std::size_t> old = before.find(setting.key);
+        if (!old || present[*old].value != setting.value) {
             write(setting.key, setting.value.c_str());
         }
     }

@@ -2,10 +2,12 @@
 // only: the texts of failures come from the setup library's catalog.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "installer/configuration.h"
@@ -30,6 +32,23 @@ using Settings = std::vector<installer::Attribute>;
 [[nodiscard]] std::string valueOf(const Settings& settings, std::string_view key);
 // Replaces the value of `key` or appends it. The key keeps the spelling that it has.
 void setValue(Settings& settings, const std::string& key, const std::string& value);
+
+// Finds settings by their keys, whose case does not count; of equal ones the first. It takes no longer for thousands.
+class SettingIndex {
+public:
+    SettingIndex() = default;
+    explicit SettingIndex(const Settings& settings);
+    // The place of `key`; nothing when it is not there.
+    [[nodiscard]] std::optional<std::size_t> find(std::string_view key) const;
+    // The next setting has this key. False when one before has it.
+    bool add(std::string_view key);
+
+private:
+    std::unordered_map<std::string, std::size_t> places_;
+    std::size_t size_ = 0;
+};
+// As the setValue() above, for settings that are all in the index.
+void setValue(Settings& settings, SettingIndex& index, const std::string& key, const std::string& value);
 
 // Whether the key names a data source, its driver or its file, and so is no setting.
 [[nodiscard]] bool isNamingKey(std::string_view key);

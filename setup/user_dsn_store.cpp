@@ -6,6 +6,7 @@
 #include <array>
 
 #include "installer/configuration_change.h"
+#include "installer/configuration_reader.h"
 #include "motifutil/change_report.h"
 #include "setup/setup_texts.h"
 
@@ -20,7 +21,7 @@ bool isReservedName(const std::string& name) {
 }
 
 std::string listedDriver(const std::string& name) {
-    return installer::readValue(installer::kDataSourceList, name, installer::kDataSourceFile);
+    return installer::ConfigurationReader(installer::kDataSourceFile).readValue(installer::kDataSourceList, name);
 }
 
 // Carries out the change; the text of a failure is about the data source `name`.
@@ -39,8 +40,9 @@ bool isListed(const std::string& name) {
 }
 
 bool dataSourceExists(const std::string& name) {
-    return isListed(name) ||
-           !installer::listKeys(name, installer::kDataSourceFile, installer::Growth::kByDoubling).names.empty();
+    installer::ConfigurationReader file(installer::kDataSourceFile);
+    return !file.readValue(installer::kDataSourceList, name).empty() ||
+           !file.listKeys(name, installer::Growth::kByDoubling).names.empty();
 }
 
 Settings readDataSource(const std::string& name) {

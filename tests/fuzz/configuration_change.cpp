@@ -34,7 +34,11 @@ Sections readAll(const std::string& text) {
         const bool isKnown = std::any_of(sections.begin(), sections.end(),
                                          [&name](const Section& section) { return sameName(section.name, name); });
         if (!name.empty() && !isKnown) {
-            sections.push_back({name, installer::readSection(name, installer::kDataSourceFile)});
+            sections.push_back({name, {}});
+            for (const std::string& key :
+                 installer::listKeys(name, installer::kDataSourceFile, installer::Growth::kByDoubling).names) {
+                sections.back().entries.push_back({key, installer::readValue(name, key, installer::kDataSourceFile)});
+            }
         }
     }
     std::erase_if(sections, [](const Section& section) { return section.entries.empty(); });

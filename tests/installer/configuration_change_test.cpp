@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "installer/configuration.h"
+#include "installer/configuration_reader.h"
 #include "tests/support/child_process.h"
 #include "tests/support/odbc_files.h"
 #include "tests/support/system_fault.h"
@@ -27,7 +28,7 @@ protected:
     ConfigurationChangeTest() { installer::useUserConfiguration(); }
 
     // Carries out steps "Section/key=value", "Section/key" (delete) and "Section" (remove the data source).
-    static std::optional<ChangeFailure> change(std::initializer_list<std::string> steps) {
+    static std::optional<ChangeFailure> change(const std::vector<std::string>& steps) {
         ConfigurationChange file;
         for (const std::string& step : steps) {
             const std::size_t slash = step.find('/');
@@ -75,6 +76,22 @@ TEST_F(ConfigurationChangeTest, OnlyTheChangeIsMade) {
         files.write(OdbcFiles::kUser, before);
         EXPECT_FALSE(change(steps)) << before;
         EXPECT_EQ(text(), after);
+    }
+}
+
+// In plain texts the library sees a few of them at a time.
+TEST_F(ConfigurationChangeTest, ManyStepsAreMadeInTheirOrder) {
+    std::string keys;
+    std::vector<std::string> steps{"A"};
+    for (int i = 0; i < 100; ++i) {
+        keys += "k" + std::to_string(i) + "=v\n";
+        steps.push_back("b/k" + std::to_string(i) + "=v");
+    }
+    steps.insert(steps.end(), {"b/K0", "b/last=1", "C/K0=2", "b/k0=3"});
+    for (const std::string comment : {"# plain\n", "# with a\ttab\n"}) {
+        files.write(OdbcFiles::kUser, comment + "[A]\nj=1\n" + keys + "# of A\n[C]\nk0=1\n");
+        EXPECT_FALSE(change(steps));
+        EXPECT_EQ(text(), comment + "# of A\n[C]\nK0=2\n\n[b]\n" + keys.substr(5) + "last=1\nk0=3\n");
     }
 }
 

@@ -4,7 +4,9 @@
 #include <odbcinst.h>
 #include <sys/stat.h>
 
+#include "installer/configuration_reader.h"
 #include "installer/drivers.h"
+#include "installer/plain_text.h"
 #include "tests/support/odbc_files.h"
 
 using namespace std::string_literals;
@@ -72,6 +74,36 @@ TEST_F(ConfigurationTest, ReadingFollowsOtherPrograms) {
     EXPECT_EQ(keys("").names, Names());
 }
 
+TEST_F(ConfigurationTest, TheReaderTellsOfOneTextWhatTheLibraryDoes) {
+    const auto longest = "[S]\nk=" + std::string(997, 'v') + "\n";
+    const Names texts{
+        "", "[S]\nk = a = b \n# c\n;c\n\nj=[x] \"y\" #z\nempty=\n[ODBC Data Sources]\nk=v\n[t]\nk=1\n", longest,
+        // Not plain from here on.
+        longest.substr(0, 7) + longest.substr(5), "[S]\nk=v", "[S]\nk\n", "[S]\n=v\nj=1\n", "[S]\n k=v\n",
+        "[S]\r\nk=v\r\n", "[S]\nk=\vv\n", "[S]\nk=v\0w\n"s, "[S]\nk=1\nj=2\nK=3\n", "[S]\nk=1\n[t]\n[s]\nj=2\n",
+        "k=v\n[S]\nk=v\n", " [S]\nk=v\n", "[S] x\nk=v\n", "[S\nk=v\n", "[ S]\nk=v\n", "[x]\n[]\nk=v\n", "[S]]\nk=v\n"};
+    for (const std::string& text : texts) {
+        EXPECT_EQ(installer::isPlain(text), &text - texts.data() < 3) << text;
+        files.write(OdbcFiles::kUser, text);
+        for (const std::string& file : {std::string(installer::kDataSourceFile), files.path(OdbcFiles::kUser)}) {
+            installer::ConfigurationReader reader(file);
+            for (const std::string section : {"s", "T", "odbc data sources", ""}) {
+                const Names names = keys(section).names;
+                EXPECT_EQ(reader.listKeys(section, installer::Growth::kByDoubling).names, names) << text;
+                for (const std::string key : {"K", "j", "empty", "none", ""}) {
+                    EXPECT_EQ(reader.readValue(section, key), value(section, key)) << text;
+                }
+            }
+        }
+    }
+    files.write(OdbcFiles::kUser, "[S]\nk=12345\ne=\nq=x=y\n");
+    installer::ConfigurationReader reader(installer::kDataSourceFile);
+    files.write(OdbcFiles::kUser, "[S]\nj=new\n");
+    EXPECT_EQ(installer::attributeList(reader.readSection("S")), "k=12345\0e=\0q=x=y\0\0"s);
+    EXPECT_EQ(reader.readValue("S", "k", 4), "123");
+    EXPECT_EQ(keys("S").names, Names{"j"}) << "the library has the file again";
+}
+
 TEST_F(ConfigurationTest, EverySectionButOneIsADriver) {
     EXPECT_EQ(installer::listDrivers().names, Names());
     files.write(OdbcFiles::kDrivers, "[b]\nDriver=x\n[ODBC]\nTrace=0\n[A]\nDriver=y\n[Empty]\n");
@@ -101,13 +133,6 @@ TEST_F(ConfigurationTest, TheLibraryForProgramsOf64BitsCountsWhereTheOtherIsOfNo
         EXPECT_EQ(installer::driverLibrary("d"), expected);
         EXPECT_EQ(installer::setupLibrary("d"), expected);
     }
-}
-
-TEST_F(ConfigurationTest, AttributeListsReadBackAsTheyWereMade) {
-    const std::string list = installer::attributeList({{"DSN", "a b"}, {"Empty", ""}, {"Eq", "x=y"}});
-    EXPECT_EQ(list, "DSN=a b\0Empty=\0Eq=x=y\0\0"s);
-    EXPECT_EQ(installer::copyOfAttributeList(list.c_str()), list);
-    EXPECT_EQ(installer::attributeItems(list.c_str()).size(), 3U);
 }
 
 }  // namespace
