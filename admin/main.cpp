@@ -1,9 +1,11 @@
 #include <Xm/Xm.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -16,9 +18,11 @@
 #include "admin/main_window.h"
 #include "admin/palette.h"
 #include "bos/host.h"
+#include "components/component.h"
 #include "installer/configuration.h"
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
+#include "motifutil/catalog_text.h"
 #include "motifutil/shells.h"
 #include "motifutil/true_color.h"
 
@@ -50,9 +54,31 @@ std::vector<std::string> restartCommand(int argc, char** argv) {
     return command;
 }
 
+// Answers --help and --version, wherever they stand, on the console. All else is the toolkit's.
+bool isAnswered(int argc, char** argv) {
+    const auto isGiven = [&](const char* option) {
+        return std::any_of(argv + 1, argv + argc,
+                           [option](const char* argument) { return std::strcmp(argument, option) == 0; });
+    };
+    if (isGiven("--help")) {
+        bosSetInstallDir(nullptr);
+        Rfile = OpenStrings(nullptr, "odbc.m");
+        std::puts(catalogText(Message::kUsage).c_str());
+        return true;
+    }
+    if (isGiven("--version")) {
+        std::printf("odbcadmin %s\n", kProductVersion);
+        return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (isAnswered(argc, argv)) {
+        return std::fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
     const std::vector<std::string> restart = restartCommand(argc, argv);
     XtToolkitInitialize();
     app_context = XtCreateApplicationContext();

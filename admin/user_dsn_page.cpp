@@ -71,6 +71,18 @@ bool fillLists(Widget nameList, Widget driverList) {
     return true;
 }
 
+// What the page says below its list, with the next step for a person who has no data source.
+void explain() {
+    int count = 0;
+    XtVaGetValues(LstUName, XmNitemCount, &count, nullptr);
+    std::string text = catalogText(Message::kUserDsnExplanation);
+    if (count == 0) {
+        const bool hasDriver = !installer::listDrivers().names.empty();
+        text += " " + catalogText(hasDriver ? Message::kNoDataSourceYet : Message::kNoDriverYet);
+    }
+    setExplanation(TxtODBCDesc, text);
+}
+
 // Whether the installer library would take another data source for this one: to it, case does not count in names.
 bool isTakenForAnother(const std::string& name, installer::ConfigurationReader& file) {
     const std::vector<std::string> names =
@@ -169,6 +181,7 @@ void populateUserDSN(Widget nameList, Widget driverList) {
             return;
         }
         DataSources.fit();
+        explain();
         int count = 0;
         XtVaGetValues(nameList, XmNitemCount, &count, nullptr);
         if (count > 0) {
@@ -214,6 +227,7 @@ void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/)
             deleteRow(LstUName, *row);
         }
         DataSources.fit();
+        explain();
         setSizePosForUserDSNWidgets();
         int count = 0;
         XtVaGetValues(LstUName, XmNitemCount, &count, nullptr);

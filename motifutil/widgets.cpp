@@ -69,10 +69,7 @@ void raiseActivate(Widget text, XEvent* event, String* /*parameters*/, Cardinal*
 }
 
 // Gives a text that can't be scrolled as many lines as it takes at the width that it has.
-void fitRows(Widget text, XtPointer /*clientData*/, XEvent* event, Boolean* /*continueToDispatch*/) {
-    if (event->type != ConfigureNotify) {
-        return;
-    }
+void fitRows(Widget text) {
     XmRenderTable fonts = nullptr;
     Dimension width = 0;
     Dimension margin = 0;
@@ -88,6 +85,13 @@ void fitRows(Widget text, XtPointer /*clientData*/, XEvent* event, Boolean* /*co
     const auto needed = static_cast<short>(std::count(lines.begin(), lines.end(), '\n') + 1);
     if (needed != rows) {
         XtVaSetValues(text, XmNrows, needed, nullptr);
+    }
+}
+
+void explanationResized(Widget text, XtPointer /*clientData*/, XEvent* event, Boolean* /*continueToDispatch*/) {
+    // One that is first mapped may have had its size before it existed.
+    if (event->type == ConfigureNotify || event->type == MapNotify) {
+        fitRows(text);
     }
 }
 
@@ -174,8 +178,18 @@ Widget createReadOnlyText(Widget parent, const char* name, Message::Number text,
                                      False, XmNwordWrap, True, XmNcursorPositionVisible, False, XmNtraversalOn, False,
                                      XmNrows, rows, XmNmarginWidth, 0, XmNhighlightThickness, 0, nullptr));
     XmTextSetString(widget, catalogText(text).data());
-    XtAddEventHandler(widget, StructureNotifyMask, False, fitRows, nullptr);
+    XtAddEventHandler(widget, StructureNotifyMask, False, explanationResized, nullptr);
     return widget;
+}
+
+void setExplanation(Widget text, const std::string& words) {
+    if (words == fieldText(text)) {
+        return;
+    }
+    XmTextSetString(text, std::string(words).data());
+    if (XtIsRealized(text) != 0) {
+        fitRows(text);
+    }
 }
 
 Widget createScrolledText(Widget parent, const char* name, short rows, short columns) {

@@ -33,6 +33,8 @@ Widget createTextField(Widget parent, const char* name);
 void hideIdleCursor(Widget text);
 // An explanation of `rows` lines that wraps with the window's width and is passed over by the Tab key.
 Widget createReadOnlyText(Widget parent, const char* name, Message::Number text, short rows);
+// Gives it another text, and the lines which that takes.
+void setExplanation(Widget text, const std::string& words);
 // An editable text of several lines in a scrolled window of its own, its parent. It wraps long lines.
 Widget createScrolledText(Widget parent, const char* name, short rows, short columns);
 // A full application modal dialog that keeps its size and holds nothing yet, unmanaged; `closed` is called when the

@@ -98,6 +98,7 @@ TEST_F(UserDsnPageTest, RemoveAsksAndLeavesAnEmptyPageThatTakesNeitherConfigureN
         answer("OK");
         EXPECT_EQ(rows(LstUName), names);
         EXPECT_EQ(rows(LstUDesc).size(), names.size());
+        EXPECT_EQ(textOf(TxtODBCDesc).ends_with(catalogText(Message::kNoDataSourceYet)), names.empty());
     }
     EXPECT_EQ(files.summary(), "ODBC Data Sources{} ODBC{Trace=0|InstallDir=/opt/a b}");
     click(BtnConfigure);
