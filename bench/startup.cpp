@@ -1,70 +1,119 @@
-// The time from the start of the program to its mapped, filled window, on an X server of its own. Its pages are filled
-// before the window is mapped, so the mapped window is the filled one.
-#include <benchmark/benchmark.h>
-
+// What a start takes: time, waits for the X server and memory, beside two windows of Motif alone. All rows are measured
+// in turns and in one run, so that what else the machine does is the same for all; printed are the medians, and how
+// many times the anchor of its goal a row takes.
+//
+//     startup_bench [REPETITIONS [MILLISECONDS]]
+//
+// The milliseconds are what the slow line adds each way.
 #include "tests/support/x_display.h"
 // Before this line nothing of X11.
 
+#include <X11/keysym.h>
+
+#include <poll.h>
+#include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
+#include "bench/x_proxy.h"
 #include "tests/support/odbc_files.h"
 
 namespace {
 
-constexpr const char* kTitle = "Varnholt ODBC Administrator";
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
 
-// One start: the seconds until a window with the title can be seen.
-std::optional<double> secondsToWindow(XPerson& person, const std::string& program) {
-    const auto begin = std::chrono::steady_clock::now();
-    Program running({program});
-    while (person.windows(kTitle, false).empty()) {
-        const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - begin;
-        if (waited.count() > 60) {
-            return std::nullopt;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+constexpr milliseconds kPatience(60000);
+// A program that asks for nothing as long as this has done what it does at first.
+constexpr int kQuietTime = 300;
+
+double millisecondsBetween(Clock::time_point begin, Clock::time_point end) {
+    return std::chrono::duration<double, std::milli>(end - begin).count();
+}
+
+// Sees the windows that the window manager puts up.
+class Watcher {
+public:
+    Watcher() : display_(XOpenDisplay(nullptr)) {
+        XSelectInput(display_, DefaultRootWindow(display_), SubstructureNotifyMask);
+        XSync(display_, True);
     }
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-    return seconds.count();
-}
+    ~Watcher() { XCloseDisplay(display_); }
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
 
-void measure(benchmark::State& state, const std::string& program) {
-    static const XServer server;
-    XPerson person;
-    for (auto step : state) {
-        const std::optional<double> seconds = secondsToWindow(person, program);
-        while (!person.windows(kTitle, false).empty()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    // Waits until one comes up, or goes; false when none does.
+    bool sees(int type) {
+        const Clock::time_point end = Clock::now() + kPatience;
+        while (Clock::now() < end) {
+            while (XPending(display_) > 0) {
+                XEvent event;
+                XNextEvent(display_, &event);
+                const bool isMenu = event.type == MapNotify && event.xmap.override_redirect != 0;
+                if (event.type == type && !isMenu) {
+                    return true;
+                }
+            }
+            pollfd connection{ConnectionNumber(display_), POLLIN, 0};
+            poll(&connection, 1, static_cast<int>(kPatience.count()));
         }
-        if (!seconds) {
-            state.SkipWithError("The window did not come.");
-            return;
-        }
-        state.SetIterationTime(*seconds);
+        return false;
     }
+
+private:
+    Display* display_;
+};
+
+// The most that a process has had in memory, in MB.
+double peakMemory(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.starts_with("VmHWM:")) {
+            return std::atof(line.c_str() + line.find(':') + 1) / 1024;
+        }
+    }
+    return 0;
 }
 
-void bareNotebook(benchmark::State& state) {
-    measure(state, VH_BENCH_BARE_NOTEBOOK);
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values.empty() ? 0 : values[values.size() / 2];
 }
 
-// range(0): drivers, each with a library of its own name, all of them our SQLite driver; range(1): data sources of five
-// keys each.
-void administrator(benchmark::State& state) {
-    const OdbcFiles files;
+struct Row {
+    std::string name;
+    std::vector<std::string> command;
+    // Drivers, each with a library of its own name, all of them our SQLite driver, and data sources of five keys each.
+    int drivers = 0;
+    int sources = 0;
+    std::optional<milliseconds> delay{};  // Behind a proxy when there is one.
+
+    std::vector<double> times{};  // Until the window is there, over the slow line until it is drawn.
+    std::vector<double> memory{};
+    std::vector<double> waits{};
+    std::vector<double> allWaits{};
+};
+
+void writeConfiguration(const OdbcFiles& files, const Row& row) {
     std::string drivers;
-    for (int i = 0; i < state.range(0); ++i) {
+    for (int i = 0; i < row.drivers; ++i) {
         const std::string library = files.path("driver" + std::to_string(i) + ".so");
         std::filesystem::create_symlink(VH_BENCH_STAGE "/lib/vhsqlite23.so", library);
         drivers += "[Driver " + std::to_string(i) + "]\nDriver=" + library + "\n";
     }
     std::string list = "[ODBC Data Sources]\n";
     std::string sections;
-    for (int i = 0; i < state.range(1); ++i) {
+    for (int i = 0; i < row.sources; ++i) {
         const std::string name = "data source " + std::to_string(i);
         list += name + "=Driver 0\n";
         sections += "[" + name + "]\nDriver=Driver 0\nDescription=d\nDatabase=/tmp/" + name +
@@ -72,19 +121,127 @@ void administrator(benchmark::State& state) {
     }
     files.write(OdbcFiles::kDrivers, drivers);
     files.write(OdbcFiles::kUser, list + sections);
-    measure(state, VH_BENCH_STAGE "/bin/odbcadmin");
+}
+
+// Waits until the program behind the proxy has done what it does.
+void waitForQuiet(const XProxy& proxy) {
+    do {
+        std::this_thread::sleep_for(milliseconds(10));
+    } while (proxy.quietTime() < kQuietTime);
+}
+
+// One start; false when no window comes.
+bool measure(Row& row) {
+    const OdbcFiles files;
+    writeConfiguration(files, row);
+    Watcher watcher;
+    ScopedEnvironment environment{};
+    std::unique_ptr<XProxy> proxy;
+    if (row.delay) {
+        proxy = std::make_unique<XProxy>(std::getenv("DISPLAY"), *row.delay);
+        environment.set("DISPLAY", proxy->display());
+    }
+    const Clock::time_point begin = Clock::now();
+    auto program = std::make_unique<Program>(row.command);
+    if (!watcher.sees(MapNotify)) {
+        return false;
+    }
+    Clock::time_point end = Clock::now();
+    if (proxy) {
+        waitForQuiet(*proxy);
+        end = proxy->lastRequest();
+        row.waits.push_back(proxy->waitsUntilWindow());
+        row.allWaits.push_back(proxy->waits());
+    } else {
+        std::this_thread::sleep_for(milliseconds(kQuietTime));
+    }
+    row.times.push_back(millisecondsBetween(begin, end));
+    row.memory.push_back(peakMemory(program->process()));
+    program.reset();
+    return watcher.sees(UnmapNotify) || watcher.sees(DestroyNotify);
+}
+
+// Turns the pages of an administrator with so many data sources by its keys: for each, what it takes from the exposure
+// to the drawn page.
+std::vector<double> turnPages(const Row& row, int pages) {
+    const OdbcFiles files;
+    writeConfiguration(files, row);
+    XPerson person;
+    Watcher watcher;
+    ScopedEnvironment environment{};
+    XProxy proxy(std::getenv("DISPLAY"), milliseconds(0));
+    environment.set("DISPLAY", proxy.display());
+    const Program program(row.command);
+    std::vector<double> times;
+    if (watcher.sees(MapNotify)) {
+        waitForQuiet(proxy);
+        for (int page = 0; page < pages; ++page) {
+            proxy.watchExposure();
+            person.key(XK_Next, XK_Control_L);
+            waitForQuiet(proxy);
+            times.push_back(proxy.drawingTime());
+        }
+    }
+    return times;
+}
+
+void printRow(const Row& row) {
+    std::printf("%-44s %8.1f ms %6.1f MB", row.name.c_str(), median(row.times), median(row.memory));
+    if (row.delay) {
+        std::printf(" %5.0f waits, %.0f until it is drawn", median(row.waits), median(row.allWaits));
+    }
+    std::printf("\n");
+}
+
+void printRatio(const char* what, double value, double anchor, const char* goal) {
+    std::printf("%-60s %8.2f x   goal %s\n", what, value / anchor, goal);
 }
 
 }  // namespace
 
-BENCHMARK(bareNotebook)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(administrator)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->ArgNames({"drivers", "sources"})
-    ->Args({1, 10})
-    ->Args({20, 10})
-    ->Args({100, 10})
-    ->Args({1, 100})
-    ->Args({1, 1000});
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    const int repetitions = argc > 1 ? std::atoi(argv[1]) : 5;
+    const milliseconds delay(argc > 2 ? std::atoi(argv[2]) : 25);
+    const std::string administrator = VH_BENCH_STAGE "/bin/odbcadmin";
+    const std::vector<std::string> bare{VH_BENCH_BARE_NOTEBOOK};
+    const std::vector<std::string> dressed{VH_BENCH_BARE_NOTEBOOK, "dressed"};
+    enum { kBare, kDressed, kOneTen, kHundredDrivers, kThousand, kFiveThousand, kSlowBare, kSlowDressed, kSlow };
+    std::vector<Row> rows{{"bare notebook", bare},
+                          {"dressed notebook", dressed},
+                          {"administrator, 1 driver, 10 data sources", {administrator}, 1, 10},
+                          {"administrator, 100 drivers, 10 data sources", {administrator}, 100, 10},
+                          {"administrator, 1 driver, 1,000 data sources", {administrator}, 1, 1000},
+                          {"administrator, 1 driver, 5,000 data sources", {administrator}, 1, 5000},
+                          {"bare notebook over the slow line", bare, 0, 0, delay},
+                          {"dressed notebook over the slow line", dressed, 0, 0, delay},
+                          {"administrator over the slow line, 1 and 10", {administrator}, 1, 10, delay}};
+    const XServer server;
+    for (int i = 0; i < repetitions; ++i) {
+        for (Row& row : rows) {
+            if (!measure(row)) {
+                std::fprintf(stderr, "%s: no window came\n", row.name.c_str());
+                return EXIT_FAILURE;
+            }
+        }
+    }
+    const std::vector<double> pages = turnPages(rows[kThousand], 5);
+
+    std::for_each(rows.begin(), rows.end(), printRow);
+    std::printf("pages drawn after their exposures, 1,000 data sources, ms:");
+    for (const double time : pages) {
+        std::printf(" %.1f", time);
+    }
+    std::printf("   goal 30\n\n");
+    const auto time = [&rows](std::size_t row) { return median(rows[row].times); };
+    const auto memory = [&rows](std::size_t row) { return median(rows[row].memory); };
+    printRatio("start, 1 driver, 10 data sources, to dressed", time(kOneTen), time(kDressed), "1.3");
+    printRatio("start, 1,000 data sources, to 10", time(kThousand), time(kOneTen), "1.4");
+    printRatio("start, 5,000 data sources, to 10", time(kFiveThousand), time(kOneTen), "3.5");
+    printRatio("start, 100 drivers, to 1", time(kHundredDrivers), time(kOneTen), "2");
+    printRatio("waits for the X server until it is drawn, to dressed", median(rows[kSlow].allWaits),
+               median(rows[kSlowDressed].allWaits), "1.1");
+    printRatio("start over the slow line until it is drawn, to dressed", time(kSlow), time(kSlowDressed), "1.2");
+    printRatio("peak memory, to dressed", memory(kOneTen), memory(kDressed), "1.3");
+    std::printf("%-60s %8.1f MB  goal 15\n", "peak memory, 5,000 data sources beyond 10",
+                memory(kFiveThousand) - memory(kOneTen));
+}

@@ -25,6 +25,7 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
+    pid_t process() const { return pid_; }
     bool isRunning();
     // Waits for the end; nothing when it does not come, or comes by a signal.
     std::optional<int> exitStatus();
