@@ -79,6 +79,12 @@ DriverColumns describeDrivers(const std::vector<std::string>& names) {
 
 }  // namespace
 
+void beginDriversPage() {
+    for (const std::string& driver : installer::listDrivers().names) {
+        beginAsking(installer::driverLibrary(driver, kLibraryPathSize));
+    }
+}
+
 Widget createDriversPage(Widget notebook) {
     FrmDrivers = createPage(notebook, "FrmDrivers");
     LbDDesc = createHeading(FrmDrivers, "LbDDesc", Message::kDriversHeading);

@@ -22,6 +22,9 @@ extern Widget LstCompany;
 extern Widget LstFile;
 extern Widget LstDate;
 
+// Begins to ask the drivers for their versions, for the time in which the window is built.
+void beginDriversPage();
+
 // Builds the page, unmanaged, with empty lists; its tab belongs to the main window.
 Widget createDriversPage(Widget notebook);
 

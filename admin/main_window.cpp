@@ -153,6 +153,7 @@ void fillPages() {
 void create_shODBCAdmin(Display* connection, char* appName, int argc, char** argv) {
     guarded([=] {
         showHelpTopic = showAdministratorHelp;
+        beginDriversPage();
         beginAboutTab();
         const std::string title = catalogText(Message::kWindowTitle);
         ArgumentList arguments;

@@ -1,71 +1,64 @@
-// Tells what a library says of itself: `describe-component LIBRARY` loads it, asks, prints and ends. Whatever the
-// library does to a process, it does to this one. The answer on standard output, each text with a zero byte behind it:
-// "ConfigDSN" for a setup library and nothing for any other, the version, the company. Everything else, what the
-// library prints included, goes to standard error.
+// Tells what libraries say of themselves. Each is loaded in a process of its own: whatever the library does to a
+// process, it does to that one. Which ones, and how it answers, tells components/inquiry_server.h. The three texts are
+// "ConfigDSN" for a setup library and nothing for any other, the version, and the company; what the library prints
+// becomes a complaint.
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <optional>
 #include <string>
-#include <string_view>
 
+#include "components/inquiry_server.h"
 #include "components/odbc_version.h"
-#include "motifutil/component_version.h"
+#include "motifutil/component_functions.h"
 
 namespace {
 
-// Keeps the answer out of the reach of the library. Returns the descriptor to write it to.
-int takeOutput() {
-    constexpr int kLikelyFree = 100;
-    const int answer = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, kLikelyFree);
-    dup2(STDERR_FILENO, STDOUT_FILENO);
-    return answer;
+// What is longer is no name, and no version.
+bool tell(int answer, const std::string& text) {
+    constexpr std::size_t kMost = 1023;
+    const std::string all(text.substr(0, kMost).c_str(), std::min(text.size(), kMost) + 1);
+    return write(answer, all.data(), all.size()) == static_cast<ssize_t>(all.size());
 }
 
-bool tell(int answer, const char* text) {
-    const std::string_view all(text, std::string_view(text).size() + 1);
-    return write(answer, all.data(), all.size()) == static_cast<ssize_t>(all.size());
+// It must not outlive whoever waits for the answer, nor leave a core file in somebody's directory.
+void beModest() {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    constexpr rlimit kNothing{};
+    setrlimit(RLIMIT_CORE, &kNothing);
+}
+
+void describe(const std::string& path, int answer) {
+    beModest();
+    void* library = dlopen(path.c_str(), RTLD_NOW);
+    if (library == nullptr) {
+        std::fprintf(stderr, "%s\n", dlerror());
+        std::exit(1);
+    }
+    // At once: a library that ends the process when it is asked for its version may still have a dialog.
+    bool told = tell(answer, dlsym(library, "ConfigDSN") != nullptr ? "ConfigDSN" : "");
+    const std::optional<std::string> odbc = hasVersion(library) ? std::nullopt : odbcVersion(library);
+    const char* company = getCompany(library);
+    const char* version = odbc ? odbc->c_str() : getVersion(library);
+    if (version == nullptr) {
+        endWithoutVersion(library, path.c_str());
+    }
+    told = tell(answer, version) && tell(answer, company == nullptr ? "" : company) && told;
+    // Nothing of the library runs any more.
+    _exit(told ? 0 : 1);
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fputs("Usage: describe-component LIBRARY\n", stderr);
-        return 2;
-    }
-    // It must not outlive whoever waits for the answer, nor leave a core file in somebody's directory.
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    constexpr rlimit kNothing{};
-    setrlimit(RLIMIT_CORE, &kNothing);
+int main() {
+    beModest();
     std::setlocale(LC_ALL, "");
-
-    const int answer = takeOutput();
-    std::string path = argv[1];
-    // Without a slash the loader would search its own directories.
-    void* library = dlopen(path.find('/') == std::string::npos ? ("./" + path).c_str() : path.c_str(), RTLD_NOW);
-    if (library == nullptr) {
-        std::fprintf(stderr, "%s\n", dlerror());
-        return 1;
-    }
-    // At once: a library that ends the process when it is asked for its version may still have a dialog.
-    bool told = tell(answer, dlsym(library, "ConfigDSN") != nullptr ? "ConfigDSN" : "");
-    std::array<char, kComponentTextSize> company{};
-    std::array<char, kComponentTextSize> version{};
-    const std::optional<std::string> odbc = hasVersion(library) ? std::nullopt : odbcVersion(library);
-    if (odbc) {
-        const char* name = getCompany(library);
-        told = tell(answer, odbc->c_str()) && tell(answer, name == nullptr ? "" : name) && told;
-    } else {
-        getCompNameAndVersion(path.data(), company.data(), version.data(), 0);
-        told = tell(answer, version.data()) && tell(answer, company.data()) && told;
-    }
-    // Nothing of the library runs any more.
-    _exit(told ? 0 : 1);
+    serveInquiries(describe);
 }

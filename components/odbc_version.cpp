@@ -7,9 +7,9 @@
 #include <sqlucode.h>
 
 #include <array>
+#include <climits>
 #include <cstring>
-
-#include "kvlib/text.h"
+#include <cuchar>
 
 namespace {
 
@@ -38,7 +38,17 @@ std::string askNarrow(decltype(SQLGetInfo)* getInfo, SQLHDBC connection, SQLUSMA
 std::string askWide(decltype(SQLGetInfoW)* getInfo, SQLHDBC connection, SQLUSMALLINT question) {
     std::array<char16_t, kMostBytes / sizeof(char16_t) + 1> text{};
     const SQLRETURN result = getInfo(connection, question, text.data(), kMostBytes, nullptr);
-    return SQL_SUCCEEDED(result) ? fromUtf16(text.data(), kCPLocale) : "";
+    if (!SQL_SUCCEEDED(result)) {
+        return "";
+    }
+    std::string version;
+    std::mbstate_t state{};
+    for (const char16_t* unit = text.data(); *unit != u'\0'; ++unit) {
+        std::array<char, MB_LEN_MAX> bytes{};
+        const std::size_t count = std::c16rtomb(bytes.data(), *unit, &state);
+        version.append(bytes.data(), count == static_cast<std::size_t>(-1) ? 0 : count);
+    }
+    return version;
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-// Asks libraries of any maker what they say of themselves. Each is loaded by a process of its own, the program
-// describe-component beside the one that runs, so that nothing it does when it is loaded or asked does harm here. From
-// one thread.
+// Asks libraries of any maker what they say of themselves. Each is loaded by a process of its own, which the program
+// describe-component beside the one that runs starts, so that nothing it does when it is loaded or asked does harm
+// here. From one thread.
 #pragma once
 
 #include <string>

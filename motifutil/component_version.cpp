@@ -1,9 +1,5 @@
 #include "motifutil/component_version.h"
 
-#include <dlfcn.h>
-#include <link.h>
-
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -28,29 +24,6 @@ char compAddr2[kShortTextSize];
 
 namespace {
 
-constexpr const char* kVersionFunction = "getFileVersionString";
-constexpr const char* kCompanyFunction = "getCompanyNameString";
-
-// What a component answers to one of its identification functions; null without the function.
-char* ask(void* handle, const char* function) {
-    const auto answer = reinterpret_cast<char* (*)()>(dlsym(handle, function));
-    return answer == nullptr ? nullptr : answer();
-}
-
-// A component without a version can't be supported: nobody could tell which one a report is about. That has always
-// ended the process here; whoever started it at least learns which library to mend.
-[[noreturn]] void endWithoutVersion(void* handle, const char* libraryName) {
-    // The name may be a bare one, which tells nobody where the library was found.
-    const link_map* map = nullptr;
-    const bool isLocated = dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && *map->l_name != '\0';
-    std::fprintf(stderr, "%s has no function %s, which every component must have.\n",
-                 isLocated ? map->l_name : libraryName, kVersionFunction);
-    std::fflush(stderr);
-    std::signal(SIGSEGV, SIG_DFL);
-    std::raise(SIGSEGV);
-    std::abort();
-}
-
 void describe(void* handle, const char* libraryName, char* companyOut, char* versionOut) {
     const char* company = getCompany(handle);
     strCopy(companyOut, kComponentTextSize, company == nullptr ? "" : company);
@@ -62,18 +35,6 @@ void describe(void* handle, const char* libraryName, char* companyOut, char* ver
 }
 
 }  // namespace
-
-char* getVersion(void* handle) {
-    return ask(handle, kVersionFunction);
-}
-
-bool hasVersion(void* handle) {
-    return dlsym(handle, kVersionFunction) != nullptr;
-}
-
-char* getCompany(void* handle) {
-    return ask(handle, kCompanyFunction);
-}
 
 void getCompNameAndVersion(char* libraryName, char* companyOut, char* versionOut, int flag) {
     if (companyOut == nullptr && versionOut == nullptr) {

@@ -7,6 +7,8 @@
 
 #include <cstddef>
 
+#include "motifutil/component_functions.h"
+
 inline constexpr std::size_t kComponentTextSize = 1024;
 inline constexpr std::size_t kShortTextSize = 50;
 
@@ -18,14 +20,6 @@ extern char CompanyName[kComponentTextSize];
 extern char FileVersion[kComponentTextSize];
 extern char compAddr1[kShortTextSize];
 extern char compAddr2[kShortTextSize];
-
-// The version text of a loaded library; null when it has none. The text belongs to the library.
-char* getVersion(void* handle);
-
-// Whether a loaded library has the function that tells its version, and what the one that tells its company says; null
-// when it has none.
-bool hasVersion(void* handle);
-char* getCompany(void* handle);
 
 // Loads a library, copies its company and version into buffers of kComponentTextSize bytes, and unloads it. `flag`
 // non-zero appends the product's library suffix to the name. A library that can't be loaded gives two empty texts and

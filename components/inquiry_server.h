@@ -1,0 +1,14 @@
+// Asks many libraries, each in a process of its own, several at a time: the part of describe-component that the
+// administrator talks to. One process is copied for each library, since to start a program takes longer than to ask.
+#pragma once
+
+#include <string>
+
+// Loads the library at `path`, writes three texts to the descriptor `answer`, each with a zero byte behind it, and ends
+// the process. Called in a process of its own, which may end in any way.
+using Describe = void(const std::string& path, int answer);
+
+// Takes paths from standard input, each with a zero byte behind it, until that ends, and writes for each to standard
+// output: the path, a complaint (one line, empty when all is well) and the three texts, each with a zero byte behind
+// it, in the order in which they come. One that takes longer than two seconds is given up.
+void serveInquiries(Describe* describe);

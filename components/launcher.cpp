@@ -1,0 +1,127 @@
+// Starts the program of its own name from the tree that it stands in. What the environment says already wins.
+#include <dlfcn.h>
+#include <sql.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+// The path without its last parts.
+std::string above(const std::string& path, int parts = 1) {
+    std::string::size_type end = path.size();
+    for (; parts > 0 && end != std::string::npos; --parts) {
+        end = path.rfind('/', end - 1);
+    }
+    return path.substr(0, end);
+}
+
+std::string ownPath() {
+    std::array<char, PATH_MAX> path{};
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    return std::string(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+}
+
+// Where the driver manager finds the drivers that are named without a directory: beside itself.
+std::string modules() {
+    Dl_info place{};
+    const bool isFound = dladdr(reinterpret_cast<void*>(SQLAllocHandle), &place) != 0 && *place.dli_fname == '/';
+    return isFound ? ":" + above(place.dli_fname) + "/odbc" : "";
+}
+
+std::string valueOf(const char* name, const std::string& otherwise) {
+    const char* value = std::getenv(name);
+    return value == nullptr || *value == '\0' ? otherwise : value;
+}
+
+// The tree's own settings, with the help of the language whose texts are shown; the names of locales are those of
+// folders.
+std::string settingsOf(const std::string& tree) {
+    std::string locale = valueOf("LC_MESSAGES", "C");
+    locale = locale == "C" ? valueOf("LANG", "C") : locale;
+    const std::string own = tree + "/etc/" + locale + "/odbcinst.ini";
+    struct stat status {};
+    return stat(own.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? own : tree + "/etc/odbcinst.ini";
+}
+
+std::string readText(const std::string& path) {
+    std::string text;
+    if (FILE* file = std::fopen(path.c_str(), "r")) {
+        std::array<char, 4096> part{};
+        while (const std::size_t count = std::fread(part.data(), 1, part.size(), file)) {
+            text.append(part.data(), count);
+        }
+        std::fclose(file);
+    }
+    return text;
+}
+
+void makeFolder(const std::string& path) {
+    if (access(path.c_str(), F_OK) != 0 && path.size() > 1) {
+        makeFolder(above(path));
+        mkdir(path.c_str(), 0777);
+    }
+}
+
+// Writes the whole file or nothing.
+void writeText(const std::string& path, const std::string& text) {
+    makeFolder(above(path));
+    const std::string part = path + "." + std::to_string(getpid());
+    FILE* file = std::fopen(part.c_str(), "w");
+    const bool isWritten = file != nullptr && std::fputs(text.c_str(), file) >= 0;
+    if (file != nullptr && std::fclose(file) == 0 && isWritten) {
+        std::rename(part.c_str(), path.c_str());
+    }
+}
+
+// The tree may have been moved: its settings, which say where it stands, are then written anew, in the tree or for this
+// person. Returns where they are.
+std::string settleTree(const std::string& tree, const std::string& settings) {
+    const std::string key = "\nInstallDir=";
+    std::string text = "\n" + readText(settings);
+    const std::size_t entry = text.find(key);
+    if (entry == std::string::npos || text.find(key + tree + "\n") != std::string::npos) {
+        return settings;
+    }
+    const std::size_t begin = entry + key.size();
+    const std::string before = "=" + text.substr(begin, text.find('\n', begin) - begin);
+    const std::string now = "=" + tree;
+    for (std::size_t at = 0; (at = text.find(before, at)) != std::string::npos; at += now.size()) {
+        text.replace(at, before.size(), now);
+    }
+    const bool isOurs = access(above(settings).c_str(), W_OK) == 0;
+    const std::string cache = valueOf("XDG_CACHE_HOME", valueOf("HOME", "") + "/.cache");
+    std::string place = isOurs ? settings : cache + "/varnholt-odbcadmin/odbcinst.ini";
+    writeText(place, text.substr(1));
+    return place;
+}
+
+}  // namespace
+
+int main(int /*argc*/, char** argv) {
+    const std::string path = ownPath();
+    const std::string tree = above(path, 2);
+    std::string name = path.substr(path.rfind('/') + 1);
+    const std::string own = settingsOf(tree);
+    std::string settings = valueOf("ODBCINST", own);
+    if (settings == own) {
+        settings = settleTree(tree, own);
+    }
+    setenv("ODBCINST", settings.c_str(), 1);
+    setenv("VH_INSTALLDIR", valueOf("VH_INSTALLDIR", tree).c_str(), 1);
+    setenv("KVLIB", valueOf("KVLIB", tree + "/lib:" + tree + "/lib/setup" + modules()).c_str(), 1);
+    // The last place where help looks for a browser.
+    setenv("PATH", (valueOf("PATH", "/usr/bin:/bin") + ":" + tree + "/libexec/browser").c_str(), 1);
+
+    const std::string program = tree + "/libexec/" + name;
+    // X resources are looked up under the program's name, so it must be "odbcadmin" wherever it stands.
+    argv[0] = name.data();
+    execv(program.c_str(), argv);
+    std::perror(program.c_str());
+    return 127;
+}
