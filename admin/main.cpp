@@ -1,3 +1,4 @@
+#include <Xm/Display.h>
 #include <Xm/Xm.h>
 #include <unistd.h>
 
@@ -23,8 +24,8 @@
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/fewer_waits.h"
 #include "motifutil/shells.h"
-#include "motifutil/true_color.h"
 
 namespace {
 
@@ -89,7 +90,11 @@ int main(int argc, char** argv) {
         return -1;
     }
     setPalette(display);
-    workOutColours(app_context, display);
+    internAtoms(display);
+    {
+        const KeyboardAtOnce keyboard(display);
+        XmGetXmDisplay(display);
+    }
     const unsigned int noInstallDirectory = bosSetInstallDir(nullptr);
     Rfile = OpenStrings(nullptr, "odbc.m");
     const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();

@@ -2,13 +2,13 @@
 // the server tells when it is connected (X11 protocol, "Visual information", TrueColor).
 #pragma once
 
-#include <Xm/Screen.h>
-#include <Xm/Xm.h>
+#include <X11/Xlib.h>
 
-// Sets the pixel of a colour from its parts. False, with nothing done, where only the server can tell: on another kind
-// of visual, or for another colormap than that of the screen.
+// Whether it is so: not on another kind of visual, nor for another colormap than that of the screen.
+bool isTrueColor(Display* connection, Colormap colormap);
+
+// Sets the pixel of a colour from its parts. False, with nothing done, where only the server can tell.
 bool setPixel(Display* connection, Colormap colormap, XColor& colour);
 
-// Lets Xt and Motif, on this display, work out their colours so where that is possible: a window has dozens, each of
-// which would wait for the server. Call it before the first window is made.
-void workOutColours(XtAppContext context, Display* connection);
+// The other way round: the parts from the pixel.
+bool setColour(Display* connection, Colormap colormap, XColor& colour);

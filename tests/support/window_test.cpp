@@ -22,8 +22,8 @@
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
 #include "motifutil/characters.h"
+#include "motifutil/fewer_waits.h"
 #include "motifutil/mnemonics.h"
-#include "motifutil/true_color.h"
 
 namespace {
 
@@ -50,7 +50,7 @@ public:
             throw std::runtime_error("no display");
         }
         setPalette(display);
-        workOutColours(app_context, display);
+        internAtoms(display);
     }
     void TearDown() override {
         XtDestroyApplicationContext(app_context);
