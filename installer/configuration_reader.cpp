@@ -30,8 +30,16 @@ std::string pathOf(const std::string& file) {
 std::optional<std::string> readPlainText(const std::string& file) {
     FileText read;
     const std::string path = pathOf(file);
-    if (path.empty() || !readFile(path, read) || !read.status || !isPlain(read.text)) {
+    if (path.empty() || !readFile(path, read) || !read.status) {
         return std::nullopt;
+    }
+    // Several parts of a window read one file after the other.
+    static std::string lastPlain;
+    if (read.text != lastPlain) {
+        if (!isPlain(read.text)) {
+            return std::nullopt;
+        }
+        lastPlain = read.text;
     }
     return std::move(read.text);
 }
