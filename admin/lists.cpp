@@ -7,10 +7,16 @@
 #include <cstring>
 
 #include "admin/exchange_sort.h"
+#include "admin/tall_rows.h"
 #include "motifutil/script_fonts.h"
 #include "motifutil/widgets.h"
 
 namespace {
+
+// Motif refuses to show no row at all, and X a window that is too high.
+int visibleRows(Widget list, int count) {
+    return std::clamp(count, 1, mostRows(list));
+}
 
 void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
     std::vector<XmString> items;
@@ -21,8 +27,8 @@ void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
     giveFonts(list);
     items.push_back(nullptr);
     const int count = static_cast<int>(rows.size());
-    // Motif refuses to show no row at all.
-    XtVaSetValues(list, XmNitemCount, count, XmNitems, items.data(), XmNvisibleItemCount, std::max(count, 1), nullptr);
+    XtVaSetValues(list, XmNitemCount, count, XmNitems, items.data(), XmNvisibleItemCount, visibleRows(list, count),
+                  nullptr);
 }
 
 // The functions for arrays exchange the pointers and leave the texts alone.
@@ -94,5 +100,5 @@ void deleteRow(Widget list, int position) {
     XmListDeletePos(list, position);
     int count = 0;
     XtVaGetValues(list, XmNitemCount, &count, nullptr);
-    XtVaSetValues(list, XmNvisibleItemCount, std::max(count, 1), nullptr);
+    XtVaSetValues(list, XmNvisibleItemCount, visibleRows(list, count), nullptr);
 }

@@ -13,6 +13,7 @@
 
 #include "admin/dialogs.h"
 #include "admin/lists.h"
+#include "admin/tall_rows.h"
 #include "motifutil/font_size.h"
 #include "motifutil/scrolling.h"
 #include "motifutil/spacing.h"
@@ -86,6 +87,14 @@ std::vector<int> listWidths(const std::vector<Column>& columns) {
     return widths;
 }
 
+TableRows rowsOf(const std::vector<Column>& columns) {
+    TableRows rows{scrolledWindowAround(columns.front().list), {}};
+    for (const Column& column : columns) {
+        rows.lists.push_back(column.list);
+    }
+    return rows;
+}
+
 // Places the headers above columns of these widths when the lists are scrolled right by `scrolled` pixels.
 void placeHeaders(const std::vector<Column>& columns, const std::vector<int>& widths, int scrolled) {
     // The windows around headers and lists have frames of their own.
@@ -102,17 +111,28 @@ void placeHeaders(const std::vector<Column>& columns, const std::vector<int>& wi
 // Places the lists side by side and gives the forms around lists and headers the size of what is in them. Left alone, a
 // form in a scrolled window grows with its children but does not shrink with them.
 void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) {
+    const TableRows rows = rowsOf(columns);
+    const bool areTooMany = rows.areTooMany();
     int start = 0;
-    Dimension height = 0;
+    int height = areTooMany ? rows.arrange() : 0;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        Attach(columns[i].list).topForm().span(start, widths[i]);
+        Widget list = columns[i].list;
+        Attach(list).span(start, widths[i]);
         start += widths[i];
-        height = std::max(height, preferredHeight(columns[i].list));
+        if (!areTooMany) {
+            Attach(list).topForm();
+            height = std::max<int>(height, preferredHeight(list));
+        }
     }
     const auto total = static_cast<Dimension>(std::max(start, 1));
     XtVaSetValues(XtParent(columns.front().list), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, XmNheight, height,
                   nullptr);
     XtVaSetValues(XtParent(columns.front().header), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, nullptr);
+    if (areTooMany) {
+        rows.show();
+    } else {
+        setWheelStep(rows.window, 0);
+    }
     placeHeaders(columns, widths, scrolledSideways(columns.front().list));
 }
 
@@ -149,12 +169,16 @@ void layOutEmpty(const std::vector<Column>& columns) {
     }
 }
 
-// Scrolls the window around a list as far as it takes to show the row at `position`, from 1.
-void revealRow(Widget list, int position, Widget scrolledWindow) {
+// Scrolls the window around the lists as far as it takes to show the row at `position`, from 1.
+void revealRow(const TableRows& table, int position) {
+    if (table.areTooMany()) {
+        table.reveal(position);
+        return;
+    }
     int rows = 0;
     Dimension height = 0;
-    XtVaGetValues(list, XmNitemCount, &rows, XmNheight, &height, nullptr);
-    revealRange(scrolledWindow, (position - 1) * height / rows, position * height / rows);
+    XtVaGetValues(table.lists.front(), XmNitemCount, &rows, XmNheight, &height, nullptr);
+    revealRange(table.window, (position - 1) * height / rows, position * height / rows);
 }
 
 }  // namespace
@@ -164,13 +188,14 @@ void Table::adopt(std::vector<Column> columns, Widget scrolledWindow, XtCallback
     window_ = scrolledWindow;
     Widget scrollBar = nullptr;
     XtVaGetValues(window_, XmNhorizontalScrollBar, &scrollBar, nullptr);
+    Widget other = nullptr;
+    XtVaGetValues(window_, XmNverticalScrollBar, &other, nullptr);
     for (const char* reason :
          {XmNvalueChangedCallback, XmNincrementCallback, XmNdecrementCallback, XmNpageIncrementCallback,
           XmNpageDecrementCallback, XmNtoTopCallback, XmNtoBottomCallback, XmNdragCallback}) {
         XtAddCallback(scrollBar, reason, scrolled, nullptr);
+        XtAddCallback(other, reason, rowsScrolled, this);
     }
-    Widget other = nullptr;
-    XtVaGetValues(window_, XmNverticalScrollBar, &other, nullptr);
     for (Widget bar : {scrollBar, other}) {
         XtVaSetValues(bar, XmNtraversalOn, False, nullptr);
     }
@@ -198,6 +223,15 @@ void Table::focusChanged(Widget list, XtPointer table, XEvent* event, Boolean* /
     const bool hasKeyboard = event->type == FocusIn;
     XtVaSetValues(self->window_, XmNtopShadowColor, hasKeyboard ? highlight : self->topShadow_, XmNbottomShadowColor,
                   hasKeyboard ? highlight : self->bottomShadow_, nullptr);
+}
+
+void Table::rowsScrolled(Widget /*scrollBar*/, XtPointer table, XtPointer /*callData*/) {
+    guarded([table] {
+        const TableRows rows = rowsOf(static_cast<const Table*>(table)->columns_);
+        if (rows.areTooMany()) {
+            rows.show();
+        }
+    });
 }
 
 void Table::fit() const {
@@ -271,7 +305,7 @@ void Table::followRow(Widget clicked) const {
     }
     if (row) {
         XmListSetKbdItemPos(first, *row);
-        revealRow(clicked, *row, window_);
+        revealRow(rowsOf(columns_), *row);
     }
 }
 

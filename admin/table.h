@@ -48,6 +48,7 @@ public:
 
 private:
     std::vector<int> widthsFor(int view) const;
+    static void rowsScrolled(Widget scrollBar, XtPointer table, XtPointer callData);
     static void focusChanged(Widget list, XtPointer table, XEvent* event, Boolean* continueToDispatch);
 
     std::vector<Column> columns_;

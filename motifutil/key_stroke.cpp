@@ -25,14 +25,16 @@ struct Synonym {
     KeySym name;
     KeySym key;
 };
-constexpr std::array<Synonym, 8> kSynonyms{{{XK_KP_Home, XK_Home},
-                                            {XK_KP_End, XK_End},
-                                            {XK_KP_Prior, XK_Prior},
-                                            {XK_KP_Next, XK_Next},
-                                            {XK_KP_Left, XK_Left},
-                                            {XK_KP_Right, XK_Right},
-                                            {XK_KP_Tab, XK_Tab},
-                                            {XK_ISO_Left_Tab, XK_Tab}}};
+constexpr std::array<Synonym, 10> kSynonyms{{{XK_KP_Home, XK_Home},
+                                             {XK_KP_End, XK_End},
+                                             {XK_KP_Prior, XK_Prior},
+                                             {XK_KP_Next, XK_Next},
+                                             {XK_KP_Up, XK_Up},
+                                             {XK_KP_Down, XK_Down},
+                                             {XK_KP_Left, XK_Left},
+                                             {XK_KP_Right, XK_Right},
+                                             {XK_KP_Tab, XK_Tab},
+                                             {XK_ISO_Left_Tab, XK_Tab}}};
 
 }  // namespace
 

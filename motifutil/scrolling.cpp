@@ -63,7 +63,10 @@ void wheelTurned(Widget /*child*/, XtPointer scrolledWindow, XEvent* event, Bool
     const unsigned int button = event->xbutton.button;
     if (button == Button4 || button == Button5) {
         const Scroll scroll = scrollOf(static_cast<Widget>(scrolledWindow), XmNverticalScrollBar);
-        scrollTo(scroll, scroll.value + (button == Button4 ? -kPixelsPerNotch : kPixelsPerNotch));
+        XtPointer step = nullptr;
+        XtVaGetValues(scroll.scrollBar, XmNuserData, &step, nullptr);
+        const int pixels = step == nullptr ? kPixelsPerNotch : static_cast<int>(reinterpret_cast<XtArgVal>(step));
+        scrollTo(scroll, scroll.value + (button == Button4 ? -pixels : pixels));
     }
 }
 
@@ -84,6 +87,15 @@ int viewHeight(Widget scrolledWindow) {
 
 void scrollWithWheel(Widget scrolledWindow, Widget child) {
     XtAddEventHandler(child, ButtonPressMask, False, wheelTurned, scrolledWindow);
+}
+
+void setWheelStep(Widget scrolledWindow, int pixels) {
+    XtVaSetValues(scrollBarOf(scrolledWindow, XmNverticalScrollBar), XmNuserData,
+                  reinterpret_cast<XtPointer>(XtArgVal{pixels}), nullptr);
+}
+
+void scrollDownTo(Widget scrolledWindow, int value) {
+    scrollTo(scrollOf(scrolledWindow, XmNverticalScrollBar), value);
 }
 
 void revealRange(Widget scrolledWindow, int top, int bottom) {

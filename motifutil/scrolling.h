@@ -10,6 +10,12 @@ int viewHeight(Widget scrolledWindow);
 
 // Lets the mouse wheel scroll the window while the pointer is over `child`, which the wheel would not pass through.
 void scrollWithWheel(Widget scrolledWindow, Widget child);
+// How far a notch of the wheel scrolls it from now on; 0 for as far as at first. It is kept as the scroll bar's user
+// data.
+void setWheelStep(Widget scrolledWindow, int pixels);
+
+// Scrolls the window to where its work area is cut off above by so many pixels.
+void scrollDownTo(Widget scrolledWindow, int value);
 
 // Scrolls the window vertically as far as it takes to show the part of its work area between two heights, in pixels;
 // the lower end wins when both do not fit.

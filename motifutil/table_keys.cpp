@@ -39,6 +39,13 @@ int currentRow(Widget list) {
     return count > 0 ? positions[0] : 0;
 }
 
+// Whether a list in a window shows only some of its rows. Its own keys would not lead it to the others.
+bool isTooTall(Widget list) {
+    int visible = 0;
+    XtVaGetValues(list, XmNvisibleItemCount, &visible, nullptr);
+    return scrolledWindowAround(list) != nullptr && visible < rowsOf(list);
+}
+
 // How many rows are seen at once.
 int rowsInSight(Widget list) {
     int visible = 0;
@@ -70,6 +77,12 @@ int rowFor(const KeyStroke& stroke, Widget list) {
     }
     if (stroke.symbol == XK_End && (isPlain || isWithControl)) {
         return rowsOf(list);
+    }
+    if (stroke.symbol == XK_Up && isPlain && isTooTall(list)) {
+        return std::max(currentRow(list) - 1, 1);
+    }
+    if (stroke.symbol == XK_Down && isPlain && isTooTall(list)) {
+        return std::min(currentRow(list) + 1, rowsOf(list));
     }
     // A row stays in sight for orientation.
     const int page = std::max(rowsInSight(list) - 1, 1);

@@ -243,6 +243,55 @@ TEST_F(UserDsnPageTest, NamesInScriptsThatTheFontLacksAreDrawnAndActed) {
     EXPECT_EQ(calls(), call(2, "Recorder", "DSN=ä名前\0Driver=Recorder\0\0"s));
 }
 
+TEST_F(UserDsnPageTest, RowsBeyondTheHighestWindowAreReachedByEveryWay) {
+    std::string list = "[ODBC Data Sources]\n";
+    for (int i = 0; i < 2000; ++i) {
+        list += "n" + std::to_string(1000 + i) + "=d\n";
+    }
+    openWith(list);
+    const auto expectSight = [](int top, int row) {
+        expectSelected(row);
+        const Place window = placeOf(ScrWinLists);
+        for (Widget column : {LstUName, LstUDesc}) {
+            int first = 0;
+            XtVaGetValues(column, XmNtopItemPosition, &first, nullptr);
+            EXPECT_EQ(first, top) << XtName(column);
+            const Place place = placeOf(column);
+            EXPECT_TRUE(place.y >= window.y && place.y + place.height <= window.y + window.height) << XtName(column);
+        }
+    };
+    int seen = 0;
+    XtVaGetValues(LstUName, XmNvisibleItemCount, &seen, nullptr);
+    const int last = 2001 - seen;
+    key(XK_End);
+    expectSight(last, 2000);
+    key(XK_Prior);
+    key(XK_Up);
+    expectSight(last - 1, last - 1);
+    EXPECT_EQ(XmGetFocusWidget(LstUName), LstUName);
+    // By a row, then by a page.
+    for (const int below : {5, 30}) {
+        const Place bar = placeOf(child(ScrWinLists, "VertScrollBar"));
+        person().click(bar.x + bar.width / 2, bar.y + below);
+        settle();
+    }
+    clickRow(LstUDesc, last - seen);
+    expectSight(last - 1 - seen, last - seen);
+    type("n1500");
+    expectSight(502 - seen, 501);
+    key(XK_Down);
+    click(BtnRemove);
+    answer("OK");
+    EXPECT_EQ(rowText(LstUName, 502), "n1502");
+    expectSight(503 - seen, 502);
+    // Few enough again.
+    files.write(OdbcFiles::kUser, list.substr(0, list.find("n1030")));
+    populateUserDSN(LstUName, LstUDesc);
+    settle();
+    expectSelected(30);
+    EXPECT_GT(placeOf(LstUName).height, placeOf(ScrWinLists).height);
+}
+
 TEST_F(UserDsnPageTest, AFileThatCannotBeReadEndsTheProgramWhateverElseIsReported) {
     mkdir(files.path(OdbcFiles::kUser).c_str(), 0700);
     // The missing driver file is reported later, and must not hide it.
