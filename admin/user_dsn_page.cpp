@@ -45,6 +45,15 @@ constexpr int kLongestEmptyList = 2;
 
 Table DataSources;
 
+// What the lists hold. To put thousands of rows into a list again takes longer than to read them.
+struct Rows {
+    std::vector<std::string> names;
+    std::vector<std::string> drivers;
+
+    friend bool operator==(const Rows&, const Rows&) = default;
+};
+Rows Shown;
+
 // Reads names and drivers and fills the lists; false after the error that ends the program was shown.
 bool fillLists(Widget nameList, Widget driverList) {
     if (!installer::isDataSourceFileReadable()) {
@@ -57,17 +66,22 @@ bool fillLists(Widget nameList, Widget driverList) {
         list.names.clear();
     }
     sortRows(list.names);
-    populateList(nameList, list.names);
-
-    std::vector<std::string> drivers;
-    for (const std::string& name : list.names) {
-        drivers.push_back(file.readValue(installer::kDataSourceList, name, kDriverRowSize));
-        if (drivers.back().empty()) {
+    Rows rows{std::move(list.names), {}};
+    for (const std::string& name : rows.names) {
+        rows.drivers.push_back(file.readValue(installer::kDataSourceList, name, kDriverRowSize));
+        if (rows.drivers.back().empty()) {
+            Shown = {};
+            populateList(nameList, rows.names);
             showODBCINIError();
             return false;
         }
     }
-    populateList(driverList, drivers);
+    if (rows != Shown) {
+        populateList(nameList, rows.names);
+        populateList(driverList, rows.drivers);
+        DataSources.fit();
+        Shown = std::move(rows);
+    }
     return true;
 }
 
@@ -147,6 +161,7 @@ Widget createUserDSNXmList(int flag, const char* name) {
 }
 
 Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
+    Shown = {};
     FormUserDSN = createPage(notebook, "FormUserDSN");
 
     LbDesc = createHeading(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
@@ -180,7 +195,6 @@ void populateUserDSN(Widget nameList, Widget driverList) {
         if (!fillLists(nameList, driverList)) {
             return;
         }
-        DataSources.fit();
         explain();
         int count = 0;
         XtVaGetValues(nameList, XmNitemCount, &count, nullptr);
@@ -225,6 +239,8 @@ void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/)
         if (row) {
             deleteRow(LstUDesc, *row);
             deleteRow(LstUName, *row);
+            Shown.names.erase(Shown.names.begin() + *row - 1);
+            Shown.drivers.erase(Shown.drivers.begin() + *row - 1);
         }
         DataSources.fit();
         explain();
