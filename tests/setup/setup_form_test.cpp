@@ -1,10 +1,13 @@
 #include "tests/setup/setup_dialog_test.h"
 
 #include <array>
+#include <clocale>
 #include <filesystem>
 
 #include "admin/advanced_dialog.h"
 #include "admin/wizard_finish.h"
+#include "kvlib/catalog.h"
+#include "motifutil/mnemonics.h"
 #include "tests/support/recording_browser.h"
 
 namespace {
@@ -287,67 +290,87 @@ TEST_F(SetupFormTest, HelpOpensItsTopicAndAboutDescribesTheDriverOrWhereThatIsDu
     EXPECT_EQ(browser.topics(4), "setup\nsetup\nsetup\nsetup\n");
 }
 
-TEST_F(SetupFormTest, EveryWindowIsReachedByLettersOfItsOwnAndLeftByEscapeAndHasHelp) {
+// In each language, and in one whose texts are longer by two fifths.
+class LanguageTest : public SetupFormTest, public testing::WithParamInterface<const char*> {
+protected:
+    LanguageTest() {
+        std::setlocale(LC_MESSAGES, "C");
+        Rfile = OpenStrings(nullptr, "odbc.m");
+    }
+    ~LanguageTest() override { std::setlocale(LC_MESSAGES, "C.UTF-8"); }
+
+    static void press(Widget widget) {
+        const wchar_t letter = mnemonicOf(widget);
+        letter != 0 ? key(static_cast<KeySym>(letter), XK_Alt_L) : click(widget);
+    }
+
+    const ScopedEnvironment environment_{{"LC_MESSAGES", GetParam()}};
+};
+
+TEST_P(LanguageTest, EveryWindowIsWholeAndReachedByLettersOfItsOwnAndLeftByEscapeAndHasHelp) {
     const RecordingBrowser browser;
     std::string topics;
     long count = 0;
     const auto look = [&](const Widget& window, const std::string& topic) {
         EXPECT_TRUE(window == FrmMain || waitUntilUp(window)) << topic;
         expectLetters(window);
+        expectWhole(window);
         key(XK_F1);
         topics += topic + "\n";
         EXPECT_EQ(browser.topics(++count), topics);
     };
-    const auto press = [](KeySym letter) { key(letter, XK_Alt_L); };
     openWith(std::string(kTalker) + "[ODBC]\nTrace=1\n");
-    for (const auto& [letter, topic] :
-         {std::pair{XK_t, "trace"}, {XK_d, "drivers"}, {XK_b, "about"}, {XK_f, "filedsn"}, {XK_u, "userdsn"}}) {
-        press(static_cast<KeySym>(letter));
+    for (const auto& [tab, topic] : {std::pair{BtnTrace, "trace"},
+                                     {TbDrivers, "drivers"},
+                                     {TbAbout, "about"},
+                                     {TbFileDSN, "filedsn"},
+                                     {TbUserDSN, "userdsn"}}) {
+        press(tab);
         look(FrmMain, topic);
     }
-    press(XK_r);
+    press(BtnRemove);
     look(dialog, "troubleshooting");
     key(XK_Return);
     EXPECT_EQ(rows(LstUName).size(), 2U);
-    press(XK_a);
+    press(BtnAdd);
     look(DlgDriverPopup, "chooser");
     key(XK_Escape);
-    press(XK_f);
-    press(XK_a);
+    press(TbFileDSN);
+    press(BtnFDAdd);
     look(DlgDriverPopup, "wizard");
-    press(XK_a);
+    press(BtnAdvanced);
     look(AdvFDDialog, "advanced");
     key(XK_Escape);
     EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
-    press(XK_n);
+    press(BtnFinish);
     look(DlgDriverPopup, "wizard");
-    press(XK_r);
+    press(child(FormScr2, "BtnBrowse"));
     look(Fdialog, "choose");
     key(XK_Escape);
     EXPECT_TRUE(waitUntilUp(DlgDriverPopup));
-    press(XK_t);
+    XmProcessTraversal(Text7, XmTRAVERSE_CURRENT);
     type("x");
-    press(XK_n);
+    press(BtnFinish);
     look(DlgDriverPopup, "wizard");
     key(XK_Escape);
-    press(XK_u);
-    press(XK_s);
+    press(TbUserDSN);
+    press(LbDesc);
     inDialog(
         [&] {
-            for (const auto& [tab, field] : {std::pair{XK_v, "TxtMany1"}, {XK_g, "TxtDatabase"}}) {
+            for (const auto& [tab, field] : {std::pair{"TabAdvanced", "TxtMany1"}, {"TabGeneral", "TxtDatabase"}}) {
                 look(inForm(""), "setup");
-                press(static_cast<KeySym>(tab));
+                press(inForm("*" + std::string(tab)));
                 EXPECT_TRUE(XmIsTraversable(inForm("*" + std::string(field)))) << field;
             }
             look(inForm(""), "setup");
-            press(XK_r);
+            press(inForm("*BtnDatabaseBrowse"));
             look(inForm("*fileDialog"), "choose");
             key(XK_Escape);
-            press(XK_t);
-            expectMessage(kNotMade);
+            press(inForm("*BtnTest"));
+            EXPECT_TRUE(waitUntilUp(inForm("*dialog")));
             look(inForm("*dialog"), "test");
             key(XK_Escape);
-            press(XK_a);
+            press(inForm("*BtnAbout"));
             look(inForm("*FormAbout"), "setup");
             key(XK_Escape);
             EXPECT_TRUE(waitUntilUp(inForm("")));
@@ -355,5 +378,7 @@ TEST_F(SetupFormTest, EveryWindowIsReachedByLettersOfItsOwnAndLeftByEscapeAndHas
         },
         [] { key(XK_Return); });
 }
+
+INSTANTIATE_TEST_SUITE_P(Languages, LanguageTest, testing::Values("en_US", VH_TEST_LANGUAGES "pseudo"));
 
 }  // namespace

@@ -254,6 +254,18 @@ void WindowTest::expectLetters(Widget window) {
     }
 }
 
+void WindowTest::expectWhole(Widget window) {
+    for (Widget widget : managedBelow(window)) {
+        const bool isLabel = XmIsLabel(widget) != 0 || XmIsLabelGadget(widget) != 0;
+        if (isLabel && isVisible(window)) {
+            Dimension margin = 0;
+            XtVaGetValues(widget, XmNmarginWidth, &margin, nullptr);
+            EXPECT_GE(placeOf(widget).width, preferredWidth(widget) - 2 * margin)
+                << XtName(widget) << ": " << textOf(widget);
+        }
+    }
+}
+
 std::string WindowTest::dialogText() {
     return waitUntilUp(dialog) ? stringOf(dialog, XmNmessageString) : "(no dialog)";
 }

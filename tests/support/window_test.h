@@ -68,6 +68,8 @@ protected:
     static std::vector<std::string> rows(Widget list);
     // Checks that all that is in sight of a window and acts, or that one types into, has a letter of its label, alone.
     static void expectLetters(Widget window);
+    // Checks that no label or button in sight of a window is cut off.
+    static void expectWhole(Widget window);
 
     // The text of the box that is up; "(no dialog)" when none comes.
     static std::string dialogText();
