@@ -114,6 +114,7 @@ void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) 
     const TableRows rows = rowsOf(columns);
     const bool areTooMany = rows.areTooMany();
     int start = 0;
+    const int top = rows.top();
     int height = areTooMany ? rows.arrange() : 0;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         Widget list = columns[i].list;
@@ -129,7 +130,7 @@ void layOut(const std::vector<Column>& columns, const std::vector<int>& widths) 
                   nullptr);
     XtVaSetValues(XtParent(columns.front().header), XmNresizePolicy, XmRESIZE_NONE, XmNwidth, total, nullptr);
     if (areTooMany) {
-        rows.show();
+        rows.showAgain(top);
     } else {
         setWheelStep(rows.window, 0);
     }
@@ -290,6 +291,10 @@ void Table::scrollHeaders(XtPointer callData) const {
 
 void Table::followRow(Widget clicked) const {
     const std::optional<int> row = selectedRow(clicked);
+    if (row) {
+        // A list does not draw what is selected out of its sight.
+        revealRow(rowsOf(columns_), *row);
+    }
     for (const Column& column : columns_) {
         if (column.list == clicked) {
             continue;
@@ -305,7 +310,6 @@ void Table::followRow(Widget clicked) const {
     }
     if (row) {
         XmListSetKbdItemPos(first, *row);
-        revealRow(rowsOf(columns_), *row);
     }
 }
 

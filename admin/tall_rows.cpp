@@ -93,6 +93,20 @@ int TableRows::arrange() const {
     return kHighest;
 }
 
+int TableRows::top() const {
+    int position = 1;
+    XtVaGetValues(lists.front(), XmNtopItemPosition, &position, nullptr);
+    return position;
+}
+
+void TableRows::showAgain(int top) const {
+    const int rows = visible();
+    const int row = std::clamp(top, 1, std::max(rowsOf(lists.front()) - rows + 1, 1));
+    scrollDownTo(window, rangeOf(*this, rows).valueFor(row));
+    show();
+    showFrom(row);
+}
+
 void TableRows::show() const {
     const int rows = visible();
     const Range range = rangeOf(*this, rows);

@@ -21,6 +21,9 @@ struct TableRows {
     // For those alone:
     // Gives the lists the height of what is seen, and returns that of the form.
     int arrange() const;
+    // The first row in sight, before arrange(), and the same row again afterwards.
+    int top() const;
+    void showAgain(int top) const;
     // Shows the rows that the window is scrolled to. Call it whenever it was.
     void show() const;
     // Scrolls as far as it takes to show the row at `position`, from 1.

@@ -239,8 +239,8 @@ void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/)
         if (row) {
             deleteRow(LstUDesc, *row);
             deleteRow(LstUName, *row);
-            Shown.names.erase(Shown.names.begin() + *row - 1);
-            Shown.drivers.erase(Shown.drivers.begin() + *row - 1);
+            // They are read anew when they are filled next.
+            Shown = {};
         }
         DataSources.fit();
         explain();

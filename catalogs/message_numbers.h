@@ -426,6 +426,9 @@ enum Number : std::uint32_t {
     kPasswordOpen = 111,
     kNotRead = 112,
     kLayersDiffer = 113,
+    kDriverNameEmpty = 114,
+    kIsDriverList = 115,
+    kRefused = 116,
 
     // Lines.
     kMark = 120,
@@ -433,7 +436,6 @@ enum Number : std::uint32_t {
     kNotUtf8 = 122,
     kLineTooLong = 123,
     kNoEquals = 124,
-    kStray = 125,
     kKeyTwice = 126,
     kSectionTwice = 127,
     kCaseDiffers = 128,
@@ -461,6 +463,9 @@ enum Number : std::uint32_t {
     kKeyUnknownNear = 154,
     kKeyNotRead = 155,
     kLoginNotRead = 156,
+    kNameIsDriver = 157,
+    kNameUnknownNear = 158,
+    kNameTooLong = 159,
 
     // Drivers.
     kNoLibraryNamed = 160,
@@ -482,6 +487,7 @@ enum Number : std::uint32_t {
     kInNoPackage = 176,
     kLibraryMissingAnywhere = 177,
     kNeedsMissingAnywhere = 178,
+    kLibraryElsewhere = 179,
 
     // Tracing.
     kTracing = 180,
@@ -516,5 +522,6 @@ enum Number : std::uint32_t {
     kServerRefuses = 211,
     kFails = 212,
     kOtherServer = 213,
+    kSettingInvalid = 214,
 };
 }  // namespace DoctorMessage

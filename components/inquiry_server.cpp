@@ -252,7 +252,11 @@ private:
     static std::string threeTexts(const std::string& texts) {
         constexpr std::ptrdiff_t kTexts = 3;
         if (std::count(texts.begin(), texts.end(), '\0') >= kTexts) {
-            return texts;
+            std::size_t end = 0;
+            for (std::ptrdiff_t count = 0; count < kTexts; ++count) {
+                end = texts.find('\0', end) + 1;
+            }
+            return texts.substr(0, end);
         }
         return texts.substr(0, texts.find('\0')) + std::string(kTexts, '\0');
     }

@@ -92,10 +92,13 @@ std::string settleTree(const std::string& tree, const std::string& settings) {
         return settings;
     }
     const std::size_t begin = entry + key.size();
+    // "=" and the old tree, at the end of a line or before a slash.
     const std::string before = "=" + text.substr(begin, text.find('\n', begin) - begin);
     const std::string now = "=" + tree;
     for (std::size_t at = 0; (at = text.find(before, at)) != std::string::npos; at += now.size()) {
-        text.replace(at, before.size(), now);
+        if (const std::size_t end = at + before.size(); end == text.size() || text[end] == '/' || text[end] == '\n') {
+            text.replace(at, before.size(), now);
+        }
     }
     const bool isOurs = access(above(settings).c_str(), W_OK) == 0;
     const std::string cache = valueOf("XDG_CACHE_HOME", valueOf("HOME", "") + "/.cache");

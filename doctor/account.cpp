@@ -29,7 +29,7 @@ std::string systemFile(const Account& account) {
 
 std::string driverFile(const Account& account) {
     const std::string* name = variable(account, "ODBCINSTINI");
-    return systemFolder(account) + "/" + (name != nullptr && !name->empty() ? *name : "odbcinst.ini");
+    return systemFolder(account) + "/" + (name != nullptr ? *name : "odbcinst.ini");
 }
 
 std::string userDriverFile(const Account& account) {

@@ -20,6 +20,7 @@ constexpr FindingKind kCrash{Number::kCrash, Severity::kError, "connection-crash
 constexpr FindingKind kNotFound{Number::kSourceNotFound, Severity::kError, "connection-im002"};
 constexpr FindingKind kNotLoaded{Number::kDriverNotLoaded, Severity::kError, "connection-im003"};
 constexpr FindingKind kNotStarted{Number::kDriverNotStarted, Severity::kError, "connection-im004"};
+constexpr FindingKind kSettingInvalid{Number::kSettingInvalid, Severity::kError, "setting-invalid"};
 constexpr FindingKind kNoPassword{Number::kNoPassword, Severity::kError, "login-without-password"};
 constexpr FindingKind kLoginRefused{Number::kLoginRefused, Severity::kError, "login-refused"};
 constexpr FindingKind kDatabaseUnknown{Number::kDatabaseUnknown, Severity::kError, "database-unknown"};
@@ -49,9 +50,13 @@ struct Saying {
 
 // Before a server is asked anything.
 constexpr std::array kOfTheManager{
-    Saying{{"im002:", ""}, kNotFound},          Saying{{"im003:", ""}, kNotLoaded},
-    Saying{{"can't open lib", ""}, kNotLoaded}, Saying{{"im004:", ""}, kNotStarted},
+    Saying{{"im002:", ""}, kNotFound},
+    Saying{{"im003:", ""}, kNotLoaded},
+    Saying{{"can't open lib", ""}, kNotLoaded},
+    Saying{{"im004:", ""}, kNotStarted},
     Saying{{"im005:", ""}, kNotStarted},
+    Saying{{"invalid sslmode", ""}, kSettingInvalid},
+    Saying{{"invalid integer value", ""}, kSettingInvalid},
 };
 
 // Of a server that was reached.
@@ -59,6 +64,7 @@ constexpr std::array kOfTheServer{
     Saying{{"no password supplied", ""}, kNoPassword},
     Saying{{"access denied", "using password: no"}, kNoPassword},
     Saying{{"password authentication failed", ""}, kLoginRefused},
+    Saying{{"access denied", "to database"}, kDatabaseUnknown},
     Saying{{"access denied", ""}, kLoginRefused},
     Saying{{"login failed", ""}, kLoginRefused},
     Saying{{"login incorrect", ""}, kLoginRefused},
@@ -159,6 +165,9 @@ const FindingKind& kindOf(const ConnectionFacts& facts, const std::string& words
 }
 
 std::string serverOf(const ServerAddress& address) {
+    if (address.socket.empty() && address.host.empty()) {
+        return address.entry != nullptr ? address.entry->value : "";
+    }
     if (!address.socket.empty()) {
         return address.socket;
     }

@@ -1,5 +1,8 @@
 #include "doctor/data_source_findings.h"
 
+#include <sql.h>
+#include <sqlext.h>
+
 #include <algorithm>
 #include <map>
 #include <set>
@@ -26,6 +29,9 @@ constexpr FindingKind kDriverUnknown{DoctorMessage::kDriverUnknown, Severity::kE
 constexpr FindingKind kDriverUnknownNear{DoctorMessage::kDriverUnknownNear, Severity::kError, "driver-unknown"};
 constexpr FindingKind kDriverPathDiffers{DoctorMessage::kDriverPathDiffers, Severity::kWarning, "driver-path-differs"};
 constexpr FindingKind kNoDataSources{DoctorMessage::kNoDataSources, Severity::kWarning, "no-data-sources"};
+constexpr FindingKind kNameTooLong{DoctorMessage::kNameTooLong, Severity::kError, "name-too-long"};
+constexpr FindingKind kNameIsDriver{DoctorMessage::kNameIsDriver, Severity::kError, "name-is-driver"};
+constexpr FindingKind kNameUnknownNear{DoctorMessage::kNameUnknownNear, Severity::kError, "name-unknown"};
 constexpr FindingKind kNameUnknown{DoctorMessage::kNameUnknown, Severity::kError, "name-unknown"};
 constexpr FindingKind kNameElsewhere{DoctorMessage::kNameElsewhere, Severity::kError, "name-in-unread-file"};
 
@@ -131,8 +137,12 @@ public:
         // A file that a variable names and that holds nothing is told of itself.
         const std::string* named = variable(account_, "ODBCINI");
         const ConfigFile* file = findFile(account_, userFile(account_));
-        const bool isTold =
-            named != nullptr && !named->empty() && (file == nullptr || !file->isRegular || file->error != 0);
+        const bool isUnread = file == nullptr || !file->isRegular || file->error != 0;
+        const bool isTold = (named != nullptr && !named->empty() && (isUnread || isDriverListName(*named))) ||
+                            (file != nullptr && refusedLine(file->text) != 0) ||
+                            std::any_of(findings_.begin(), findings_.end(), [](const Finding& finding) {
+                                return finding.kind.text == DoctorMessage::kHomesDiffer;
+                            });
         if (listed_.empty() && !hasSections_ && !isTold) {
             std::string others;
             for (const auto& [path, text] : account_.otherFiles) {
@@ -203,6 +213,14 @@ private:
             return;
         }
         hasSections_ = true;
+        if (section.name.size() > SQL_MAX_DSN_LENGTH) {
+            findings_.push_back(
+                {kNameTooLong,
+                 file.path,
+                 section.line,
+                 {section.name, std::to_string(section.name.size()), std::to_string(SQL_MAX_DSN_LENGTH)},
+                 section.name});
+        }
         checkDriver(file, section, drivers_, driverFile(account_), listed != listed_.end() ? listed->second : "",
                     findings_);
         if (listed == listed_.end() && !told_.contains(installer::foldedName(section.name))) {
@@ -243,7 +261,9 @@ void findMissingName(const Account& account, const std::string& name, Findings& 
     std::erase_if(findings, [](const Finding& finding) { return finding.kind.text == kNoDataSources.text; });
     std::map<std::string, std::string> texts = account.otherFiles;
     for (const auto& [path, file] : account.files) {
-        texts[path] = file.text;
+        if (!isDriverListName(path) && path != driverFile(account) && refusedLine(file.text) == 0) {
+            texts[path] = file.text;
+        }
     }
     for (const auto& [path, text] : texts) {
         const IniView view = viewOf(text);
@@ -257,11 +277,17 @@ void findMissingName(const Account& account, const std::string& name, Findings& 
             return;
         }
     }
+    for (const Registered& driver : registeredDrivers(account)) {
+        if (sameName(driver.section.name, name)) {
+            findings.push_back({kNameIsDriver, driver.file, driver.section.line, {name, userFile(account)}, name});
+            return;
+        }
+    }
     const std::string near = nearest(name, names);
-    findings.push_back({kNameUnknown,
+    findings.push_back({near.empty() ? kNameUnknown : kNameUnknownNear,
                         userFile(account),
                         0,
-                        {name, userFile(account), systemFile(account), account.userName, near.empty() ? "-" : near},
+                        {name, userFile(account), systemFile(account), account.userName, near},
                         name});
 }
 

@@ -19,6 +19,7 @@ constexpr FindingKind kNoLibraryNamed{DoctorMessage::kNoLibraryNamed, Severity::
 constexpr FindingKind kLibraryMissing{DoctorMessage::kLibraryMissing, Severity::kError, "library-missing"};
 constexpr FindingKind kLibraryMissingAnywhere{DoctorMessage::kLibraryMissingAnywhere, Severity::kError,
                                               "library-missing"};
+constexpr FindingKind kLibraryElsewhere{DoctorMessage::kLibraryElsewhere, Severity::kError, "library-elsewhere"};
 constexpr FindingKind kLibraryDeleted{DoctorMessage::kLibraryDeleted, Severity::kError, "library-missing"};
 constexpr FindingKind kInNoPackage{DoctorMessage::kInNoPackage, Severity::kError, "library-in-no-package"};
 constexpr FindingKind kLibraryUnreadable{DoctorMessage::kLibraryUnreadable, Severity::kError, "library-unreadable"};
@@ -103,6 +104,8 @@ void checkLibrary(const Place& place, const std::string& name, const LibraryFact
         case LibraryKind::kMissing:
             if (const std::string other = installer::driverInsteadOf(name); !other.empty()) {
                 add(kInNoPackage, {place.about, other});
+            } else if (!facts.elsewhere.empty()) {
+                add(kLibraryElsewhere, {facts.elsewhere});
             } else if (!facts.package.empty()) {
                 add(kLibraryDeleted, {facts.package});
             } else if (const std::string package = installer::packageOf(name); !package.empty()) {
@@ -187,6 +190,12 @@ void findDriverFaults(const Account& account, Findings& findings) {
         // Debian registers one and has it in no package: that is no fault as long as nobody wants it.
         if (entry != nullptr && !installer::driverInsteadOf(entry->value).empty() &&
             !isWanted(account, driver.section.name)) {
+            continue;
+        }
+        // Sections of other systems, which people copy.
+        const bool isForeign = installer::sameName(driver.section.name, "ODBC Drivers") ||
+                               installer::sameName(driver.section.name, "ODBC Connection Pooling");
+        if (isForeign && entry == nullptr) {
             continue;
         }
         if (entry == nullptr || entry->value.empty()) {

@@ -3,15 +3,21 @@
 #include <algorithm>
 #include <set>
 
+#include "doctor/names.h"
 #include "installer/configuration.h"
 
 namespace doctor {
+
+bool isDriverListName(const std::string& path) {
+    return baseName(path).find("odbcinst") != std::string::npos;
+}
 
 std::vector<Registered> registeredDrivers(const Account& account) {
     std::vector<Registered> drivers;
     for (const std::string& path : {driverFile(account), userDriverFile(account)}) {
         const ConfigFile* file = findFile(account, path);
-        for (const IniSection& section : viewOf(file != nullptr ? file->text : "").sections) {
+        const bool isRead = file != nullptr && refusedLine(file->text) == 0;
+        for (const IniSection& section : viewOf(isRead ? file->text : "").sections) {
             const bool isKnown = std::any_of(drivers.begin(), drivers.end(), [&section](const Registered& driver) {
                 return installer::sameName(driver.section.name, section.name);
             });
@@ -33,7 +39,8 @@ std::vector<DataSourceFile> dataSourceFiles(const Account& account) {
     std::set<std::string> paths;
     for (const std::string& path : {userFile(account), systemFile(account)}) {
         const ConfigFile* file = findFile(account, path);
-        if (file != nullptr && file->error == 0 && paths.insert(path).second) {
+        if (file != nullptr && file->error == 0 && refusedLine(file->text) == 0 && !isDriverListName(path) &&
+            paths.insert(path).second) {
             files.push_back({path, viewOf(file->text)});
         }
     }

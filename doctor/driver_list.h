@@ -15,6 +15,9 @@ struct Registered {
     IniSection section;
 };
 
+// Whether a file of this name holds drivers, as far as its name tells.
+[[nodiscard]] bool isDriverListName(const std::string& path);
+
 // The sections of the driver files that stand for drivers; of one name the first, which counts.
 [[nodiscard]] std::vector<Registered> registeredDrivers(const Account& account);
 

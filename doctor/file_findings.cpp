@@ -32,12 +32,14 @@ constexpr FindingKind kWrongOwner{DoctorMessage::kWrongOwner, Severity::kWarning
 constexpr FindingKind kPasswordOpen{DoctorMessage::kPasswordOpen, Severity::kWarning, "password-readable"};
 constexpr FindingKind kNotRead{DoctorMessage::kNotRead, Severity::kWarning, "file-not-read"};
 constexpr FindingKind kLayersDiffer{DoctorMessage::kLayersDiffer, Severity::kWarning, "layers-differ"};
+constexpr FindingKind kDriverNameEmpty{DoctorMessage::kDriverNameEmpty, Severity::kError, "odbcinstini-empty"};
+constexpr FindingKind kIsDriverList{DoctorMessage::kIsDriverList, Severity::kError, "odbcini-is-driver-file"};
+constexpr FindingKind kRefused{DoctorMessage::kRefused, Severity::kError, "file-refused"};
 constexpr FindingKind kMark{DoctorMessage::kMark, Severity::kError, "byte-order-mark"};
 constexpr FindingKind kWide{DoctorMessage::kWide, Severity::kError, "utf-16"};
 constexpr FindingKind kNotUtf8{DoctorMessage::kNotUtf8, Severity::kWarning, "invalid-utf-8"};
 constexpr FindingKind kLineTooLong{DoctorMessage::kLineTooLong, Severity::kError, "line-too-long"};
 constexpr FindingKind kNoEquals{DoctorMessage::kNoEquals, Severity::kWarning, "line-without-equals"};
-constexpr FindingKind kStray{DoctorMessage::kStray, Severity::kWarning, "line-before-sections"};
 constexpr FindingKind kKeyTwice{DoctorMessage::kKeyTwice, Severity::kWarning, "key-twice"};
 constexpr FindingKind kSectionTwice{DoctorMessage::kSectionTwice, Severity::kWarning, "section-twice"};
 constexpr FindingKind kCaseDiffers{DoctorMessage::kCaseDiffers, Severity::kWarning, "names-differ-in-case"};
@@ -48,6 +50,14 @@ constexpr FindingKind kTrailingBlank{DoctorMessage::kTrailingBlank, Severity::kW
 
 bool isQuoted(const std::string& value) {
     return value.size() >= 2 && value.front() == value.back() && (value.front() == '"' || value.front() == '\'');
+}
+
+bool isWide(const std::string& text) {
+    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
+}
+
+bool isMarked(const std::string& text) {
+    return text.starts_with("\xEF\xBB\xBF");
 }
 
 void checkVariables(const Account& account, Findings& findings) {
@@ -65,7 +75,10 @@ void checkVariables(const Account& account, Findings& findings) {
         }
     }
     const std::string* driverName = variable(account, "ODBCINSTINI");
-    if (driverName != nullptr && driverName->find('/') != std::string::npos) {
+    if (driverName != nullptr && driverName->empty()) {
+        findings.push_back({kDriverNameEmpty, "", 0, {}});
+    } else if (driverName != nullptr && driverName->front() == '/' &&
+               findFile(account, driverFile(account)) == nullptr) {
         const std::size_t slash = driverName->rfind('/');
         findings.push_back(
             {kDriverFileIsPath,
@@ -77,6 +90,8 @@ void checkVariables(const Account& account, Findings& findings) {
     if (userName != nullptr && !userName->empty()) {
         if (findFile(account, *userName) == nullptr) {
             findings.push_back({kUserFileMissing, *userName, 0, {*userName, systemFile(account)}});
+        } else if (isDriverListName(*userName)) {
+            findings.push_back({kIsDriverList, *userName, 0, {*userName}});
         } else if (userName->front() != '/') {
             findings.push_back({kRelative, "", 0, {"ODBCINI", *userName}});
         }
@@ -130,6 +145,9 @@ void checkState(const Account& account, const std::string& path, bool isOwn, Fin
         findings.push_back({kUnreadable, path, 0, {path, std::strerror(file->error)}});
         return;
     }
+    if (const std::size_t line = refusedLine(file->text); line != 0 && !isMarked(file->text) && !isWide(file->text)) {
+        findings.push_back({kRefused, path, line, {path}});
+    }
     if (file->owner != account.user && file->owner != 0) {
         findings.push_back(
             {kWrongOwner, path, 0, {path, std::to_string(file->owner), isOwn ? account.userName : "root"}});
@@ -160,16 +178,12 @@ bool isUtf8(std::string_view text) {
     return true;
 }
 
-bool isWide(const std::string& text) {
-    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
-}
-
 void checkLines(const ConfigFile& file, Findings& findings) {
     const auto add = [&](const FindingKind& kind, std::size_t line, std::vector<std::string> subjects,
                          const std::string& about = {}) {
         findings.push_back({kind, file.path, line, std::move(subjects), about});
     };
-    if (file.text.starts_with("\xEF\xBB\xBF")) {
+    if (isMarked(file.text)) {
         add(kMark, 1, {file.path});
     }
     if (isWide(file.text)) {
@@ -208,11 +222,6 @@ void checkSections(const ConfigFile& file, bool isDriverList, Findings& findings
                          const std::string& about = {}) {
         findings.push_back({kind, file.path, line, std::move(subjects), about});
     };
-    for (const IniEntry& entry : view.strays) {
-        if (!file.text.starts_with("\xEF\xBB\xBF")) {
-            add(kStray, entry.line, {entry.key});
-        }
-    }
     std::map<std::string, const IniSection*> sections;
     for (const IniSection& section : view.sections) {
         const auto [first, isNew] = sections.emplace(installer::foldedName(section.name), &section);
@@ -252,9 +261,10 @@ void findFileFaults(const Account& account, Findings& findings) {
     for (const std::string& path : {systemFile(account), driverFile(account)}) {
         checkState(account, path, false, findings);
     }
-    const bool isVariableWrong = std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+    const bool isVariableWrong = std::any_of(findings.begin(), findings.end(), [&account](const Finding& finding) {
         return std::string_view(finding.kind.name).starts_with("odbcsysini") ||
-               finding.kind.text == kDriverFileIsPath.text;
+               std::string_view(finding.kind.name).starts_with("odbcinstini") ||
+               (finding.kind.text == kRefused.text && finding.file == driverFile(account));
     });
     const bool isWanted = hasDataSources(account) || variable(account, "ODBCSYSINI") != nullptr ||
                           variable(account, "ODBCINSTINI") != nullptr;

@@ -23,16 +23,22 @@ std::string plain(std::string_view name) {
     return result;
 }
 
-// How many letters are to be put in, taken out or changed to make one of the other (Levenshtein).
+// How many letters are to be put in, taken out, changed or exchanged with their neighbour to make one of the other
+// (optimal string alignment).
 std::size_t distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> before(b.size() + 1);
+    std::vector<std::size_t> last(b.size() + 1);
     std::vector<std::size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), 0U);
     for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0]++;
+        before.swap(last);
+        last.swap(row);
+        row[0] = i;
         for (std::size_t k = 1; k <= b.size(); ++k) {
-            const std::size_t changed = diagonal + (a[i - 1] == b[k - 1] ? 0 : 1);
-            diagonal = row[k];
-            row[k] = std::min({row[k] + 1, row[k - 1] + 1, changed});
+            row[k] = std::min({last[k] + 1, row[k - 1] + 1, last[k - 1] + (a[i - 1] == b[k - 1] ? 0 : 1)});
+            if (i > 1 && k > 1 && a[i - 1] == b[k - 2] && a[i - 2] == b[k - 1]) {
+                row[k] = std::min(row[k], before[k - 2] + 1);
+            }
         }
     }
     return row.back();
@@ -75,20 +81,38 @@ IniView viewOf(std::string_view text) {
     return view;
 }
 
-std::string nearest(std::string_view name, const std::vector<std::string>& names) {
+std::size_t refusedLine(std::string_view text) {
+    std::size_t number = 0;
+    for (const std::string_view line : installer::splitLines(text)) {
+        ++number;
+        const std::string_view said = installer::trimmedView(line);
+        if (!said.empty() && said.front() != '#' && said.front() != ';') {
+            return line.front() == '[' ? 0 : number;
+        }
+    }
+    return 0;
+}
+
+std::string nearest(std::string_view name, const std::vector<std::string>& names, bool hasParts) {
     const std::string wanted = plain(name);
     std::string best;
     std::size_t bestDistance = 0;
+    std::size_t bestShared = 0;
     for (const std::string& candidate : names) {
         const std::string other = plain(candidate);
         std::size_t between = distance(wanted, other);
         // One may be the other with a version or a maker's name around it.
-        const bool isPart = std::min(wanted.size(), other.size()) >= 3 &&
+        const std::size_t shared = std::min(wanted.size(), other.size());
+        const bool isPart = hasParts && shared >= 3 &&
                             (wanted.find(other) != std::string::npos || other.find(wanted) != std::string::npos);
         between = isPart ? std::min<std::size_t>(between, 1) : between;
-        if (between <= std::max(wanted.size(), other.size()) / 3 && (best.empty() || between < bestDistance)) {
+        const bool isNearer = between < bestDistance || (between == bestDistance && shared > bestShared);
+        // Of two letters that are exchanged, or one of three that is another, each short name would do.
+        const std::size_t most = std::max<std::size_t>(std::max(wanted.size(), other.size()) / 3, 1);
+        if (between <= most && shared > 1 && (best.empty() || isNearer)) {
             best = candidate;
             bestDistance = between;
+            bestShared = isPart ? shared : 0;
         }
     }
     return best;

@@ -36,8 +36,12 @@ struct IniView {
 
 [[nodiscard]] IniView viewOf(std::string_view text);
 
+// The number of the line for which the driver manager reads nothing of the text: the first that says something must
+// begin with "[". 0 when it reads it.
+[[nodiscard]] std::size_t refusedLine(std::string_view text);
+
 // That of the names which is most like `name`; empty when none is much like it. What differs in nothing but case and
-// blanks comes first.
-[[nodiscard]] std::string nearest(std::string_view name, const std::vector<std::string>& names);
+// blanks comes first. With `hasParts` a name may have another around it, such as a version.
+[[nodiscard]] std::string nearest(std::string_view name, const std::vector<std::string>& names, bool hasParts = true);
 
 }  // namespace doctor

@@ -37,8 +37,9 @@ constexpr std::array kMisplaced{
     Misplaced{"psqlodbc", "server", "Servername"},   Misplaced{"psqlodbc", "host", "Servername"},
     Misplaced{"psqlodbc", "hostname", "Servername"}, Misplaced{"psqlodbc", "uid", "Username"},
     Misplaced{"psqlodbc", "user", "Username"},       Misplaced{"psqlodbc", "pwd", "Password"},
-    Misplaced{"libtdsodbc", "uid", nullptr},         Misplaced{"libtdsodbc", "pwd", nullptr},
-    Misplaced{"libtdsodbc", "username", nullptr},    Misplaced{"libtdsodbc", "password", nullptr},
+    Misplaced{"libmaodbc", "username", "User"},      Misplaced{"libtdsodbc", "uid", nullptr},
+    Misplaced{"libtdsodbc", "pwd", nullptr},         Misplaced{"libtdsodbc", "username", nullptr},
+    Misplaced{"libtdsodbc", "password", nullptr},
 };
 
 const Misplaced* misplaced(const std::string& library, const std::string& key) {
@@ -69,7 +70,7 @@ void checkKey(const DataSource& source, const IniEntry& entry, const LibraryFact
     if (facts == nullptr || !facts->foreignKeys.contains(key)) {
         return;
     }
-    const std::string near = nearest(entry.key, facts->knownKeys);
+    const std::string near = nearest(entry.key, facts->knownKeys, false);
     const std::vector<std::string>& usual = usualKeys();
     const bool isUsual = std::any_of(usual.begin(), usual.end(),
                                      [&key](const std::string& other) { return installer::sameName(other, key); });

@@ -76,18 +76,6 @@ Folders split(const std::string& path, const std::string& origin) {
     return folders;
 }
 
-// The first library of the name that is made for this machine.
-std::string findIn(const Folders& folders, const std::string& name) {
-    for (const std::string& folder : folders) {
-        std::string path = folder;
-        path.append("/").append(name);
-        if (isThere(path) && readElf(path).kind == ElfFile::kLibrary) {
-            return path;
-        }
-    }
-    return {};
-}
-
 Folders loaderFolders() {
     const char* path = std::getenv("LD_LIBRARY_PATH");
     return split(path != nullptr ? path : "", ".");
@@ -164,6 +152,17 @@ private:
 bool isDriver(const std::set<std::string>& functions) {
     return functions.contains("SQLConnect") || functions.contains("SQLDriverConnect") ||
            functions.contains("SQLConnectW") || functions.contains("SQLDriverConnectW");
+}
+
+std::string findIn(const Folders& folders, const std::string& name) {
+    for (const std::string& folder : folders) {
+        std::string path = folder;
+        path.append("/").append(name);
+        if (isThere(path) && readElf(path).kind == ElfFile::kLibrary) {
+            return path;
+        }
+    }
+    return {};
 }
 
 std::string ownMachine() {

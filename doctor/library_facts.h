@@ -41,7 +41,8 @@ struct LibraryFacts {
     std::vector<std::string> knownKeys{};
     bool isDescribed = false;  // It tells its keys itself.
 
-    std::string package{};  // Of Debian: that has a library which is missing, by the machine's own list.
+    std::string elsewhere{};  // Where a library of its name is, when it is not where it is named.
+    std::string package{};    // Of Debian: that has a library which is missing, by the machine's own list.
 };
 
 // Whether a library with these functions can connect.
@@ -56,6 +57,9 @@ using Folders = std::vector<std::string>;
 // The facts of the library. A bare name is looked for in `moduleFolder` first, as the driver manager does.
 [[nodiscard]] LibraryFacts examineLibrary(const std::string& name, const std::string& moduleFolder,
                                           const Folders& otherFolders);
+
+// The first library of the name in one of the folders that is made for this machine; empty when there is none.
+[[nodiscard]] std::string findIn(const Folders& folders, const std::string& name);
 
 // Where the loader finds a library by its bare name; empty when it does not.
 [[nodiscard]] std::string findByLoader(const std::string& name);

@@ -40,6 +40,7 @@ std::string textsIn(std::string_view bytes, std::size_t width) {
             ++place;
         }
     }
+    texts += '\n';
     return texts;
 }
 
@@ -49,7 +50,10 @@ std::set<std::string> keysNotIn(std::string_view library, const std::set<std::st
     std::set<std::string> missing = keys;
     for (const std::size_t width : {std::size_t{1}, std::size_t{2}, std::size_t{4}}) {
         const std::string texts = textsIn(library, width);
-        std::erase_if(missing, [&texts](const std::string& key) { return texts.find(key) != std::string::npos; });
+        // The linker may keep a text as the end of a longer one.
+        std::erase_if(missing, [&texts](const std::string& key) {
+            return texts.find(key + '\n') != std::string::npos || texts.find(key + '=') != std::string::npos;
+        });
     }
     return missing;
 }

@@ -86,7 +86,7 @@ ServerAddress addressOf(const IniSection& section, const std::string& library) {
             break;
         case Protocol::kTds:
             // What FreeTDS calls Servername is an entry of a file of its own.
-            address.entry = firstOf(section, {"Server", "Address"});
+            address.entry = firstOf(section, {"Server", "Address", "Servername"});
             break;
         case Protocol::kUnknown:
             address.entry = firstOf(section, {"Server", "Servername", "Host", "Hostname", "HostName", "Address"});
@@ -99,6 +99,11 @@ ServerAddress addressOf(const IniSection& section, const std::string& library) {
         address.socket = "/run/mysqld/mysqld.sock";
     } else if (value.starts_with('/')) {
         address.socket = value;
+    } else if (address.protocol == Protocol::kPostgreSql) {
+        address.host = value.substr(0, value.find(','));
+    } else if (address.protocol == Protocol::kTds && address.entry != nullptr && address.entry->key.size() > 7) {
+        // Only FreeTDS knows where that is.
+        address.port.clear();
     } else {
         readHost(value, address);
     }
@@ -107,7 +112,7 @@ ServerAddress addressOf(const IniSection& section, const std::string& library) {
 
 const IniEntry* databaseFile(const IniSection& section) {
     const IniEntry* entry = firstOf(section, {"Database", "DBQ", "DatabaseFile", "Dbname"});
-    return entry != nullptr && entry->value.starts_with('/') ? entry : nullptr;
+    return entry != nullptr && (entry->value.front() == '/' || entry->value.front() == '~') ? entry : nullptr;
 }
 
 }  // namespace doctor

@@ -202,7 +202,8 @@ void load(LibraryFacts& facts) {
     if (!end) {
         facts.loaderWords = "no end within 2 seconds";
     } else if (!end->answer) {
-        facts.loaderWords = end->reason;
+        const std::string said = installer::oneLine(end->printed);
+        facts.loaderWords = said.empty() ? end->reason : said;
     } else if (!end->answer->empty()) {
         (end->answer->front() == 'L' ? facts.loaderWords : facts.missingSymbol) = end->answer->substr(1);
     }
@@ -248,8 +249,11 @@ void addKeys(const Account& account, const std::string& library, LibraryFacts& f
     }
     std::set_intersection(keys.begin(), keys.end(), missing.begin(), missing.end(),
                           std::inserter(facts.foreignKeys, facts.foreignKeys.end()));
-    // One that knows none of them has its texts somewhere else.
-    if (facts.foreignKeys.size() == keys.size()) {
+    // One that knows none of all these has its texts somewhere else.
+    const bool knowsNone = std::all_of(usualKeys().begin(), usualKeys().end(), [&missing](const std::string& key) {
+        return missing.contains(installer::foldedName(key));
+    });
+    if (knowsNone && facts.foreignKeys.size() == keys.size()) {
         facts.foreignKeys.clear();
     }
     if (facts.foreignKeys.empty()) {
@@ -287,6 +291,12 @@ void addLibraries(Account& account, const Folders& otherFolders) {
         if (facts.kind == LibraryKind::kLibrary && facts.absent.empty() && facts.absentVersions.empty()) {
             load(facts);
             addKeys(account, name, facts);
+        }
+        if (facts.kind == LibraryKind::kMissing) {
+            Folders all = folders;
+            all.insert(all.begin(), {modules, "/usr/lib/odbc"});
+            const std::string base = baseName(name);
+            facts.elsewhere = findIn(all, base.ends_with(".so") ? base : base + ".so");
         }
         addPackages(facts);
         account.libraries.emplace(name, facts);

@@ -36,7 +36,10 @@ void checkTrace(const Account& account, const std::string& path, const IniSectio
     const std::size_t line = entry != nullptr ? entry->line : trace->line;
     const auto unwritable = account.writeErrors.find(file);
     const auto size = account.sizes.find(file);
-    if (!file.starts_with('/')) {
+    if (installer::isTraceOn(section.value("TracePid"))) {
+        // The path is that of a directory then, with a file of each process.
+        findings.push_back({kTracing, path, trace->line, {file, "0"}});
+    } else if (!file.starts_with('/')) {
         findings.push_back({kTracePath, path, line, {file}});
     } else if (file.size() > installer::kLongestTracePath) {
         findings.push_back({kTraceLong, path, line, {file, file.substr(0, installer::kLongestTracePath)}});

@@ -2,21 +2,22 @@
 
 namespace {
 
-// One part of a colour, of 16 bits, as the bits of a mask.
+constexpr unsigned long kMostPart = 0xffff;
+
+// One part of a colour, of 16 bits, as the bits of a mask: the nearest that there is, as X servers have it.
 unsigned long partOf(unsigned short value, unsigned long mask) {
     if (mask == 0) {
         return 0;
     }
     const int shift = __builtin_ctzl(mask);
-    const int bits = __builtin_popcountl(mask);
-    return static_cast<unsigned long>(bits <= 16 ? value >> (16 - bits) : value << (bits - 16)) << shift;
+    const unsigned long most = mask >> shift;
+    return (value * most + kMostPart / 2) / kMostPart << shift;
 }
 
 // The other way round.
 unsigned short valueOf(unsigned long pixel, unsigned long mask) {
-    constexpr unsigned long kMost = 0xffff;
     const unsigned long part = mask == 0 ? 0 : (pixel & mask) >> __builtin_ctzl(mask);
-    return static_cast<unsigned short>(mask == 0 ? 0 : part * kMost / (mask >> __builtin_ctzl(mask)));
+    return static_cast<unsigned short>(mask == 0 ? 0 : part * kMostPart / (mask >> __builtin_ctzl(mask)));
 }
 
 }  // namespace

@@ -110,9 +110,20 @@ TEST(DoctorTest, TellsWhatIsWrongAndWhere) {
                {user, listed("[A]\nDriver=Good\nServer=x\nUsername=x\nUID=y\n")}},
               "key-not-read@/h/.odbc.ini:5"},
              // Lines.
-             {{{user, "\xEF\xBB\xBF" + ""s + kSound}},
-              "byte-order-mark@/h/.odbc.ini:1 section-not-listed@/h/.odbc.ini:3"},
-             {{{user, wide}}, "utf-16@/h/.odbc.ini:1 no-data-sources@/h/.odbc.ini:0"},
+             {{{user, "\xEF\xBB\xBF" + ""s + kSound}}, "byte-order-mark@/h/.odbc.ini:1"},
+             {{{user, "# mine\n [ODBC Data Sources]\nA=Good\n[A]\nDriver=Good\n"}}, "file-refused@/h/.odbc.ini:2"},
+             {{{"/etc/odbcinst.ini", "x=1\n"s + kDrivers}}, "file-refused@/etc/odbcinst.ini:1", {}, "A"},
+             {{}, "odbcinstini-empty@:0", {{"ODBCINSTINI", ""}}},
+             {{{"/etc/sub/i.ini", kDrivers}}, "", {{"ODBCINSTINI", "sub/i.ini"}}},
+             {{{"/h/odbcinst.ini", kDrivers}},
+              "odbcini-is-driver-file@/h/odbcinst.ini:0",
+              {{"ODBCINI", "/h/odbcinst.ini"}}},
+             {{}, "name-is-driver@/etc/odbcinst.ini:1", {}, "good"},
+             {{{user, "[ODBC Data Sources]\n" + std::string(33, 'n') + "=Good\n[" + std::string(33, 'n') +
+                          "]\nDriver=Good\n"}},
+              "name-too-long@/h/.odbc.ini:3"},
+             {{{"/etc/odbcinst.ini", kDrivers + "[ODBC Drivers]\nGood=Installed\n"s}}, ""},
+             {{{user, wide}}, "utf-16@/h/.odbc.ini:1"},
              {{{user, listed("[A]\r\nDriver=Good\r\n")}}, "dos-line-ends@/h/.odbc.ini:3"},
              {{{user, listed("[A]\nDriver=Good\nX=1 \nnothing\nX=2\nY=\"q\"\nZ=\xE4\n")}},
               "trailing-blank@/h/.odbc.ini:5 invalid-utf-8@/h/.odbc.ini:9 line-without-equals@/h/.odbc.ini:6 "
@@ -181,6 +192,9 @@ TEST(DoctorTest, TellsWhyAConnectionFails) {
              {"libmaodbc.so", "Server=h", "HY000: TLS/SSL error", Reach::kReached, "tls-not-offered:5", "h (3306)",
               Encryption::kNotOffered},
              {"psqlodbcw.so", "Servername=h", "", Reach::kReached, "server-of-another-kind:5", "h (5432)"},
+             {"psqlodbcw.so", "Servername=h:1", "08001: invalid sslmode value", Reach::kUnresolved, "setting-invalid:5",
+              "h:1 (5432)"},
+             {"libtdsodbc.so", "Servername=entry", "08001: x", Reach::kNotLooked, "connection-08001:5", "entry"},
              {"x.so", "Server=h", "", Reach::kReached, "connection-deadline:5", "h"}}) {
         doctor::Account account = accountOf({{"/etc/odbcinst.ini", "[Good]\nDriver=" + row.library + "\n"},
                                              {"/h/.odbc.ini", listed("[A]\nDriver=Good\n" + row.settings + "\n")}});
@@ -243,6 +257,18 @@ TEST(DoctorTest, LooksAtServers) {
     EXPECT_EQ(doctor::keysNotIn("ab\0Port\0S\0e\0r\0v\0e\0r\0\0\0U\0\0\0I\0\0\0D\0\0\0"sv,
                                 {"port", "server", "uid", "database"}),
               std::set<std::string>{"database"});
+}
+
+TEST(DoctorTest, FindsTheNearestName) {
+    using Names = std::vector<std::string>;
+    const auto near = [](const char* name, const Names& names, bool hasParts = true) {
+        return doctor::nearest(name, names, hasParts);
+    };
+    EXPECT_EQ(near("SQLite3 ODBC Driver", {"SQLite", "SQLite3"}), "SQLite3");
+    EXPECT_EQ(near("tset", {"best", "test"}), "test");
+    EXPECT_EQ(near("Sevrername", {"Server", "Servername"}, false), "Servername");
+    EXPECT_EQ(near("ReportError", {"Port"}, false), "");
+    EXPECT_EQ(near("B", {"A"}), "");
 }
 
 TEST(DoctorTest, TellsWhyTheLoaderDoesNotFindALibraryThatIsThere) {
