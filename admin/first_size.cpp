@@ -32,6 +32,7 @@ constexpr int kLeastRows = 3;
 constexpr int kRowsOfButtons = 2;
 // What stands on both sides of a page's parts: margins, and the notebook's frame.
 constexpr int kAroundPage = 2 * (kWindowGap + kPageMargin) + 4;
+constexpr int kBetweenTabs = 3;
 // What window managers draw on both sides of a window.
 constexpr int kFrameWidth = 16;
 
@@ -39,6 +40,21 @@ std::vector<Widget> tablesIn(Widget form) {
     std::vector<Widget> tables = managedBelow(form);
     std::erase_if(tables, [](Widget widget) { return !XmIsScrolledWindow(widget) || Table::in(widget) == nullptr; });
     return tables;
+}
+
+// The room that the tabs take above a page's parts: each is as wide as the widest.
+int roomOfTabs(Widget notebook) {
+    int widest = 0;
+    int count = 0;
+    for (Widget child : managedChildren(notebook)) {
+        unsigned char type = XmNONE;
+        XtVaGetValues(child, XmNnotebookChildType, &type, nullptr);
+        if (type == XmMAJOR_TAB) {
+            widest = std::max<int>(widest, preferredWidth(child));
+            ++count;
+        }
+    }
+    return count * (widest + kBetweenTabs) - 2 * kPageMargin;
 }
 
 // The room that the buttons beside a table take.
@@ -92,7 +108,8 @@ Size spareOf(Widget page, Widget fileSelection) {
 
 void askForFirstSize(Widget notebook, Widget fileSelection) {
     const int screen = WidthOfScreen(XtScreen(notebook));
-    const int least = std::min(scaled(notebook, kUsualWidth), screen - kFrameWidth) - kAroundPage;
+    const int wanted = std::max(scaled(notebook, kUsualWidth) - kAroundPage, roomOfTabs(notebook));
+    const int least = std::min(wanted, screen - kFrameWidth - kAroundPage);
     const int most = std::max(screen * kLargestShare / 100 - kAroundPage, least);
     for (Widget table : tablesIn(notebook)) {
         const int width = std::clamp(Table::in(table)->wantedWidth() + buttonsBeside(table), least, most);

@@ -99,7 +99,10 @@ int main(int argc, char** argv) {
     Rfile = OpenStrings(nullptr, "odbc.m");
     const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();
     // Only now: the catalog is chosen by the environment while the process is still in the "C" locale.
-    std::setlocale(LC_ALL, "");
+    if (std::setlocale(LC_ALL, "") == nullptr) {
+        // A locale that the system lacks; the toolkit would leave out every letter of its texts beyond ASCII.
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
     installer::keepMemoryBetweenReads();
     installer::useUserConfiguration();
 

@@ -177,7 +177,7 @@
 
     function fillIndex() {
         var entries = bookIndex.keywords.slice().sort(function (one, other) {
-            return one[0].toLowerCase() < other[0].toLowerCase() ? -1 : 1;
+            return one[0].localeCompare(other[0], document.documentElement.lang);
         });
         fill(element("keywords"), entries.map(function (entry) {
             return row(bookIndex.sections[entry[1]][0], entry[0]);

@@ -13,8 +13,9 @@ using Properties = std::vector<DriverProperty>;
 // A driver is known by what its library's name begins with.
 struct KnownDriver {
     std::string_view name;
-    Properties (*properties)(bool isFile);  // Null for a driver that describes itself well.
+    Properties (*properties)(bool isFile);
     bool hasEncodedPasswords = false;
+    bool describesItself = false;  // Well, and in English.
 };
 
 DriverProperty text(const char* key, SetupMessage::Number help, const char* defaultValue = "") {
@@ -99,9 +100,10 @@ Properties freetds(bool isFile) {
     return properties;
 }
 
-constexpr std::array kDrivers{KnownDriver{"psqlodbc", postgresql, true}, KnownDriver{"vhpostgresql", nullptr, true},
-                              KnownDriver{"libmaodbc", mariadb},         KnownDriver{"libmdbodbc", mdbtools},
-                              KnownDriver{"libtdsodbc", freetds},        KnownDriver{"vhfreetds", freetds}};
+constexpr std::array kDrivers{
+    KnownDriver{"psqlodbc", postgresql, true}, KnownDriver{"vhpostgresql", postgresql, true, true},
+    KnownDriver{"libmaodbc", mariadb},         KnownDriver{"libmdbodbc", mdbtools},
+    KnownDriver{"libtdsodbc", freetds},        KnownDriver{"vhfreetds", freetds}};
 
 std::string_view baseName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
@@ -118,8 +120,22 @@ const KnownDriver* find(const std::string& library) {
 
 std::optional<Properties> knownProperties(const std::string& library, bool isFile) {
     const KnownDriver* driver = find(library);
-    return driver != nullptr && driver->properties != nullptr ? std::optional(driver->properties(isFile))
-                                                              : std::nullopt;
+    return driver != nullptr && !driver->describesItself ? std::optional(driver->properties(isFile)) : std::nullopt;
+}
+
+void translateHelp(const std::string& library, Properties& described) {
+    const KnownDriver* driver = find(library);
+    if (driver == nullptr || !driver->describesItself) {
+        return;
+    }
+    const Properties known = driver->properties(false);
+    for (DriverProperty& property : described) {
+        const auto own = std::find_if(known.begin(), known.end(),
+                                      [&property](const DriverProperty& other) { return other.key == property.key; });
+        if (own != known.end()) {
+            property.help = own->help;
+        }
+    }
 }
 
 bool hasEncodedPasswords(const std::string& library) {
