@@ -99,7 +99,8 @@ void checkDriver(const DataSourceFile& file, const IniSection& section, const st
     for (const Registered& driver : drivers) {
         names.push_back(driver.section.name);
         const IniEntry* library = libraryEntry(driver.section, "Driver");
-        if (library != nullptr && baseName(library->value) == baseName(value)) {
+        const std::string base = library != nullptr ? baseName(library->value) : "";
+        if (base == baseName(value) || base == baseName(value) + ".so") {
             near = driver.section.name;
         }
     }
@@ -255,6 +256,13 @@ void findMissingName(const Account& account, const std::string& name, Findings& 
             if (isDataSource(section)) {
                 names.push_back(section.name);
             }
+        }
+    }
+    // In a file that is refused it is where it should be.
+    for (const std::string& path : {userFile(account), systemFile(account)}) {
+        const ConfigFile* file = findFile(account, path);
+        if (file != nullptr && refusedLine(file->text) != 0 && viewOf(file->text).find(name) != nullptr) {
+            return;
         }
     }
     // That there are none at all, or that a file is not read, is then said with it.

@@ -111,7 +111,10 @@ TEST(DoctorTest, TellsWhatIsWrongAndWhere) {
               "key-not-read@/h/.odbc.ini:5"},
              // Lines.
              {{{user, "\xEF\xBB\xBF" + ""s + kSound}}, "byte-order-mark@/h/.odbc.ini:1"},
-             {{{user, "# mine\n [ODBC Data Sources]\nA=Good\n[A]\nDriver=Good\n"}}, "file-refused@/h/.odbc.ini:2"},
+             {{{user, "# mine\n [ODBC Data Sources]\nA=Good\n[A]\nDriver=Good\n"}},
+              "file-refused@/h/.odbc.ini:2",
+              {},
+              "A"},
              {{{"/etc/odbcinst.ini", "x=1\n"s + kDrivers}}, "file-refused@/etc/odbcinst.ini:1", {}, "A"},
              {{}, "odbcinstini-empty@:0", {{"ODBCINSTINI", ""}}},
              {{{"/etc/sub/i.ini", kDrivers}}, "", {{"ODBCINSTINI", "sub/i.ini"}}},
