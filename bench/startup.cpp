@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -109,7 +110,8 @@ void writeConfiguration(const OdbcFiles& files, const Row& row) {
     for (int i = 0; i < row.drivers; ++i) {
         const std::string library = files.path("driver" + std::to_string(i) + ".so");
         std::filesystem::copy_file(VH_BENCH_STAGE "/lib/vhsqlite23.so", library);
-        drivers += "[Driver " + std::to_string(i) + "]\nDriver=" + library + "\n";
+        drivers +=
+            "[Driver " + std::to_string(i) + "]\nDriver=" + library + "\nSetup=" VH_BENCH_STAGE "/lib/vhsetup23.so\n";
     }
     std::string list = "[ODBC Data Sources]\n";
     std::string sections;
@@ -128,6 +130,19 @@ void waitForQuiet(const XProxy& proxy) {
     do {
         std::this_thread::sleep_for(milliseconds(10));
     } while (proxy.quietTime() < kQuietTime);
+}
+
+// What keys do to a program in front of which this proxy stands, in milliseconds from there, or from the first
+// exposure that it causes, to the last request; 0 when nothing comes.
+double timeOf(XProxy& proxy, bool fromExposure, const std::function<void()>& pressKeys) {
+    proxy.watch(fromExposure);
+    pressKeys();
+    const Clock::time_point end = Clock::now() + milliseconds(5000);
+    while (proxy.drawingTime() == 0 && Clock::now() < end) {
+        std::this_thread::sleep_for(milliseconds(1));
+    }
+    waitForQuiet(proxy);
+    return proxy.drawingTime();
 }
 
 // One start; false when no window comes.
@@ -161,6 +176,39 @@ bool measure(Row& row) {
     return watcher.sees(UnmapNotify) || watcher.sees(DestroyNotify);
 }
 
+// What is done to a list of data sources, by keys: from the one that confirms it to the page that is right again.
+struct Change {
+    const char* name;
+    KeySym letter;             // Of the page's button.
+    std::vector<Input> steps;  // What leads from there to the box that is confirmed.
+    KeySym confirmed;
+    KeySym modifier = NoSymbol;
+    std::vector<double> times{};
+};
+
+// Adds, configures and removes a data source among those of an administrator.
+void measureChanges(const Row& row, std::vector<Change>& changes) {
+    const OdbcFiles files;
+    writeConfiguration(files, row);
+    XPerson person;
+    Watcher watcher;
+    ScopedEnvironment environment{};
+    XProxy proxy(std::getenv("DISPLAY"), milliseconds(0));
+    environment.set("DISPLAY", proxy.display());
+    const Program program(row.command);
+    if (!watcher.sees(MapNotify)) {
+        return;
+    }
+    waitForQuiet(proxy);
+    for (Change& change : changes) {
+        timeOf(proxy, false, [&] { person.key(change.letter, XK_Alt_L); });
+        for (const Input& step : change.steps) {
+            timeOf(proxy, false, [&] { person.enter({step}); });
+        }
+        change.times.push_back(timeOf(proxy, false, [&] { person.key(change.confirmed, change.modifier); }));
+    }
+}
+
 // Turns the pages of an administrator with so many data sources by its keys: for each, what it takes from the exposure
 // to the drawn page.
 std::vector<double> turnPages(const Row& row, int pages) {
@@ -176,10 +224,7 @@ std::vector<double> turnPages(const Row& row, int pages) {
     if (watcher.sees(MapNotify)) {
         waitForQuiet(proxy);
         for (int page = 0; page < pages; ++page) {
-            proxy.watchExposure();
-            person.key(XK_Next, XK_Control_L);
-            waitForQuiet(proxy);
-            times.push_back(proxy.drawingTime());
+            times.push_back(timeOf(proxy, true, [&] { person.key(XK_Next, XK_Control_L); }));
         }
     }
     return times;
@@ -225,19 +270,37 @@ int main(int argc, char** argv) {
         }
     }
     const std::vector<double> pages = turnPages(rows[kThousand], 5);
+    const std::vector<Change> changes{{"Add", XK_a, {XK_space, XK_Return, "data source 1a"}, XK_Return},
+                                      {"Configure", XK_g, {XK_Tab, "d"}, XK_Return},
+                                      {"Remove", XK_r, {}, XK_y, XK_Alt_L}};
+    std::vector<Change> withTen = changes;
+    std::vector<Change> withThousand = changes;
+    for (int i = 0; i < repetitions; ++i) {
+        measureChanges(rows[kOneTen], withTen);
+        measureChanges(rows[kThousand], withThousand);
+    }
 
     std::for_each(rows.begin(), rows.end(), printRow);
     std::printf("pages drawn after their exposures, 1,000 data sources, ms:");
     for (const double time : pages) {
         std::printf(" %.1f", time);
     }
-    std::printf("   goal 30\n\n");
+    std::printf("   goal 30\n");
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        std::printf("%s with 10 and with 1,000 data sources, ms: %.1f %.1f\n", changes[i].name,
+                    median(withTen[i].times), median(withThousand[i].times));
+    }
+    std::printf("\n");
     const auto time = [&rows](std::size_t row) { return median(rows[row].times); };
     const auto memory = [&rows](std::size_t row) { return median(rows[row].memory); };
     printRatio("start, 1 driver, 10 data sources, to dressed", time(kOneTen), time(kDressed), "1.3");
     printRatio("start, 1,000 data sources, to 10", time(kThousand), time(kOneTen), "1.4");
     printRatio("start, 5,000 data sources, to 10", time(kFiveThousand), time(kOneTen), "3.5");
     printRatio("start, 100 drivers, to 1", time(kHundredDrivers), time(kOneTen), "2");
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        const std::string what = std::string(changes[i].name) + " with 1,000 data sources, to 10";
+        printRatio(what.c_str(), median(withThousand[i].times), median(withTen[i].times), "3");
+    }
     printRatio("waits for the X server until it is drawn, to dressed", median(rows[kSlow].allWaits),
                median(rows[kSlowDressed].allWaits), "1.1");
     printRatio("start over the slow line until it is drawn, to dressed", time(kSlow), time(kSlowDressed), "1.2");

@@ -26,10 +26,13 @@ public:
     int waitsUntilWindow() const { return waitsUntilWindow_; }
     int waits() const { return waits_; }
 
-    // Begins anew to look for an exposure, which is followed by what the program draws.
-    void watchExposure() { exposed_ = drawn_ = 0; }
-    // Milliseconds from the first exposure to the last request that follows without a pause: a button that was pressed
-    // comes up again after one. None as long as there was no exposure.
+    // Begins anew to look for what the program draws after an exposure, or from now on.
+    void watch(bool fromExposure) {
+        drawn_ = 0;
+        exposed_ = fromExposure ? 0 : now();
+    }
+    // Milliseconds from there to the last request that follows without a pause: a button that was pressed comes up
+    // again after one. None as long as there was no exposure.
     double drawingTime() const { return drawn_ == 0 ? 0 : milliseconds(drawn_ - exposed_); }
     // When the program asked for something last, and the milliseconds since then.
     Clock::time_point lastRequest() const { return Clock::time_point(Clock::duration(lastRequest_)); }

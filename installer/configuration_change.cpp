@@ -235,25 +235,47 @@ struct ConfigurationChange::Division {
     std::string others;
 };
 
-ConfigurationChange::Division ConfigurationChange::divide(std::string_view plainText, std::span<const Step> steps) {
+// The sections that the steps can change in a plain text: those that they name, and the ones before, which get what
+// remains of one that is removed.
+std::vector<std::string> ConfigurationChange::findChangeable(std::string_view plainText, std::span<const Step> steps) {
+    std::vector<std::string> changeable;
+    std::string_view before;
+    for (const std::string_view section : splitSections(plainText)) {
+        const std::string_view name = parseIniLine(section.substr(0, section.find('\n'))).name;
+        if (std::any_of(steps.begin(), steps.end(),
+                        [name](const Step& step) { return sameName(step.section, name); })) {
+            changeable.emplace_back(before);
+            changeable.emplace_back(name);
+        }
+        before = name;
+    }
+    return changeable;
+}
+
+// Takes the changeable sections apart; of the others blank lines at the end do not count.
+ConfigurationChange::Division ConfigurationChange::divide(std::string_view plainText, std::span<const Step> steps,
+                                                          const std::vector<std::string>& changeable) {
     Division division;
-    std::string section;
-    bool isNamed = false;  // The section, by any of the steps.
-    for (const std::string_view text : splitLines(plainText)) {
-        const IniLine line = parseIniLine(text);
-        if (line.kind == IniLineKind::kSection) {
-            section = line.name;
-            isNamed = std::any_of(steps.begin(), steps.end(),
-                                  [&section](const Step& step) { return sameName(step.section, section); });
-            (isNamed ? division.meant : division.others) += text;
-        } else if (line.kind == IniLineKind::kEntry) {
+    for (const std::string_view section : splitSections(plainText)) {
+        const IniLine header = parseIniLine(section.substr(0, section.find('\n')));
+        const std::string name(header.name);
+        const bool isNamed =
+            std::any_of(steps.begin(), steps.end(), [&name](const Step& step) { return sameName(step.section, name); });
+        const auto isThis = [&name](const std::string& other) { return sameName(other, name); };
+        if (header.kind == IniLineKind::kSection && !isNamed &&
+            std::none_of(changeable.begin(), changeable.end(), isThis)) {
+            division.others.append(trimmedView(section)).append("\n");
+            continue;
+        }
+        for (const std::string_view text : splitLines(section)) {
+            const IniLine line = parseIniLine(text);
             const bool isMeantByAny = isNamed && std::any_of(steps.begin(), steps.end(), [&](const Step& step) {
-                                          return isMeant(step, section, line);
+                                          return isMeant(step, name, line);
                                       });
-            if (isMeantByAny) {
-                division.meant += text;
-            } else {
-                division.others.append(isNamed ? section : "").append("]").append(text);
+            if (line.kind == IniLineKind::kSection || isMeantByAny) {
+                (isNamed ? division.meant : division.others) += text;
+            } else if (line.kind == IniLineKind::kEntry) {
+                division.others.append(isNamed ? name : "").append("]").append(text);
             }
         }
     }
@@ -271,7 +293,8 @@ bool ConfigurationChange::makeInParts(std::span<const Step> steps, const Private
     IniText edited(text);
     while (!steps.empty()) {
         const std::span<const Step> some = steps.first(std::min(steps.size(), kMostSteps));
-        const Division before = divide(text, some);
+        const std::vector<std::string> changeable = findChangeable(text, some);
+        const Division before = divide(text, some, changeable);
         std::string part = before.meant;
         if (make(some, copy, part) || !isPlain(part)) {
             return false;
@@ -280,7 +303,7 @@ bool ConfigurationChange::makeInParts(std::span<const Step> steps, const Private
             apply(step, edited);
         }
         text = edited.text();
-        const Division after = divide(text, some);
+        const Division after = divide(text, some, changeable);
         if (after.others != before.others || asTheLibraryWrites(after.meant) != asTheLibraryWrites(part)) {
             return false;
         }

@@ -71,7 +71,9 @@ private:
     static bool apply(const Step& step, IniText& text);
     static bool applyByLibrary(const Step& step, const std::string& file);
     static bool isMeant(const Step& step, const std::string& section, const IniLine& line);
-    static Division divide(std::string_view plainText, std::span<const Step> steps);
+    static std::vector<std::string> findChangeable(std::string_view plainText, std::span<const Step> steps);
+    static Division divide(std::string_view plainText, std::span<const Step> steps,
+                           const std::vector<std::string>& changeable);
     std::vector<Step> stepsFor(const std::string& text) const;
     bool fitsIntoLines() const;
     int findLostLine(const std::string& before, const std::string& after) const;

@@ -81,14 +81,34 @@ std::vector<std::string_view> splitLines(std::string_view text) {
     return lines;
 }
 
-IniText::Line::Line(std::string_view line) : text(line) {
-    const IniLine parsed = parseIniLine(text);
+std::vector<std::string_view> splitSections(std::string_view text) {
+    std::vector<std::string_view> sections;
+    std::size_t begin = 0;
+    for (std::size_t at = text.find('['); at != std::string_view::npos; at = text.find('[', at + 1)) {
+        const std::size_t line = at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
+        if (line > begin && trimmedView(text.substr(line, at - line)).empty()) {
+            sections.push_back(text.substr(begin, line - begin));
+            begin = line;
+        }
+    }
+    if (begin < text.size()) {
+        sections.push_back(text.substr(begin));
+    }
+    return sections;
+}
+
+IniText::Line::Line(std::string_view lines) : text(lines) {
+    const IniLine parsed = parseIniLine(firstLine());
     kind = parsed.kind;
     hash = kind == IniLineKind::kNothing ? 0 : hashOf(parsed.name);
 }
 
+std::string_view IniText::Line::firstLine() const {
+    return std::string_view(text).substr(0, text.find('\n'));
+}
+
 bool IniText::Line::isHeaderOf(std::string_view section, std::size_t sectionHash) const {
-    return kind == IniLineKind::kSection && hash == sectionHash && sameName(parseIniLine(text).name, section);
+    return kind == IniLineKind::kSection && hash == sectionHash && sameName(parseIniLine(firstLine()).name, section);
 }
 
 bool IniText::Line::isEntryOf(std::string_view key, std::size_t keyHash) const {
@@ -96,11 +116,12 @@ bool IniText::Line::isEntryOf(std::string_view key, std::size_t keyHash) const {
 }
 
 IniText::IniText(std::string_view text) : lastIsOpen_(!text.empty() && text.back() != '\n') {
-    const std::vector<std::string_view> lines = splitLines(text);
-    lines_ = std::vector<Line>(lines.begin(), lines.end());
+    const std::vector<std::string_view> sections = splitSections(text);
+    lines_ = std::vector<Line>(sections.begin(), sections.end());
     if (lastIsOpen_) {
         // Until the text is asked for all lines are alike.
-        lines_.back().text += lines_.size() > 1 ? endOfLine(lines_.front().text) : kLineEnd;
+        const std::size_t first = text.find('\n');
+        lines_.back().text += first == std::string_view::npos ? kLineEnd : endOfLine(text.substr(0, first + 1));
     }
 }
 
@@ -123,6 +144,26 @@ std::size_t IniText::findHeader(std::string_view section) const {
     return static_cast<std::size_t>(found - lines_.begin());
 }
 
+// Takes what stands at `place` apart into lines; returns how many more there are now.
+std::size_t IniText::open(std::size_t place) {
+    const std::string text = lines_[place].text;
+    const std::vector<std::string_view> split = splitLines(text);
+    const std::vector<Line> lines(split.begin(), split.end());
+    lines_[place] = lines.front();
+    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(place) + 1, lines.begin() + 1, lines.end());
+    return lines.size() - 1;
+}
+
+// findHeader(), with the section taken apart, and the one before, to which a line that sets it off belongs.
+std::size_t IniText::openSection(std::string_view section) {
+    const std::size_t header = findHeader(section);
+    if (header == lines_.size()) {
+        return header;
+    }
+    open(header);
+    return header > 0 ? header + open(header - 1) : header;
+}
+
 std::size_t IniText::endOf(std::size_t header) const {
     const auto next = std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, lines_.end(),
                                    [](const Line& line) { return line.kind == IniLineKind::kSection; });
@@ -137,8 +178,11 @@ void IniText::insert(std::size_t place, const std::string& text) {
 
 void IniText::set(std::string_view section, std::string_view key, std::string_view value) {
     const std::string entry = std::string(key) + "=" + std::string(value);
-    const std::size_t header = findHeader(section);
+    const std::size_t header = openSection(section);
     if (header == lines_.size()) {
+        if (!lines_.empty()) {
+            open(lines_.size() - 1);
+        }
         // Blank lines set it off as they do the sections before, so that removeSection() can take them away again.
         const bool endsBlank = !lines_.empty() && isBlank(lines_.back().text);
         if (!lines_.empty() && !endsBlank) {
@@ -167,7 +211,7 @@ void IniText::set(std::string_view section, std::string_view key, std::string_vi
 }
 
 bool IniText::removeKey(std::string_view section, std::string_view key) {
-    const std::size_t header = findHeader(section);
+    const std::size_t header = openSection(section);
     if (header == lines_.size()) {
         return false;
     }
@@ -182,7 +226,7 @@ bool IniText::removeKey(std::string_view section, std::string_view key) {
 }
 
 bool IniText::removeSection(std::string_view section) {
-    const std::size_t header = findHeader(section);
+    const std::size_t header = openSection(section);
     if (header == lines_.size()) {
         return false;
     }

@@ -34,9 +34,11 @@ public:
     std::string text() const;
 
 private:
-    // What a line says is found out once: each change looks through all of them.
+    // A line, or a section that no change has looked into yet. What it begins with is found out once: each change looks
+    // through all of them.
     struct Line {
-        explicit Line(std::string_view line);
+        explicit Line(std::string_view lines);
+        std::string_view firstLine() const;
         bool isHeaderOf(std::string_view section, std::size_t sectionHash) const;
         bool isEntryOf(std::string_view key, std::size_t keyHash) const;
 
@@ -46,6 +48,8 @@ private:
     };
 
     std::size_t findHeader(std::string_view section) const;
+    std::size_t open(std::size_t place);
+    std::size_t openSection(std::string_view section);
     std::size_t endOf(std::size_t header) const;
     void insert(std::size_t place, const std::string& text);
 
@@ -59,5 +63,8 @@ std::string asTheLibraryWrites(std::string_view text);
 
 // The lines of a text, with their ends.
 std::vector<std::string_view> splitLines(std::string_view text);
+
+// The same for the sections, each with its header; the first is what stands before the first header, if anything does.
+std::vector<std::string_view> splitSections(std::string_view text);
 
 }  // namespace installer

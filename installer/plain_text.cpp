@@ -31,6 +31,16 @@ bool comesBefore(std::string_view a, std::string_view b) {
 }
 
 bool hasTwice(std::vector<std::string_view>& names) {
+    // Most sections have a few keys, of different lengths.
+    constexpr std::size_t kFew = 12;
+    if (names.size() <= kFew) {
+        for (auto name = names.begin(); name != names.end(); ++name) {
+            if (std::any_of(names.begin(), name, [name](std::string_view other) { return sameName(other, *name); })) {
+                return true;
+            }
+        }
+        return false;
+    }
     std::sort(names.begin(), names.end(), comesBefore);
     return std::adjacent_find(names.begin(), names.end(), sameName) != names.end();
 }
