@@ -9,11 +9,15 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "bos/library.h"
 #include "installer/configuration.h"
+#include "installer/ini_text.h"
+#include "installer/plain_text.h"
 
 // Where the library has its system's files: what the command "odbcinst -j" shows. Only the library's own programs have
 // declarations of them.
@@ -36,33 +40,71 @@ bool isUsable(const std::string& library) {
     return std::memcmp(head.data(), ELFMAG, SELFMAG) != 0 || head[EI_CLASS] != ELFCLASS32;
 }
 
-// What the library reads of drivers: the system's file and the user's.
-std::string driverTexts() {
-    const char* home = std::getenv("HOME");
-    std::string texts;
-    for (const std::string& path :
-         {driverFilePath(), std::string(home == nullptr ? "/home" : home) + "/.odbcinst.ini"}) {
-        std::ifstream file(path, std::ios::binary);
-        texts.append(std::istreambuf_iterator<char>(file), {}).push_back('\0');
-    }
-    return texts;
+std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A value of the driver file. The library reads all of that for each; as long as the texts are those of the last time,
-// so is what it makes of them.
+// What the library says of drivers. It reads its files, the system's and the user's, for each value; as long as their
+// texts are those of the last time, so is what it makes of them.
+class DriverValues {
+public:
+    std::string value(const std::string& driver, const std::string& key, std::size_t size) {
+        const char* home = std::getenv("HOME");
+        std::string systemText = contents(driverFilePath());
+        std::string userText = contents(std::string(home == nullptr ? "/home" : home) + "/.odbcinst.ini");
+        if (systemText != systemText_ || userText != userText_) {
+            systemText_ = std::move(systemText);
+            userText_ = std::move(userText);
+            readPlain();
+        }
+        if (isPlain_) {
+            const auto found = plain_.find(nameOf(driver, key));
+            // The library cuts the values of drivers earlier than others, by a byte.
+            if (found == plain_.end() || found->second.size() + 2 < size) {
+                return found == plain_.end() ? "" : found->second;
+            }
+        }
+        const std::tuple question{driver, key, size};
+        auto value = known_.find(question);
+        if (value == known_.end()) {
+            value = known_.emplace(question, readValue(driver, key, kDriverFile, size)).first;
+        }
+        return value->second;
+    }
+
+private:
+    static std::string nameOf(std::string_view section, std::string_view key) {
+        return foldedName(section) + '\n' + foldedName(key);
+    }
+    // A single file, and a plain one, is read by ourselves, once for all drivers.
+    void readPlain() {
+        known_.clear();
+        plain_.clear();
+        isPlain_ = userText_.empty() && isPlain(systemText_);
+        if (!isPlain_) {
+            return;
+        }
+        std::string_view section;
+        for (const std::string_view text : splitLines(systemText_)) {
+            const IniLine line = parseIniLine(text);
+            section = line.kind == IniLineKind::kSection ? line.name : section;
+            if (line.kind == IniLineKind::kEntry) {
+                plain_.emplace(nameOf(section, line.name), line.value);
+            }
+        }
+    }
+
+    std::string systemText_;
+    std::string userText_;
+    bool isPlain_ = false;
+    std::unordered_map<std::string, std::string> plain_;
+    std::map<std::tuple<std::string, std::string, std::size_t>, std::string> known_;
+};
+
 std::string driverValue(const std::string& driver, const std::string& key, std::size_t size) {
-    static std::string lastTexts;
-    static std::map<std::tuple<std::string, std::string, std::size_t>, std::string> known;
-    if (std::string texts = driverTexts(); texts != lastTexts) {
-        known.clear();
-        lastTexts = std::move(texts);
-    }
-    const std::tuple question{driver, key, size};
-    auto value = known.find(question);
-    if (value == known.end()) {
-        value = known.emplace(question, readValue(driver, key, kDriverFile, size)).first;
-    }
-    return value->second;
+    static DriverValues values;
+    return values.value(driver, key, size);
 }
 
 std::string libraryOf(const std::string& driver, const std::string& key, std::size_t size) {
