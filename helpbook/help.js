@@ -104,13 +104,18 @@
         return document.body.getAttribute("data-" + name).replace("%1", subject);
     }
 
+    // A text as people type it who search: in small letters, without accents.
+    function folded(text) {
+        return text.toLowerCase().normalize("NFD").replace(/[\u0300-\u036f]/g, "");
+    }
+
     // The sections with a word that begins with `start`, as a map from their numbers. Languages that write without blanks
     // have it anywhere.
     function sectionsWith(start) {
         var found = {};
         var isAnywhere = /[\u3040-\u30ff\u3400-\u9fff]/.test(start);
         Object.keys(bookIndex.words).forEach(function (word) {
-            var place = word.toLowerCase().indexOf(start);
+            var place = folded(word).indexOf(start);
             if (place === 0 || (isAnywhere && place > 0)) {
                 bookIndex.words[word].split(" ").forEach(function (section) {
                     found[section] = true;
@@ -121,13 +126,13 @@
     }
 
     function search() {
-        var asked = element("words").value.toLowerCase().split(/[^a-z0-9_\u0080-\uffff]+/).filter(Boolean);
+        var asked = folded(element("words").value).split(/[^a-z0-9_\u00c0-\u1fff\u2040-\u2fff\u3040-\uffff]+/).filter(Boolean);
         var inTitle = [];
         var inText = [];
         if (asked.length > 0) {
             var hits = asked.map(sectionsWith);
             bookIndex.sections.forEach(function (section, number) {
-                var title = section[1].toLowerCase();
+                var title = folded(section[1]);
                 if (hits.every(function (hit) { return hit[number]; })) {
                     var named = asked.some(function (word) { return title.indexOf(word) >= 0; });
                     (named ? inTitle : inText).push(row(section[0], section[1], section[1] === section[2] ? "" : section[2]));

@@ -44,7 +44,7 @@ function readMessage(number, text) {
     gsub(/&/, "\\&amp;", text)
     gsub(/</, "\\&lt;", text)
     gsub(/>/, "\\&gt;", text)
-    gsub(/%1/, "...", text)
+    gsub(/%[1-9]/, "...", text)
     messages[catalog ":" number] = text
 }
 
@@ -71,9 +71,9 @@ function addSection(id, line, keywords, count, i) {
 }
 
 function addWords(line, words, count, i) {
-    gsub(/<[^>]*>|&[a-z]+;/, " ", line)
+    # Quotation marks, apostrophes and blanks beyond ASCII end a word; every byte of a letter beyond ASCII is one of its word.
+    gsub(/<[^>]*>|&[a-z]+;|\302.|\342\200.|\343\200./, " ", line)
     line = tolower(line)
-    # Every byte of a letter beyond ASCII is one of its word.
     count = split(line, words, /[^a-z0-9_\200-\377]+/)
     for (i = 1; i <= count; ++i) {
         if (words[i] != "" && !((words[i], sections) in seen)) {
@@ -144,7 +144,7 @@ isTemplate {
 }
 {
     addWords($0)
-    gsub(/ src="/, "&" root)
+    gsub(/ src="/, "&../../")
     sub(/ data-index="[^"]*"/, "")
     sub(/ data-group="[^"]*"/, "")
     texts[topics] = texts[topics] $0 "\n"

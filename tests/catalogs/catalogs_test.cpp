@@ -67,8 +67,8 @@ Texts textsOf(const std::string& catalogPath) {
 TEST(CatalogsTest, EveryNumberHasATextInEveryLanguage) {
     std::map<std::string, std::set<int>> declared = declaredNumbers();
     ASSERT_EQ(declared.size(), 4U);
-    std::istringstream languages("en_US;" VH_TEST_LANGUAGES);
-    for (std::string language; std::getline(languages, language, ';');) {
+    std::istringstream languages("en_US " VH_TEST_LANGUAGES);
+    for (std::string language; languages >> language;) {
         for (const auto& [space, name, extension] : {std::array{"Message", "odbc", ".m"},
                                                      {"LibraryMessage", "vhutl23", ".mo"},
                                                      {"SetupMessage", "vhsetup23", ".mo"},
