@@ -33,15 +33,7 @@ std::optional<std::string> readPlainText(const std::string& file) {
     if (path.empty() || !readFile(path, read) || !read.status) {
         return std::nullopt;
     }
-    // Several parts of a window read one file after the other.
-    static std::string lastPlain;
-    if (read.text != lastPlain) {
-        if (!isPlain(read.text)) {
-            return std::nullopt;
-        }
-        lastPlain = read.text;
-    }
-    return std::move(read.text);
+    return isPlain(read.text) ? std::optional(std::move(read.text)) : std::nullopt;
 }
 
 }  // namespace
@@ -70,23 +62,35 @@ NameList ConfigurationReader::listKeys(const std::string& section, Growth growth
     return installer::listKeys(section, file_, growth);
 }
 
-void ConfigurationReader::index(const std::string& section) {
-    values_.clear();
-    for (const IniLine& entry : entriesIn(sectionIn(*text_, section))) {
-        values_.emplace(foldedName(entry.name), entry.value);
+// The value in the section that was asked for last. Many ask for one value of a long section, and to put it in order
+// takes longer than to go through it once.
+std::string_view ConfigurationReader::find(const std::string& key) {
+    if (values_.empty() && !isAsked_) {
+        isAsked_ = true;
+        const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                        [&key](const IniLine& entry) { return sameName(entry.name, key); });
+        return found == entries_.end() ? std::string_view() : found->value;
     }
-    indexed_ = section;
+    if (values_.empty()) {
+        for (const IniLine& entry : entries_) {
+            values_.emplace(foldedName(entry.name), entry.value);
+        }
+    }
+    const auto found = values_.find(foldedName(key));
+    return found == values_.end() ? std::string_view() : found->second;
 }
 
 std::string ConfigurationReader::readValue(const std::string& section, const std::string& key, std::size_t size) {
     if (!text_) {
         return installer::readValue(section, key, file_, size);
     }
-    if (indexed_ != section) {
-        index(section);
+    if (section_ != section) {
+        section_ = section;
+        entries_ = entriesIn(sectionIn(*text_, section));
+        values_.clear();
+        isAsked_ = false;
     }
-    const auto found = values_.find(foldedName(key));
-    return found == values_.end() ? std::string() : std::string(found->second.substr(0, size - 1));
+    return std::string(find(key).substr(0, size - 1));
 }
 
 std::vector<Attribute> ConfigurationReader::readSection(const std::string& section) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "installer/configuration.h"
+#include "installer/ini_text.h"
 
 namespace installer {
 
@@ -26,12 +27,15 @@ public:
     [[nodiscard]] std::vector<Attribute> readSection(const std::string& section);
 
 private:
-    void index(const std::string& section);
+    std::string_view find(const std::string& key);
 
     std::string file_;
     std::optional<std::string> text_;  // A plain one.
-    std::optional<std::string> indexed_;
-    std::unordered_map<std::string, std::string_view> values_;  // Of that section, by foldedName().
+    // Of the section that was asked for last; the values by foldedName(), once there was a second question.
+    std::optional<std::string> section_;
+    std::vector<IniLine> entries_;
+    std::unordered_map<std::string, std::string_view> values_;
+    bool isAsked_ = false;
 };
 
 // Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.

@@ -16,14 +16,6 @@ bool isBlank(const std::string& line) {
     return trimmedView(line).empty();
 }
 
-// The same for names that differ in case only.
-std::size_t hashOf(std::string_view name) {
-    constexpr std::size_t kFactor = 31;
-    return std::accumulate(name.begin(), name.end(), std::size_t{0}, [](std::size_t hash, char byte) {
-        return hash * kFactor + static_cast<std::size_t>(std::tolower(static_cast<unsigned char>(byte)));
-    });
-}
-
 // The end of a line: "\n", "\r\n", or nothing for a last line that is open.
 std::string_view endOfLine(std::string_view line) {
     if (line.ends_with("\r\n")) {
@@ -44,6 +36,13 @@ std::string withValue(const std::string& line, std::string_view key, std::string
 }
 
 }  // namespace
+
+std::size_t hashOfName(std::string_view name) {
+    constexpr std::size_t kFactor = 31;
+    return std::accumulate(name.begin(), name.end(), std::size_t{0}, [](std::size_t hash, char byte) {
+        return hash * kFactor + static_cast<std::size_t>(std::tolower(static_cast<unsigned char>(byte)));
+    });
+}
 
 IniLine parseIniLine(std::string_view line) {
     const std::string_view text = trimmedView(line);
@@ -100,7 +99,7 @@ std::vector<std::string_view> splitSections(std::string_view text) {
 IniText::Line::Line(std::string_view lines) : text(lines) {
     const IniLine parsed = parseIniLine(firstLine());
     kind = parsed.kind;
-    hash = kind == IniLineKind::kNothing ? 0 : hashOf(parsed.name);
+    hash = kind == IniLineKind::kNothing ? 0 : hashOfName(parsed.name);
 }
 
 std::string_view IniText::Line::firstLine() const {
@@ -138,7 +137,7 @@ std::string IniText::text() const {
 
 // The place of the section's first header; the number of lines when there is none.
 std::size_t IniText::findHeader(std::string_view section) const {
-    const std::size_t hash = hashOf(section);
+    const std::size_t hash = hashOfName(section);
     const auto found =
         std::find_if(lines_.begin(), lines_.end(), [&](const Line& line) { return line.isHeaderOf(section, hash); });
     return static_cast<std::size_t>(found - lines_.begin());
@@ -195,7 +194,7 @@ void IniText::set(std::string_view section, std::string_view key, std::string_vi
         }
         return;
     }
-    const std::size_t hash = hashOf(key);
+    const std::size_t hash = hashOfName(key);
     std::size_t last = header;
     const std::size_t end = endOf(header);
     for (std::size_t place = header + 1; place < end; ++place) {
@@ -216,8 +215,9 @@ bool IniText::removeKey(std::string_view section, std::string_view key) {
         return false;
     }
     const auto end = lines_.begin() + static_cast<std::ptrdiff_t>(endOf(header));
-    const auto found = std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, end,
-                                    [key, hash = hashOf(key)](const Line& line) { return line.isEntryOf(key, hash); });
+    const auto found =
+        std::find_if(lines_.begin() + static_cast<std::ptrdiff_t>(header) + 1, end,
+                     [key, hash = hashOfName(key)](const Line& line) { return line.isEntryOf(key, hash); });
     if (found == end) {
         return false;
     }

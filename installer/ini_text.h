@@ -19,6 +19,9 @@ struct IniLine {
 // The result points into `line`.
 IniLine parseIniLine(std::string_view line);
 
+// The same for names that differ in case only.
+std::size_t hashOfName(std::string_view name);
+
 class IniText {
 public:
     explicit IniText(std::string_view text);

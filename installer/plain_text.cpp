@@ -30,6 +30,7 @@ bool comesBefore(std::string_view a, std::string_view b) {
     return order != 0 ? order < 0 : a.size() < b.size();
 }
 
+// Sorts them, unless their hashes tell already.
 bool hasTwice(std::vector<std::string_view>& names) {
     // Most sections have a few keys, of different lengths.
     constexpr std::size_t kFew = 12;
@@ -39,6 +40,12 @@ bool hasTwice(std::vector<std::string_view>& names) {
                 return true;
             }
         }
+        return false;
+    }
+    std::vector<std::size_t> hashes(names.size());
+    std::transform(names.begin(), names.end(), hashes.begin(), hashOfName);
+    std::sort(hashes.begin(), hashes.end());
+    if (std::adjacent_find(hashes.begin(), hashes.end()) == hashes.end()) {
         return false;
     }
     std::sort(names.begin(), names.end(), comesBefore);
@@ -59,9 +66,7 @@ std::string_view plainKey(std::string_view line) {
                                                                    : trimmedView(line.substr(0, equals));
 }
 
-}  // namespace
-
-bool isPlain(std::string_view text) {
+bool hasOnlyPlainLines(std::string_view text) {
     const ByteTable isOdd = oddBytes();
     std::vector<std::string_view> sections;
     std::vector<std::string_view> keys;
@@ -87,6 +92,20 @@ bool isPlain(std::string_view text) {
         (isHeader ? sections : keys).push_back(name);
     }
     return !hasTwice(keys) && !hasTwice(sections);
+}
+
+}  // namespace
+
+bool isPlain(std::string_view text) {
+    // Several parts of a window read, and write, one file after the other.
+    thread_local std::string lastPlain;
+    if (text != lastPlain) {
+        if (!hasOnlyPlainLines(text)) {
+            return false;
+        }
+        lastPlain = text;
+    }
+    return true;
 }
 
 std::string_view sectionIn(std::string_view plainText, std::string_view section) {
