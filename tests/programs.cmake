@@ -33,5 +33,7 @@ add_dependencies(widget_tests recording_setup user_recording_setup bos_test_libr
 add_subdirectory(admin)
 add_subdirectory(motifutil)
 add_test(NAME widget_tests COMMAND widget_tests)
-set_tests_properties(widget_tests PROPERTIES TIMEOUT 300)
+add_test(NAME dense_widget_tests COMMAND widget_tests --gtest_filter=*LanguageTest*)
+set_tests_properties(widget_tests dense_widget_tests PROPERTIES TIMEOUT 300)
+set_property(TEST dense_widget_tests PROPERTY ENVIRONMENT VH_TEST_DENSE_SCREEN=1)
 add_subdirectory(program)

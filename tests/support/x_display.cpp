@@ -7,6 +7,7 @@
 #include <X11/keysym.h>
 
 #include <array>
+#include <cstdlib>
 #include <stdexcept>
 #include <thread>
 
@@ -15,6 +16,9 @@ namespace {
 // Clicks farther apart make no double click; the server tells all programs, so that tests need not wait long.
 constexpr auto kDoubleClickTime = std::chrono::milliseconds(100);
 constexpr std::string_view kResources = "*multiClickTime: 90\n";
+
+// With this variable the tests run on a screen of 192 dots per inch.
+const bool IsDense = std::getenv("VH_TEST_DENSE_SCREEN") != nullptr;
 
 Display* Ignored = nullptr;
 
@@ -43,7 +47,8 @@ bool windowManagerRuns() {
 }  // namespace
 
 XServer::XServer()
-    : server_({"Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"},
+    : server_({"Xvfb", "-displayfd", "1", "-screen", "0", IsDense ? "2048x1536x24" : "1024x768x24", "-dpi",
+               IsDense ? "192" : "96", "-nolisten", "tcp", "-noreset"},
               folder_.path("number"), SIGTERM) {
     if (!waitUntil([this] { return folder_.read("number").ends_with("\n"); })) {
         throw std::runtime_error("Xvfb did not start");
