@@ -160,6 +160,7 @@ Widget createFileSelection(Widget parent) {
     const XmStringPtr pattern = compoundString(kPattern);
     const XmStringPtr nothing = compoundString(catalogText(Message::kNoFileDsns));
     const XmStringPtr filter = compoundString("\nFilter");
+    const XmStringPtr apply = compoundString(catalogText(Message::kFilter));
     const XmStringPtr selection = compoundString(catalogText(Message::kFileSelection));
     const XmStringPtr fileHeading = compoundString(catalogText(Message::kFileList));
     const XmStringPtr directories = compoundString(catalogText(Message::kDirectoryList));
@@ -168,6 +169,7 @@ Widget createFileSelection(Widget parent) {
         .set(XmNpattern, pattern.get())
         .set(XmNnoMatchString, nothing.get())
         .set(XmNfilterLabelString, filter.get())
+        .set(XmNapplyLabelString, apply.get())
         .set(XmNselectionLabelString, selection.get())
         .set(XmNfileListLabelString, fileHeading.get())
         .set(XmNdirListLabelString, directories.get())

@@ -120,7 +120,8 @@ void showSummary() {
     }
     replaceText(FileDSNName, name.c_str());
     std::string summary = catalogText(Message::kSummaryFileName) + FileDSNName + "\n" +
-                          catalogText(Message::kDriversTab) + ":" + (CurrentDriver != nullptr ? CurrentDriver : "");
+                          labelWords(catalogText(Message::kDriversTab)) + ":" +
+                          (CurrentDriver != nullptr ? CurrentDriver : "");
     if (IsAdvOptSet && TxtFDAdv != nullptr) {
         summary += takeAttributes();
     }

@@ -326,7 +326,7 @@ void SettingRow::rename(const std::string& label) {
 }
 
 void SettingRow::nameKey() {
-    const std::string words = labelText();
+    const std::string words = labelWords(labelText());
     if (!installer::sameName(words, key_)) {
         const std::string named = setupText(SetupMessage::kHintKey, words, key_);
         help_ = help_.empty() ? named : named + ": " + help_;

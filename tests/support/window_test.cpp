@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <clocale>
-#include <cwctype>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -243,7 +242,7 @@ void WindowTest::expectLetters(Widget window) {
         EXPECT_TRUE(letter == 0 || label.find(letter) != std::wstring::npos) << textOf(widget);
         (letter == 0 ? without : taken) += letter == 0 ? label : std::wstring(1, letter);
     }
-    std::erase_if(without, [](wchar_t letter) { return std::iswalnum(static_cast<wint_t>(letter)) == 0; });
+    std::erase_if(without, [](wchar_t letter) { return !canBeMnemonic(letter); });
     EXPECT_EQ(without.find_first_not_of(taken), std::wstring::npos) << "a letter is free";
     for (Widget widget : all) {
         const bool acts =
