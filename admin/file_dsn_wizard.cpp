@@ -120,8 +120,7 @@ void showSummary() {
     }
     replaceText(FileDSNName, name.c_str());
     std::string summary = catalogText(Message::kSummaryFileName) + FileDSNName + "\n" +
-                          labelWords(catalogText(Message::kDriversTab)) + ":" +
-                          (CurrentDriver != nullptr ? CurrentDriver : "");
+                          catalogText(Message::kSummaryDriver) + (CurrentDriver != nullptr ? CurrentDriver : "");
     if (IsAdvOptSet && TxtFDAdv != nullptr) {
         summary += takeAttributes();
     }

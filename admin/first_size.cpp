@@ -115,8 +115,9 @@ void askForFirstSize(Widget notebook, Widget fileSelection) {
         const int width = std::clamp(Table::in(table)->wantedWidth() + buttonsBeside(table), least, most);
         for (Widget window : managedChildren(XtParent(table))) {
             if (XmIsScrolledWindow(window)) {
-                const int height = window == table ? scaled(notebook, kLeastTableHeight)
-                                                   : kHeaderHeight + 2 * sizeOf(window, XmNshadowThickness);
+                const int height = window == table
+                                       ? scaled(notebook, kLeastTableHeight)
+                                       : roomForLine(notebook, kHeaderHeight) + 2 * sizeOf(window, XmNshadowThickness);
                 XtVaSetValues(window, XmNwidth, width - buttonsBeside(table), XmNheight, height, nullptr);
             }
         }

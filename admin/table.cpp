@@ -53,14 +53,13 @@ int wantedWidthOf(const Column& column) {
     return std::max(widestRow(column.list), preferredWidth(column.header));
 }
 
-// Large letters need all of the height that a header has; its text stays in line with the rows.
+// The room above and below the text of a header is that of its strip; the text stays in line with the rows.
 void useWholeHeight(Widget header) {
     Dimension highlight = 0;
     Dimension shadow = 0;
     XtVaGetValues(header, XmNhighlightThickness, &highlight, XmNshadowThickness, &shadow, nullptr);
     XtVaSetValues(header, XmNhighlightThickness, 0, XmNshadowThickness, 0, XmNmarginHeight, 0, XmNmarginLeft,
                   highlight + shadow, nullptr);
-    fitLetters(header, kHeaderHeight);
 }
 
 // How far the window around a list is scrolled to the right.
@@ -102,7 +101,7 @@ void placeHeaders(const std::vector<Column>& columns, const std::vector<int>& wi
     XtVaGetValues(scrolledWindowAround(columns.front().list), XmNclipWindow, &clipWindow, nullptr);
     int start = rootX(clipWindow) - rootX(XtParent(columns.front().header)) - scrolled;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        Attach(columns[i].header).strip(kHeaderHeight).span(start, widths[i]);
+        Attach(columns[i].header).strip(roomForLine(columns[i].header, kHeaderHeight)).span(start, widths[i]);
         XtVaSetValues(columns[i].header, XmNalignment, XmALIGNMENT_BEGINNING, nullptr);
         start += widths[i];
     }

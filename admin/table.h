@@ -5,6 +5,7 @@
 
 #include <vector>
 
+// Of the headers above the columns, while the letters are not too large for it.
 inline constexpr int kHeaderHeight = 25;
 
 // Parallel lists in one scrolled window, with headers above them in another. It lives as long as the program; the

@@ -127,6 +127,7 @@ enum Number : std::uint32_t {
     kFileNameMissing = 9088,
     kSummaryAttributes = 9089,
     kSummaryFileName = 9090,
+    kSummaryDriver = 9190,
     kTestSucceeded = 9091,
     kConnectionStringTooLong = 9103,
     kAttributesCut = 9104,

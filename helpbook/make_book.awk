@@ -144,7 +144,7 @@ isTemplate {
 }
 {
     addWords($0)
-    gsub(/ src="/, "&" root)
+    gsub(/ src="/, "&../../")
     sub(/ data-index="[^"]*"/, "")
     sub(/ data-group="[^"]*"/, "")
     texts[topics] = texts[topics] $0 "\n"

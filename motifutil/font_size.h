@@ -6,5 +6,5 @@
 // So many pixels of a screen with 96 dots per inch, for the size that the letters of this widget's window have.
 int scaled(Widget widget, int pixels);
 
-// Gives a label smaller letters when a line of its text is higher than so many pixels.
-void fitLetters(Widget label, int height);
+// So many pixels as long as a line of text is no higher, else as scaled() says.
+int roomForLine(Widget widget, int pixels);
