@@ -118,9 +118,7 @@ std::wstring labelOf(Widget labelled) {
 }
 
 bool canBeMnemonic(wchar_t character) {
-    // From the radicals on.
-    constexpr wchar_t kEastAsian = 0x2E80;
-    return character < kEastAsian && std::iswalnum(static_cast<std::wint_t>(character)) != 0;
+    return !isEastAsian(character) && std::iswalnum(static_cast<std::wint_t>(character)) != 0;
 }
 
 std::optional<std::size_t> bracketedLetter(const std::wstring& label) {

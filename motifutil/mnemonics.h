@@ -13,7 +13,7 @@
 // The letter that the catalog has for the label with this number; empty when there is none.
 [[nodiscard]] std::string mnemonicFor(Message::Number label);
 
-// Whether a key types the character by itself. Those of East Asia come from an input method, which Alt does not reach.
+// Whether a key types the character by itself, so that Alt can go with it.
 [[nodiscard]] bool canBeMnemonic(wchar_t character);
 // Where in a label its letter stands in parentheses, as languages have it whose words keys do not type: "追加(A)...".
 [[nodiscard]] std::optional<std::size_t> bracketedLetter(const std::wstring& label);
