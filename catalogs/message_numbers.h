@@ -349,6 +349,7 @@ enum Number : std::uint32_t {
     kYes = 200,
     kNo = 201,
     kHintKey = 202,
+    kHintKeyHelp = 203,
     kLabelTimeout = 210,
     kLabelForeignKeys = 211,
     kLabelStepApi = 212,

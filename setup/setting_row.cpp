@@ -329,7 +329,7 @@ void SettingRow::nameKey() {
     const std::string words = labelWords(labelText());
     if (!installer::sameName(words, key_)) {
         const std::string named = setupText(SetupMessage::kHintKey, words, key_);
-        help_ = help_.empty() ? named : named + ": " + help_;
+        help_ = help_.empty() ? named : setupText(SetupMessage::kHintKeyHelp, named, help_);
     }
 }
 
