@@ -128,6 +128,7 @@ Widget createTab(Widget notebook, const char* name, Message::Number text) {
     const XmStringPtr label = compoundString(catalogText(text));
     Widget tab = made(XtVaCreateWidget(name, xmPushButtonWidgetClass, notebook, XmNlabelString, label.get(),
                                        XmNnotebookChildType, XmMAJOR_TAB, nullptr));
+    giveFonts(tab);
     setMnemonic(tab, mnemonicFor(text));
     return tab;
 }
@@ -198,6 +199,7 @@ Widget createReadOnlyText(Widget parent, const char* name, Message::Number text,
                                      XmNrows, rows, XmNmarginWidth, 0, XmNhighlightThickness, 0, nullptr));
     auto words = std::make_unique<std::string>(catalogText(text));
     XmTextSetString(widget, words->data());
+    followScripts(widget);
     XtAddCallback(widget, XmNdestroyCallback, forgetExplanation, nullptr);
     XtVaSetValues(widget, XmNuserData, words.release(), nullptr);
     XtAddEventHandler(widget, StructureNotifyMask, False, explanationResized, nullptr);
