@@ -65,7 +65,16 @@ void labelFinish(Message::Number text) {
     setMnemonic(BtnFinish, mnemonicFor(text));
 }
 
-// Large letters, or long texts of drivers, need more than what the screen is shown with.
+// What the drivers and the headings of the other screens ask for.
+int widthForScreens() {
+    int width = widthForDrivers();
+    for (Widget heading : {XtNameToWidget(FormScr2, "lbl"), XtNameToWidget(FormScr3, "lblScr3Desc")}) {
+        width = std::max(width, preferredWidth(heading) + 2 * kPageMargin);
+    }
+    return width;
+}
+
+// Large letters, or long texts, need more than what the screen is shown with.
 void showScreen(Widget screen) {
     // In percent of the monitor.
     constexpr int kWidest = 90;
@@ -75,7 +84,7 @@ void showScreen(Widget screen) {
     int height = 0;
     XtVaGetValues(screen, XmNrightOffset, &width, XmNbottomOffset, &height, nullptr);
     const Screen* monitor = XtScreen(screen);
-    const int wantedWidth = std::min(widthForDrivers(), monitor->width * kWidest / 100);
+    const int wantedWidth = std::min(widthForScreens(), monitor->width * kWidest / 100);
     const int wantedHeight = std::min(scaled(screen, -height), monitor->height * kHighest / 100);
     XtVaSetValues(screen, XmNrightOffset, -std::max(-width, wantedWidth), XmNbottomOffset,
                   -std::max(-height, wantedHeight), nullptr);
