@@ -4,6 +4,7 @@
 #include <Xm/LabelG.h>
 #include <Xm/PushB.h>
 #include <Xm/ScrolledW.h>
+#include <Xm/Text.h>
 #include <Xm/TextF.h>
 #include <Xm/ToggleB.h>
 #include <unistd.h>
@@ -270,6 +271,11 @@ void WindowTest::expectWhole(Widget window) {
                         place.height >= preferredHeight(widget) - 2 * above && isIn)
                 << XtName(widget) << ": " << textOf(widget);
         }
+        Position x = 0;
+        Position y = 0;
+        EXPECT_TRUE(XmIsText(widget) == 0 || XmTextGetEditable(widget) != 0 ||
+                    XmTextPosToXY(widget, XmTextGetLastPosition(widget), &x, &y) != 0)
+            << XtName(widget) << " hides its end";
     }
 }
 
