@@ -74,7 +74,7 @@ void arrange(Widget box, Widget filterLabel) {
     const auto part = [box](unsigned char which) { return XmFileSelectionBoxGetChild(box, which); };
     const int margin = sizeOf(box, XmNmarginWidth);
     const int width = sizeOf(box, XmNwidth) - 2 * margin;
-    const int directoryWidth = (width - margin) * 2 / 5;
+    const int directoryWidth = std::max<int>((width - margin) * 2 / 5, preferredWidth(part(XmDIALOG_DIR_LIST_LABEL)));
     const int fileStart = margin + directoryWidth + margin;
     const int fileWidth = width - margin - directoryWidth;
     Widget filter = part(XmDIALOG_FILTER_TEXT);

@@ -103,6 +103,8 @@ int main(int argc, char** argv) {
         // A locale that the system lacks; the toolkit would leave out every letter of its texts beyond ASCII.
         std::setlocale(LC_CTYPE, "C.UTF-8");
     }
+    // Else XMODIFIERS, which names the person's input method, is not read.
+    XSetLocaleModifiers("");
     installer::keepMemoryBetweenReads();
     installer::useUserConfiguration();
 

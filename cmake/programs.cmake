@@ -22,7 +22,7 @@ if(VARNHOLT_SYSTEM_PACKAGE)
 endif()
 
 # The languages beside English, each with the countries where it is spoken.
-set(VARNHOLT_LANGUAGES de fr)
+set(VARNHOLT_LANGUAGES de fr ja)
 set(VARNHOLT_COUNTRIES_de _DE _AT _CH _LU _LI)
 set(VARNHOLT_COUNTRIES_fr _FR _BE _CA _CH _LU)
 set(VARNHOLT_COUNTRIES_ja _JP)

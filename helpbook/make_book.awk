@@ -38,6 +38,10 @@ function readMessage(number, text) {
     number = $1
     text = substr($0, index($0, "\"") + 1)
     sub(/"$/, "", text)
+    # Scripts without blanks, whose characters have these three bytes, have none where a line ends, nor behind 、 and 。.
+    while (match(text, /[\343-\357][\200-\277][\200-\277]\\n[\343-\357]|\343\200[\201\202]\\n/)) {
+        text = substr(text, 1, RSTART + 2) substr(text, RSTART + 5)
+    }
     gsub(/\\n/, " ", text)
     gsub(/\\"/, "\"", text)
     gsub(/\\\\/, "\\", text)

@@ -42,6 +42,11 @@ std::string bytesOf(const std::wstring& characters) {
     return bytes;
 }
 
+bool isEastAsian(wchar_t character) {
+    // From the radicals on, in Unicode.
+    return character >= 0x2E80;
+}
+
 std::wstring lowerCase(const std::string& text) {
     std::wstring characters = charactersOf(text);
     for (wchar_t& character : characters) {

@@ -16,6 +16,9 @@ struct Character {
 // Values as bytes; those that the locale has no bytes for are left out.
 [[nodiscard]] std::string bytesOf(const std::wstring& characters);
 
+// Whether the character is of a script that is written without blanks, or goes with one. An input method types it.
+[[nodiscard]] bool isEastAsian(wchar_t character);
+
 // In lower case, for comparisons.
 [[nodiscard]] std::wstring lowerCase(const std::string& text);
 [[nodiscard]] wchar_t lowerCase(wchar_t character);

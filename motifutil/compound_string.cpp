@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <new>
+#include <string_view>
 
+#include "motifutil/characters.h"
 #include "motifutil/script_fonts.h"
 
 namespace {
@@ -10,6 +12,16 @@ namespace {
 // One line of characters that every font has, which takes a third of the time: most rows of long lists are such.
 bool isSimple(const std::string& text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char byte) { return byte >= ' ' && byte <= '~'; });
+}
+
+// Whether a line may end between two characters neither of which is a blank. In East Asia it may nearly everywhere, but
+// what closes or follows begins none, and what opens ends none.
+bool canBreak(wchar_t before, wchar_t after) {
+    constexpr std::wstring_view kNotFirst =
+        L"、。，．・：；？！ー々」』）】〕ぁぃぅぇぉっゃゅょァィゥェォッャュョ)]}.,:;?!";
+    constexpr std::wstring_view kNotLast = L"「『（【〔([{";
+    return (isEastAsian(before) || isEastAsian(after)) && before != L' ' &&
+           kNotFirst.find(after) == std::wstring_view::npos && kNotLast.find(before) == std::wstring_view::npos;
 }
 
 }  // namespace
@@ -61,29 +73,33 @@ std::string plainText(XmString text) {
 }
 
 std::string wrapped(const std::string& text, XmRenderTable fonts, int most) {
-    std::string result = text;
-    std::size_t lineStart = 0;
-    std::size_t lastBlank = std::string::npos;
+    const std::vector<Character> characters = split(text);
+    std::string result;
+    std::string line;
+    std::size_t lastBreak = std::string::npos;
     bool isQuoted = false;
-    for (std::size_t at = 0; at < result.size(); ++at) {
-        if (result[at] == '\n') {
-            lineStart = at + 1;
-            lastBlank = std::string::npos;
+    for (std::size_t at = 0; at < characters.size(); ++at) {
+        line += characters[at].bytes;
+        if (characters[at].value == L'\n') {
+            result += line;
+            line.clear();
+            lastBreak = std::string::npos;
+            continue;
         }
-        isQuoted = isQuoted != (result[at] == '"');
-        const bool endsWord = at + 1 == result.size() || result[at + 1] == ' ' || result[at + 1] == '\n';
+        isQuoted = isQuoted != (characters[at].value == L'"');
+        const wchar_t next = at + 1 < characters.size() ? characters[at + 1].value : L'\n';
+        const bool endsWord = next == L' ' || next == L'\n' || canBreak(characters[at].value, next);
         if (!endsWord) {
             continue;
         }
-        const std::string line = result.substr(lineStart, at + 1 - lineStart);
-        if (lastBlank != std::string::npos && XmStringWidth(fonts, compoundString(line).get()) > most) {
-            result[lastBlank] = '\n';
-            lineStart = lastBlank + 1;
-            lastBlank = std::string::npos;
+        if (lastBreak != std::string::npos && XmStringWidth(fonts, compoundString(line).get()) > most) {
+            result += line.substr(0, lastBreak) + '\n';
+            line.erase(0, lastBreak + (line[lastBreak] == ' ' ? 1 : 0));
+            lastBreak = std::string::npos;
         }
-        if (!isQuoted && at + 1 < result.size() && result[at + 1] == ' ') {
-            lastBlank = at + 1;
+        if (!isQuoted && next != L'\n') {
+            lastBreak = line.size();
         }
     }
-    return result;
+    return result + line;
 }

@@ -23,8 +23,8 @@ using XtTextPtr = std::unique_ptr<char, XtTextDeleter>;
 // The text of a compound string, newlines between its lines.
 [[nodiscard]] std::string plainText(XmString text);
 
-// The text with more line breaks, in the place of blanks, where a line of it would be wider than `most` pixels. What
-// stands between quotation marks stays as it is: it may be a name.
+// The text with more line breaks, in the place of blanks or between characters of East Asia, where a line of it would
+// be wider than `most` pixels. What stands between quotation marks stays as it is: it may be a name.
 [[nodiscard]] std::string wrapped(const std::string& text, XmRenderTable fonts, int most);
 
 // A plain Xt argument list, for the creation calls that take no variable arguments.

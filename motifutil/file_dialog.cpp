@@ -7,6 +7,7 @@
 
 #include "motifutil/catalog_text.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
 #include "motifutil/table_keys.h"
 #include "motifutil/window_help.h"
@@ -79,6 +80,7 @@ void finishFileSelection(Widget box) {
                   {XmDIALOG_LIST_LABEL, XmDIALOG_LIST, mnemonicFor(Message::kFileList)},
                   {XmDIALOG_SELECTION_LABEL, XmDIALOG_TEXT, mnemonicFor(Message::kFileSelection)}};
     for (const auto& [label, field, letter] : fields) {
+        giveFonts(child(label));
         leadTo(child(label), child(field), letter);
         if (XmIsList(child(field))) {
             addTableKeys(child(field));
@@ -90,6 +92,8 @@ void finishFileSelection(Widget box) {
     if (Widget directory = XtNameToWidget(box, "DirText")) {
         leadTo(XtNameToWidget(box, "DirL"), directory);
     }
+    giveFonts(child(XmDIALOG_LIST));
+    giveFonts(child(XmDIALOG_APPLY_BUTTON));
     setMnemonic(child(XmDIALOG_APPLY_BUTTON), mnemonicFor(Message::kFilter));
     setMnemonic(child(XmDIALOG_OK_BUTTON), mnemonicFor(Message::kOk));
     setMnemonic(child(XmDIALOG_CANCEL_BUTTON), mnemonicFor(Message::kCancel));

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cwctype>
 #include <utility>
 
 #include "motifutil/catalog_text.h"
@@ -116,9 +117,37 @@ std::wstring labelOf(Widget labelled) {
     return charactersOf(plainText(text));
 }
 
+bool canBeMnemonic(wchar_t character) {
+    return !isEastAsian(character) && std::iswalnum(static_cast<std::wint_t>(character)) != 0;
+}
+
+std::optional<std::size_t> bracketedLetter(const std::wstring& label) {
+    const auto isLatinCapital = [](wchar_t character) { return character >= L'A' && character <= L'Z'; };
+    for (std::size_t place = 2; place + 1 < label.size(); ++place) {
+        if (label[place - 1] == L'(' && isLatinCapital(label[place]) && label[place + 1] == L')' &&
+            label[place - 2] != L' ') {
+            return place;
+        }
+    }
+    return {};
+}
+
+std::string labelWords(const std::string& label) {
+    std::wstring words = charactersOf(label);
+    if (const std::optional<std::size_t> place = bracketedLetter(words)) {
+        words.erase(*place - 1, 3);
+    }
+    return bytesOf(words);
+}
+
 void setMnemonic(Widget labelled, const std::string& letter) {
     const std::wstring characters = charactersOf(letter);
-    const bool isLetter = characters.size() == 1 && labelOf(labelled).find(characters) != std::wstring::npos;
+    std::wstring label = labelOf(labelled);
+    if (const auto place = bracketedLetter(label); place && characters.size() == 1 && label[*place] != characters[0]) {
+        label[*place] = characters[0];
+        XtVaSetValues(labelled, XmNlabelString, compoundString(bytesOf(label)).get(), nullptr);
+    }
+    const bool isLetter = characters.size() == 1 && label.find(characters) != std::wstring::npos;
     underline(labelled, isLetter ? characters.front() : L'\0');
 }
 

@@ -4,6 +4,8 @@
 
 #include <Xm/Xm.h>
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 #include "catalogs/message_numbers.h"
@@ -11,8 +13,15 @@
 // The letter that the catalog has for the label with this number; empty when there is none.
 [[nodiscard]] std::string mnemonicFor(Message::Number label);
 
-// Gives a widget with a label its letter, as it stands in the label. A text that is not one letter of the label takes
-// the letter away.
+// Whether a key types the character by itself, so that Alt can go with it.
+[[nodiscard]] bool canBeMnemonic(wchar_t character);
+// Where in a label its letter stands in parentheses, as languages have it whose words keys do not type: "追加(A)...".
+[[nodiscard]] std::optional<std::size_t> bracketedLetter(const std::wstring& label);
+// A label's words, without such a letter.
+[[nodiscard]] std::string labelWords(const std::string& label);
+
+// Gives a widget with a label its letter, as it stands in the label; one in parentheses is put there. A text that is
+// not one letter of the label takes the letter away.
 void setMnemonic(Widget labelled, const std::string& letter);
 // The letter in lower case; 0 when there is none.
 [[nodiscard]] wchar_t mnemonicOf(Widget labelled);

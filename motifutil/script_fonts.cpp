@@ -196,5 +196,6 @@ void followScripts(Widget text) {
         auto* family = new std::string();
         XtAddCallback(text, XmNvalueChangedCallback, choose, family);
         XtAddCallback(text, XmNdestroyCallback, forgetFamily, family);
+        choose(text, family, nullptr);
     }
 }

@@ -23,5 +23,5 @@ struct FontRun {
 // Lets a widget draw the texts that were split until now: its shell may be older than one of them.
 void giveFonts(Widget widget);
 
-// Lets a text widget, which has one font, have one that draws all of its text, whenever that changes.
+// Lets a text widget, which has one font, have one that draws all of its text, now and whenever that changes.
 void followScripts(Widget text);

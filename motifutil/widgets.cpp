@@ -14,9 +14,11 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <new>
 
 #include "motifutil/catalog_text.h"
+#include "motifutil/characters.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
@@ -68,6 +70,17 @@ void raiseActivate(Widget text, XEvent* event, String* /*parameters*/, Cardinal*
     XtCallCallbacks(text, XmNactivateCallback, &call);
 }
 
+// What an explanation says, without the line breaks that it has for its width.
+std::string& explanationOf(Widget text) {
+    XtPointer words = nullptr;
+    XtVaGetValues(text, XmNuserData, &words, nullptr);
+    return *static_cast<std::string*>(words);
+}
+
+void forgetExplanation(Widget text, XtPointer /*clientData*/, XtPointer /*callData*/) {
+    delete &explanationOf(text);
+}
+
 // Gives a text that can't be scrolled as many lines as it takes at the width that it has.
 void fitRows(Widget text) {
     XmRenderTable fonts = nullptr;
@@ -78,10 +91,16 @@ void fitRows(Widget text) {
     short rows = 0;
     XtVaGetValues(text, XmNrenderTable, &fonts, XmNwidth, &width, XmNmarginWidth, &margin, XmNshadowThickness, &shadow,
                   XmNhighlightThickness, &highlight, XmNrows, &rows, nullptr);
+    const std::string& explanation = explanationOf(text);
     // The widget breaks its lines at any blank.
-    std::string words = fieldText(text);
+    std::string words = explanation;
     std::replace(words.begin(), words.end(), '"', '\'');
     const std::string lines = wrapped(words, fonts, width - 2 * (margin + shadow + highlight));
+    // And at blanks alone, where others are.
+    const std::wstring characters = charactersOf(explanation);
+    if (std::any_of(characters.begin(), characters.end(), isEastAsian) && lines != fieldText(text)) {
+        XmTextSetString(text, std::string(lines).data());
+    }
     const auto needed = static_cast<short>(std::count(lines.begin(), lines.end(), '\n') + 1);
     if (needed != rows) {
         XtVaSetValues(text, XmNrows, needed, nullptr);
@@ -109,6 +128,7 @@ Widget createTab(Widget notebook, const char* name, Message::Number text) {
     const XmStringPtr label = compoundString(catalogText(text));
     Widget tab = made(XtVaCreateWidget(name, xmPushButtonWidgetClass, notebook, XmNlabelString, label.get(),
                                        XmNnotebookChildType, XmMAJOR_TAB, nullptr));
+    giveFonts(tab);
     setMnemonic(tab, mnemonicFor(text));
     return tab;
 }
@@ -177,15 +197,20 @@ Widget createReadOnlyText(Widget parent, const char* name, Message::Number text,
         made(XtVaCreateManagedWidget(name, xmTextWidgetClass, parent, XmNeditMode, XmMULTI_LINE_EDIT, XmNeditable,
                                      False, XmNwordWrap, True, XmNcursorPositionVisible, False, XmNtraversalOn, False,
                                      XmNrows, rows, XmNmarginWidth, 0, XmNhighlightThickness, 0, nullptr));
-    XmTextSetString(widget, catalogText(text).data());
+    auto words = std::make_unique<std::string>(catalogText(text));
+    XmTextSetString(widget, words->data());
+    followScripts(widget);
+    XtAddCallback(widget, XmNdestroyCallback, forgetExplanation, nullptr);
+    XtVaSetValues(widget, XmNuserData, words.release(), nullptr);
     XtAddEventHandler(widget, StructureNotifyMask, False, explanationResized, nullptr);
     return widget;
 }
 
 void setExplanation(Widget text, const std::string& words) {
-    if (words == fieldText(text)) {
+    if (words == explanationOf(text)) {
         return;
     }
+    explanationOf(text) = words;
     XmTextSetString(text, std::string(words).data());
     if (XtIsRealized(text) != 0) {
         fitRows(text);

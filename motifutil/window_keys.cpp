@@ -8,7 +8,6 @@
 #include <Xm/ToggleB.h>
 
 #include <algorithm>
-#include <cwctype>
 #include <set>
 #include <string>
 #include <utility>
@@ -216,15 +215,17 @@ void chooseMnemonics(Widget window) {
         }
     }
     for (Widget widget : without) {
-        const std::wstring label = labelOf(widget);
-        const auto free = std::find_if(label.begin(), label.end(), [&taken](wchar_t letter) {
-            return std::iswalnum(static_cast<std::wint_t>(letter)) != 0 &&
-                   taken.find(lowerCase(letter)) == std::wstring::npos;
+        std::wstring letters = labelOf(widget);
+        if (const auto place = bracketedLetter(letters)) {
+            letters = letters[*place] + std::wstring(L"ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+        }
+        const auto free = std::find_if(letters.begin(), letters.end(), [&taken](wchar_t letter) {
+            return canBeMnemonic(letter) && taken.find(lowerCase(letter)) == std::wstring::npos;
         });
-        if (free != label.end()) {
+        if (free != letters.end()) {
             taken.push_back(lowerCase(*free));
         }
-        underline(widget, free == label.end() ? L'\0' : *free);
+        setMnemonic(widget, free == letters.end() ? std::string() : bytesOf({*free}));
     }
 }
 

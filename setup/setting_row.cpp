@@ -17,6 +17,7 @@
 #include "installer/configuration.h"
 #include "motifutil/message_dialog.h"
 #include "motifutil/mnemonics.h"
+#include "motifutil/script_fonts.h"
 #include "motifutil/text_verifiers.h"
 #include "motifutil/widgets.h"
 #include "setup/path_chooser.h"
@@ -205,6 +206,7 @@ protected:
         removeFrame();
         XtManageChild(field_);
         hideIdleCursor(text_);
+        followScripts(text_);
     }
 
     Widget text_ = nullptr;
@@ -214,6 +216,7 @@ private:
     void removeFrame() {
         Widget list = nullptr;
         XtVaGetValues(field_, XmNlist, &list, nullptr);
+        giveFonts(list);
         Dimension shadow = 0;
         Dimension marginWidth = 0;
         Dimension marginHeight = 0;
@@ -326,7 +329,7 @@ void SettingRow::rename(const std::string& label) {
 }
 
 void SettingRow::nameKey() {
-    const std::string words = labelText();
+    const std::string words = labelWords(labelText());
     if (!installer::sameName(words, key_)) {
         const std::string named = setupText(SetupMessage::kHintKey, words, key_);
         help_ = help_.empty() ? named : setupText(SetupMessage::kHintKeyHelp, named, help_);

@@ -4,13 +4,13 @@
 #include <Xm/LabelG.h>
 #include <Xm/PushB.h>
 #include <Xm/ScrolledW.h>
+#include <Xm/Text.h>
 #include <Xm/TextF.h>
 #include <Xm/ToggleB.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <clocale>
-#include <cwctype>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -244,7 +244,7 @@ void WindowTest::expectLetters(Widget window) {
         EXPECT_TRUE(letter == 0 || label.find(letter) != std::wstring::npos) << textOf(widget);
         (letter == 0 ? without : taken) += letter == 0 ? label : std::wstring(1, letter);
     }
-    std::erase_if(without, [](wchar_t letter) { return std::iswalnum(static_cast<wint_t>(letter)) == 0; });
+    std::erase_if(without, [](wchar_t letter) { return !canBeMnemonic(letter); });
     EXPECT_EQ(without.find_first_not_of(taken), std::wstring::npos) << "a letter is free";
     for (Widget widget : all) {
         const bool acts =
@@ -271,6 +271,11 @@ void WindowTest::expectWhole(Widget window) {
                         place.height >= preferredHeight(widget) - 2 * above && isIn)
                 << XtName(widget) << ": " << textOf(widget);
         }
+        Position x = 0;
+        Position y = 0;
+        EXPECT_TRUE(XmIsText(widget) == 0 || XmTextGetEditable(widget) != 0 ||
+                    XmTextPosToXY(widget, XmTextGetLastPosition(widget), &x, &y) != 0)
+            << XtName(widget) << " hides its end";
     }
 }
 
