@@ -186,8 +186,8 @@ struct Change {
     std::vector<double> times{};
 };
 
-// Adds, configures and removes a data source among those of an administrator.
-void measureChanges(const Row& row, std::vector<Change>& changes) {
+// Adds, configures and removes a data source among those of an administrator. False when it did not.
+bool measureChanges(const Row& row, std::vector<Change>& changes) {
     const OdbcFiles files;
     writeConfiguration(files, row);
     XPerson person;
@@ -197,7 +197,7 @@ void measureChanges(const Row& row, std::vector<Change>& changes) {
     environment.set("DISPLAY", proxy.display());
     const Program program(row.command);
     if (!watcher.sees(MapNotify)) {
-        return;
+        return false;
     }
     waitForQuiet(proxy);
     for (Change& change : changes) {
@@ -207,6 +207,8 @@ void measureChanges(const Row& row, std::vector<Change>& changes) {
         }
         change.times.push_back(timeOf(proxy, false, [&] { person.key(change.confirmed, change.modifier); }));
     }
+    const std::string after = files.read(OdbcFiles::kUser);
+    return after.find("[data source 1a]") != std::string::npos && after.find("[data source 0]") == std::string::npos;
 }
 
 // Turns the pages of an administrator with so many data sources by its keys: for each, what it takes from the exposure
@@ -276,8 +278,10 @@ int main(int argc, char** argv) {
     std::vector<Change> withTen = changes;
     std::vector<Change> withThousand = changes;
     for (int i = 0; i < repetitions; ++i) {
-        measureChanges(rows[kOneTen], withTen);
-        measureChanges(rows[kThousand], withThousand);
+        if (!measureChanges(rows[kOneTen], withTen) || !measureChanges(rows[kThousand], withThousand)) {
+            std::fprintf(stderr, "the data sources were not changed\n");
+            return EXIT_FAILURE;
+        }
     }
 
     std::for_each(rows.begin(), rows.end(), printRow);
