@@ -31,6 +31,26 @@ void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
                   nullptr);
 }
 
+// Does what gives the list so many rows more, and shows as many more. Where it gets higher or lower it is drawn again
+// then; before, Motif would draw each of its rows, in sight or not, and with a thousand of them that is half of what a
+// change takes.
+template <typename Change>
+void changeRows(Widget list, int more, const Change& change) {
+    int count = 0;
+    int visible = 0;
+    XtVaGetValues(list, XmNitemCount, &count, XmNvisibleItemCount, &visible, nullptr);
+    const int visibleAfter = visibleRows(list, count + more);
+    if (visibleAfter == visible) {
+        change();
+        return;
+    }
+    auto* record = reinterpret_cast<XmListWidget>(list);
+    record->list.visibleItemCount = 0;
+    change();
+    record->list.visibleItemCount = visible;
+    XtVaSetValues(list, XmNvisibleItemCount, visibleAfter, nullptr);
+}
+
 // The functions for arrays exchange the pointers and leave the texts alone.
 std::vector<char*> pointersTo(const std::vector<std::string>& rows) {
     std::vector<char*> pointers;
@@ -96,20 +116,12 @@ std::string rowText(Widget list, int position) {
     return position >= 1 && position <= count ? plainText(items[position - 1]) : std::string();
 }
 
+void insertRow(Widget list, int position, const std::string& text) {
+    giveFonts(list);
+    const XmStringPtr row = compoundString(text.empty() ? " " : text);
+    changeRows(list, 1, [&] { XmListAddItemUnselected(list, row.get(), position); });
+}
+
 void deleteRow(Widget list, int position) {
-    int count = 0;
-    int visible = 0;
-    XtVaGetValues(list, XmNitemCount, &count, XmNvisibleItemCount, &visible, nullptr);
-    const int left = visibleRows(list, count - 1);
-    if (left == visible) {
-        XmListDeletePos(list, position);
-        return;
-    }
-    // The list gets lower and is drawn again then. Before, XmListDeletePos would draw each of its rows, in sight or
-    // not, and with a thousand of them that is half of what a removal takes.
-    auto* record = reinterpret_cast<XmListWidget>(list);
-    record->list.visibleItemCount = 0;
-    XmListDeletePos(list, position);
-    record->list.visibleItemCount = visible;
-    XtVaSetValues(list, XmNvisibleItemCount, left, nullptr);
+    changeRows(list, -1, [&] { XmListDeletePos(list, position); });
 }

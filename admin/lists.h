@@ -32,5 +32,8 @@ void sortRows(std::vector<std::string>& rows);
 // The text of the row at `position`, from 1; empty when there is no such row.
 [[nodiscard]] std::string rowText(Widget list, int position);
 
+// Inserts a row that is to be at `position`, from 1, and shows one row more.
+void insertRow(Widget list, int position, const std::string& text);
+
 // Deletes the row at `position`, from 1, and shows one row less.
 void deleteRow(Widget list, int position);

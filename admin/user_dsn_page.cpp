@@ -54,6 +54,19 @@ struct Rows {
 };
 Rows Shown;
 
+// Where the one row is, from 0, that is in `rows` and not in `before`, when they are alike but for it.
+std::optional<std::size_t> insertedRow(const Rows& before, const Rows& rows) {
+    if (before.names.empty() || rows.names.size() != before.names.size() + 1) {
+        return std::nullopt;
+    }
+    const auto differing = std::mismatch(before.names.begin(), before.names.end(), rows.names.begin()).first;
+    const auto row = static_cast<std::size_t>(differing - before.names.begin());
+    Rows without = rows;
+    without.names.erase(without.names.begin() + static_cast<std::ptrdiff_t>(row));
+    without.drivers.erase(without.drivers.begin() + static_cast<std::ptrdiff_t>(row));
+    return without == before ? std::optional(row) : std::nullopt;
+}
+
 // Reads names and drivers and fills the lists; false after the error that ends the program was shown.
 bool fillLists(Widget nameList, Widget driverList) {
     if (!installer::isDataSourceFileReadable()) {
@@ -76,12 +89,18 @@ bool fillLists(Widget nameList, Widget driverList) {
             return false;
         }
     }
-    if (rows != Shown) {
+    if (rows == Shown) {
+        return true;
+    }
+    if (const std::optional<std::size_t> row = insertedRow(Shown, rows)) {
+        insertRow(nameList, static_cast<int>(*row) + 1, rows.names[*row]);
+        insertRow(driverList, static_cast<int>(*row) + 1, rows.drivers[*row]);
+    } else {
         populateList(nameList, rows.names);
         populateList(driverList, rows.drivers);
-        DataSources.fit();
-        Shown = std::move(rows);
     }
+    DataSources.fit();
+    Shown = std::move(rows);
     return true;
 }
 

@@ -68,6 +68,27 @@ void makeFolder(const std::string& path) {
     }
 }
 
+// What is kept for this person between two runs.
+std::string cacheFolder() {
+    return valueOf("XDG_CACHE_HOME", valueOf("HOME", "") + "/.cache") + "/varnholt-odbcadmin";
+}
+
+// At each start Xlib reads half a megabyte of key sequences for its input method, a quarter of what a start takes,
+// unless there is a folder where it may keep what it makes of them, closed to all others (Compose(5)). For root it
+// keeps nothing.
+void keepKeySequences() {
+    const std::string folder = cacheFolder() + "/compose";
+    if (std::getenv("XCOMPOSECACHE") != nullptr || geteuid() == 0 ||
+        access((valueOf("HOME", "") + "/.compose-cache").c_str(), F_OK) == 0) {
+        return;
+    }
+    makeFolder(above(folder));
+    mkdir(folder.c_str(), S_IRWXU);
+    if (access(folder.c_str(), F_OK) == 0) {
+        setenv("XCOMPOSECACHE", folder.c_str(), 1);
+    }
+}
+
 // Writes the whole file or nothing.
 void writeText(const std::string& path, const std::string& text) {
     makeFolder(above(path));
@@ -101,8 +122,7 @@ std::string settleTree(const std::string& tree, const std::string& settings) {
         }
     }
     const bool isOurs = access(above(settings).c_str(), W_OK) == 0;
-    const std::string cache = valueOf("XDG_CACHE_HOME", valueOf("HOME", "") + "/.cache");
-    std::string place = isOurs ? settings : cache + "/varnholt-odbcadmin/odbcinst.ini";
+    std::string place = isOurs ? settings : cacheFolder() + "/odbcinst.ini";
     writeText(place, text.substr(1));
     return place;
 }
@@ -123,6 +143,10 @@ int main(int /*argc*/, char** argv) {
     setenv("KVLIB", valueOf("KVLIB", tree + "/lib:" + tree + "/lib/setup" + modules()).c_str(), 1);
     // The last place where help looks for a browser.
     setenv("PATH", (valueOf("PATH", "/usr/bin:/bin") + ":" + tree + "/libexec/browser").c_str(), 1);
+
+    if (name == "odbcadmin") {
+        keepKeySequences();
+    }
 
     const std::string program = tree + "/libexec/" + name;
     // X resources are looked up under the program's name, so it must be "odbcadmin" wherever it stands.

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <string_view>
 #include <tuple>
@@ -16,6 +15,7 @@
 
 #include "bos/library.h"
 #include "installer/configuration.h"
+#include "installer/file_replacement.h"
 #include "installer/ini_text.h"
 #include "installer/plain_text.h"
 
@@ -41,8 +41,8 @@ bool isUsable(const std::string& library) {
 }
 
 std::string contents(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    FileText file;
+    return readFile(path, file) ? file.text : std::string();
 }
 
 // What the library says of drivers. It reads its files, the system's and the user's, for each value; as long as their
