@@ -1,4 +1,4 @@
-// Tells what libraries say of themselves. They are loaded in processes of their own: whatever a library does to a
+// Tells what libraries say of themselves. Each is loaded in a process of its own: whatever the library does to a
 // process, it does to that one. Which ones, and how it answers, tells components/inquiry_server.h. The three texts are
 // "ConfigDSN" for a setup library and nothing for any other, the version, and the company; what the library prints
 // becomes a complaint.
@@ -35,7 +35,7 @@ void beModest() {
     setrlimit(RLIMIT_CORE, &kNothing);
 }
 
-bool describe(const std::string& path, int answer) {
+void describe(const std::string& path, int answer) {
     beModest();
     void* library = dlopen(path.c_str(), RTLD_NOW);
     if (library == nullptr) {
@@ -43,14 +43,16 @@ bool describe(const std::string& path, int answer) {
         std::exit(1);
     }
     // At once: a library that ends the process when it is asked for its version may still have a dialog.
-    const bool told = tell(answer, dlsym(library, "ConfigDSN") != nullptr ? "ConfigDSN" : "");
+    bool told = tell(answer, dlsym(library, "ConfigDSN") != nullptr ? "ConfigDSN" : "");
     const std::optional<std::string> odbc = hasVersion(library) ? std::nullopt : odbcVersion(library);
     const char* company = getCompany(library);
     const char* version = odbc ? odbc->c_str() : getVersion(library);
     if (version == nullptr) {
         endWithoutVersion(library, path.c_str());
     }
-    return tell(answer, version) && tell(answer, company == nullptr ? "" : company) && told;
+    told = tell(answer, version) && tell(answer, company == nullptr ? "" : company) && told;
+    // Nothing of the library runs any more.
+    _exit(told ? 0 : 1);
 }
 
 }  // namespace

@@ -28,12 +28,6 @@ constexpr std::chrono::milliseconds kBusyTime(200);
 constexpr std::ptrdiff_t kMostBusy = 8;
 constexpr std::size_t kMostProcesses = 100;
 
-// As many libraries may share a process, which takes a seventh of the time, since most drivers bring the same others
-// along; and how long such a process may take before each is asked alone.
-constexpr std::size_t kMostTogether = 8;
-constexpr std::chrono::milliseconds kPatienceTogether(500);
-
-constexpr std::size_t kTexts = 3;  // Of each library.
 constexpr std::size_t kMostAnswer = 4096;
 constexpr std::size_t kMostPrinted = 300;
 
@@ -81,22 +75,19 @@ private:
 
 // What is told of a library.
 struct Answer {
-    std::string path;
+    std::string texts;  // As the process that asked it wrote them.
     std::string complaint;
-    std::string texts;  // Three, each with its end.
 };
 
-// Libraries, mostly one, and the process that asks them, which ends with this.
+// One library and the process that asks it, which ends with this.
 class Inquiry {
 public:
-    Inquiry(std::vector<std::string> paths, Describe* describe) : paths_(std::move(paths)), begin_(Clock::now()) {
-        start(describe);
-    }
+    Inquiry(const std::string& path, Describe* describe) : path_(path), begin_(Clock::now()) { start(describe); }
     ~Inquiry() { finish(); }
     Inquiry(const Inquiry&) = delete;
     Inquiry& operator=(const Inquiry&) = delete;
 
-    const std::vector<std::string>& paths() const { return paths_; }
+    const std::string& path() const { return path_; }
     void watch(std::vector<pollfd>& watched) const {
         // A closed one is negative, which poll passes over.
         watched.push_back({answer_.input(), POLLIN, 0});
@@ -104,31 +95,27 @@ public:
     }
     bool isBusy(Clock::time_point now) const { return now < begin_ + kBusyTime; }
     // When it is to be looked at even if nothing comes.
-    Clock::time_point nextLook(Clock::time_point now) const { return begin_ + (isBusy(now) ? kBusyTime : patience()); }
+    Clock::time_point nextLook(Clock::time_point now) const { return begin_ + (isBusy(now) ? kBusyTime : kPatience); }
 
     // Takes what has come. True when nothing more is waited for.
     bool isOver(Clock::time_point now) {
         printed_.readInto(printedText_, kMostPrinted);
-        const bool isEnd = answer_.readInto(answerText_, paths_.size() * kMostAnswer);
-        isLate_ = !isEnd && !isComplete() && now >= begin_ + patience();
+        const bool isEnd = answer_.readInto(answerText_, kMostAnswer);
+        isLate_ = !isEnd && !isComplete() && now >= begin_ + kPatience;
         return isEnd || isComplete() || isLate_;
     }
 
-    // Ends the process, if it has not ended itself. The answers are what has come until then; none of several libraries
-    // that did not all answer without a word, since any of them may be to blame.
-    std::vector<Answer> finish();
+    // Ends the process, if it has not ended itself. The answer is what has come until then.
+    Answer finish();
 
 private:
     void start(Describe* describe);
-    std::chrono::milliseconds patience() const { return paths_.size() == 1 ? kPatience : kPatienceTogether; }
-    bool isComplete() const {
-        return std::count(answerText_.begin(), answerText_.end(), '\0') >=
-               static_cast<std::ptrdiff_t>(kTexts * paths_.size());
-    }
-    std::string complaint(const std::string& path, const std::string& texts) const;
-    std::string reason(bool hasVersion) const;
+    std::string complaint() const;
+    bool isComplete() const { return std::count(answerText_.begin(), answerText_.end(), '\0') >= 3; }
+    bool hasVersion() const { return isComplete() && answerText_[answerText_.find('\0') + 1] != '\0'; }
+    std::string reason() const;
 
-    std::vector<std::string> paths_;
+    std::string path_;
     Clock::time_point begin_;
     Pipe answer_;
     Pipe printed_;
@@ -153,17 +140,14 @@ void Inquiry::start(Describe* describe) {
         dup2(printed_.output(), STDERR_FILENO);
         close_range(STDERR_FILENO + 1, static_cast<unsigned int>(answer - 1), 0);
         close_range(static_cast<unsigned int>(answer + 1), ~0U, 0);
-        const bool areTold =
-            std::all_of(paths_.begin(), paths_.end(), [&](const std::string& path) { return describe(path, answer); });
-        // Nothing of the libraries runs any more.
-        _exit(areTold ? 0 : 1);
+        describe(path_, answer);
     }
     startError_ = process_ < 0 ? errno : 0;
     answer_.closeOutput();
     printed_.closeOutput();
 }
 
-std::vector<Answer> Inquiry::finish() {
+Answer Inquiry::finish() {
     if (process_ > 0) {
         // It may not have come to make its group yet.
         kill(process_, SIGKILL);
@@ -173,27 +157,10 @@ std::vector<Answer> Inquiry::finish() {
         process_ = -1;
         printed_.readInto(printedText_, kMostPrinted);
     }
-    const bool isWhole = isComplete();
-    if (paths_.size() > 1 && !(isWhole && printedText_.empty())) {
-        return {};
-    }
-    std::vector<Answer> answers;
-    std::size_t begin = 0;
-    for (const std::string& path : paths_) {
-        std::size_t end = begin;
-        for (std::size_t count = 0; isWhole && count < kTexts; ++count) {
-            end = answerText_.find('\0', end) + 1;
-        }
-        // A version alone is none.
-        std::string texts = isWhole ? answerText_.substr(begin, end - begin)
-                                    : answerText_.substr(0, answerText_.find('\0')) + std::string(kTexts, '\0');
-        answers.push_back({path, complaint(path, texts), std::move(texts)});
-        begin = end;
-    }
-    return answers;
+    return {answerText_, complaint()};
 }
 
-std::string Inquiry::reason(bool hasVersion) const {
+std::string Inquiry::reason() const {
     std::string line = printedText_.substr(0, printedText_.find('\n'));
     std::replace_if(
         line.begin(), line.end(), [](unsigned char byte) { return std::iscntrl(byte) != 0; }, '?');
@@ -204,7 +171,7 @@ std::string Inquiry::reason(bool hasVersion) const {
         return "gave no answer within 2 seconds";
     }
     if (!line.empty()) {
-        return hasVersion ? "printed: " + line : line;
+        return hasVersion() ? "printed: " + line : line;
     }
     if (!isComplete()) {
         return WIFSIGNALED(status_) ? std::string("ended the process that asked it: ") + strsignal(WTERMSIG(status_))
@@ -213,13 +180,12 @@ std::string Inquiry::reason(bool hasVersion) const {
     return "tells no version";
 }
 
-std::string Inquiry::complaint(const std::string& path, const std::string& texts) const {
-    const bool hasVersion = texts[texts.find('\0') + 1] != '\0';
-    if (hasVersion && printedText_.empty()) {
+std::string Inquiry::complaint() const {
+    if (hasVersion() && printedText_.empty()) {
         return {};
     }
-    const std::string text = reason(hasVersion);
-    return text.starts_with(path) ? text : path + ": " + text;
+    const std::string text = reason();
+    return text.starts_with(path_) ? text : path_ + ": " + text;
 }
 
 // The paths that come on standard input, and the answers that go to standard output.
@@ -242,15 +208,10 @@ public:
 private:
     void startMore(Clock::time_point now) {
         const auto isBusy = [&now](const Inquiry& inquiry) { return inquiry.isBusy(now); };
-        while (!(waiting_.empty() && suspects_.empty()) && running_.size() < kMostProcesses &&
+        while (!waiting_.empty() && running_.size() < kMostProcesses &&
                std::count_if(running_.begin(), running_.end(), isBusy) < kMostBusy) {
-            const bool areSuspects = !suspects_.empty();
-            std::deque<std::string>& from = areSuspects ? suspects_ : waiting_;
-            const std::size_t together =
-                areSuspects ? 1 : std::clamp<std::size_t>(waiting_.size() / std::size_t{kMostBusy}, 1, kMostTogether);
-            const auto end = from.begin() + static_cast<std::ptrdiff_t>(together);
-            running_.emplace_back(std::vector<std::string>(from.begin(), end), describe_);
-            from.erase(from.begin(), end);
+            running_.emplace_back(waiting_.front(), describe_);
+            waiting_.pop_front();
         }
     }
     void waitForAny(Clock::time_point now) const {
@@ -277,20 +238,27 @@ private:
         const Clock::time_point now = Clock::now();
         for (auto inquiry = running_.begin(); inquiry != running_.end();) {
             if (inquiry->isOver(now)) {
-                const std::vector<Answer> answers = inquiry->finish();
-                for (const Answer& answer : answers) {
-                    toSend_.append(answer.path).push_back('\0');
-                    toSend_.append(answer.complaint).push_back('\0');
-                    toSend_ += answer.texts;
-                }
-                if (answers.empty()) {
-                    suspects_.insert(suspects_.end(), inquiry->paths().begin(), inquiry->paths().end());
-                }
+                const Answer answer = inquiry->finish();
+                toSend_.append(inquiry->path()).push_back('\0');
+                toSend_.append(answer.complaint).push_back('\0');
+                toSend_ += threeTexts(answer.texts);
                 inquiry = running_.erase(inquiry);
             } else {
                 ++inquiry;
             }
         }
+    }
+    // Three with their ends, of those that came; a version alone is none.
+    static std::string threeTexts(const std::string& texts) {
+        constexpr std::ptrdiff_t kTexts = 3;
+        if (std::count(texts.begin(), texts.end(), '\0') >= kTexts) {
+            std::size_t end = 0;
+            for (std::ptrdiff_t count = 0; count < kTexts; ++count) {
+                end = texts.find('\0', end) + 1;
+            }
+            return texts.substr(0, end);
+        }
+        return texts.substr(0, texts.find('\0')) + std::string(kTexts, '\0');
     }
     void send() {
         const ssize_t count = write(STDOUT_FILENO, toSend_.data(), toSend_.size());
@@ -302,7 +270,6 @@ private:
     std::string incoming_;
     std::string toSend_;
     std::deque<std::string> waiting_;
-    std::deque<std::string> suspects_;  // To be asked alone.
     std::list<Inquiry> running_;
 };
 
