@@ -1,5 +1,6 @@
 #include <Xm/Display.h>
 #include <Xm/Xm.h>
+#include <langinfo.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -99,8 +100,10 @@ int main(int argc, char** argv) {
     Rfile = OpenStrings(nullptr, "odbc.m");
     const bool textsMissing = noInstallDirectory == 1 || Rfile == invalidCatalog();
     // Only now: the catalog is chosen by the environment while the process is still in the "C" locale.
-    if (std::setlocale(LC_ALL, "") == nullptr) {
-        // A locale that the system lacks; the toolkit would leave out every letter of its texts beyond ASCII.
+    std::setlocale(LC_ALL, "");
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) {
+        // The toolkit draws all texts as UTF-8, but takes their bytes for the letters of the locale when it measures
+        // them: of each line it would leave out the end, or every letter beyond ASCII.
         std::setlocale(LC_CTYPE, "C.UTF-8");
     }
     // Else XMODIFIERS, which names the person's input method, is not read.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "admin/dialogs.h"
@@ -45,18 +46,18 @@ constexpr int kLongestEmptyList = 2;
 
 Table DataSources;
 
-// What the lists hold. To put thousands of rows into a list again takes longer than to read them.
+// What the lists hold, as far as it is known. To put thousands of rows into a list again takes longer than to read them.
 struct Rows {
     std::vector<std::string> names;
     std::vector<std::string> drivers;
 
     friend bool operator==(const Rows&, const Rows&) = default;
 };
-Rows Shown;
+std::optional<Rows> Shown;
 
 // Where the one row is, from 0, that is in `rows` and not in `before`, when they are alike but for it.
 std::optional<std::size_t> insertedRow(const Rows& before, const Rows& rows) {
-    if (before.names.empty() || rows.names.size() != before.names.size() + 1) {
+    if (rows.names.size() != before.names.size() + 1) {
         return std::nullopt;
     }
     const auto differing = std::mismatch(before.names.begin(), before.names.end(), rows.names.begin()).first;
@@ -83,7 +84,7 @@ bool fillLists(Widget nameList, Widget driverList) {
     for (const std::string& name : rows.names) {
         rows.drivers.push_back(file.readValue(installer::kDataSourceList, name, kDriverRowSize));
         if (rows.drivers.back().empty()) {
-            Shown = {};
+            Shown.reset();
             populateList(nameList, rows.names);
             showODBCINIError();
             return false;
@@ -92,7 +93,8 @@ bool fillLists(Widget nameList, Widget driverList) {
     if (rows == Shown) {
         return true;
     }
-    if (const std::optional<std::size_t> row = insertedRow(Shown, rows)) {
+    const std::optional<std::size_t> row = Shown && !Shown->names.empty() ? insertedRow(*Shown, rows) : std::nullopt;
+    if (row) {
         insertRow(nameList, static_cast<int>(*row) + 1, rows.names[*row]);
         insertRow(driverList, static_cast<int>(*row) + 1, rows.drivers[*row]);
     } else {
@@ -180,7 +182,7 @@ Widget createUserDSNXmList(int flag, const char* name) {
 }
 
 Widget createUserDsnPage(Widget notebook, XtCallbackProc add) {
-    Shown = {};
+    Shown.reset();
     FormUserDSN = createPage(notebook, "FormUserDSN");
 
     LbDesc = createHeading(FormUserDSN, "LbDesc", Message::kUserDsnHeading);
@@ -259,7 +261,7 @@ void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/)
             deleteRow(LstUDesc, *row);
             deleteRow(LstUName, *row);
             // They are read anew when they are filled next.
-            Shown = {};
+            Shown.reset();
         }
         DataSources.fit();
         explain();

@@ -1,5 +1,6 @@
 // The product's PostgreSQL driver: a thin library that depends on Debian's (psqlodbcw.so), adds the identification
-// functions, and describes the driver's settings, which that driver can't do itself.
+// functions, and describes the driver's settings, which that driver can't do itself. What they are for our setup
+// library says, in the person's language (setup/known_drivers.cpp).
 #include <odbcinstext.h>
 
 #include <cstdlib>
@@ -20,47 +21,43 @@ struct Setting {
     const char* value;
     int promptType;
     const char* const* choices;
-    const char* help;
 };
 
 // The keywords and defaults of psqlodbc's documentation ("psqlODBC Configuration Options"), the connection first.
 constexpr Setting kSettings[] = {
-    {"Servername", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr,
-     "Name or address of the database server; without one, a socket of this machine."},
-    {"Port", "5432", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Port that the server listens on."},
-    {"Database", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Database to connect to."},
-    {"Username", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Database user."},
-    {"Password", "", ODBCINST_PROMPTTYPE_TEXTEDIT_PASSWORD, nullptr, "Password of the database user."},
-    {"SSLmode", "prefer", ODBCINST_PROMPTTYPE_LISTBOX, kSslModes, "Whether the connection is encrypted and checked."},
-    {"ReadOnly", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 refuses statements that change data."},
-    {"ShowSystemTables", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 lists the server's own tables too."},
-    {"ShowOidColumn", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 lists the row identifier as a column."},
-    {"FakeOidIndex", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 pretends that there is an index on it."},
-    {"RowVersioning", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 lets programs notice concurrent changes."},
-    {"UpdatableCursors", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 lets programs change rows through a cursor."},
-    {"UseDeclareFetch", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 reads large results in pieces."},
-    {"Fetch", "100", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Rows in a piece, when results are read in pieces."},
-    {"UseServerSidePrepare", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 prepares statements on the server."},
-    {"Protocol", "7.4-1", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr,
-     "Last digit, rolled back on error: 0 nothing, 1 transaction, 2 statement."},
-    {"UnknownSizes", "0", ODBCINST_PROMPTTYPE_LISTBOX, kUnknownSizes,
-     "Size told of columns without one: 0 maximum, 1 unknown, 2 longest."},
-    {"MaxVarcharSize", "255", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Longest text told as varchar."},
-    {"MaxLongVarcharSize", "8190", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Longest text told as longvarchar."},
-    {"TextAsLongVarchar", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 tells text columns as longvarchar."},
-    {"UnknownsAsLongVarchar", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 tells unknown types as longvarchar."},
-    {"BoolsAsChar", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 tells truth values as text."},
-    {"TrueIsMinus1", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 shows true as -1."},
-    {"ByteaAsLongVarBinary", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 tells bytea columns as longvarbinary."},
-    {"LFConversion", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 converts line ends to CR LF and back."},
-    {"LowerCaseIdentifier", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 lowers the case of identifiers."},
-    {"ExtraSysTablePrefixes", "dd_;", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Further prefixes of system tables."},
-    {"ConnSettings", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "SQL sent to the server after connecting."},
-    {"KeepaliveTime", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Idle seconds before the connection is probed."},
-    {"KeepaliveInterval", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Seconds between probes."},
-    {"pqopt", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr, "Further connection parameters of libpq."},
-    {"Debug", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 writes a log of the driver."},
-    {"CommLog", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch, "1 writes a log of what the server is sent."},
+    {"Servername", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"Port", "5432", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"Database", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"Username", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"Password", "", ODBCINST_PROMPTTYPE_TEXTEDIT_PASSWORD, nullptr},
+    {"SSLmode", "prefer", ODBCINST_PROMPTTYPE_LISTBOX, kSslModes},
+    {"ReadOnly", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"ShowSystemTables", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"ShowOidColumn", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"FakeOidIndex", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"RowVersioning", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"UpdatableCursors", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"UseDeclareFetch", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"Fetch", "100", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"UseServerSidePrepare", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"Protocol", "7.4-1", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"UnknownSizes", "0", ODBCINST_PROMPTTYPE_LISTBOX, kUnknownSizes},
+    {"MaxVarcharSize", "255", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"MaxLongVarcharSize", "8190", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"TextAsLongVarchar", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"UnknownsAsLongVarchar", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"BoolsAsChar", "1", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"TrueIsMinus1", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"ByteaAsLongVarBinary", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"LFConversion", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"LowerCaseIdentifier", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"ExtraSysTablePrefixes", "dd_;", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"ConnSettings", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"KeepaliveTime", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"KeepaliveInterval", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"pqopt", "", ODBCINST_PROMPTTYPE_TEXTEDIT, nullptr},
+    {"Debug", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
+    {"CommLog", "0", ODBCINST_PROMPTTYPE_LISTBOX, kSwitch},
 };
 
 // Copies the choices into one block that the installer library frees with free(). The texts stay ours: it frees the
@@ -86,7 +83,6 @@ HODBCINSTPROPERTY append(HODBCINSTPROPERTY last, const Setting& setting) {
     std::strcpy(property->szName, setting.name);
     std::strcpy(property->szValue, setting.value);
     property->nPromptType = setting.promptType;
-    property->pszHelp = strdup(setting.help);
     if (setting.choices != nullptr) {
         property->aPromptData = copyChoices(setting.choices);
     }

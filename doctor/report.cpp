@@ -1,5 +1,7 @@
 #include "doctor/report.h"
 
+#include <langinfo.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -89,14 +91,14 @@ std::vector<ReadFile> readFiles(const Account& account) {
             {"user-drivers", DoctorMessage::kRoleUserDrivers, userDriverFile(account), firstSet({"HOME"})}};
 }
 
-// Seconds with one digit behind the point, whatever the locale has for one.
-std::string shortSeconds(double seconds) {
+// Seconds with one digit behind the point, or what a locale has for one.
+std::string shortSeconds(double seconds, const char* point) {
     const long tenths = std::lround(seconds * 10);
-    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+    return std::to_string(tenths / 10) + point + std::to_string(tenths % 10);
 }
 
 std::string connectionForPeople(const ConnectionFacts& facts, const std::string& name) {
-    const std::string seconds = shortSeconds(facts.seconds);
+    const std::string seconds = shortSeconds(facts.seconds, nl_langinfo(RADIXCHAR));
     std::string report = facts.connected
                              ? clean(doctorText(DoctorMessage::kConnects, {name, seconds, facts.server})) + "\n"
                              : clean(doctorText(DoctorMessage::kDoesNotConnect, {name, seconds})) + "\n";
@@ -108,8 +110,8 @@ std::string connectionForPeople(const ConnectionFacts& facts, const std::string&
 
 std::string connectionForScripts(const ConnectionFacts& facts) {
     std::string report = std::string("{\"connected\": ") + (facts.connected ? "true" : "false") +
-                         ", \"seconds\": " + shortSeconds(facts.seconds) + ", \"server\": " + quoted(facts.server) +
-                         ", \"diagnostics\": [";
+                         ", \"seconds\": " + shortSeconds(facts.seconds, ".") +
+                         ", \"server\": " + quoted(facts.server) + ", \"diagnostics\": [";
     const char* separator = "";
     for (const std::string& record : facts.diagnostics) {
         report += separator + quoted(record);

@@ -118,7 +118,7 @@ SetupFormContent formContent(const Request& request, const Stored& stored, const
     }
     if (described) {
         content.rows.properties = *std::move(described);
-        translateHelp(library, content.rows.properties);
+        explain(library, content.rows.properties);
     } else {
         content.rows.properties = commonProperties();
         content.rows.hasFurtherSettings = true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <string_view>
 
 #include "setup/setup_texts.h"
@@ -10,12 +11,19 @@ namespace {
 
 using Properties = std::vector<DriverProperty>;
 
+// How a setting is called in the dialog, and what it is for.
+struct Words {
+    const char* key;
+    SetupMessage::Number label;
+    SetupMessage::Number help;
+};
+
 // A driver is known by what its library's name begins with.
 struct KnownDriver {
     std::string_view name;
     Properties (*properties)(bool isFile);
     bool hasEncodedPasswords = false;
-    bool describesItself = false;  // Well, and in English.
+    std::span<const Words> further{};  // Of a driver that describes itself: its settings beyond these properties.
 };
 
 DriverProperty text(const char* key, SetupMessage::Number help, const char* defaultValue = "") {
@@ -43,6 +51,37 @@ Properties postgresql(bool /*isFile*/) {
              {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"},
              setupText(SetupMessage::kHintEncryption)}};
 }
+
+// What ours describes of psqlodbc beyond them.
+constexpr Words kFurtherPostgresql[] = {
+    {"ReadOnly", SetupMessage::kLabelReadOnly, SetupMessage::kHintReadOnly},
+    {"ShowSystemTables", SetupMessage::kLabelSystemTables, SetupMessage::kHintSystemTables},
+    {"ShowOidColumn", SetupMessage::kLabelOidColumn, SetupMessage::kHintOidColumn},
+    {"FakeOidIndex", SetupMessage::kLabelOidIndex, SetupMessage::kHintOidIndex},
+    {"RowVersioning", SetupMessage::kLabelRowVersioning, SetupMessage::kHintRowVersioning},
+    {"UpdatableCursors", SetupMessage::kLabelUpdatableCursors, SetupMessage::kHintUpdatableCursors},
+    {"UseDeclareFetch", SetupMessage::kLabelReadInPieces, SetupMessage::kHintReadInPieces},
+    {"Fetch", SetupMessage::kLabelPieceSize, SetupMessage::kHintPieceSize},
+    {"UseServerSidePrepare", SetupMessage::kLabelPrepareOnServer, SetupMessage::kHintPrepareOnServer},
+    {"Protocol", SetupMessage::kLabelRollback, SetupMessage::kHintRollback},
+    {"UnknownSizes", SetupMessage::kLabelUnknownSizes, SetupMessage::kHintUnknownSizes},
+    {"MaxVarcharSize", SetupMessage::kLabelLongestVarchar, SetupMessage::kHintLongestVarchar},
+    {"MaxLongVarcharSize", SetupMessage::kLabelLongestLongVarchar, SetupMessage::kHintLongestLongVarchar},
+    {"TextAsLongVarchar", SetupMessage::kLabelTextAsLongVarchar, SetupMessage::kHintTextAsLongVarchar},
+    {"UnknownsAsLongVarchar", SetupMessage::kLabelUnknownsAsLongVarchar, SetupMessage::kHintUnknownsAsLongVarchar},
+    {"BoolsAsChar", SetupMessage::kLabelBoolsAsChar, SetupMessage::kHintBoolsAsChar},
+    {"TrueIsMinus1", SetupMessage::kLabelTrueIsMinus1, SetupMessage::kHintTrueIsMinus1},
+    {"ByteaAsLongVarBinary", SetupMessage::kLabelByteaAsLongVarBinary, SetupMessage::kHintByteaAsLongVarBinary},
+    {"LFConversion", SetupMessage::kLabelLineEnds, SetupMessage::kHintLineEnds},
+    {"LowerCaseIdentifier", SetupMessage::kLabelLowerCase, SetupMessage::kHintLowerCase},
+    {"ExtraSysTablePrefixes", SetupMessage::kLabelSystemPrefixes, SetupMessage::kHintSystemPrefixes},
+    {"ConnSettings", SetupMessage::kLabelConnectStatements, SetupMessage::kHintConnectStatements},
+    {"KeepaliveTime", SetupMessage::kLabelKeepaliveTime, SetupMessage::kHintKeepaliveTime},
+    {"KeepaliveInterval", SetupMessage::kLabelKeepaliveInterval, SetupMessage::kHintKeepaliveInterval},
+    {"pqopt", SetupMessage::kLabelLibpqParameters, SetupMessage::kHintLibpqParameters},
+    {"Debug", SetupMessage::kLabelDriverLog, SetupMessage::kHintDriverLog},
+    {"CommLog", SetupMessage::kLabelCommunicationLog, SetupMessage::kHintCommunicationLog},
+};
 
 Properties mariadb(bool /*isFile*/) {
     return {text("Server", SetupMessage::kHintServer, "localhost"),
@@ -101,7 +140,7 @@ Properties freetds(bool isFile) {
 }
 
 constexpr std::array kDrivers{
-    KnownDriver{"psqlodbc", postgresql, true}, KnownDriver{"vhpostgresql", postgresql, true, true},
+    KnownDriver{"psqlodbc", postgresql, true}, KnownDriver{"vhpostgresql", postgresql, true, kFurtherPostgresql},
     KnownDriver{"libmaodbc", mariadb},         KnownDriver{"libmdbodbc", mdbtools},
     KnownDriver{"libtdsodbc", freetds},        KnownDriver{"vhfreetds", freetds}};
 
@@ -120,20 +159,24 @@ const KnownDriver* find(const std::string& library) {
 
 std::optional<Properties> knownProperties(const std::string& library, bool isFile) {
     const KnownDriver* driver = find(library);
-    return driver != nullptr && !driver->describesItself ? std::optional(driver->properties(isFile)) : std::nullopt;
+    return driver != nullptr && driver->further.empty() ? std::optional(driver->properties(isFile)) : std::nullopt;
 }
 
-void translateHelp(const std::string& library, Properties& described) {
+void explain(const std::string& library, Properties& described) {
     const KnownDriver* driver = find(library);
-    if (driver == nullptr || !driver->describesItself) {
+    if (driver == nullptr || driver->further.empty()) {
         return;
     }
     const Properties known = driver->properties(false);
     for (DriverProperty& property : described) {
-        const auto own = std::find_if(known.begin(), known.end(),
-                                      [&property](const DriverProperty& other) { return other.key == property.key; });
+        const auto hasKey = [&property](const auto& other) { return other.key == property.key; };
+        const auto own = std::find_if(known.begin(), known.end(), hasKey);
+        const auto words = std::find_if(driver->further.begin(), driver->further.end(), hasKey);
         if (own != known.end()) {
             property.help = own->help;
+        } else if (words != driver->further.end()) {
+            property.label = setupText(words->label);
+            property.help = setupText(words->help);
         }
     }
 }

@@ -12,8 +12,8 @@
 // asked itself.
 [[nodiscard]] std::optional<std::vector<DriverProperty>> knownProperties(const std::string& library, bool isFile);
 
-// Says what settings are for in the language of the catalogs, for a driver of ours that tells it in English.
-void translateHelp(const std::string& library, std::vector<DriverProperty>& described);
+// Names and explains the settings that a driver of ours describes by their keys alone.
+void explain(const std::string& library, std::vector<DriverProperty>& described);
 
 // Whether the driver reads a password as a part of an address: "%25" stands for "%" and "%2B" for "+".
 [[nodiscard]] bool hasEncodedPasswords(const std::string& library);

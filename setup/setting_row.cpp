@@ -331,8 +331,9 @@ void SettingRow::rename(const std::string& label) {
 void SettingRow::nameKey() {
     const std::string words = labelWords(labelText());
     if (!installer::sameName(words, key_)) {
-        const std::string named = setupText(SetupMessage::kHintKey, words, key_);
-        help_ = help_.empty() ? named : setupText(SetupMessage::kHintKeyHelp, named, help_);
+        // The words stand before the field; the line has little room.
+        help_ = help_.empty() ? setupText(SetupMessage::kHintKey, words, key_)
+                              : setupText(SetupMessage::kHintKeyHelp, key_, help_);
     }
 }
 

@@ -64,7 +64,7 @@ protected:
 private:
     friend std::unique_ptr<SettingRow> createSettingRow(Widget, const DriverProperty&, const std::string&, bool);
 
-    // Lets the help begin with the label and the key, where they differ.
+    // Lets the help tell the key, where the label is another.
     void nameKey();
 
     std::string help_;

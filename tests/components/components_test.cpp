@@ -4,7 +4,6 @@
 #include <odbcinstext.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <set>
 #include <string>
@@ -44,7 +43,7 @@ TEST(Components, TheSqliteDriverConnectsAndNamesTheSqliteThatAnswersIfAny) {
     EXPECT_EQ(answer<char>(load(VH_TEST_LONELY_COMPONENT), "getFileVersionString"), "05.30.0002");
 }
 
-TEST(Components, ThePostgresqlDriverIsDescribedInItsOwnWords) {
+TEST(Components, ThePostgresqlDriverIsDescribedByItsOwnKeys) {
     const Library driver = load(VH_TEST_POSTGRESQL_DRIVER);
     const auto describe = reinterpret_cast<int (*)(HODBCINSTPROPERTY)>(dlsym(driver.get(), "ODBCINSTGetProperties"));
     Dl_info real{};
@@ -65,7 +64,6 @@ TEST(Components, ThePostgresqlDriverIsDescribedInItsOwnWords) {
             isOffered = std::string(property->szValue) == *choice;
         }
         EXPECT_TRUE(isOffered) << "the default is none of the choices";
-        EXPECT_LT(std::strlen(property->pszHelp), 80U) << "more than a line";
     }
     for (const char* key : {"Servername", "Port", "Database", "Username", "Password", "SSLmode"}) {
         EXPECT_EQ(seen.count(key), 1U) << key;

@@ -19,6 +19,7 @@ protected:
                     "[Talker]\nDriver=" VH_TEST_TALKING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Silent]\nDriver=" VH_TEST_CRASHING_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Working]\nDriver=" VH_TEST_SQLITE_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
+                    "\n[Vp]\nDriver=" VH_TEST_POSTGRESQL_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Zp]\nDriver=/none/psqlodbcw.so\nSetup=" VH_TEST_SETUP_LIBRARY
                     "\n[Tds]\nDriver=" VH_TEST_FREETDS_DRIVER "\nSetup=" VH_TEST_SETUP_LIBRARY "\n");
     }
@@ -319,7 +320,7 @@ TEST_P(LanguageTest, EveryWindowIsWholeAndReachedByLettersOfItsOwnAndLeftByEscap
         topics += topic + "\n";
         EXPECT_EQ(browser.topics(++count), topics);
     };
-    openWith(std::string(kTalker) + "[ODBC]\nTrace=1\n");
+    openWith("[ODBC Data Sources]\nA=Talker\nP=Vp\n\n[A]\nDriver=Talker\n\n[P]\nDriver=Vp\n\n[ODBC]\nTrace=1\n");
     for (const auto& [tab, topic] : {std::pair{BtnTrace, "trace"},
                                      {TbDrivers, "drivers"},
                                      {TbAbout, "about"},
@@ -377,6 +378,21 @@ TEST_P(LanguageTest, EveryWindowIsWholeAndReachedByLettersOfItsOwnAndLeftByEscap
             key(XK_Escape);
         },
         [] { key(XK_Return); });
+    // Our own driver's settings are explained, and at its first size the dialog has room for that.
+    clickRow(LstUName, 2);
+    inDialog([] {
+        EXPECT_TRUE(waitUntilUp(inForm("")));
+        press(inForm("*TabAdvanced"));
+        for (int row = 0; row < 27; ++row) {
+            const std::string hint = field("LblHint");
+            EXPECT_TRUE(hint.find(':') != std::string::npos &&
+                        (!hint.ends_with("...") || GetParam() == std::string("pseudo")))
+                << hint;
+            enter({XK_Tab});
+        }
+        expectWhole(inForm(""));
+        key(XK_Escape);
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, LanguageTest, testing::Values("en_US", VH_TEST_LANGUAGES "pseudo"));
