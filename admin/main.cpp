@@ -65,7 +65,8 @@ bool isAnswered(int argc, char** argv) {
     if (isGiven("--help")) {
         bosSetInstallDir(nullptr);
         Rfile = OpenStrings(nullptr, "odbc.m");
-        std::puts(catalogText(Message::kUsage).c_str());
+        const bool hasTexts = Rfile != invalidCatalog();
+        std::puts(hasTexts ? catalogText(Message::kUsage).c_str() : "Usage: odbcadmin [X OPTION...]");
         return true;
     }
     if (isGiven("--version")) {

@@ -46,7 +46,8 @@ constexpr int kLongestEmptyList = 2;
 
 Table DataSources;
 
-// What the lists hold, as far as it is known. To put thousands of rows into a list again takes longer than to read them.
+// What the lists hold, as far as it is known. To put thousands of rows into a list again takes longer than to read
+// them.
 struct Rows {
     std::vector<std::string> names;
     std::vector<std::string> drivers;
@@ -113,7 +114,8 @@ void explain() {
     std::string text = catalogText(Message::kUserDsnExplanation);
     if (count == 0) {
         const bool hasDriver = !installer::listDrivers().names.empty();
-        text += " " + catalogText(hasDriver ? Message::kNoDataSourceYet : Message::kNoDriverYet);
+        const std::string next = catalogText(hasDriver ? Message::kNoDataSourceYet : Message::kNoDriverYet);
+        text = catalogText(Message::kTwoSentences, {text, next});
     }
     setExplanation(TxtODBCDesc, text);
 }

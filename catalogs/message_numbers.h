@@ -128,6 +128,7 @@ enum Number : std::uint32_t {
     kSummaryAttributes = 9089,
     kSummaryFileName = 9090,
     kSummaryDriver = 9190,
+    kTwoSentences = 9191,
     kTestSucceeded = 9091,
     kConnectionStringTooLong = 9103,
     kAttributesCut = 9104,

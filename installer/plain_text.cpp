@@ -71,11 +71,10 @@ bool hasOnlyPlainLines(std::string_view text) {
     std::vector<std::string_view> sections;
     std::vector<std::string_view> keys;
     for (std::string_view line : splitLines(text)) {
-        if (line.back() != '\n' || line.size() > kLongestLine + 1) {
-            return false;
-        }
-        line.remove_suffix(1);
-        if (std::any_of(line.begin(), line.end(), [&isOdd](char c) { return isOdd[static_cast<unsigned char>(c)]; })) {
+        // The last line may be open.
+        line.remove_suffix(line.back() == '\n' ? 1 : 0);
+        if (line.size() > kLongestLine ||
+            std::any_of(line.begin(), line.end(), [&isOdd](char c) { return isOdd[static_cast<unsigned char>(c)]; })) {
             return false;
         }
         if (line.empty() || line.front() == '#' || line.front() == ';') {

@@ -64,6 +64,28 @@ Texts textsOf(const std::string& catalogPath) {
     return texts;
 }
 
+// What is not translated: names, and words that another language has too.
+bool isSameInEnglish(const std::string& text) {
+    static const std::set<std::string> kSame{"Varnholt Technologies",
+                                             "Data access for Unix and Linux",
+                                             "Varnholt ODBC Administrator",
+                                             "Step API",
+                                             "OK",
+                                             "Date",
+                                             "Description",
+                                             "Filter",
+                                             "Name",
+                                             "Port",
+                                             "Server",
+                                             "Server: %1",
+                                             "Socket",
+                                             "Version",
+                                             "%1 (%2)",
+                                             "%1: %2",
+                                             "%1 %2"};
+    return text.size() == 1 || kSame.count(text) > 0;
+}
+
 TEST(CatalogsTest, EveryNumberHasATextInEveryLanguage) {
     std::map<std::string, std::set<int>> declared = declaredNumbers();
     ASSERT_EQ(declared.size(), 4U);
@@ -83,6 +105,7 @@ TEST(CatalogsTest, EveryNumberHasATextInEveryLanguage) {
                 written.insert(number);
                 EXPECT_TRUE(!text.empty() && text.size() <= (number == 7300 || number == 7301 ? 49 : 511)) << number;
                 const bool hasLines = space == std::string("DoctorMessage") && number >= 100;
+                EXPECT_TRUE(text != english.at(number) || language == "en_US" || isSameInEnglish(text)) << number;
                 EXPECT_EQ(markersOf(text, hasLines), markersOf(english.at(number), hasLines)) << number << text;
             }
             EXPECT_EQ(written, declared[space]);
