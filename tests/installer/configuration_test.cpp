@@ -76,14 +76,15 @@ TEST_F(ConfigurationTest, ReadingFollowsOtherPrograms) {
 
 TEST_F(ConfigurationTest, TheReaderTellsOfOneTextWhatTheLibraryDoes) {
     const auto longest = "[S]\nk=" + std::string(997, 'v') + "\n";
-    const Names texts{
-        "", "[S]\nk = a = b \n# c\n;c\n\nj=[x] \"y\" #z\nempty=\n[ODBC Data Sources]\nk=v\n[t]\nk=1\n", longest,
-        // Not plain from here on.
-        longest.substr(0, 7) + longest.substr(5), "[S]\nk=v", "[S]\nk\n", "[S]\n=v\nj=1\n", "[S]\n k=v\n",
-        "[S]\r\nk=v\r\n", "[S]\nk=\vv\n", "[S]\nk=v\0w\n"s, "[S]\nk=1\nj=2\nK=3\n", "[S]\nk=1\n[t]\n[s]\nj=2\n",
-        "k=v\n[S]\nk=v\n", " [S]\nk=v\n", "[S] x\nk=v\n", "[S\nk=v\n", "[ S]\nk=v\n", "[x]\n[]\nk=v\n", "[S]]\nk=v\n"};
+    const Names texts{"", "[S]\nk = a = b \n# c\n;c\n\nj=[x] \"y\" #z\nempty=\n[ODBC Data Sources]\nk=v\n[t]\nk=1\n",
+                      longest, "[S]\nk=v",
+                      // Not plain from here on.
+                      longest.substr(0, 7) + longest.substr(5), "[S]\nk\n", "[S]\n=v\nj=1\n", "[S]\n k=v\n",
+                      "[S]\r\nk=v\r\n", "[S]\nk=\vv\n", "[S]\nk=v\0w\n"s, "[S]\nk=1\nj=2\nK=3\n",
+                      "[S]\nk=1\n[t]\n[s]\nj=2\n", "k=v\n[S]\nk=v\n", " [S]\nk=v\n", "[S] x\nk=v\n", "[S\nk=v\n",
+                      "[ S]\nk=v\n", "[x]\n[]\nk=v\n", "[S]]\nk=v\n"};
     for (const std::string& text : texts) {
-        EXPECT_EQ(installer::isPlain(text), &text - texts.data() < 3) << text;
+        EXPECT_EQ(installer::isPlain(text), &text - texts.data() < 4) << text;
         files.write(OdbcFiles::kUser, text);
         for (const std::string& file : {std::string(installer::kDataSourceFile), files.path(OdbcFiles::kUser)}) {
             installer::ConfigurationReader reader(file);
