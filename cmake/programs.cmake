@@ -16,6 +16,11 @@ endif()
 install(CODE [[
   get_filename_component(prefix "${CMAKE_INSTALL_PREFIX}" ABSOLUTE)
   set(tree "$ENV{DESTDIR}${prefix}")
+  # Where cpack puts a tree is no place that anybody knows later: what finds its way from there says where it would usually be.
+  if(prefix MATCHES "/_CPack_Packages/")
+    set(isPacked TRUE)
+    set(prefix /opt/varnholt)
+  endif()
 ]])
 if(VARNHOLT_SYSTEM_PACKAGE)
   install(CODE "set(tree \"\${tree}/lib/varnholt-odbcadmin\")\nset(prefix /usr/lib/varnholt-odbcadmin)")

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "bos/host.h"
+#include "components/component.h"
 #include "installer/configuration.h"
 #include "installer/configuration_change.h"
 #include "installer/drivers.h"
@@ -187,14 +188,22 @@ int main(int argc, char** argv) {
         say(stderr, catalogText(Message::kRegisterForUser, {installer::driverFilePath()}));
         return kBadUse;
     }
-    if (arguments == Drivers{"--remove"}) {
-        return removeOwn();
+    if (contains(arguments, "--version")) {
+        say(stdout, std::string("odbcadmin-register ") + kProductVersion);
+        return 0;
     }
-    if (std::any_of(arguments.begin(), arguments.end(),
-                    [](const std::string& argument) { return argument.starts_with('-'); })) {
+    const bool isRemoval = arguments == Drivers{"--remove"};
+    if (!isRemoval && std::any_of(arguments.begin(), arguments.end(),
+                                  [](const std::string& argument) { return argument.starts_with('-'); })) {
         const bool isAsked = contains(arguments, "--help");
         say(isAsked ? stdout : stderr, catalogText(Message::kRegisterUsage));
         return isAsked ? 0 : kBadUse;
     }
-    return registerDrivers(arguments);
+    // To the library such a file looks like one without drivers.
+    if (const std::optional<installer::ChangeFailure> failure =
+            installer::findReadFailure(installer::driverFilePath())) {
+        say(stderr, changeReport(*failure));
+        return kFailed;
+    }
+    return isRemoval ? removeOwn() : registerDrivers(arguments);
 }

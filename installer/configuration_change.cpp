@@ -70,6 +70,19 @@ bool keepFirstText(const FileText& old, const DirectoryLock& lock) {
 
 }  // namespace
 
+std::optional<ChangeFailure> findReadFailure(const std::string& path) {
+    const PrivateFile copy;
+    FileText file;
+    if (!copy || !readFile(followLinks(path), file) || !copy.write(file.text)) {
+        return ChangeFailure{ChangeFailure::kSystem, path, errno};
+    }
+    const int line = findFirstLine(file.text);
+    if (line == 0 || rewriteByLibrary(copy.path())) {
+        return std::nullopt;
+    }
+    return ChangeFailure{ChangeFailure::kBadLine, path, 0, line};
+}
+
 ConfigurationChange::ConfigurationChange() : path_(dataSourcePath()), isDataSourceFile_(true) {}
 
 ConfigurationChange::ConfigurationChange(const std::string& path, bool startsAnew)

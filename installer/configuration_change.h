@@ -35,6 +35,10 @@ struct ChangeFailure {
     std::string copy{};
 };
 
+// Why no change of the file `path` can be made, as far as its text tells: the library can't read it, and would find
+// nothing there.
+[[nodiscard]] std::optional<ChangeFailure> findReadFailure(const std::string& path);
+
 class ConfigurationChange {
 public:
     // A change of the file in which the library has data sources in its present mode (SQLSetConfigMode): the user's, or

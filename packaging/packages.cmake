@@ -41,12 +41,17 @@ if(VARNHOLT_SYSTEM_PACKAGE)
     /usr /usr/bin /usr/lib /usr/share /usr/share/applications /usr/share/bash-completion
     /usr/share/bash-completion/completions /usr/share/doc /usr/share/icons /usr/share/icons/hicolor /usr/share/lintian
     /usr/share/lintian/overrides /usr/share/man /usr/share/man/man1 /usr/share/man/man5 /usr/share/metainfo)
-  set(CPACK_RPM_PACKAGE_RELOCATABLE OFF)
+  set(CPACK_PACKAGE_RELOCATABLE OFF)
   # Libraries of the tree are not for others, and the drivers below the thin ones are a matter of choice.
   set(CPACK_RPM_PACKAGE_AUTOPROV OFF)
   set(CPACK_RPM_SPEC_MORE_DEFINE "%global __requires_exclude ^(libsqlite3odbc|psqlodbcw|libtdsodbc)[.]so")
-  set(CPACK_RPM_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION}")
+  # A lone dot is Debian's empty line.
+  string(REPLACE "\n.\n" "\n\n" CPACK_RPM_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION}")
   set(CPACK_RPM_PACKAGE_SUMMARY "List, add, configure, test and remove ODBC data sources")
+  foreach(language ${VARNHOLT_LANGUAGES})
+    list(APPEND CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
+      /usr/share/man/${language} /usr/share/man/${language}/man1 /usr/share/man/${language}/man5)
+  endforeach()
   foreach(size 16x16 22x22 24x24 32x32 48x48 64x64 128x128 256x256 scalable)
     list(APPEND CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
       /usr/share/icons/hicolor/${size} /usr/share/icons/hicolor/${size}/apps)

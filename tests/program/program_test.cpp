@@ -294,6 +294,11 @@ TEST_F(ProgramTest, DriversOfDebianGetADialogAndTheOneThatNamesNoneIsRegistered)
     EXPECT_EQ(files.read(OdbcFiles::kDrivers), before + "Setup=" + stage("lib/vhsetup23.so") + "\n");
     outputOf(command + " 'Varnholt SQLite' 'Varnholt PostgreSQL'; " + command + " --remove");
     EXPECT_EQ(files.read(OdbcFiles::kDrivers), before);
+    // ODBC finds no driver in such a file, so nobody could take one out.
+    files.write(OdbcFiles::kDrivers, "x=y\n" + before);
+    const std::string refused = outputOf(command + " --remove; echo $?");
+    EXPECT_TRUE(refused.find("its line 1.") != std::string::npos && refused.ends_with("\n1\n")) << refused;
+    files.write(OdbcFiles::kDrivers, before);
     start();
     press(XK_a);
     waitFor("Create a New Data Source", true);
