@@ -63,10 +63,23 @@ std::optional<std::size_t> insertedRow(const Rows& before, const Rows& rows) {
     }
     const auto differing = std::mismatch(before.names.begin(), before.names.end(), rows.names.begin()).first;
     const auto row = static_cast<std::size_t>(differing - before.names.begin());
-    Rows without = rows;
-    without.names.erase(without.names.begin() + static_cast<std::ptrdiff_t>(row));
-    without.drivers.erase(without.drivers.begin() + static_cast<std::ptrdiff_t>(row));
-    return without == before ? std::optional(row) : std::nullopt;
+    const auto areAlikeButFor = [row](const std::vector<std::string>& fewer, const std::vector<std::string>& more) {
+        const auto place = static_cast<std::ptrdiff_t>(row);
+        return std::equal(fewer.begin(), fewer.begin() + place, more.begin()) &&
+               std::equal(fewer.begin() + place, fewer.end(), more.begin() + place + 1, more.end());
+    };
+    return areAlikeButFor(before.names, rows.names) && areAlikeButFor(before.drivers, rows.drivers) ? std::optional(row)
+                                                                                                    : std::nullopt;
+}
+
+// The lists have lost this row, from 0.
+void forgetRow(std::size_t row, const std::string& name) {
+    if (!Shown || row >= Shown->names.size() || Shown->names[row] != name) {
+        Shown.reset();
+        return;
+    }
+    Shown->names.erase(Shown->names.begin() + static_cast<std::ptrdiff_t>(row));
+    Shown->drivers.erase(Shown->drivers.begin() + static_cast<std::ptrdiff_t>(row));
 }
 
 // Reads names and drivers and fills the lists; false after the error that ends the program was shown.
@@ -94,6 +107,7 @@ bool fillLists(Widget nameList, Widget driverList) {
     if (rows == Shown) {
         return true;
     }
+    // An empty list has widths of its own.
     const std::optional<std::size_t> row = Shown && !Shown->names.empty() ? insertedRow(*Shown, rows) : std::nullopt;
     if (row) {
         insertRow(nameList, static_cast<int>(*row) + 1, rows.names[*row]);
@@ -262,8 +276,7 @@ void RemoveUserDsn(Widget /*widget*/, XtPointer dsnName, XtPointer /*callData*/)
         if (row) {
             deleteRow(LstUDesc, *row);
             deleteRow(LstUName, *row);
-            // They are read anew when they are filled next.
-            Shown.reset();
+            forgetRow(static_cast<std::size_t>(*row - 1), static_cast<const char*>(dsnName));
         }
         DataSources.fit();
         explain();

@@ -208,7 +208,9 @@ bool measureChanges(const Row& row, std::vector<Change>& changes) {
         change.times.push_back(timeOf(proxy, false, [&] { person.key(change.confirmed, change.modifier); }));
     }
     const std::string after = files.read(OdbcFiles::kUser);
-    return after.find("[data source 1a]") != std::string::npos && after.find("[data source 0]") == std::string::npos;
+    const auto hasTime = [](const Change& change) { return change.times.back() > 0; };
+    return after.find("[data source 1a]") != std::string::npos && after.find("[data source 0]") == std::string::npos &&
+           std::all_of(changes.begin(), changes.end(), hasTime);
 }
 
 // Turns the pages of an administrator with so many data sources by its keys: for each, what it takes from the exposure
@@ -273,7 +275,7 @@ int main(int argc, char** argv) {
     }
     const std::vector<double> pages = turnPages(rows[kThousand], 5);
     const std::vector<Change> changes{{"Add", XK_a, {XK_space, XK_Return, "data source 1a"}, XK_Return},
-                                      {"Configure", XK_g, {XK_Tab, "d"}, XK_Return},
+                                      {"Configure", XK_g, {XK_Tab, XK_End, "x"}, XK_Return},
                                       {"Remove", XK_r, {}, XK_y, XK_Alt_L}};
     std::vector<Change> withTen = changes;
     std::vector<Change> withThousand = changes;

@@ -28,6 +28,7 @@ public:
 
     // Begins anew to look for what the program draws after an exposure, or from now on.
     void watch(bool fromExposure) {
+        exposed_ = 0;
         drawn_ = 0;
         exposed_ = fromExposure ? 0 : now();
     }

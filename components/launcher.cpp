@@ -73,9 +73,9 @@ std::string cacheFolder() {
     return valueOf("XDG_CACHE_HOME", valueOf("HOME", "") + "/.cache") + "/varnholt-odbcadmin";
 }
 
-// At each start Xlib reads half a megabyte of key sequences for its input method, a quarter of what a start takes,
-// unless there is a folder where it may keep what it makes of them, closed to all others (Compose(5)). For root it
-// keeps nothing.
+// At each start Xlib reads half a megabyte of key sequences for its input method, which is much of a start, unless
+// there is a folder where it may keep what it makes of them, closed to all others (Compose(5)). For root it keeps
+// nothing.
 void keepKeySequences() {
     const std::string folder = cacheFolder() + "/compose";
     if (std::getenv("XCOMPOSECACHE") != nullptr || geteuid() == 0 ||

@@ -64,9 +64,9 @@ NameList ConfigurationReader::listKeys(const std::string& section, Growth growth
 
 // The value in the section that was asked for last. Many ask for one value of a long section, and to put it in order
 // takes longer than to go through it once.
-std::string_view ConfigurationReader::find(const std::string& key) {
-    if (values_.empty() && !isAsked_) {
-        isAsked_ = true;
+std::string_view ConfigurationReader::valueInSection(const std::string& key) {
+    if (values_.empty() && !wasAsked_) {
+        wasAsked_ = true;
         const auto found = std::find_if(entries_.begin(), entries_.end(),
                                         [&key](const IniLine& entry) { return sameName(entry.name, key); });
         return found == entries_.end() ? std::string_view() : found->value;
@@ -88,9 +88,9 @@ std::string ConfigurationReader::readValue(const std::string& section, const std
         section_ = section;
         entries_ = entriesIn(sectionIn(*text_, section));
         values_.clear();
-        isAsked_ = false;
+        wasAsked_ = false;
     }
-    return std::string(find(key).substr(0, size - 1));
+    return std::string(valueInSection(key).substr(0, size - 1));
 }
 
 std::vector<Attribute> ConfigurationReader::readSection(const std::string& section) {

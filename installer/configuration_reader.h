@@ -27,7 +27,7 @@ public:
     [[nodiscard]] std::vector<Attribute> readSection(const std::string& section);
 
 private:
-    std::string_view find(const std::string& key);
+    std::string_view valueInSection(const std::string& key);
 
     std::string file_;
     std::optional<std::string> text_;  // A plain one.
@@ -35,7 +35,7 @@ private:
     std::optional<std::string> section_;
     std::vector<IniLine> entries_;
     std::unordered_map<std::string, std::string_view> values_;
-    bool isAsked_ = false;
+    bool wasAsked_ = false;
 };
 
 // Key and value of each line of `section`, in file order; none for a section that is missing or can't be read.

@@ -83,7 +83,8 @@ std::vector<std::string_view> splitLines(std::string_view text) {
 std::vector<std::string_view> splitSections(std::string_view text) {
     std::vector<std::string_view> sections;
     std::size_t begin = 0;
-    for (std::size_t at = text.find('['); at != std::string_view::npos; at = text.find('[', at + 1)) {
+    // Only the first "[" of a line can begin a header.
+    for (std::size_t at = text.find('['); at != std::string_view::npos; at = text.find('[', text.find('\n', at))) {
         const std::size_t line = at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
         if (line > begin && trimmedView(text.substr(line, at - line)).empty()) {
             sections.push_back(text.substr(begin, line - begin));

@@ -30,7 +30,7 @@ bool comesBefore(std::string_view a, std::string_view b) {
     return order != 0 ? order < 0 : a.size() < b.size();
 }
 
-// Sorts them, unless their hashes tell already.
+// Whether a name is there twice. May change their order.
 bool hasTwice(std::vector<std::string_view>& names) {
     // Most sections have a few keys, of different lengths.
     constexpr std::size_t kFew = 12;

@@ -9,10 +9,10 @@
 
 namespace installer {
 
-// Whether the text has no line that anybody could read in more ways than one: only whole lines that are empty,
-// comments,
-// "[section]" and "key=value", none of them too long, no control character, and no name twice. Then parseIniLine() says
-// of each line what the library makes of it. The last plain text is known again at once.
+// Whether the text has no line that anybody could read in more ways than one: only lines, of which the last may be
+// open, that are empty, comments, "[section]" and "key=value", none of them too long, no control character, and no name
+// twice. Then parseIniLine() says of each line what the library makes of it. What is a control character depends on the
+// locale, which has to be set before. The last plain text is kept, and known again at once.
 [[nodiscard]] bool isPlain(std::string_view text);
 
 // The lines of `section` in a plain text, its header included; empty when there is none. They are a plain text

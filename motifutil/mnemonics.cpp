@@ -122,6 +122,10 @@ bool canBeMnemonic(wchar_t character) {
 }
 
 std::optional<std::size_t> bracketedLetter(const std::wstring& label) {
+    // Elsewhere it may be a unit.
+    if (std::none_of(label.begin(), label.end(), isEastAsian)) {
+        return {};
+    }
     const auto isLatinCapital = [](wchar_t character) { return character >= L'A' && character <= L'Z'; };
     for (std::size_t place = 2; place + 1 < label.size(); ++place) {
         if (label[place - 1] == L'(' && isLatinCapital(label[place]) && label[place + 1] == L')' &&

@@ -65,25 +65,18 @@ Texts textsOf(const std::string& catalogPath) {
 }
 
 // What is not translated: names, and words that another language has too.
-bool isSameInEnglish(const std::string& text) {
-    static const std::set<std::string> kSame{"Varnholt Technologies",
-                                             "Data access for Unix and Linux",
-                                             "Varnholt ODBC Administrator",
-                                             "Step API",
-                                             "OK",
-                                             "Date",
-                                             "Description",
-                                             "Filter",
-                                             "Name",
-                                             "Port",
-                                             "Server",
-                                             "Server: %1",
-                                             "Socket",
-                                             "Version",
-                                             "%1 (%2)",
-                                             "%1: %2",
-                                             "%1 %2"};
-    return text.size() == 1 || kSame.count(text) > 0;
+bool isSameInEnglish(const std::string& text, const std::string& language) {
+    static const std::set<std::string> kNames{"Varnholt Technologies",
+                                              "Data access for Unix and Linux",
+                                              "Varnholt ODBC Administrator",
+                                              "Step API",
+                                              "OK",
+                                              "%1 (%2)",
+                                              "%1: %2",
+                                              "%1 %2"};
+    static const std::set<std::string> kWords{"Date",   "Description", "Filter", "Name",   "Port",
+                                              "Server", "Server: %1",  "Socket", "Version"};
+    return text.size() == 1 || kNames.count(text) > 0 || (language != "ja" && kWords.count(text) > 0);
 }
 
 TEST(CatalogsTest, EveryNumberHasATextInEveryLanguage) {
@@ -105,7 +98,8 @@ TEST(CatalogsTest, EveryNumberHasATextInEveryLanguage) {
                 written.insert(number);
                 EXPECT_TRUE(!text.empty() && text.size() <= (number == 7300 || number == 7301 ? 49 : 511)) << number;
                 const bool hasLines = space == std::string("DoctorMessage") && number >= 100;
-                EXPECT_TRUE(text != english.at(number) || language == "en_US" || isSameInEnglish(text)) << number;
+                EXPECT_TRUE(text != english.at(number) || language == "en_US" || isSameInEnglish(text, language))
+                    << number << text;
                 EXPECT_EQ(markersOf(text, hasLines), markersOf(english.at(number), hasLines)) << number << text;
             }
             EXPECT_EQ(written, declared[space]);
