@@ -83,7 +83,15 @@ TEST_F(UserDsnPageTest, BothListsSelectTheSameRowAndKeepItsPosition) {
     files.write(OdbcFiles::kUser, "[ODBC Data Sources]\n0=R\n"s + &kThree[20]);
     populateUserDSN(LstUName, LstUDesc);
     EXPECT_EQ(rows(LstUName), (Rows{"0", "abc", "ABD", "Zone"}));
+    EXPECT_EQ(rows(LstUDesc), (Rows{"R", "Recorder", "Other", "Recorder"}));
     expectSelected(2);
+    // After a removal the lists follow what others write, too.
+    click(BtnRemove);
+    answer("OK");
+    EXPECT_EQ(rows(LstUDesc), (Rows{"R", "Other", "Recorder"}));
+    files.write(OdbcFiles::kUser, "[ODBC Data Sources]\n");
+    populateUserDSN(LstUName, LstUDesc);
+    EXPECT_EQ(rows(LstUName), Rows());
 }
 
 TEST_F(UserDsnPageTest, RemoveAsksAndLeavesAnEmptyPageThatTakesNeitherConfigureNorRemove) {
