@@ -31,9 +31,10 @@ void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
                   nullptr);
 }
 
-// Does what gives the list so many rows more, and shows as many more. Where it gets higher or lower it is drawn again
-// then; before, Motif would draw each of its rows, in sight or not, and with a thousand of them that is half of what a
-// change takes.
+// Does what gives the list so many rows more, and lets it show as many more. XmListAddItem and XmListDeletePos draw
+// each row that the list shows, in sight or not, which is half of what a change among a thousand takes; and a list
+// whose height changes is drawn again anyway. So, for as long as they work, the record (Motif 2.3.8) says that it shows
+// none, which the resource can't be set to.
 template <typename Change>
 void changeRows(Widget list, int more, const Change& change) {
     int count = 0;
