@@ -1,9 +1,12 @@
 #include "motifutil/characters.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cwchar>
 #include <cwctype>
+#include <iterator>
+#include <utility>
 
 std::vector<Character> split(const std::string& text) {
     std::vector<Character> characters;
@@ -43,8 +46,12 @@ std::string bytesOf(const std::wstring& characters) {
 }
 
 bool isEastAsian(wchar_t character) {
-    // From the radicals on, in Unicode.
-    return character >= 0x2E80;
+    // Radicals to Hangul, compatibility ideographs and forms, full and half width, and the planes of ideographs.
+    constexpr std::pair<wchar_t, wchar_t> kRanges[] = {
+        {0x2E80, 0xD7FF}, {0xF900, 0xFAFF}, {0xFE30, 0xFE4F}, {0xFF00, 0xFFEF}, {0x20000, 0x3FFFF}};
+    return std::any_of(std::begin(kRanges), std::end(kRanges), [character](const auto& range) {
+        return character >= range.first && character <= range.second;
+    });
 }
 
 std::wstring lowerCase(const std::string& text) {

@@ -16,7 +16,7 @@ struct Character {
 // Values as bytes; those that the locale has no bytes for are left out.
 [[nodiscard]] std::string bytesOf(const std::wstring& characters);
 
-// Whether the character is of a script that is written without blanks, or goes with one. An input method types it.
+// Whether the character is of East Asia, where a line may end between most of them. An input method types it.
 [[nodiscard]] bool isEastAsian(wchar_t character);
 
 // In lower case, for comparisons.

@@ -18,8 +18,9 @@ bool isSimple(const std::string& text) {
 // what closes or follows begins none, and what opens ends none.
 bool canBreak(wchar_t before, wchar_t after) {
     constexpr std::wstring_view kNotFirst =
-        L"、。，．・：；？！ー々」』）】〕ぁぃぅぇぉっゃゅょァィゥェォッャュョ)]}.,:;?!";
-    constexpr std::wstring_view kNotLast = L"「『（【〔([{";
+        L"、。，．・：；？！ー〜…‥々ゝゞヽヾ゛゜％」』）】〕〉》〗ぁぃぅぇぉっゃゅょゎァィゥェォッャュョヮヵヶ)]}.,:;?"
+        L"!";
+    constexpr std::wstring_view kNotLast = L"「『（【〔〈《〖([{";
     return (isEastAsian(before) || isEastAsian(after)) && before != L' ' &&
            kNotFirst.find(after) == std::wstring_view::npos && kNotLast.find(before) == std::wstring_view::npos;
 }
