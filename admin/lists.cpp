@@ -18,6 +18,11 @@ int visibleRows(Widget list, int count) {
     return std::clamp(count, 1, mostRows(list));
 }
 
+// What a list shows of a text; of an empty one a row that can be seen.
+XmStringPtr rowString(const std::string& text) {
+    return compoundString(text.empty() ? " " : text);
+}
+
 void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
     std::vector<XmString> items;
     items.reserve(rows.size() + 1);
@@ -67,8 +72,7 @@ std::vector<char*> pointersTo(const std::vector<std::string>& rows) {
 void populateList(Widget list, char** strings, int count) {
     std::vector<XmStringPtr> rows;
     for (int i = 0; i < count; ++i) {
-        const bool isEmpty = strings[i] == nullptr || strings[i][0] == '\0';
-        rows.push_back(compoundString(isEmpty ? " " : strings[i]));
+        rows.push_back(rowString(strings[i] == nullptr ? "" : strings[i]));
     }
     setItems(list, rows);
 }
@@ -119,7 +123,7 @@ std::string rowText(Widget list, int position) {
 
 void insertRow(Widget list, int position, const std::string& text) {
     giveFonts(list);
-    const XmStringPtr row = compoundString(text.empty() ? " " : text);
+    const XmStringPtr row = rowString(text);
     changeRows(list, 1, [&] { XmListAddItemUnselected(list, row.get(), position); });
 }
 

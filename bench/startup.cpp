@@ -132,19 +132,6 @@ void waitForQuiet(const XProxy& proxy) {
     } while (proxy.quietTime() < kQuietTime);
 }
 
-// What keys do to a program in front of which this proxy stands, in milliseconds from there, or from the first
-// exposure that it causes, to the last request; 0 when nothing comes.
-double timeOf(XProxy& proxy, bool fromExposure, const std::function<void()>& pressKeys) {
-    proxy.watch(fromExposure);
-    pressKeys();
-    const Clock::time_point end = Clock::now() + milliseconds(5000);
-    while (proxy.drawingTime() == 0 && Clock::now() < end) {
-        std::this_thread::sleep_for(milliseconds(1));
-    }
-    waitForQuiet(proxy);
-    return proxy.drawingTime();
-}
-
 // One start; false when no window comes.
 bool measure(Row& row) {
     const OdbcFiles files;
@@ -176,6 +163,46 @@ bool measure(Row& row) {
     return watcher.sees(UnmapNotify) || watcher.sees(DestroyNotify);
 }
 
+// A person before an administrator, whose requests pass through a proxy.
+class Session {
+public:
+    explicit Session(const Row& row) {
+        writeConfiguration(files_, row);
+        environment_.set("DISPLAY", proxy_.display());
+        program_ = std::make_unique<Program>(row.command);
+        isUp_ = watcher_.sees(MapNotify);
+        if (isUp_) {
+            waitForQuiet(proxy_);
+        }
+    }
+
+    bool isUp() const { return isUp_; }
+    XPerson& person() { return person_; }
+    std::string userFile() const { return files_.read(OdbcFiles::kUser); }
+
+    // What keys do, in milliseconds from there, or from the first exposure that they cause, to the last request; 0 when
+    // nothing comes.
+    double timeOf(bool fromExposure, const std::function<void()>& pressKeys) {
+        proxy_.watch(fromExposure);
+        pressKeys();
+        const Clock::time_point end = Clock::now() + milliseconds(5000);
+        while (proxy_.drawingTime() == 0 && Clock::now() < end) {
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+        waitForQuiet(proxy_);
+        return proxy_.drawingTime();
+    }
+
+private:
+    const OdbcFiles files_;
+    XPerson person_;
+    Watcher watcher_;
+    ScopedEnvironment environment_{};
+    XProxy proxy_{std::getenv("DISPLAY"), milliseconds(0)};
+    std::unique_ptr<Program> program_;
+    bool isUp_ = false;
+};
+
 // What is done to a list of data sources, by keys: from the one that confirms it to the page that is right again.
 struct Change {
     const char* name;
@@ -188,26 +215,19 @@ struct Change {
 
 // Adds, configures and removes a data source among those of an administrator. False when it did not.
 bool measureChanges(const Row& row, std::vector<Change>& changes) {
-    const OdbcFiles files;
-    writeConfiguration(files, row);
-    XPerson person;
-    Watcher watcher;
-    ScopedEnvironment environment{};
-    XProxy proxy(std::getenv("DISPLAY"), milliseconds(0));
-    environment.set("DISPLAY", proxy.display());
-    const Program program(row.command);
-    if (!watcher.sees(MapNotify)) {
+    Session session(row);
+    if (!session.isUp()) {
         return false;
     }
-    waitForQuiet(proxy);
+    XPerson& person = session.person();
     for (Change& change : changes) {
-        timeOf(proxy, false, [&] { person.key(change.letter, XK_Alt_L); });
+        session.timeOf(false, [&] { person.key(change.letter, XK_Alt_L); });
         for (const Input& step : change.steps) {
-            timeOf(proxy, false, [&] { person.enter({step}); });
+            session.timeOf(false, [&] { person.enter({step}); });
         }
-        change.times.push_back(timeOf(proxy, false, [&] { person.key(change.confirmed, change.modifier); }));
+        change.times.push_back(session.timeOf(false, [&] { person.key(change.confirmed, change.modifier); }));
     }
-    const std::string after = files.read(OdbcFiles::kUser);
+    const std::string after = session.userFile();
     const auto hasTime = [](const Change& change) { return change.times.back() > 0; };
     return after.find("[data source 1a]") != std::string::npos && after.find("[data source 0]") == std::string::npos &&
            std::all_of(changes.begin(), changes.end(), hasTime);
@@ -216,20 +236,10 @@ bool measureChanges(const Row& row, std::vector<Change>& changes) {
 // Turns the pages of an administrator with so many data sources by its keys: for each, what it takes from the exposure
 // to the drawn page.
 std::vector<double> turnPages(const Row& row, int pages) {
-    const OdbcFiles files;
-    writeConfiguration(files, row);
-    XPerson person;
-    Watcher watcher;
-    ScopedEnvironment environment{};
-    XProxy proxy(std::getenv("DISPLAY"), milliseconds(0));
-    environment.set("DISPLAY", proxy.display());
-    const Program program(row.command);
+    Session session(row);
     std::vector<double> times;
-    if (watcher.sees(MapNotify)) {
-        waitForQuiet(proxy);
-        for (int page = 0; page < pages; ++page) {
-            times.push_back(timeOf(proxy, true, [&] { person.key(XK_Next, XK_Control_L); }));
-        }
+    for (int page = 0; session.isUp() && page < pages; ++page) {
+        times.push_back(session.timeOf(true, [&] { session.person().key(XK_Next, XK_Control_L); }));
     }
     return times;
 }

@@ -82,15 +82,8 @@ IniView viewOf(std::string_view text) {
 }
 
 std::size_t refusedLine(std::string_view text) {
-    std::size_t number = 0;
-    for (const std::string_view line : installer::splitLines(text)) {
-        ++number;
-        const std::string_view said = installer::trimmedView(line);
-        if (!said.empty() && said.front() != '#' && said.front() != ';') {
-            return line.front() == '[' ? 0 : number;
-        }
-    }
-    return 0;
+    const std::size_t line = installer::findFirstLine(text);
+    return line == 0 || installer::splitLines(text)[line - 1].front() == '[' ? 0 : line;
 }
 
 std::string nearest(std::string_view name, const std::vector<std::string>& names, bool hasParts) {

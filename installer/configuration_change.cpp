@@ -33,13 +33,10 @@ bool isReadWhole(const std::string& text) {
            std::none_of(lines.begin(), lines.end(), [](std::string_view line) { return line.size() > kLongestLine; });
 }
 
-// The first line that says something, from 1; the library can read a file only when that begins a section.
-int findFirstLine(const std::string& text) {
-    const std::vector<std::string_view> lines = splitLines(text);
-    const auto first = std::find_if(lines.begin(), lines.end(), [](std::string_view line) {
-        return parseIniLine(line).kind != IniLineKind::kNothing;
-    });
-    return first == lines.end() ? 0 : static_cast<int>(first - lines.begin()) + 1;
+// The line for which the library reads nothing of this text, which stands in `file`; 0 when it reads it.
+int findUnreadableLine(std::string_view text, const std::string& file) {
+    const std::size_t line = findFirstLine(text);
+    return line == 0 || rewriteByLibrary(file) ? 0 : static_cast<int>(line);
 }
 
 std::string normalized(const IniLine& line) {
@@ -76,11 +73,8 @@ std::optional<ChangeFailure> findReadFailure(const std::string& path) {
     if (!copy || !readFile(followLinks(path), file) || !copy.write(file.text)) {
         return ChangeFailure{ChangeFailure::kSystem, path, errno};
     }
-    const int line = findFirstLine(file.text);
-    if (line == 0 || rewriteByLibrary(copy.path())) {
-        return std::nullopt;
-    }
-    return ChangeFailure{ChangeFailure::kBadLine, path, 0, line};
+    const int line = findUnreadableLine(file.text, copy.path());
+    return line == 0 ? std::nullopt : std::optional(ChangeFailure{ChangeFailure::kBadLine, path, 0, line});
 }
 
 ConfigurationChange::ConfigurationChange() : path_(dataSourcePath()), isDataSourceFile_(true) {}
@@ -203,9 +197,9 @@ std::optional<ChangeFailure> ConfigurationChange::make(std::span<const Step> ste
     for (const Step& step : steps) {
         apply(step, edited);
         if (!applyByLibrary(step, file)) {
-            const int line = findFirstLine(before);
-            return line == 0 || rewriteByLibrary(file) ? ChangeFailure{ChangeFailure::kRefused, path_}
-                                                       : ChangeFailure{ChangeFailure::kBadLine, path_, 0, line};
+            const int line = findUnreadableLine(before, file);
+            return line == 0 ? ChangeFailure{ChangeFailure::kRefused, path_}
+                             : ChangeFailure{ChangeFailure::kBadLine, path_, 0, line};
         }
     }
     std::string judged;
@@ -248,15 +242,19 @@ struct ConfigurationChange::Division {
     std::string others;
 };
 
+bool ConfigurationChange::anyNames(std::span<const Step> steps, std::string_view section) {
+    return std::any_of(steps.begin(), steps.end(),
+                       [section](const Step& step) { return sameName(step.section, section); });
+}
+
 // The sections that the steps can change in a plain text: those that they name, and the ones before, which get what
 // remains of one that is removed.
 std::vector<std::string> ConfigurationChange::findChangeable(std::string_view plainText, std::span<const Step> steps) {
     std::vector<std::string> changeable;
     std::string_view before;
     for (const std::string_view section : splitSections(plainText)) {
-        const std::string_view name = parseIniLine(section.substr(0, section.find('\n'))).name;
-        if (std::any_of(steps.begin(), steps.end(),
-                        [name](const Step& step) { return sameName(step.section, name); })) {
+        const std::string_view name = parseFirstLine(section).name;
+        if (anyNames(steps, name)) {
             changeable.emplace_back(before);
             changeable.emplace_back(name);
         }
@@ -270,25 +268,26 @@ ConfigurationChange::Division ConfigurationChange::divide(std::string_view plain
                                                           const std::vector<std::string>& changeable) {
     Division division;
     for (const std::string_view section : splitSections(plainText)) {
-        const IniLine header = parseIniLine(section.substr(0, section.find('\n')));
+        const IniLine header = parseFirstLine(section);
         const std::string name(header.name);
-        const bool isNamed =
-            std::any_of(steps.begin(), steps.end(), [&name](const Step& step) { return sameName(step.section, name); });
         const auto isThis = [&name](const std::string& other) { return sameName(other, name); };
-        if (header.kind == IniLineKind::kSection && !isNamed &&
-            std::none_of(changeable.begin(), changeable.end(), isThis)) {
+        if (header.kind == IniLineKind::kSection && std::none_of(changeable.begin(), changeable.end(), isThis)) {
             division.others.append(trimmedView(section)).append("\n");
             continue;
         }
+        const bool isNamed = anyNames(steps, name);
         for (const std::string_view text : splitLines(section)) {
             const IniLine line = parseIniLine(text);
-            const bool isMeantByAny = isNamed && std::any_of(steps.begin(), steps.end(), [&](const Step& step) {
-                                          return isMeant(step, name, line);
-                                      });
-            if (line.kind == IniLineKind::kSection || isMeantByAny) {
+            if (line.kind == IniLineKind::kSection) {
                 (isNamed ? division.meant : division.others) += text;
             } else if (line.kind == IniLineKind::kEntry) {
-                division.others.append(isNamed ? name : "").append("]").append(text);
+                const bool isMeantByAny = std::any_of(steps.begin(), steps.end(),
+                                                      [&](const Step& step) { return isMeant(step, name, line); });
+                if (isMeantByAny) {
+                    division.meant += text;
+                } else {
+                    division.others.append(isNamed ? name : "").append("]").append(text);
+                }
             }
         }
     }

@@ -75,6 +75,7 @@ private:
     static bool apply(const Step& step, IniText& text);
     static bool applyByLibrary(const Step& step, const std::string& file);
     static bool isMeant(const Step& step, const std::string& section, const IniLine& line);
+    static bool anyNames(std::span<const Step> steps, std::string_view section);
     static std::vector<std::string> findChangeable(std::string_view plainText, std::span<const Step> steps);
     static Division divide(std::string_view plainText, std::span<const Step> steps,
                            const std::vector<std::string>& changeable);

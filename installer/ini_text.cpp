@@ -97,18 +97,26 @@ std::vector<std::string_view> splitSections(std::string_view text) {
     return sections;
 }
 
+IniLine parseFirstLine(std::string_view lines) {
+    return parseIniLine(lines.substr(0, lines.find('\n')));
+}
+
+std::size_t findFirstLine(std::string_view text) {
+    const std::vector<std::string_view> lines = splitLines(text);
+    const auto first = std::find_if(lines.begin(), lines.end(), [](std::string_view line) {
+        return parseIniLine(line).kind != IniLineKind::kNothing;
+    });
+    return first == lines.end() ? 0 : static_cast<std::size_t>(first - lines.begin()) + 1;
+}
+
 IniText::Line::Line(std::string_view lines) : text(lines) {
-    const IniLine parsed = parseIniLine(firstLine());
+    const IniLine parsed = parseFirstLine(text);
     kind = parsed.kind;
     hash = kind == IniLineKind::kNothing ? 0 : hashOfName(parsed.name);
 }
 
-std::string_view IniText::Line::firstLine() const {
-    return std::string_view(text).substr(0, text.find('\n'));
-}
-
 bool IniText::Line::isHeaderOf(std::string_view section, std::size_t sectionHash) const {
-    return kind == IniLineKind::kSection && hash == sectionHash && sameName(parseIniLine(firstLine()).name, section);
+    return kind == IniLineKind::kSection && hash == sectionHash && sameName(parseFirstLine(text).name, section);
 }
 
 bool IniText::Line::isEntryOf(std::string_view key, std::size_t keyHash) const {

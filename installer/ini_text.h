@@ -41,7 +41,6 @@ private:
     // through all of them.
     struct Line {
         explicit Line(std::string_view lines);
-        std::string_view firstLine() const;
         bool isHeaderOf(std::string_view section, std::size_t sectionHash) const;
         bool isEntryOf(std::string_view key, std::size_t keyHash) const;
 
@@ -69,5 +68,12 @@ std::vector<std::string_view> splitLines(std::string_view text);
 
 // The same for the sections, each with its header; the first is what stands before the first header, if anything does.
 std::vector<std::string_view> splitSections(std::string_view text);
+
+// What the first of these lines says.
+IniLine parseFirstLine(std::string_view lines);
+
+// The number of the first line that says something, from 1; 0 when none does. The library reads a file only when that
+// line begins a section.
+std::size_t findFirstLine(std::string_view text);
 
 }  // namespace installer

@@ -1,11 +1,10 @@
 #include "installer/plain_text.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <limits>
+#include <unordered_set>
 
 #include "installer/configuration.h"
 
@@ -25,13 +24,7 @@ ByteTable oddBytes() {
     return table;
 }
 
-bool comesBefore(std::string_view a, std::string_view b) {
-    const int order = strncasecmp(a.data(), b.data(), std::min(a.size(), b.size()));
-    return order != 0 ? order < 0 : a.size() < b.size();
-}
-
-// Whether a name is there twice. May change their order.
-bool hasTwice(std::vector<std::string_view>& names) {
+bool hasTwice(const std::vector<std::string_view>& names) {
     // Most sections have a few keys, of different lengths.
     constexpr std::size_t kFew = 12;
     if (names.size() <= kFew) {
@@ -42,14 +35,10 @@ bool hasTwice(std::vector<std::string_view>& names) {
         }
         return false;
     }
-    std::vector<std::size_t> hashes(names.size());
-    std::transform(names.begin(), names.end(), hashes.begin(), hashOfName);
-    std::sort(hashes.begin(), hashes.end());
-    if (std::adjacent_find(hashes.begin(), hashes.end()) == hashes.end()) {
-        return false;
-    }
-    std::sort(names.begin(), names.end(), comesBefore);
-    return std::adjacent_find(names.begin(), names.end(), sameName) != names.end();
+    std::unordered_set<std::string_view, decltype(&hashOfName), decltype(&sameName)> seen(names.size(), hashOfName,
+                                                                                          sameName);
+    return !std::all_of(names.begin(), names.end(),
+                        [&seen](std::string_view name) { return seen.insert(name).second; });
 }
 
 // The name in a header; empty when that is not just a name in brackets.
@@ -108,19 +97,13 @@ bool isPlain(std::string_view text) {
 }
 
 std::string_view sectionIn(std::string_view plainText, std::string_view section) {
-    std::size_t start = std::string_view::npos;
-    for (std::size_t at = plainText.find('['); at != std::string_view::npos; at = plainText.find('[', at + 1)) {
-        if (at > 0 && plainText[at - 1] != '\n') {
-            continue;
-        }
-        if (start != std::string_view::npos) {
-            return plainText.substr(start, at - start);
-        }
-        if (sameName(plainText.substr(at + 1, plainText.find(']', at) - at - 1), section)) {
-            start = at;
+    for (const std::string_view part : splitSections(plainText)) {
+        const IniLine header = parseFirstLine(part);
+        if (header.kind == IniLineKind::kSection && sameName(header.name, section)) {
+            return part;
         }
     }
-    return start == std::string_view::npos ? std::string_view() : plainText.substr(start);
+    return {};
 }
 
 std::vector<IniLine> entriesIn(std::string_view plainText) {
