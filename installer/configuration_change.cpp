@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <iterator>
 #include <set>
 
 #include "installer/configuration.h"
@@ -247,16 +248,17 @@ bool ConfigurationChange::anyNames(std::span<const Step> steps, std::string_view
                        [section](const Step& step) { return sameName(step.section, section); });
 }
 
-// The sections that the steps can change in a plain text: those that they name, and the ones before, which get what
-// remains of one that is removed.
+// The sections that the steps can change in a plain text: those that they name, there or not yet, and the ones before,
+// which get what remains of one that is removed.
 std::vector<std::string> ConfigurationChange::findChangeable(std::string_view plainText, std::span<const Step> steps) {
     std::vector<std::string> changeable;
+    std::transform(steps.begin(), steps.end(), std::back_inserter(changeable),
+                   [](const Step& step) { return step.section; });
     std::string_view before;
     for (const std::string_view section : splitSections(plainText)) {
         const std::string_view name = parseFirstLine(section).name;
         if (anyNames(steps, name)) {
             changeable.emplace_back(before);
-            changeable.emplace_back(name);
         }
         before = name;
     }
