@@ -1,13 +1,15 @@
 #include "admin/lists.h"
 
-#include <Xm/ListP.h>
+#include <Xm/List.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "admin/exchange_sort.h"
 #include "admin/tall_rows.h"
+#include "motifutil/long_list.h"
 #include "motifutil/script_fonts.h"
 #include "motifutil/widgets.h"
 
@@ -36,12 +38,8 @@ void setItems(Widget list, const std::vector<XmStringPtr>& rows) {
                   nullptr);
 }
 
-// Does what gives the list so many rows more, and lets it show as many more. XmListAddItem and XmListDeletePos draw
-// each row that the list shows, in sight or not, which is half of what a change among a thousand takes; and a list
-// whose height changes is drawn again anyway. So, for as long as they work, the record (Motif 2.3.8) says that it shows
-// none, which the resource can't be set to.
-template <typename Change>
-void changeRows(Widget list, int more, const Change& change) {
+// Does what gives the list so many rows more, and lets it show as many more.
+void changeRows(Widget list, int more, const std::function<void()>& change) {
     int count = 0;
     int visible = 0;
     XtVaGetValues(list, XmNitemCount, &count, XmNvisibleItemCount, &visible, nullptr);
@@ -50,10 +48,7 @@ void changeRows(Widget list, int more, const Change& change) {
         change();
         return;
     }
-    auto* record = reinterpret_cast<XmListWidget>(list);
-    record->list.visibleItemCount = 0;
-    change();
-    record->list.visibleItemCount = visible;
+    changeUndrawn(list, change);
     XtVaSetValues(list, XmNvisibleItemCount, visibleAfter, nullptr);
 }
 

@@ -19,6 +19,7 @@
 
 #include "motifutil/catalog_text.h"
 #include "motifutil/characters.h"
+#include "motifutil/long_list.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
@@ -255,7 +256,7 @@ Widget createScrolledWindow(Widget parent, const char* name) {
 Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc acted,
                   unsigned char sizePolicy) {
     // Browse selection: the callbacks that keep parallel lists in step are those of this policy.
-    Widget list = made(XtVaCreateManagedWidget(name, xmListWidgetClass, parent, XmNselectionPolicy, XmBROWSE_SELECT,
+    Widget list = made(XtVaCreateManagedWidget(name, longListClass(), parent, XmNselectionPolicy, XmBROWSE_SELECT,
                                                XmNlistSizePolicy, sizePolicy, nullptr));
     if (selected != nullptr) {
         XtAddCallback(list, XmNbrowseSelectionCallback, selected, nullptr);

@@ -1,5 +1,7 @@
 #include "tests/support/window_test.h"
 
+#include <Xm/ListP.h>
+
 #include <sys/stat.h>
 
 #include <random>
@@ -249,6 +251,34 @@ TEST_F(UserDsnPageTest, NamesInScriptsThatTheFontLacksAreDrawnAndActed) {
     clickRow(LstUName, 1);
     click(BtnConfigure);
     EXPECT_EQ(calls(), call(2, "Recorder", "DSN=ä名前\0Driver=Recorder\0\0"s));
+}
+
+TEST_F(UserDsnPageTest, OfManyRowsTheExposedOnesAreDrawnAsWithAllOfThem) {
+    std::string list = "[ODBC Data Sources]\n";
+    for (int i = 0; i < 300; ++i) {
+        list += "n" + std::to_string(1000 + i) + "=d\n";
+    }
+    openWith(list);
+    const auto image = [area = placeOf(ScrWinLists)] {
+        Display* display = XtDisplay(LstUName);
+        XImage* pixels =
+            XGetImage(display, DefaultRootWindow(display), area.x, area.y, static_cast<unsigned>(area.width),
+                      static_cast<unsigned>(area.height), AllPlanes, ZPixmap);
+        const std::string bytes(pixels->data, static_cast<std::size_t>(pixels->bytes_per_line * pixels->height));
+        XDestroyImage(pixels);
+        return bytes;
+    };
+    for (const KeySym toRow : {XK_Next, XK_End, XK_Prior, XK_Up, XK_Home}) {
+        key(toRow);
+        const int inSight = placeOf(ScrWinLists).y - placeOf(LstUName).y;
+        XClearArea(XtDisplay(LstUName), XtWindow(LstUName), 0, inSight + 30, 0, 150, True);
+        settle();
+        const std::string exposed = image();
+        XClearWindow(XtDisplay(LstUName), XtWindow(LstUName));
+        EXPECT_TRUE(image() != exposed);
+        xmListClassRec.core_class.expose(LstUName, nullptr, nullptr);
+        EXPECT_TRUE(image() == exposed) << XKeysymToString(toRow);
+    }
 }
 
 TEST_F(UserDsnPageTest, RowsBeyondTheHighestWindowAreReachedByEveryWay) {
