@@ -1,7 +1,7 @@
 // Tells what libraries say of themselves. Each is loaded in a process of its own: whatever the library does to a
 // process, it does to that one. Which ones, and how it answers, tells components/inquiry_server.h. The three texts are
 // "ConfigDSN" for a setup library and nothing for any other, the version, and the company; what the library prints
-// becomes a complaint.
+// becomes a complaint. Behind them stand the files that decide the answer, and an empty text.
 #include <dlfcn.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -16,6 +16,7 @@
 #include <string>
 
 #include "components/inquiry_server.h"
+#include "components/kept_answers.h"
 #include "components/odbc_version.h"
 #include "motifutil/component_functions.h"
 
@@ -52,6 +53,12 @@ void describe(const std::string& path, int answer) {
     }
     told = tell(answer, version) && tell(answer, company == nullptr ? "" : company) && told;
     // Nothing of the library runs any more.
+    std::string files;
+    for (const std::string& file : decidingFiles()) {
+        files.append(file).push_back('\0');
+    }
+    files.push_back('\0');
+    told = write(answer, files.data(), files.size()) == static_cast<ssize_t>(files.size()) && told;
     _exit(told ? 0 : 1);
 }
 

@@ -12,11 +12,16 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <deque>
 #include <list>
+#include <sstream>
 #include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
+
+#include "components/kept_answers.h"
 
 namespace {
 
@@ -28,7 +33,8 @@ constexpr std::chrono::milliseconds kBusyTime(200);
 constexpr std::ptrdiff_t kMostBusy = 8;
 constexpr std::size_t kMostProcesses = 100;
 
-constexpr std::size_t kMostAnswer = 4096;
+constexpr std::ptrdiff_t kTexts = 3;
+constexpr std::size_t kMostAnswer = 65536;
 constexpr std::size_t kMostPrinted = 300;
 
 // Both ends are closed in every program that is started; what is to be kept there is duplicated.
@@ -73,10 +79,24 @@ private:
     std::array<int, 2> ends_{-1, -1};
 };
 
+// Behind the three texts; the end when they are not all there.
+std::size_t endOfTexts(std::string_view answer) {
+    std::size_t end = 0;
+    for (std::ptrdiff_t count = 0; count < kTexts; ++count) {
+        const std::size_t next = answer.find('\0', end);
+        if (next == std::string_view::npos) {
+            return answer.size();
+        }
+        end = next + 1;
+    }
+    return end;
+}
+
 // What is told of a library.
 struct Answer {
-    std::string texts;  // As the process that asked it wrote them.
+    std::string texts;  // Three, each with its end.
     std::string complaint;
+    std::vector<std::string> files;  // That decide it; none when they are not all known.
 };
 
 // One library and the process that asks it, which ends with this.
@@ -88,6 +108,7 @@ public:
     Inquiry& operator=(const Inquiry&) = delete;
 
     const std::string& path() const { return path_; }
+    std::time_t beginDate() const { return beginDate_; }
     void watch(std::vector<pollfd>& watched) const {
         // A closed one is negative, which poll passes over.
         watched.push_back({answer_.input(), POLLIN, 0});
@@ -101,8 +122,9 @@ public:
     bool isOver(Clock::time_point now) {
         printed_.readInto(printedText_, kMostPrinted);
         const bool isEnd = answer_.readInto(answerText_, kMostAnswer);
-        isLate_ = !isEnd && !isComplete() && now >= begin_ + kPatience;
-        return isEnd || isComplete() || isLate_;
+        const bool isLate = !isEnd && now >= begin_ + kPatience;
+        isLate_ = isLate && !isComplete();
+        return isEnd || isWhole() || isLate;
     }
 
     // Ends the process, if it has not ended itself. The answer is what has come until then.
@@ -111,12 +133,18 @@ public:
 private:
     void start(Describe* describe);
     std::string complaint() const;
-    bool isComplete() const { return std::count(answerText_.begin(), answerText_.end(), '\0') >= 3; }
+    bool isComplete() const { return std::count(answerText_.begin(), answerText_.end(), '\0') >= kTexts; }
+    // With the names of the files.
+    bool isWhole() const { return files().ends_with(std::string_view("\0\0", 2)); }
+    std::string_view files() const { return std::string_view(answerText_).substr(endOfTexts(answerText_)); }
+    std::string texts() const;
+    std::vector<std::string> decidingFiles() const;
     bool hasVersion() const { return isComplete() && answerText_[answerText_.find('\0') + 1] != '\0'; }
     std::string reason() const;
 
     std::string path_;
     Clock::time_point begin_;
+    std::time_t beginDate_ = std::time(nullptr);
     Pipe answer_;
     Pipe printed_;
     pid_t process_ = -1;
@@ -157,7 +185,26 @@ Answer Inquiry::finish() {
         process_ = -1;
         printed_.readInto(printedText_, kMostPrinted);
     }
-    return {answerText_, complaint()};
+    return {texts(), complaint(), decidingFiles()};
+}
+
+// A version alone is none.
+std::string Inquiry::texts() const {
+    if (isComplete()) {
+        return answerText_.substr(0, endOfTexts(answerText_));
+    }
+    return answerText_.substr(0, answerText_.find('\0')) + std::string(kTexts, '\0');
+}
+
+std::vector<std::string> Inquiry::decidingFiles() const {
+    std::vector<std::string> names;
+    if (isWhole()) {
+        std::istringstream all{std::string(files())};
+        for (std::string name; std::getline(all, name, '\0') && !name.empty();) {
+            names.push_back(name);
+        }
+    }
+    return names;
 }
 
 std::string Inquiry::reason() const {
@@ -203,6 +250,7 @@ public:
             takeAnswers();
             send();
         }
+        kept_.save();
     }
 
 private:
@@ -230,8 +278,13 @@ private:
         isOver_ = count == 0;
         incoming_.append(part.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
         for (std::size_t end = 0; (end = incoming_.find('\0')) != std::string::npos;) {
-            waiting_.push_back(incoming_.substr(0, end));
+            std::string path = incoming_.substr(0, end);
             incoming_.erase(0, end + 1);
+            if (const std::string* texts = kept_.find(path)) {
+                tell(path, "", *texts);
+            } else {
+                waiting_.push_back(std::move(path));
+            }
         }
     }
     void takeAnswers() {
@@ -239,33 +292,31 @@ private:
         for (auto inquiry = running_.begin(); inquiry != running_.end();) {
             if (inquiry->isOver(now)) {
                 const Answer answer = inquiry->finish();
-                toSend_.append(inquiry->path()).push_back('\0');
-                toSend_.append(answer.complaint).push_back('\0');
-                toSend_ += threeTexts(answer.texts);
+                tell(inquiry->path(), answer.complaint, answer.texts);
+                if (answer.complaint.empty()) {
+                    kept_.keep(inquiry->path(), answer.texts, answer.files, inquiry->beginDate());
+                }
                 inquiry = running_.erase(inquiry);
             } else {
                 ++inquiry;
             }
         }
     }
-    // Three with their ends, of those that came; a version alone is none.
-    static std::string threeTexts(const std::string& texts) {
-        constexpr std::ptrdiff_t kTexts = 3;
-        if (std::count(texts.begin(), texts.end(), '\0') >= kTexts) {
-            std::size_t end = 0;
-            for (std::ptrdiff_t count = 0; count < kTexts; ++count) {
-                end = texts.find('\0', end) + 1;
-            }
-            return texts.substr(0, end);
-        }
-        return texts.substr(0, texts.find('\0')) + std::string(kTexts, '\0');
+    void tell(const std::string& path, const std::string& complaint, const std::string& texts) {
+        toSend_.append(path).push_back('\0');
+        toSend_.append(complaint).push_back('\0');
+        toSend_ += texts;
     }
     void send() {
+        if (toSend_.empty()) {
+            return;  // Nobody may be there to read it.
+        }
         const ssize_t count = write(STDOUT_FILENO, toSend_.data(), toSend_.size());
         toSend_.erase(0, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
 
     Describe* describe_;
+    KeptAnswers kept_;
     bool isOver_ = false;
     std::string incoming_;
     std::string toSend_;

@@ -4,11 +4,13 @@
 
 #include <string>
 
-// Loads the library at `path`, writes three texts to the descriptor `answer`, each with a zero byte behind it, and ends
-// the process. Called in a process of its own, which may end in any way.
+// Loads the library at `path`, writes three texts to the descriptor `answer`, then the names of the files that decide
+// them and an empty text, each with a zero byte behind it, and ends the process. Called in a process of its own, which
+// may end in any way.
 using Describe = void(const std::string& path, int answer);
 
 // Takes paths from standard input, each with a zero byte behind it, until that ends, and writes for each to standard
 // output: the path, a complaint (one line, empty when all is well) and the three texts, each with a zero byte behind
-// it, in the order in which they come. One that takes longer than two seconds is given up.
+// it, in the order in which they come. One that takes longer than two seconds is given up. An answer without a
+// complaint is kept (components/kept_answers.h), and the library is not loaded again as long as it holds.
 void serveInquiries(Describe* describe);

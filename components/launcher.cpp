@@ -5,21 +5,15 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-namespace {
+#include "components/cache_folder.h"
 
-// The path without its last parts.
-std::string above(const std::string& path, int parts = 1) {
-    std::string::size_type end = path.size();
-    for (; parts > 0 && end != std::string::npos; --parts) {
-        end = path.rfind('/', end - 1);
-    }
-    return path.substr(0, end);
-}
+namespace {
 
 std::string ownPath() {
     std::array<char, PATH_MAX> path{};
@@ -32,11 +26,6 @@ std::string modules() {
     Dl_info place{};
     const bool isFound = dladdr(reinterpret_cast<void*>(SQLAllocHandle), &place) != 0 && *place.dli_fname == '/';
     return isFound ? ":" + above(place.dli_fname) + "/odbc" : "";
-}
-
-std::string valueOf(const char* name, const std::string& otherwise) {
-    const char* value = std::getenv(name);
-    return value == nullptr || *value == '\0' ? otherwise : value;
 }
 
 // The tree's own settings, with the help of the language whose texts are shown; the names of locales are those of
@@ -61,45 +50,18 @@ std::string readText(const std::string& path) {
     return text;
 }
 
-void makeFolder(const std::string& path) {
-    if (access(path.c_str(), F_OK) != 0 && path.size() > 1) {
-        makeFolder(above(path));
-        mkdir(path.c_str(), 0777);
-    }
-}
-
-// What is kept for this person between two runs.
-std::string cacheFolder() {
-    return valueOf("XDG_CACHE_HOME", valueOf("HOME", "") + "/.cache") + "/varnholt-odbcadmin";
-}
-
 // At each start Xlib reads half a megabyte of key sequences for its input method, which is much of a start, unless
 // there is a folder where it may keep what it makes of them, closed to all others (Compose(5)). For root it keeps
 // nothing.
 void keepKeySequences() {
-    const std::string folder = cacheFolder() + "/compose";
     if (std::getenv("XCOMPOSECACHE") != nullptr || geteuid() == 0 ||
         access((valueOf("HOME", "") + "/.compose-cache").c_str(), F_OK) == 0) {
         return;
     }
-    makeFolder(above(folder));
-    mkdir(folder.c_str(), S_IRWXU);
-    if (access(folder.c_str(), F_OK) == 0) {
-        setenv("XCOMPOSECACHE", folder.c_str(), 1);
-    }
-}
-
-// Writes the whole file or nothing.
-void writeText(const std::string& path, const std::string& text) {
-    makeFolder(above(path));
-    const std::string part = path + "." + std::to_string(getpid());
-    FILE* file = std::fopen(part.c_str(), "w");
-    if (file == nullptr) {
-        return;
-    }
-    const bool isWritten = std::fputs(text.c_str(), file) >= 0;
-    if (std::fclose(file) != 0 || !isWritten || std::rename(part.c_str(), path.c_str()) != 0) {
-        std::remove(part.c_str());
+    const std::string folder = cacheFolder();
+    const std::string sequences = folder + "/compose";
+    if (!folder.empty() && (mkdir(sequences.c_str(), S_IRWXU) == 0 || errno == EEXIST)) {
+        setenv("XCOMPOSECACHE", sequences.c_str(), 1);
     }
 }
 
@@ -122,9 +84,9 @@ std::string settleTree(const std::string& tree, const std::string& settings) {
         }
     }
     const bool isOurs = access(above(settings).c_str(), W_OK) == 0;
-    std::string place = isOurs ? settings : cacheFolder() + "/odbcinst.ini";
-    writeText(place, text.substr(1));
-    return place;
+    const std::string folder = isOurs ? above(settings) : cacheFolder();
+    std::string place = isOurs ? settings : folder + "/odbcinst.ini";
+    return !folder.empty() && writeWhole(place, text.substr(1)) ? place : settings;
 }
 
 }  // namespace

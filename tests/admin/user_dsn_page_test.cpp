@@ -268,7 +268,7 @@ TEST_F(UserDsnPageTest, OfManyRowsTheExposedOnesAreDrawnAsWithAllOfThem) {
         XDestroyImage(pixels);
         return bytes;
     };
-    for (const KeySym toRow : {XK_Next, XK_End, XK_Prior, XK_Up, XK_Home}) {
+    for (const KeySym toRow : std::initializer_list<KeySym>{XK_Next, XK_End, XK_Prior, XK_Up, XK_Home}) {
         key(toRow);
         const int inSight = placeOf(ScrWinLists).y - placeOf(LstUName).y;
         XClearArea(XtDisplay(LstUName), XtWindow(LstUName), 0, inSight + 30, 0, 150, True);

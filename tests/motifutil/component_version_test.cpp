@@ -10,9 +10,11 @@
 #include <csignal>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 #include "kvlib/error_keeper.h"
 #include "motifutil/component_inquiry.h"
+#include "tests/support/child_process.h"
 #include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
@@ -103,6 +105,36 @@ TEST(ComponentInquiryTest, NothingThatALibraryDoesKeepsTheOthersFromAnswering) {
     std::filesystem::copy_file(VH_TEST_NO_COMPANY, folder.path("new"));
     std::filesystem::rename(folder.path("new"), folder.path("good.so"));
     EXPECT_EQ(inquire({libraries[2]}).first, "|7.1");
+}
+
+TEST(ComponentInquiryTest, AnAnswerIsKeptUntilOneOfItsFilesChanges) {
+    const TemporaryFolder folder;
+    const std::string library = folder.path("lib.so");
+    const ScopedEnvironment environment{{"XDG_CACHE_HOME", folder.path("cache")}, {"KVLIB", folder.path("drivers")}};
+    // In a run of its own, where the library would tell this version now.
+    const auto ask = [&library](const char* version) {
+        return runInChild([&library, version] {
+            setenv("VH_TEST_VERSION", version, 1);
+            return std::atoi(askComponents({library})[0].version.c_str());
+        });
+    };
+    std::filesystem::copy_file(VH_TEST_BAD_COMPONENT, library);
+    EXPECT_EQ(ask("1"), 1);
+    EXPECT_EQ(ask("2"), 2) << "the file may change once more within one step of the clock";
+    std::this_thread::sleep_for(std::chrono::seconds(3));
+    EXPECT_EQ(ask("3"), 3);
+    EXPECT_EQ(ask("4"), 3);
+    std::filesystem::create_directory(folder.path("drivers"));
+    EXPECT_EQ(ask("5"), 5) << "what it needs may be found elsewhere";
+    std::filesystem::remove(folder.path("drivers"));
+    EXPECT_EQ(ask("6"), 3);
+    const char* kept = "cache/varnholt-odbcadmin/components";
+    folder.write(kept, folder.read(kept).substr(0, folder.read(kept).size() - 20));
+    EXPECT_EQ(ask("7"), 7);
+    EXPECT_EQ(ask("8"), 7);
+    std::filesystem::copy_file(VH_TEST_BAD_COMPONENT, folder.path("new"));
+    std::filesystem::rename(folder.path("new"), library);
+    EXPECT_EQ(ask("10"), 10);
 }
 
 TEST(ComponentInquiryTest, DriversOfDebianTellTheirVersionsByTheirOdbcFunctions) {
