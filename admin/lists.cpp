@@ -9,7 +9,7 @@
 
 #include "admin/exchange_sort.h"
 #include "admin/tall_rows.h"
-#include "motifutil/long_list.h"
+#include "motifutil/exposed_rows.h"
 #include "motifutil/script_fonts.h"
 #include "motifutil/widgets.h"
 

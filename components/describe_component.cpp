@@ -18,6 +18,7 @@
 #include "components/inquiry_server.h"
 #include "components/kept_answers.h"
 #include "components/odbc_version.h"
+#include "components/zero_ended.h"
 #include "motifutil/component_functions.h"
 
 namespace {
@@ -52,13 +53,14 @@ void describe(const std::string& path, int answer) {
         endWithoutVersion(library, path.c_str());
     }
     told = tell(answer, version) && tell(answer, company == nullptr ? "" : company) && told;
-    // Nothing of the library runs any more.
+    // Last: only now all is loaded that the answer took.
     std::string files;
     for (const std::string& file : decidingFiles()) {
-        files.append(file).push_back('\0');
+        appendText(files, file);
     }
-    files.push_back('\0');
+    appendText(files, "");
     told = write(answer, files.data(), files.size()) == static_cast<ssize_t>(files.size()) && told;
+    // Nothing of the library runs any more.
     _exit(told ? 0 : 1);
 }
 

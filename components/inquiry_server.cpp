@@ -15,13 +15,12 @@
 #include <ctime>
 #include <deque>
 #include <list>
-#include <sstream>
 #include <string_view>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 #include "components/kept_answers.h"
+#include "components/zero_ended.h"
 
 namespace {
 
@@ -33,7 +32,7 @@ constexpr std::chrono::milliseconds kBusyTime(200);
 constexpr std::ptrdiff_t kMostBusy = 8;
 constexpr std::size_t kMostProcesses = 100;
 
-constexpr std::ptrdiff_t kTexts = 3;
+// Texts, and the names of some hundred files: with more the answer is not kept.
 constexpr std::size_t kMostAnswer = 65536;
 constexpr std::size_t kMostPrinted = 300;
 
@@ -79,22 +78,9 @@ private:
     std::array<int, 2> ends_{-1, -1};
 };
 
-// Behind the three texts; the end when they are not all there.
-std::size_t endOfTexts(std::string_view answer) {
-    std::size_t end = 0;
-    for (std::ptrdiff_t count = 0; count < kTexts; ++count) {
-        const std::size_t next = answer.find('\0', end);
-        if (next == std::string_view::npos) {
-            return answer.size();
-        }
-        end = next + 1;
-    }
-    return end;
-}
-
 // What is told of a library.
 struct Answer {
-    std::string texts;  // Three, each with its end.
+    std::vector<std::string> texts;
     std::string complaint;
     std::vector<std::string> files;  // That decide it; none when they are not all known.
 };
@@ -108,7 +94,7 @@ public:
     Inquiry& operator=(const Inquiry&) = delete;
 
     const std::string& path() const { return path_; }
-    std::time_t beginDate() const { return beginDate_; }
+    std::time_t askedAt() const { return askedAt_; }
     void watch(std::vector<pollfd>& watched) const {
         // A closed one is negative, which poll passes over.
         watched.push_back({answer_.input(), POLLIN, 0});
@@ -121,7 +107,7 @@ public:
     // Takes what has come. True when nothing more is waited for.
     bool isOver(Clock::time_point now) {
         printed_.readInto(printedText_, kMostPrinted);
-        const bool isEnd = answer_.readInto(answerText_, kMostAnswer);
+        const bool isEnd = takeAnswer();
         const bool isLate = !isEnd && now >= begin_ + kPatience;
         isLate_ = isLate && !isComplete();
         return isEnd || isWhole() || isLate;
@@ -132,19 +118,21 @@ public:
 
 private:
     void start(Describe* describe);
+    bool takeAnswer() {
+        const bool isEnd = answer_.readInto(answerText_, kMostAnswer);
+        told_ = splitTexts(answerText_);
+        return isEnd;
+    }
     std::string complaint() const;
-    bool isComplete() const { return std::count(answerText_.begin(), answerText_.end(), '\0') >= kTexts; }
+    bool isComplete() const { return told_.size() >= kAnswerTexts; }
     // With the names of the files.
-    bool isWhole() const { return files().ends_with(std::string_view("\0\0", 2)); }
-    std::string_view files() const { return std::string_view(answerText_).substr(endOfTexts(answerText_)); }
-    std::string texts() const;
-    std::vector<std::string> decidingFiles() const;
-    bool hasVersion() const { return isComplete() && answerText_[answerText_.find('\0') + 1] != '\0'; }
+    bool isWhole() const { return told_.size() > kAnswerTexts && told_.back().empty(); }
+    bool hasVersion() const { return isComplete() && !told_[1].empty(); }
     std::string reason() const;
 
     std::string path_;
     Clock::time_point begin_;
-    std::time_t beginDate_ = std::time(nullptr);
+    std::time_t askedAt_ = std::time(nullptr);
     Pipe answer_;
     Pipe printed_;
     pid_t process_ = -1;
@@ -152,6 +140,7 @@ private:
     int status_ = 0;
     bool isLate_ = false;
     std::string answerText_;
+    std::vector<std::string> told_;  // Of that, texts and then files.
     std::string printedText_;
 };
 
@@ -185,26 +174,15 @@ Answer Inquiry::finish() {
         process_ = -1;
         printed_.readInto(printedText_, kMostPrinted);
     }
-    return {texts(), complaint(), decidingFiles()};
-}
-
-// A version alone is none.
-std::string Inquiry::texts() const {
-    if (isComplete()) {
-        return answerText_.substr(0, endOfTexts(answerText_));
-    }
-    return answerText_.substr(0, answerText_.find('\0')) + std::string(kTexts, '\0');
-}
-
-std::vector<std::string> Inquiry::decidingFiles() const {
-    std::vector<std::string> names;
+    Answer answer{told_, complaint(), {}};
     if (isWhole()) {
-        std::istringstream all{std::string(files())};
-        for (std::string name; std::getline(all, name, '\0') && !name.empty();) {
-            names.push_back(name);
-        }
+        answer.files.assign(told_.begin() + kAnswerTexts, told_.end() - 1);
+    } else if (!isComplete()) {
+        // A version alone is none.
+        answer.texts.resize(std::min<std::size_t>(told_.size(), 1));
     }
-    return names;
+    answer.texts.resize(kAnswerTexts);
+    return answer;
 }
 
 std::string Inquiry::reason() const {
@@ -277,24 +255,27 @@ private:
         const ssize_t count = read(STDIN_FILENO, part.data(), part.size());
         isOver_ = count == 0;
         incoming_.append(part.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        for (std::size_t end = 0; (end = incoming_.find('\0')) != std::string::npos;) {
-            std::string path = incoming_.substr(0, end);
-            incoming_.erase(0, end + 1);
+        for (const std::string& path : splitTexts(incoming_)) {
             if (const std::string* texts = kept_.find(path)) {
                 tell(path, "", *texts);
             } else {
-                waiting_.push_back(std::move(path));
+                waiting_.push_back(path);
             }
         }
+        incoming_.erase(0, incoming_.rfind('\0') + 1);
     }
     void takeAnswers() {
         const Clock::time_point now = Clock::now();
         for (auto inquiry = running_.begin(); inquiry != running_.end();) {
             if (inquiry->isOver(now)) {
                 const Answer answer = inquiry->finish();
-                tell(inquiry->path(), answer.complaint, answer.texts);
+                std::string texts;
+                for (const std::string& text : answer.texts) {
+                    appendText(texts, text);
+                }
+                tell(inquiry->path(), answer.complaint, texts);
                 if (answer.complaint.empty()) {
-                    kept_.keep(inquiry->path(), answer.texts, answer.files, inquiry->beginDate());
+                    kept_.keep(inquiry->path(), texts, answer.files, inquiry->askedAt());
                 }
                 inquiry = running_.erase(inquiry);
             } else {
@@ -303,13 +284,14 @@ private:
         }
     }
     void tell(const std::string& path, const std::string& complaint, const std::string& texts) {
-        toSend_.append(path).push_back('\0');
-        toSend_.append(complaint).push_back('\0');
+        appendText(toSend_, path);
+        appendText(toSend_, complaint);
         toSend_ += texts;
     }
     void send() {
         if (toSend_.empty()) {
-            return;  // Nobody may be there to read it.
+            // Where nobody reads any more, even a write of nothing ends the process, and the answers are not saved yet.
+            return;
         }
         const ssize_t count = write(STDOUT_FILENO, toSend_.data(), toSend_.size());
         toSend_.erase(0, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));

@@ -2,42 +2,35 @@
 // it needs takes milliseconds, and each is asked at each start.
 #pragma once
 
-#include <sys/types.h>
-
 #include <ctime>
 #include <map>
 #include <string>
 #include <vector>
 
-// What decides how a library answers which this process has loaded, besides what decides all answers: the loaded files,
-// and the folders of their own where they want the loader to look for others.
+// The files that decide what the libraries loaded in this process answer: those that are loaded, and the folders where
+// the loader, and our stand-ins for drivers, look for them.
 std::vector<std::string> decidingFiles();
 
-// All answers that were kept. An answer holds as long as none of its deciding files has changed.
+// All answers that are kept. Nothing is known when one of the files that decided them has changed since, or the
+// environment, or this program, or when what is kept is damaged.
 class KeptAnswers {
 public:
-    // Nothing of what is kept counts that comes from another person, another version of this program, another
-    // environment or other libraries of the system, or is damaged.
     KeptAnswers();
 
-    // The three texts of the library, each with a zero byte behind it; null when none are known that hold.
+    // The texts that the library told (components/zero_ended.h); null when none are known.
     const std::string* find(const std::string& library) const;
 
-    // Keeps the texts of a library that was asked from `begin` on, unless a file has changed since then.
+    // Keeps the texts of a library that was asked at `askedAt`, unless a file is too new for that.
     void keep(const std::string& library, const std::string& texts, const std::vector<std::string>& files,
-              std::time_t begin);
+              std::time_t askedAt);
 
-    // Writes them for the next run when there is a new one. Those of libraries that are gone go.
+    // Writes them for the next run when there is a new one. What can't be written is asked again then.
     void save() const;
 
 private:
-    struct Kept {
-        std::string texts;
-        std::map<std::string, std::string> states;  // Of each deciding file.
-    };
-    bool read(const std::string& all);
+    bool read(const std::string& path);
 
-    std::string circumstances_;  // What decides all answers.
-    std::map<std::string, Kept> kept_;
+    std::map<std::string, std::string> states_;  // Of all deciding files.
+    std::map<std::string, std::string> answers_;
     bool hasNew_ = false;
 };

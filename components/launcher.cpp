@@ -11,7 +11,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "components/cache_folder.h"
+#include "components/folders.h"
+#include "components/small_files.h"
 
 namespace {
 
@@ -25,29 +26,17 @@ std::string ownPath() {
 std::string modules() {
     Dl_info place{};
     const bool isFound = dladdr(reinterpret_cast<void*>(SQLAllocHandle), &place) != 0 && *place.dli_fname == '/';
-    return isFound ? ":" + above(place.dli_fname) + "/odbc" : "";
+    return isFound ? ":" + parentFolder(place.dli_fname) + "/odbc" : "";
 }
 
 // The tree's own settings, with the help of the language whose texts are shown; the names of locales are those of
 // folders.
 std::string settingsOf(const std::string& tree) {
-    std::string locale = valueOf("LC_MESSAGES", "C");
-    locale = locale == "C" ? valueOf("LANG", "C") : locale;
+    std::string locale = environmentOr("LC_MESSAGES", "C");
+    locale = locale == "C" ? environmentOr("LANG", "C") : locale;
     const std::string own = tree + "/etc/" + locale + "/odbcinst.ini";
     struct stat status {};
     return stat(own.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? own : tree + "/etc/odbcinst.ini";
-}
-
-std::string readText(const std::string& path) {
-    std::string text;
-    if (FILE* file = std::fopen(path.c_str(), "r")) {
-        std::array<char, 4096> part{};
-        while (const std::size_t count = std::fread(part.data(), 1, part.size(), file)) {
-            text.append(part.data(), count);
-        }
-        std::fclose(file);
-    }
-    return text;
 }
 
 // At each start Xlib reads half a megabyte of key sequences for its input method, which is much of a start, unless
@@ -55,7 +44,7 @@ std::string readText(const std::string& path) {
 // nothing.
 void keepKeySequences() {
     if (std::getenv("XCOMPOSECACHE") != nullptr || geteuid() == 0 ||
-        access((valueOf("HOME", "") + "/.compose-cache").c_str(), F_OK) == 0) {
+        access((environmentOr("HOME", "") + "/.compose-cache").c_str(), F_OK) == 0) {
         return;
     }
     const std::string folder = cacheFolder();
@@ -66,10 +55,10 @@ void keepKeySequences() {
 }
 
 // The tree may have been moved: its settings, which say where it stands, are then written anew, in the tree or for this
-// person. Returns where they are.
+// person. Returns where they are; the old ones where they can be written nowhere.
 std::string settleTree(const std::string& tree, const std::string& settings) {
     const std::string key = "\nInstallDir=";
-    std::string text = "\n" + readText(settings);
+    std::string text = "\n" + readFile(settings);
     const std::size_t entry = text.find(key);
     if (entry == std::string::npos || text.find(key + tree + "\n") != std::string::npos) {
         return settings;
@@ -83,28 +72,28 @@ std::string settleTree(const std::string& tree, const std::string& settings) {
             text.replace(at, before.size(), now);
         }
     }
-    const bool isOurs = access(above(settings).c_str(), W_OK) == 0;
-    const std::string folder = isOurs ? above(settings) : cacheFolder();
+    const bool isOurs = access(parentFolder(settings).c_str(), W_OK) == 0;
+    const std::string folder = isOurs ? parentFolder(settings) : cacheFolder();
     std::string place = isOurs ? settings : folder + "/odbcinst.ini";
-    return !folder.empty() && writeWhole(place, text.substr(1)) ? place : settings;
+    return !folder.empty() && writeFile(place, text.substr(1)) ? place : settings;
 }
 
 }  // namespace
 
 int main(int /*argc*/, char** argv) {
     const std::string path = ownPath();
-    const std::string tree = above(path, 2);
+    const std::string tree = parentFolder(path, 2);
     std::string name = path.substr(path.rfind('/') + 1);
     const std::string own = settingsOf(tree);
-    std::string settings = valueOf("ODBCINST", own);
+    std::string settings = environmentOr("ODBCINST", own);
     if (settings == own) {
         settings = settleTree(tree, own);
     }
     setenv("ODBCINST", settings.c_str(), 1);
-    setenv("VH_INSTALLDIR", valueOf("VH_INSTALLDIR", tree).c_str(), 1);
-    setenv("KVLIB", valueOf("KVLIB", tree + "/lib:" + tree + "/lib/setup" + modules()).c_str(), 1);
+    setenv("VH_INSTALLDIR", environmentOr("VH_INSTALLDIR", tree).c_str(), 1);
+    setenv("KVLIB", environmentOr("KVLIB", tree + "/lib:" + tree + "/lib/setup" + modules()).c_str(), 1);
     // The last place where help looks for a browser.
-    setenv("PATH", (valueOf("PATH", "/usr/bin:/bin") + ":" + tree + "/libexec/browser").c_str(), 1);
+    setenv("PATH", (environmentOr("PATH", "/usr/bin:/bin") + ":" + tree + "/libexec/browser").c_str(), 1);
 
     if (name == "odbcadmin") {
         keepKeySequences();

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <iterator>
 #include <set>
 
 #include "installer/configuration.h"
@@ -248,36 +247,35 @@ bool ConfigurationChange::anyNames(std::span<const Step> steps, std::string_view
                        [section](const Step& step) { return sameName(step.section, section); });
 }
 
-// The sections that the steps can change in a plain text: those that they name, there or not yet, and the ones before,
-// which get what remains of one that is removed.
-std::vector<std::string> ConfigurationChange::findChangeable(std::string_view plainText, std::span<const Step> steps) {
-    std::vector<std::string> changeable;
-    std::transform(steps.begin(), steps.end(), std::back_inserter(changeable),
-                   [](const Step& step) { return step.section; });
+// The sections of a plain text before those that the steps name: they get what remains of one that is removed.
+std::vector<std::string> ConfigurationChange::findPreceding(std::string_view plainText, std::span<const Step> steps) {
+    std::vector<std::string> preceding;
     std::string_view before;
     for (const std::string_view section : splitSections(plainText)) {
         const std::string_view name = parseFirstLine(section).name;
         if (anyNames(steps, name)) {
-            changeable.emplace_back(before);
+            preceding.emplace_back(before);
         }
         before = name;
     }
-    return changeable;
+    return preceding;
 }
 
-// Takes the changeable sections apart; of the others blank lines at the end do not count.
+// Takes the sections apart that the steps can change: those that they name, and the preceding ones. Of the others blank
+// lines at the end do not count.
 ConfigurationChange::Division ConfigurationChange::divide(std::string_view plainText, std::span<const Step> steps,
-                                                          const std::vector<std::string>& changeable) {
+                                                          const std::vector<std::string>& preceding) {
     Division division;
     for (const std::string_view section : splitSections(plainText)) {
         const IniLine header = parseFirstLine(section);
         const std::string name(header.name);
         const auto isThis = [&name](const std::string& other) { return sameName(other, name); };
-        if (header.kind == IniLineKind::kSection && std::none_of(changeable.begin(), changeable.end(), isThis)) {
+        const bool isNamed = anyNames(steps, name);
+        if (header.kind == IniLineKind::kSection && !isNamed &&
+            std::none_of(preceding.begin(), preceding.end(), isThis)) {
             division.others.append(trimmedView(section)).append("\n");
             continue;
         }
-        const bool isNamed = anyNames(steps, name);
         for (const std::string_view text : splitLines(section)) {
             const IniLine line = parseIniLine(text);
             if (line.kind == IniLineKind::kSection) {
@@ -307,8 +305,8 @@ bool ConfigurationChange::makeInParts(std::span<const Step> steps, const Private
     IniText edited(text);
     while (!steps.empty()) {
         const std::span<const Step> some = steps.first(std::min(steps.size(), kMostSteps));
-        const std::vector<std::string> changeable = findChangeable(text, some);
-        const Division before = divide(text, some, changeable);
+        const std::vector<std::string> preceding = findPreceding(text, some);
+        const Division before = divide(text, some, preceding);
         std::string part = before.meant;
         if (make(some, copy, part) || !isPlain(part)) {
             return false;
@@ -317,7 +315,7 @@ bool ConfigurationChange::makeInParts(std::span<const Step> steps, const Private
             apply(step, edited);
         }
         text = edited.text();
-        const Division after = divide(text, some, changeable);
+        const Division after = divide(text, some, preceding);
         if (after.others != before.others || asTheLibraryWrites(after.meant) != asTheLibraryWrites(part)) {
             return false;
         }

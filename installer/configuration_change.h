@@ -76,9 +76,9 @@ private:
     static bool applyByLibrary(const Step& step, const std::string& file);
     static bool isMeant(const Step& step, const std::string& section, const IniLine& line);
     static bool anyNames(std::span<const Step> steps, std::string_view section);
-    static std::vector<std::string> findChangeable(std::string_view plainText, std::span<const Step> steps);
+    static std::vector<std::string> findPreceding(std::string_view plainText, std::span<const Step> steps);
     static Division divide(std::string_view plainText, std::span<const Step> steps,
-                           const std::vector<std::string>& changeable);
+                           const std::vector<std::string>& preceding);
     std::vector<Step> stepsFor(const std::string& text) const;
     bool fitsIntoLines() const;
     int findLostLine(const std::string& before, const std::string& after) const;

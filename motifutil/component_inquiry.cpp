@@ -2,7 +2,6 @@
 
 #include <spawn.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,6 +18,7 @@
 
 #include "bos/host.h"
 #include "bos/library.h"
+#include "motifutil/file_state.h"
 
 namespace {
 
@@ -92,18 +92,6 @@ private:
     std::string text_;
 };
 
-// A file as it was when it was asked; all zero for one that is not there.
-using FileState = std::tuple<dev_t, ino_t, off_t, time_t, long, time_t, long>;
-
-FileState stateOf(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0) {
-        return {};
-    }
-    return {status.st_dev,          status.st_ino,         status.st_size,        status.st_mtim.tv_sec,
-            status.st_mtim.tv_nsec, status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
-}
-
 // Everything that was ever asked in this run of the program.
 class Inquiries {
 public:
@@ -111,7 +99,7 @@ public:
     std::string begin(const std::string& library, Complaints complaints) {
         const std::string path = library.empty() ? "" : locateLibrary(library.c_str());
         std::string key = path.empty() ? library : path;
-        const FileState state = stateOf(path);
+        const FileState state = fileState(path);
         const auto [known, isNew] = known_.try_emplace(key);
         if (!isNew && known->second.state == state) {
             return key;

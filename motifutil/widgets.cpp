@@ -19,7 +19,7 @@
 
 #include "motifutil/catalog_text.h"
 #include "motifutil/characters.h"
-#include "motifutil/long_list.h"
+#include "motifutil/exposed_rows.h"
 #include "motifutil/mnemonics.h"
 #include "motifutil/script_fonts.h"
 #include "motifutil/shells.h"
@@ -256,8 +256,8 @@ Widget createScrolledWindow(Widget parent, const char* name) {
 Widget createList(Widget parent, const char* name, XtCallbackProc selected, XtCallbackProc acted,
                   unsigned char sizePolicy) {
     // Browse selection: the callbacks that keep parallel lists in step are those of this policy.
-    Widget list = made(XtVaCreateManagedWidget(name, longListClass(), parent, XmNselectionPolicy, XmBROWSE_SELECT,
-                                               XmNlistSizePolicy, sizePolicy, nullptr));
+    Widget list = made(XtVaCreateManagedWidget(name, exposedRowsListClass(), parent, XmNselectionPolicy,
+                                               XmBROWSE_SELECT, XmNlistSizePolicy, sizePolicy, nullptr));
     if (selected != nullptr) {
         XtAddCallback(list, XmNbrowseSelectionCallback, selected, nullptr);
     }

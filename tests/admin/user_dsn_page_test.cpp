@@ -269,10 +269,10 @@ TEST_F(UserDsnPageTest, OfManyRowsTheExposedOnesAreDrawnAsWithAllOfThem) {
         return bytes;
     };
     for (const KeySym toRow : std::initializer_list<KeySym>{XK_Next, XK_End, XK_Prior, XK_Up, XK_Home}) {
-        key(toRow);
         const int inSight = placeOf(ScrWinLists).y - placeOf(LstUName).y;
         XClearArea(XtDisplay(LstUName), XtWindow(LstUName), 0, inSight + 30, 0, 150, True);
         settle();
+        key(toRow);
         const std::string exposed = image();
         XClearWindow(XtDisplay(LstUName), XtWindow(LstUName));
         EXPECT_TRUE(image() != exposed);

@@ -1,4 +1,4 @@
-#include "motifutil/long_list.h"
+#include "motifutil/exposed_rows.h"
 
 #include <Xm/ListP.h>
 
@@ -7,9 +7,6 @@
 // Motif has no resource for any of this: what is here writes into the record of the list (Motif 2.3.8, ListP.h).
 
 namespace {
-
-// So many are drawn at once anyway.
-constexpr int kFewRows = 100;
 
 XmListRec& recordOf(Widget list) {
     return *reinterpret_cast<XmListRec*>(list);
@@ -29,7 +26,7 @@ void drawExposed(Widget widget, XEvent* event, Region region) {
     // A frame around the whole list.
     const bool hasFrame =
         record.primitive.shadow_thickness > 0 || (list.Traversing != 0 && (keyboard < 0 || keyboard >= shown));
-    if (event == nullptr || event->type != Expose || shown <= kFewRows || hasFrame) {
+    if (event == nullptr || event->type != Expose || shown < 1 || hasFrame) {
         drawAll(widget, event, region);
         return;
     }
@@ -38,12 +35,14 @@ void drawExposed(Widget widget, XEvent* event, Region region) {
     const int first = std::clamp((event->xexpose.y - top) / row - 1, 0, shown - 1);
     const int end = std::clamp((event->xexpose.y + event->xexpose.height - top) / row + 2, first + 1, shown);
 
+    // With BaseY, which drawing takes from the margin, and the next key draws by.
     const XmListPart whole = list;
     const Dimension height = record.core.height;
     list.top_position += first;
     list.visibleItemCount = end - first;
     list.margin_height = static_cast<Dimension>(list.margin_height + first * row);
-    // Motif keeps the margin free below, too, and clears what is left between that and the rows.
+    // Motif keeps the margin free below, too, and clears what is left between that and the rows. Of a list that X
+    // allows twice the height has room here.
     record.core.height = static_cast<Dimension>(2 * (top + first * row) + (end - first) * row - list.spacing);
     list.Traversing = list.Traversing != 0 && keyboard >= first && keyboard < end;
     drawAll(widget, event, region);
@@ -51,7 +50,7 @@ void drawExposed(Widget widget, XEvent* event, Region region) {
     record.core.height = height;
 }
 
-XmListClassRec longListClassRecord() {
+XmListClassRec exposedRowsListClassRecord() {
     XmListClassRec record{};
     CoreClassPart& core = record.core_class;
     core.superclass = xmListWidgetClass;
@@ -74,8 +73,8 @@ XmListClassRec longListClassRecord() {
 
 }  // namespace
 
-WidgetClass longListClass() {
-    static XmListClassRec record = longListClassRecord();
+WidgetClass exposedRowsListClass() {
+    static XmListClassRec record = exposedRowsListClassRecord();
     return reinterpret_cast<WidgetClass>(&record);
 }
 

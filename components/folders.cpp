@@ -1,0 +1,38 @@
+#include "components/folders.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace {
+
+bool makeFolder(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+        return S_ISDIR(status.st_mode) && status.st_uid == geteuid();
+    }
+    return path.size() > 1 && makeFolder(parentFolder(path)) && (mkdir(path.c_str(), S_IRWXU) == 0 || errno == EEXIST);
+}
+
+}  // namespace
+
+std::string environmentOr(const char* name, const std::string& otherwise) {
+    const char* value = std::getenv(name);
+    return value == nullptr || *value == '\0' ? otherwise : value;
+}
+
+std::string parentFolder(const std::string& path, int parts) {
+    std::string::size_type end = path.size();
+    for (; parts > 0 && end != std::string::npos; --parts) {
+        end = path.rfind('/', end - 1);
+    }
+    return path.substr(0, end);
+}
+
+std::string cacheFolder() {
+    const std::string folder =
+        environmentOr("XDG_CACHE_HOME", environmentOr("HOME", "") + "/.cache") + "/varnholt-odbcadmin";
+    return folder.starts_with('/') && makeFolder(folder) ? folder : "";
+}
