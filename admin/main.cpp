@@ -25,6 +25,7 @@
 #include "kvini/install_dir.h"
 #include "kvlib/catalog.h"
 #include "motifutil/catalog_text.h"
+#include "motifutil/component_inquiry.h"
 #include "motifutil/fewer_waits.h"
 #include "motifutil/shells.h"
 
@@ -111,6 +112,7 @@ int main(int argc, char** argv) {
     XSetLocaleModifiers("");
     installer::keepMemoryBetweenReads();
     installer::useUserConfiguration();
+    keepAnswers();
 
     create_shODBCAdmin(display, argv[0], argc, argv);
     if (ShODBCAdmin == nullptr) {

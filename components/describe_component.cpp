@@ -1,7 +1,8 @@
 // Tells what libraries say of themselves. Each is loaded in a process of its own: whatever the library does to a
 // process, it does to that one. Which ones, and how it answers, tells components/inquiry_server.h. The three texts are
 // "ConfigDSN" for a setup library and nothing for any other, the version, and the company; what the library prints
-// becomes a complaint. Behind them stand the files that decide the answer, and an empty text.
+// becomes a complaint. Behind them stand the files that decide the answer, and an empty text. For the administrator
+// (kKeepOption) answers are kept; the commands of an installation leave nothing in anybody's home.
 #include <dlfcn.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -15,11 +16,13 @@
 #include <optional>
 #include <string>
 
+#include "components/folders.h"
 #include "components/inquiry_server.h"
 #include "components/kept_answers.h"
 #include "components/odbc_version.h"
 #include "components/zero_ended.h"
 #include "motifutil/component_functions.h"
+#include "motifutil/component_inquiry.h"
 
 namespace {
 
@@ -66,8 +69,9 @@ void describe(const std::string& path, int answer) {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
     beModest();
     std::setlocale(LC_ALL, "");
-    serveInquiries(describe);
+    const std::string folder = argc > 1 && std::string(argv[1]) == kKeepOption ? cacheFolder() : "";
+    serveInquiries(describe, folder.empty() ? "" : folder + "/components");
 }

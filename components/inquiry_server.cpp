@@ -216,7 +216,7 @@ std::string Inquiry::complaint() const {
 // The paths that come on standard input, and the answers that go to standard output.
 class Server {
 public:
-    explicit Server(Describe* describe) : describe_(describe) {
+    Server(Describe* describe, const std::string& kept) : describe_(describe), kept_(kept) {
         fcntl(STDIN_FILENO, F_SETFL, O_NONBLOCK);
         fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK);
     }
@@ -308,6 +308,6 @@ private:
 
 }  // namespace
 
-void serveInquiries(Describe* describe) {
-    Server(describe).serve();
+void serveInquiries(Describe* describe, const std::string& kept) {
+    Server(describe, kept).serve();
 }

@@ -12,6 +12,6 @@ using Describe = void(const std::string& path, int answer);
 // Takes paths from standard input, each with a zero byte behind it, until that ends, and writes for each to standard
 // output: the path, a complaint (one line, empty when all is well) and the three texts, each with a zero byte behind
 // it, in the order in which they come. One that takes longer than two seconds is given up. An answer without a
-// complaint is kept (components/kept_answers.h), and the library is not loaded again as long as it holds; what is new
-// is written when the input has ended.
-void serveInquiries(Describe* describe);
+// complaint is kept (components/kept_answers.h) in the file at `kept`, unless that is empty, and the library is not
+// loaded again as long as it holds; what is new is written when the input has ended.
+void serveInquiries(Describe* describe, const std::string& kept);

@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "components/folders.h"
 #include "components/small_files.h"
@@ -38,12 +39,6 @@ std::string surroundings() {
         }
     }
     return text;
-}
-
-// Empty where nothing can be kept.
-std::string pathOfKept() {
-    const std::string folder = cacheFolder();
-    return folder.empty() ? "" : folder + "/components";
 }
 
 int addLoaded(dl_phdr_info* object, std::size_t /*size*/, void* files) {
@@ -90,17 +85,16 @@ std::vector<std::string> decidingFiles() {
     return {files.begin(), files.end()};
 }
 
-KeptAnswers::KeptAnswers() {
-    const std::string path = pathOfKept();
-    if (!path.empty() && !read(path)) {
+KeptAnswers::KeptAnswers(std::string path) : path_(std::move(path)) {
+    if (!path_.empty() && !read()) {
         states_.clear();
         answers_.clear();
     }
 }
 
 // False when it is not what save() wrote, or a file has changed since.
-bool KeptAnswers::read(const std::string& path) {
-    const std::vector<std::string> texts = splitTexts(readFile(path));
+bool KeptAnswers::read() {
+    const std::vector<std::string> texts = splitTexts(readFile(path_));
     auto text = texts.begin();
     if (text == texts.end() || *text++ != surroundings()) {
         return false;
@@ -148,8 +142,7 @@ void KeptAnswers::keep(const std::string& library, const std::string& texts, con
 }
 
 void KeptAnswers::save() const {
-    const std::string path = hasNew_ ? pathOfKept() : "";
-    if (path.empty()) {
+    if (path_.empty() || !hasNew_) {
         return;
     }
     std::string all;
@@ -163,5 +156,5 @@ void KeptAnswers::save() const {
         appendText(all, library);
         all += texts;
     }
-    writeFile(path, all);
+    writeFile(path_, all);
 }

@@ -15,7 +15,8 @@ std::vector<std::string> decidingFiles();
 // environment, or this program, or when what is kept is damaged.
 class KeptAnswers {
 public:
-    KeptAnswers();
+    // In the file at `path`; nothing is kept where it is empty.
+    explicit KeptAnswers(std::string path);
 
     // The texts that the library told (components/zero_ended.h); null when none are known.
     const std::string* find(const std::string& library) const;
@@ -28,8 +29,9 @@ public:
     void save() const;
 
 private:
-    bool read(const std::string& path);
+    bool read();
 
+    std::string path_;
     std::map<std::string, std::string> states_;  // Of all deciding files.
     std::map<std::string, std::string> answers_;
     bool hasNew_ = false;

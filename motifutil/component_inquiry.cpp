@@ -30,6 +30,7 @@ public:
     Asker& operator=(const Asker&) = delete;
     Asker() = default;
 
+    void keepAnswers() { keeps_ = true; }
     void ask(const std::string& path) {
         if (process_ < 0) {
             start();
@@ -76,7 +77,8 @@ private:
         posix_spawn_file_actions_init(&files);
         posix_spawn_file_actions_adddup2(&files, ends[1], STDIN_FILENO);
         posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
-        std::array<char*, 2> arguments{const_cast<char*>(program.c_str()), nullptr};
+        char* option = keeps_ ? const_cast<char*>(kKeepOption) : nullptr;
+        std::array<char*, 3> arguments{const_cast<char*>(program.c_str()), option, nullptr};
         const int error = posix_spawn(&process_, program.c_str(), &files, nullptr, arguments.data(), environ);
         posix_spawn_file_actions_destroy(&files);
         if (error != 0) {
@@ -87,6 +89,7 @@ private:
         line_ = ends[0];
     }
 
+    bool keeps_ = false;
     pid_t process_ = -1;
     int line_ = -1;
     std::string text_;
@@ -95,6 +98,7 @@ private:
 // Everything that was ever asked in this run of the program.
 class Inquiries {
 public:
+    void keepAnswers() { asker_.keepAnswers(); }
     // Returns under what the answer will be found: the path, or the name of a library that is found nowhere.
     std::string begin(const std::string& library, Complaints complaints) {
         const std::string path = library.empty() ? "" : locateLibrary(library.c_str());
@@ -164,6 +168,10 @@ Inquiries& inquiries() {
 }
 
 }  // namespace
+
+void keepAnswers() {
+    inquiries().keepAnswers();
+}
 
 void beginAsking(const std::string& library) {
     inquiries().begin(library, Complaints::kToStandardError);

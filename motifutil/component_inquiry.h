@@ -15,11 +15,18 @@ struct ComponentAnswer {
 // Where the complaints go: one line for each library that gave no version, or that printed something.
 enum class Complaints { kToStandardError, kNowhere };
 
+// The option with which describe-component keeps answers.
+inline constexpr const char* kKeepOption = "--keep";
+
+// From now on an answer may be that of an earlier run, as long as no file has changed that decided it, and new ones are
+// kept for the next.
+void keepAnswers();
+
 // Begins to ask, for whoever will want the answer and has something else to do until then.
 void beginAsking(const std::string& library);
 
 // Asks all of these, named as bosLoadLibrary takes them, several at a time, and returns the answers in the same order.
-// One that takes longer than two seconds is given up. Each file is asked once, however often and under whatever names
-// it is given, until it changes.
+// One that takes longer than two seconds is given up. Each file is asked once in a run, however often and under
+// whatever names it is given, until it changes.
 [[nodiscard]] std::vector<ComponentAnswer> askComponents(const std::vector<std::string>& libraries,
                                                          Complaints complaints = Complaints::kToStandardError);

@@ -58,12 +58,6 @@ TEST(ComponentVersionTest, AComponentWithoutAVersionEndsTheProcess) {
                 "^" + path + " has no function getFileVersionString");
 }
 
-// Each library is asked, whatever another run was told.
-class ComponentInquiryTest : public testing::Test {
-private:
-    const ScopedEnvironment noCache_{{"XDG_CACHE_HOME", "/dev/null"}};
-};
-
 // The libraries' versions, one behind the other, and what is complained of.
 std::pair<std::string, std::string> inquire(const std::vector<std::string>& libraries) {
     std::string versions;
@@ -74,7 +68,7 @@ std::pair<std::string, std::string> inquire(const std::vector<std::string>& libr
     return {versions, testing::internal::GetCapturedStderr()};
 }
 
-TEST_F(ComponentInquiryTest, NothingThatALibraryDoesKeepsTheOthersFromAnswering) {
+TEST(ComponentInquiryTest, NothingThatALibraryDoesKeepsTheOthersFromAnswering) {
     const TemporaryFolder folder;
     std::filesystem::copy_file(VH_TEST_BAD_COMPONENT, folder.path("good.so"));
     const std::string whole = folder.read("good.so");
@@ -112,13 +106,14 @@ TEST_F(ComponentInquiryTest, NothingThatALibraryDoesKeepsTheOthersFromAnswering)
     EXPECT_EQ(inquire({libraries[2]}).first, "|7.1");
 }
 
-TEST_F(ComponentInquiryTest, AnAnswerIsKeptUntilOneOfItsFilesChanges) {
+TEST(ComponentInquiryTest, AnAnswerIsKeptUntilOneOfItsFilesChanges) {
     const TemporaryFolder folder;
     const std::string library = folder.path("lib.so");
     const ScopedEnvironment environment{{"XDG_CACHE_HOME", folder.path("cache")}, {"KVLIB", folder.path("drivers")}};
     // In a run of its own, where the library would tell this version now.
     const auto ask = [&library](const char* version) {
         return runInChild([&library, version] {
+            keepAnswers();
             setenv("VH_TEST_VERSION", version, 1);
             return std::atoi(askComponents({library})[0].version.c_str());
         });
@@ -141,11 +136,11 @@ TEST_F(ComponentInquiryTest, AnAnswerIsKeptUntilOneOfItsFilesChanges) {
     const std::string printing = folder.path("prints.so");
     std::filesystem::create_symlink(VH_TEST_BAD_COMPONENT, printing);
     for (int run = 0; run < 2; ++run) {
-        EXPECT_EQ(runInChild([&] { return inquire({printing}).second.empty() ? 1 : 0; }), 0);
+        EXPECT_EQ(runInChild([&] { return keepAnswers(), inquire({printing}).second.empty() ? 1 : 0; }), 0);
     }
 }
 
-TEST_F(ComponentInquiryTest, DriversOfDebianTellTheirVersionsByTheirOdbcFunctions) {
+TEST(ComponentInquiryTest, DriversOfDebianTellTheirVersionsByTheirOdbcFunctions) {
     // Ours stand in for some of them, found before the driver that they answer for.
     const ScopedEnvironment search{{"KVLIB", VH_TEST_STAND_INS ":/usr/lib/" VH_TEST_TRIPLET "/odbc"}};
     EXPECT_EQ(

@@ -6,7 +6,6 @@
 
 OdbcFiles::OdbcFiles()
     : environment_({{"HOME", folder().path()},
-                    {"XDG_CACHE_HOME", std::nullopt},
                     {"ODBCINI", path(kUser)},
                     {"ODBC_INI", std::nullopt},
                     {"ODBCSYSINI", folder().path()},
