@@ -1,7 +1,8 @@
 // Tells what libraries say of themselves. Each is loaded in a process of its own: whatever the library does to a
 // process, it does to that one. Which ones, and how it answers, tells components/inquiry_server.h. The three texts are
 // "ConfigDSN" for a setup library and nothing for any other, the version, and the company; what the library prints
-// becomes a complaint. Behind them stand the files that decide the answer, and an empty text. For the administrator
+// becomes a complaint. Behind them stand the files that decide the answer with their states, and an empty
+// text. For the administrator
 // (kKeepOption) answers are kept; the commands of an installation leave nothing in anybody's home.
 #include <dlfcn.h>
 #include <sys/prctl.h>
@@ -13,6 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <optional>
 #include <string>
 
@@ -42,6 +44,7 @@ void beModest() {
 
 void describe(const std::string& path, int answer) {
     beModest();
+    const std::time_t askedAt = std::time(nullptr);
     void* library = dlopen(path.c_str(), RTLD_NOW);
     if (library == nullptr) {
         std::fprintf(stderr, "%s\n", dlerror());
@@ -58,7 +61,7 @@ void describe(const std::string& path, int answer) {
     told = tell(answer, version) && tell(answer, company == nullptr ? "" : company) && told;
     // Last: only now all is loaded that the answer took.
     std::string files;
-    for (const std::string& file : decidingFiles()) {
+    for (const std::string& file : decidingFiles(askedAt)) {
         appendText(files, file);
     }
     appendText(files, "");

@@ -8,10 +8,14 @@
 
 namespace {
 
+bool isOurs(const struct stat& status) {
+    return status.st_uid == geteuid();
+}
+
 bool makeFolder(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) {
-        return S_ISDIR(status.st_mode) && status.st_uid == geteuid();
+        return S_ISDIR(status.st_mode) && (isOurs(status) || geteuid() != 0);
     }
     return path.size() > 1 && makeFolder(parentFolder(path)) && (mkdir(path.c_str(), S_IRWXU) == 0 || errno == EEXIST);
 }
@@ -32,7 +36,10 @@ std::string parentFolder(const std::string& path, int parts) {
 }
 
 std::string cacheFolder() {
+    const std::string all = environmentOr("XDG_CACHE_HOME", "");
     const std::string folder =
-        environmentOr("XDG_CACHE_HOME", environmentOr("HOME", "") + "/.cache") + "/varnholt-odbcadmin";
-    return folder.starts_with('/') && makeFolder(folder) ? folder : "";
+        (all.starts_with('/') ? all : environmentOr("HOME", "") + "/.cache") + "/varnholt-odbcadmin";
+    struct stat status {};
+    const bool isThere = folder.starts_with('/') && makeFolder(folder) && stat(folder.c_str(), &status) == 0;
+    return isThere && isOurs(status) ? folder : "";
 }

@@ -12,7 +12,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
-#include <ctime>
 #include <deque>
 #include <list>
 #include <string_view>
@@ -82,7 +81,7 @@ private:
 struct Answer {
     std::vector<std::string> texts;
     std::string complaint;
-    std::vector<std::string> files;  // That decide it; none when they are not all known.
+    std::vector<std::string> files;  // That decide it, and their states; none when they are not all known.
 };
 
 // One library and the process that asks it, which ends with this.
@@ -94,7 +93,6 @@ public:
     Inquiry& operator=(const Inquiry&) = delete;
 
     const std::string& path() const { return path_; }
-    std::time_t askedAt() const { return askedAt_; }
     void watch(std::vector<pollfd>& watched) const {
         // A closed one is negative, which poll passes over.
         watched.push_back({answer_.input(), POLLIN, 0});
@@ -110,7 +108,8 @@ public:
         const bool isEnd = takeAnswer();
         const bool isLate = !isEnd && now >= begin_ + kPatience;
         isLate_ = isLate && !isComplete();
-        return isEnd || isWhole() || isLate;
+        // The files may be on a file system that does not answer.
+        return isEnd || isWhole() || isLate || (isComplete() && !isBusy(now));
     }
 
     // Ends the process, if it has not ended itself. The answer is what has come until then.
@@ -132,7 +131,6 @@ private:
 
     std::string path_;
     Clock::time_point begin_;
-    std::time_t askedAt_ = std::time(nullptr);
     Pipe answer_;
     Pipe printed_;
     pid_t process_ = -1;
@@ -275,7 +273,7 @@ private:
                 }
                 tell(inquiry->path(), answer.complaint, texts);
                 if (answer.complaint.empty()) {
-                    kept_.keep(inquiry->path(), texts, answer.files, inquiry->askedAt());
+                    kept_.keep(inquiry->path(), texts, answer.files);
                 }
                 inquiry = running_.erase(inquiry);
             } else {

@@ -4,9 +4,9 @@
 
 #include <string>
 
-// Loads the library at `path`, writes three texts to the descriptor `answer`, then the names of the files that decide
-// them and an empty text, each with a zero byte behind it, and ends the process. Called in a process of its own, which
-// may end in any way.
+// Loads the library at `path`, writes three texts to the descriptor `answer`, then the files that decide them with
+// their states, and an empty text, each with a zero byte behind it, and ends the process. Called in a process of its
+// own, which may end in any way.
 using Describe = void(const std::string& path, int answer);
 
 // Takes paths from standard input, each with a zero byte behind it, until that ends, and writes for each to standard

@@ -2,12 +2,19 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <poll.h>
+#include <sys/auxv.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <filesystem>
 #include <set>
 #include <sstream>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "components/folders.h"
@@ -16,6 +23,8 @@
 #include "motifutil/file_state.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 // File systems tell times in steps of up to two seconds: what is newer may change once more and look the same.
 constexpr std::time_t kTimeStep = 2;
@@ -30,19 +39,24 @@ std::string textOf(const FileState& state) {
 // What decides all answers besides files: this program, and the variables that say what is loaded and in which language
 // it speaks.
 std::string surroundings() {
-    std::string text = textOf(fileState("/proc/self/exe"));
+    std::set<std::string> settings;
     for (char** variable = environ; *variable != nullptr; ++variable) {
         const std::string_view setting(*variable);
         if (setting.starts_with("LD_") || setting.starts_with("LC_") || setting.starts_with("LANG") ||
             setting.starts_with("KVLIB=")) {
-            text.append("\n").append(setting);
+            settings.emplace(setting);
         }
+    }
+    std::string text = textOf(fileState("/proc/self/exe"));
+    for (const std::string& setting : settings) {
+        text.append("\n").append(setting);
     }
     return text;
 }
 
 int addLoaded(dl_phdr_info* object, std::size_t /*size*/, void* files) {
-    if (object->dlpi_name != nullptr && *object->dlpi_name == '/') {
+    // The program itself has no name, and the kernel's part of it no file.
+    if (*object->dlpi_name != '\0' && object->dlpi_addr != getauxval(AT_SYSINFO_EHDR)) {
         static_cast<std::set<std::string>*>(files)->insert(object->dlpi_name);
     }
     return 0;
@@ -61,7 +75,13 @@ std::set<std::string> searchedFolders(const std::string& path) {
     std::set<std::string> folders;
     if (dlinfo(object, RTLD_DI_SERINFO, found) == 0) {
         for (unsigned int i = 0; i < found->dls_cnt; ++i) {
-            folders.emplace(found->dls_serpath[i].dls_name);
+            const fs::path folder = found->dls_serpath[i].dls_name;
+            folders.insert(folder);
+            // For processors that can more (ld.so(8)).
+            std::error_code ignored;
+            for (const auto& entry : fs::directory_iterator(folder / "glibc-hwcaps", ignored)) {
+                folders.insert(entry.path());
+            }
         }
     }
     return folders;
@@ -69,7 +89,7 @@ std::set<std::string> searchedFolders(const std::string& path) {
 
 }  // namespace
 
-std::vector<std::string> decidingFiles() {
+std::vector<std::string> decidingFiles(std::time_t askedAt) {
     std::set<std::string> loaded;
     dl_iterate_phdr(addLoaded, &loaded);
     std::set<std::string> files{"/etc/ld.so.cache", "/etc/ld.so.preload"};
@@ -82,7 +102,15 @@ std::vector<std::string> decidingFiles() {
         files.insert(folder);
     }
     files.erase("");
-    return {files.begin(), files.end()};
+    std::vector<std::string> states;
+    for (const std::string& file : files) {
+        const FileState state = fileState(file);
+        if (!file.starts_with('/') || state.changed + kTimeStep >= askedAt) {
+            return {};
+        }
+        states.insert(states.end(), {file, textOf(state)});
+    }
+    return states;
 }
 
 KeptAnswers::KeptAnswers(std::string path) : path_(std::move(path)) {
@@ -100,9 +128,6 @@ bool KeptAnswers::read() {
         return false;
     }
     for (; texts.end() - text >= 2 && !text->empty(); text += 2) {
-        if (text[1] != textOf(fileState(text[0]))) {
-            return false;
-        }
         states_[text[0]] = text[1];
     }
     constexpr std::ptrdiff_t kGroup = 1 + kAnswerTexts;
@@ -113,7 +138,26 @@ bool KeptAnswers::read() {
         std::string& answer = answers_[*text];
         std::for_each(text + 1, text + kGroup, [&answer](const std::string& part) { appendText(answer, part); });
     }
-    return true;
+    return statesHold();
+}
+
+// Whether all files are as they were. In a process of its own, since one may be on a file system that does not answer.
+bool KeptAnswers::statesHold() const {
+    constexpr int kPatience = 200;
+    const pid_t process = fork();
+    if (process == 0) {
+        const auto holds = [](const auto& file) { return textOf(fileState(file.first)) == file.second; };
+        _exit(std::all_of(states_.begin(), states_.end(), holds) ? 0 : 1);
+    }
+    pollfd end{process < 0 ? -1 : static_cast<int>(syscall(SYS_pidfd_open, process, 0)), POLLIN, 0};
+    siginfo_t result{};
+    const bool isKnown = end.fd >= 0 && poll(&end, 1, kPatience) == 1 &&
+                         waitid(P_PID, static_cast<id_t>(process), &result, WEXITED) == 0;
+    if (process > 0 && !isKnown) {
+        kill(process, SIGKILL);
+    }
+    close(end.fd);
+    return isKnown && result.si_code == CLD_EXITED && result.si_status == 0;
 }
 
 const std::string* KeptAnswers::find(const std::string& library) const {
@@ -121,18 +165,14 @@ const std::string* KeptAnswers::find(const std::string& library) const {
     return found == answers_.end() ? nullptr : &found->second;
 }
 
-void KeptAnswers::keep(const std::string& library, const std::string& texts, const std::vector<std::string>& files,
-                       std::time_t askedAt) {
+void KeptAnswers::keep(const std::string& library, const std::string& texts, const std::vector<std::string>& files) {
     std::map<std::string, std::string> states;
-    for (const std::string& file : files) {
-        const FileState state = fileState(file);
-        const auto [known, isNew] = states.try_emplace(file, textOf(state));
-        const auto before = states_.find(file);
-        // What is found from the current directory is another file tomorrow.
-        if (!file.starts_with('/') || state.changed + kTimeStep >= askedAt ||
-            (before != states_.end() && before->second != known->second)) {
+    for (std::size_t i = 0; i + 1 < files.size(); i += 2) {
+        const auto known = states_.find(files[i]);
+        if (known != states_.end() && known->second != files[i + 1]) {
             return;
         }
+        states[files[i]] = files[i + 1];
     }
     if (library.starts_with('/') && !states.empty()) {
         states_.merge(states);
@@ -142,9 +182,13 @@ void KeptAnswers::keep(const std::string& library, const std::string& texts, con
 }
 
 void KeptAnswers::save() const {
-    if (path_.empty() || !hasNew_) {
-        return;
+    if (!path_.empty() && hasNew_ && fork() == 0) {
+        writeFile(path_, text());
+        _exit(0);
     }
+}
+
+std::string KeptAnswers::text() const {
     std::string all;
     appendText(all, surroundings());
     for (const auto& [file, state] : states_) {
@@ -156,5 +200,5 @@ void KeptAnswers::save() const {
         appendText(all, library);
         all += texts;
     }
-    writeFile(path_, all);
+    return all;
 }

@@ -1,18 +1,26 @@
 #include "components/small_files.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdio>
 
 std::string readFile(const std::string& path) {
+    constexpr off_t kMost = 16 << 20;
     std::string text;
-    if (FILE* file = std::fopen(path.c_str(), "re")) {
+    // A pipe would wait for somebody who writes.
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    struct stat status {};
+    if (file >= 0 && fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= kMost) {
         std::array<char, 4096> part{};
-        while (const std::size_t count = std::fread(part.data(), 1, part.size(), file)) {
-            text.append(part.data(), count);
+        for (ssize_t count = 0; (count = read(file, part.data(), part.size())) > 0;) {
+            text.append(part.data(), static_cast<std::size_t>(count));
         }
-        std::fclose(file);
+    }
+    if (file >= 0) {
+        close(file);
     }
     return text;
 }

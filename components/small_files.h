@@ -3,7 +3,7 @@
 
 #include <string>
 
-// The whole file; empty when it can't be read.
+// The whole file; empty when it can't be read, is none, or has more than 16 MB.
 std::string readFile(const std::string& path);
 
 // Writes the whole file or nothing; not across a power failure. False when it could not.

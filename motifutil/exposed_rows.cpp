@@ -26,7 +26,7 @@ void drawExposed(Widget widget, XEvent* event, Region region) {
     // A frame around the whole list.
     const bool hasFrame =
         record.primitive.shadow_thickness > 0 || (list.Traversing != 0 && (keyboard < 0 || keyboard >= shown));
-    if (event == nullptr || event->type != Expose || shown < 1 || hasFrame) {
+    if (event == nullptr || event->type != Expose || shown < 1 || list.spacing < 1 || hasFrame) {
         drawAll(widget, event, region);
         return;
     }
