@@ -75,13 +75,7 @@ std::set<std::string> searchedFolders(const std::string& path) {
     std::set<std::string> folders;
     if (dlinfo(object, RTLD_DI_SERINFO, found) == 0) {
         for (unsigned int i = 0; i < found->dls_cnt; ++i) {
-            const fs::path folder = found->dls_serpath[i].dls_name;
-            folders.insert(folder);
-            // For processors that can more (ld.so(8)).
-            std::error_code ignored;
-            for (const auto& entry : fs::directory_iterator(folder / "glibc-hwcaps", ignored)) {
-                folders.insert(entry.path());
-            }
+            folders.emplace(found->dls_serpath[i].dls_name);
         }
     }
     return folders;
@@ -92,10 +86,19 @@ std::set<std::string> searchedFolders(const std::string& path) {
 std::vector<std::string> decidingFiles(std::time_t askedAt) {
     std::set<std::string> loaded;
     dl_iterate_phdr(addLoaded, &loaded);
-    std::set<std::string> files{"/etc/ld.so.cache", "/etc/ld.so.preload"};
+    std::set<std::string> folders;
     for (const std::string& object : loaded) {
-        files.merge(searchedFolders(object));
+        folders.merge(searchedFolders(object));
     }
+    std::set<std::string> files{"/etc/ld.so.cache", "/etc/ld.so.preload"};
+    for (const std::string& folder : folders) {
+        // For processors that can more (ld.so(8)).
+        std::error_code ignored;
+        for (const auto& entry : fs::directory_iterator(fs::path(folder) / "glibc-hwcaps", ignored)) {
+            files.insert(entry.path());
+        }
+    }
+    files.merge(folders);
     files.merge(loaded);
     std::istringstream list(environmentOr("KVLIB", ""));
     for (std::string folder; std::getline(list, folder, ':');) {
