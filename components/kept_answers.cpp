@@ -146,7 +146,7 @@ bool KeptAnswers::read() {
 
 // Whether all files are as they were. In a process of its own, since one may be on a file system that does not answer.
 bool KeptAnswers::statesHold() const {
-    constexpr int kPatience = 200;
+    constexpr int kPatience = 500;
     const pid_t process = fork();
     if (process == 0) {
         const auto holds = [](const auto& file) { return textOf(fileState(file.first)) == file.second; };
