@@ -1,9 +1,8 @@
 // Tells what libraries say of themselves. Each is loaded in a process of its own: whatever the library does to a
 // process, it does to that one. Which ones, and how it answers, tells components/inquiry_server.h. The three texts are
 // "ConfigDSN" for a setup library and nothing for any other, the version, and the company; what the library prints
-// becomes a complaint. Behind them stand the files that decide the answer with their states, and an empty
-// text. For the administrator
-// (kKeepOption) answers are kept; the commands of an installation leave nothing in anybody's home.
+// becomes a complaint. Behind them stand the files that decide the answer with their states, and an empty text. For the
+// administrator (kKeepOption) answers are kept; the commands of an installation leave nothing in anybody's home.
 #include <dlfcn.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
